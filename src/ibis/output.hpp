@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text.
+class Output {
+public:
+    /// Keeps everything that is written; text() returns it.
+    Output() = default;
+    /// Writes to `stream`, which stays open and belongs to the caller.
+    explicit Output(std::FILE* stream) : stream_(stream) {}
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    ~Output() { flush(); }
+
+    /// Appends `text`.
+    void write(std::string_view text) {
+        text_.append(text);
+        if (stream_ != nullptr && text_.size() >= kFlushSize) flush();
+    }
+
+    /// Hands what is pending to the stream; nothing happens without one.
+    void flush();
+
+    /// The text written so far; over a stream only what is still pending.
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+private:
+    static constexpr std::size_t kFlushSize = 65536;
+    std::FILE* stream_ = nullptr;
+    std::string text_;
+};
+
+/// Appends `value` as "%g" prints it: at most six significant digits, the shorter of fixed and scientific form.
+void appendGeneral(std::string& text, double value);
+
+/// Appends `value` in scientific form with six digits after the point, as "%e" prints it.
+void appendScientific(std::string& text, double value);
+
+/// Appends a decimal integer, right-aligned with blanks in `width` columns when it is shorter.
+void appendInteger(std::string& text, std::int64_t value, int width = 0);
+
+} // namespace kestrel
