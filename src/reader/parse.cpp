@@ -1,0 +1,362 @@
+#include "reader/parse.hpp"
+
+#include "ibis/run.hpp"
+#include "package/pkgmdl.hpp"
+#include "reader/cmn.hpp"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace kestrel {
+
+namespace {
+
+void announce(Run& run, std::string_view name, std::string_view version) {
+    if (run.parse.quiet) return;
+    std::string text("\nChecking ");
+    text.append(name).append(" for IBIS ").append(version).append(" Compatibility...\n\n");
+    run.out.write(text);
+}
+
+void resetReader(ParseState& parse, FileKind kind) {
+    parse.kind = kind;
+    parse.line = 0;
+    parse.tab_warned = false;
+    parse.comment = '|';
+    parse.file_name.clear();
+    parse.current = KeywordCode::notKey;
+    parse.version_seen = false;
+    parse.end_seen = false;
+    parse.submodel_context = false;
+    parse.continuation_pending = false;
+}
+
+/// Length and TAB checks of a line that has been read and counted.
+void finishLine(Run& run, std::string_view line) {
+    const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
+    if (line.size() > static_cast<std::size_t>(limit) && !run.parse.long_lines)
+        errorAtLine(run.diagnostics, 905, limit);
+    if (!run.parse.tab_warned && line.find('\t') != std::string_view::npos) {
+        run.parse.tab_warned = true;
+        warningAtLine(run.diagnostics, 921);
+    }
+}
+
+/// Classifies a line by what stands behind its leading white space.
+LineKind classify(Run& run, std::string_view line, std::string_view body) {
+    if (body.empty()) return LineKind::blank;
+    if (body.front() != '[') return body.front() == run.parse.comment ? LineKind::blank : LineKind::data;
+    if (body.size() == line.size()) return LineKind::keyword;
+    // The free texts of the header may hold bracketed words.
+    if (isBetween(run.parse.current, KeywordCode::source, KeywordCode::copyright)) return LineKind::data;
+    errorAtLine(run.diagnostics, 906);
+    return LineKind::keyword;
+}
+
+bool isCommentCharLine(std::string_view line) {
+    constexpr std::size_t kLength = 14;
+    return prefixEqualsNoCase(line, "[COMMENT_CHAR]", kLength) || prefixEqualsNoCase(line, "[COMMENT CHAR]", kLength);
+}
+
+/// What follows the first "]" of a keyword line and its white space.
+std::string_view textAfterKeyword(const Run& run, std::string_view line) {
+    return skipWhiteSpace(run, line.substr(line.find(']') + 1));
+}
+
+/// "[Comment Char] #_char": the new character counts at once, also for the rest of its line.
+void changeCommentChar(Run& run, std::string_view line) {
+    constexpr std::string_view kSuffix = "_char";
+    constexpr std::string_view kForbidden = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ[]._/=+-";
+    const std::string_view text = textAfterKeyword(run, line);
+    if (text.empty() || text.substr(1, kSuffix.size()) != kSuffix) {
+        errorAtLine(run.diagnostics, 917);
+        return;
+    }
+    const char wanted = text.front();
+    if (kForbidden.find(wanted) != std::string_view::npos) {
+        errorAtLine(run.diagnostics, 918, wanted);
+        return;
+    }
+    run.parse.comment = wanted;
+    const std::string_view rest = skipWhiteSpace(run, text.substr(1 + kSuffix.size()));
+    if (!rest.empty() && rest.front() != wanted) errorAtLine(run.diagnostics, 919);
+}
+
+void endLine(Run& run, const Line& line) {
+    if (!line.text.empty()) errorAtLine(run.diagnostics, 920);
+    run.parse.end_seen = true;
+}
+
+/// Some names belong to several keywords; which one is meant follows from where they stand.
+KeywordCode inContext(const ParseState& parse, KeywordCode code) {
+    using K = KeywordCode;
+    if (code == K::manufacturer) {
+        if (isBetween(parse.current, K::definePackageModel, K::description)) return K::packageManufacturer;
+        if (isBetween(parse.current, K::beginBoardDescription, K::boardManufacturer)) return K::boardManufacturer;
+        return code;
+    }
+    if (code == K::numberOfPins && parse.kind == FileKind::ebd) return K::boardNumberOfPins;
+    if (!parse.submodel_context) return code;
+    switch (code) {
+    case K::pulldown: return K::submodelPulldown;
+    case K::pullup: return K::submodelPullup;
+    case K::gndClamp: return K::submodelGndClamp;
+    case K::powerClamp: return K::submodelPowerClamp;
+    case K::ramp: return K::submodelRamp;
+    case K::risingWaveform: return K::submodelRisingWaveform;
+    case K::fallingWaveform: return K::submodelFallingWaveform;
+    default: return code;
+    }
+}
+
+/// Finds the keyword of a line; reports 914, 915 or 916 when it is none.
+std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
+    const std::size_t bracket = line.find(']');
+    if (bracket == std::string_view::npos) {
+        errorAtLine(run.diagnostics, 914);
+        return std::nullopt;
+    }
+    const std::string_view name = line.substr(1, bracket - 1);
+    if (name.empty() || name.size() > kMaxKeywordName) {
+        errorAtLine(run.diagnostics, 915);
+        return std::nullopt;
+    }
+    if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version))
+        return inContext(run.parse, *code);
+    std::string shown(name);
+    std::replace(shown.begin(), shown.end(), ' ', '_');
+    errorAtLine(run.diagnostics, 916, shown);
+    return std::nullopt;
+}
+
+/// Every module hears of every keyword, and closes what the keyword ends.
+void tellModules(Run& run, KeywordCode code) {
+    hdrKeywordSeen(run, code);
+    cmpntKeywordSeen(run, code);
+    mdlKeywordSeen(run, code);
+    submdlKeywordSeen(run, code);
+    mselKeywordSeen(run, code);
+    pkgmdlKeywordSeen(run, code);
+}
+
+/// Whether the handler of `owner` takes lines of a file of this kind.
+bool takesKind(const ParseState& parse, Owner owner) {
+    switch (owner) {
+    case Owner::cmpnt:
+    case Owner::circuit:
+    case Owner::mdl:
+    case Owner::msel: return parse.kind == FileKind::ibs;
+    case Owner::pkgmdl: return parse.kind != FileKind::ebd || parse.version < IbisVersion::v3;
+    case Owner::ebdmdl: return parse.kind == FileKind::ebd;
+    case Owner::hdr:
+    case Owner::commentChar:
+    case Owner::submdl:
+    case Owner::testdata:
+    case Owner::testload:
+    case Owner::end:
+    case Owner::none: return true;
+    }
+    return false;
+}
+
+void reportIllegalForKind(Run& run) {
+    switch (run.parse.kind) {
+    case FileKind::pkg: errorAtLine(run.diagnostics, 911); break;
+    case FileKind::ebd: errorAtLine(run.diagnostics, 912); break;
+    case FileKind::ibs:
+    case FileKind::ami: errorAtLine(run.diagnostics, 913); break;
+    }
+}
+
+/// Reports a keyword that has no place in a file of this kind, and a second "[IBIS Ver]".
+void checkKind(Run& run, KeywordCode code) {
+    if (code == KeywordCode::ibisVer && run.parse.version_seen) errorAtLine(run.diagnostics, 910);
+    if (run.parse.version >= IbisVersion::v3) {
+        if (!takesKind(run.parse, ownerOf(code))) reportIllegalForKind(run);
+    } else if ((code == KeywordCode::component || code == KeywordCode::model) && run.parse.kind != FileKind::ibs) {
+        errorAtLine(run.diagnostics, 911);
+    }
+}
+
+/// Opens the record that a keyword begins.
+void openRecord(Run& run, KeywordCode code) {
+    switch (code) {
+    case KeywordCode::ibisVer:
+        if (!run.parse.version_seen) openHdr(run);
+        run.parse.version_seen = true;
+        break;
+    case KeywordCode::component: openCmpnt(run); break;
+    case KeywordCode::model: openMdl(run); break;
+    case KeywordCode::definePackageModel: openPkgMdl(run); break;
+    case KeywordCode::modelSelector: openMSel(run); break;
+    case KeywordCode::submodel: openSubMdl(run); break;
+    default: break;
+    }
+}
+
+/// Hands a line to the module that owns its keyword.
+void handOn(Run& run, const Line& line) {
+    const Owner owner = ownerOf(line.key);
+    if (!takesKind(run.parse, owner)) return;
+    switch (owner) {
+    case Owner::hdr: hdrLine(run, line); break;
+    case Owner::cmpnt: cmpntLine(run, line); break;
+    case Owner::mdl: mdlLine(run, line); break;
+    case Owner::pkgmdl: pkgmdlLine(run, line); break;
+    case Owner::msel: mselLine(run, line); break;
+    case Owner::submdl: submdlLine(run, line); break;
+    case Owner::end: endLine(run, line); break;
+    case Owner::none: errorAtLine(run.diagnostics, 907, line.text); break;
+    // A comment-character line is dealt with ahead of the dispatch; the others' lines are not examined.
+    case Owner::commentChar:
+    case Owner::circuit:
+    case Owner::ebdmdl:
+    case Owner::testdata:
+    case Owner::testload: break;
+    }
+}
+
+void dispatchKeyword(Run& run, std::string_view line) {
+    ParseState& parse = run.parse;
+    if (parse.continuation_pending && parse.version >= IbisVersion::v3) {
+        errorAtLine(run.diagnostics, 909);
+        parse.continuation_pending = false;
+    }
+    const std::optional<KeywordCode> code = recognise(run, line);
+    parse.current = code.value_or(KeywordCode::notKey);
+    if (!code) return;
+    if (*code == KeywordCode::model) parse.submodel_context = false;
+    if (*code == KeywordCode::submodel) parse.submodel_context = true;
+    tellModules(run, *code);
+    checkKind(run, *code);
+    if (takesKind(parse, ownerOf(*code))) openRecord(run, *code);
+    handOn(run, Line{LineKind::keyword, *code, textAfterKeyword(run, line)});
+}
+
+/// One line from the file, without its line feed.
+void handleLine(Run& run, std::string_view line) {
+    finishLine(run, line);
+    std::string_view body = skipWhiteSpace(run, line);
+    const LineKind kind = classify(run, line, body);
+    if (kind == LineKind::blank) return;
+    if (run.parse.end_seen) {
+        errorAtLine(run.diagnostics, 902);
+        return;
+    }
+    if (kind == LineKind::keyword && isCommentCharLine(body)) {
+        changeCommentChar(run, body);
+        return;
+    }
+    // A keyword is read from its bracket on, data with its leading blanks.
+    const std::string_view whole = kind == LineKind::keyword ? body : line;
+    const std::string_view text = stripTrailing(whole.substr(0, whole.find(run.parse.comment)));
+    if (kind == LineKind::keyword) {
+        dispatchKeyword(run, text);
+    } else {
+        handOn(run, Line{LineKind::data, run.parse.current, text});
+    }
+}
+
+/// The name by which a version class is announced; nothing for one that is refused.
+std::optional<std::string_view> announcedVersion(IbisVersion version) {
+    switch (version) {
+    case IbisVersion::v2: return "2.1";
+    case IbisVersion::v3: return "3.2";
+    case IbisVersion::v4: return "4.2";
+    case IbisVersion::v5: return "5.1";
+    case IbisVersion::none:
+    case IbisVersion::v1: break;
+    }
+    return std::nullopt;
+}
+
+/// Cuts an .ami line at a comment and follows the quoted strings, which may run over many lines and hide the comment
+/// character.
+std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') {
+            parse.in_string = !parse.in_string;
+            if (parse.in_string) parse.string_line = parse.line;
+        } else if (line[i] == parse.comment && !parse.in_string) {
+            return line.substr(0, i);
+        }
+    }
+    return line;
+}
+
+void runCompletionChecks(Run& run, FileKind kind) {
+    switch (kind) {
+    case FileKind::ibs: finalChecks(run); break;
+    case FileKind::pkg:
+    case FileKind::ebd: finalBoardChecks(run, false); break;
+    case FileKind::ami: break;
+    }
+}
+
+} // namespace
+
+bool parseFile(Run& run, std::string_view name, FileKind kind) {
+    resetReader(run.parse, kind);
+    std::uint32_t scanned = 0;
+    const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));
+    if (!version) {
+        error(run.diagnostics, 900, name);
+        return false;
+    }
+    announce(run, name, *version);
+    const std::optional<Source> source = openSource(run, name, kind);
+    if (!source) return false;
+    run.parse.file_name = source->bare_name;
+    LineReader reader{.text = source->text};
+    while (const std::optional<std::string_view> line = readLine(run, reader, kLineCapacity)) {
+        ++run.parse.line;
+        handleLine(run, *line);
+    }
+    if (!run.parse.end_seen) {
+        error(run.diagnostics, 903);
+        dispatchKeyword(run, "[END]");
+    }
+    return true;
+}
+
+bool collectAmi(Run& run, std::string_view name) {
+    ParseState& parse = run.parse;
+    announce(run, name, "5.1");
+    const bool long_lines = parse.long_lines;
+    parse.long_lines = true;
+    parse.line = 0;
+    parse.in_string = false;
+    parse.comment = '|';
+    parse.ami_text.clear();
+    const std::optional<Source> source = openSource(run, name, FileKind::ami);
+    if (source) {
+        LineReader reader{.text = source->text};
+        while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
+            ++parse.line;
+            parse.ami_text.append(cutAmiComment(parse, *line)).push_back('\n');
+        }
+        if (parse.in_string) error(run.diagnostics, 924, static_cast<std::int64_t>(parse.string_line));
+    }
+    parse.long_lines = long_lines;
+    return source.has_value();
+}
+
+void checkFile(Run& run, std::string_view name, FileKind kind) {
+    createRoot(run);
+    run.parse.top_level = true;
+    const std::string_view path = name.substr(0, kMaxPath);
+    try {
+        if (kind == FileKind::ami) {
+            collectAmi(run, path);
+        } else {
+            parseFile(run, path, kind);
+        }
+        runCompletionChecks(run, kind);
+    } catch (const std::bad_alloc&) {
+        const SourceMark mark = here();
+        programBug(run.diagnostics, 1908, mark.file, mark.line);
+    }
+}
+
+} // namespace kestrel

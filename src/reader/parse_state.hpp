@@ -1,0 +1,39 @@
+#pragma once
+
+#include "reader/keyword.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace kestrel {
+
+/// What a source file is; chosen by who opens it, never taken from its content.
+enum class FileKind : std::uint8_t { ibs = 1, pkg = 2, ebd = 3, ami = 4 };
+
+/// Class of the IBIS language version: the first digit of the version text. Limits and gates go by class.
+enum class IbisVersion : std::uint8_t { none = 0, v1 = 1, v2 = 2, v3 = 3, v4 = 4, v5 = 5 };
+
+/// The reader's state for the file being read. A nested parse saves it and puts it back.
+struct ParseState {
+    std::string directory;  ///< directory part, separator included, of the last name opened
+    std::string file_name;  ///< bare name of the file being read
+    std::uint32_t line = 0; ///< lines read so far
+    FileKind kind = FileKind::ibs;
+    IbisVersion file_version = IbisVersion::none; ///< found by the pre-scan
+    IbisVersion version = IbisVersion::none;      ///< set by "[IBIS Ver]"; chooses keyword table and limits
+    KeywordCode current = KeywordCode::notKey;    ///< keyword that data lines belong to
+    char comment = '|';
+    bool tab_warned = false;
+    bool version_seen = false;         ///< "[IBIS Ver]" was read
+    bool end_seen = false;             ///< "[End]" was read
+    bool submodel_context = false;     ///< table keywords belong to a "[Submodel]"
+    bool continuation_pending = false; ///< a construct over several lines is still open
+    bool long_lines = false;           ///< no bound on white space and line length; on while an .ami file is read
+    bool quiet = false;                ///< leaves out the announcement
+    bool top_level = false;            ///< set by the run driver; admits version texts 1.x
+    bool in_string = false;            ///< inside a quoted string of an .ami file
+    std::uint32_t string_line = 0;     ///< where that string began
+    std::string ami_text;              ///< the collected lines of an .ami file
+};
+
+} // namespace kestrel

@@ -1,0 +1,48 @@
+#include "reader/rng.hpp"
+
+#include "ibis/run.hpp"
+
+namespace kestrel {
+
+namespace {
+
+constexpr int kCells = 3;
+
+void reportCount(Diagnostics& diagnostics, int count, std::string_view quantity) {
+    if (count == 0 || count > kCells) {
+        errorAtLine(diagnostics, 3902, count, quantity, kCells);
+        return;
+    }
+    if (count < 2) {
+        errorAtLine(diagnostics, 3901, "minimum", quantity);
+    }
+    if (count < 3) {
+        errorAtLine(diagnostics, 3901, "maximum", quantity);
+    }
+}
+
+/// True when all three are numbers and the typical one lies below both others or above both.
+bool typOutside(const Rng& range) {
+    if (!range.typ.isNumber() || !range.min.isNumber() || !range.max.isNumber()) {
+        return false;
+    }
+    const double typ = range.typ.value;
+    return (typ < range.min.value && typ < range.max.value) || (typ > range.min.value && typ > range.max.value);
+}
+
+} // namespace
+
+bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check) {
+    Diagnostics& diagnostics = run.diagnostics;
+    const ItemList items = splitItems(run, text, kCells);
+    reportCount(diagnostics, items.count, quantity);
+    const bool typ = readCell(diagnostics, items[0], items.has(0), quantity, "Typical", range.typ);
+    const bool min = readCell(diagnostics, items[1], items.has(1), quantity, "Minimum", range.min);
+    const bool max = readCell(diagnostics, items[2], items.has(2), quantity, "Maximum", range.max);
+    if (check == OrderCheck::on && typOutside(range)) {
+        warningAtLine(diagnostics, 3903);
+    }
+    return typ && min && max;
+}
+
+} // namespace kestrel

@@ -1,0 +1,54 @@
+#include "reader/rngp.hpp"
+
+#include "ibis/run.hpp"
+
+namespace kestrel {
+
+namespace {
+
+constexpr int kItems = static_cast<int>(kColumns);
+
+void reportCount(Diagnostics& diagnostics, int count, std::string_view table) {
+    if (count == 0 || count > kItems) {
+        errorAtLine(diagnostics, 1402, count, table, kItems);
+        return;
+    }
+    constexpr std::array<std::string_view, kColumns> kNames{"", "typical", "minimum", "maximum"};
+    for (auto column = static_cast<std::size_t>(count); column < kColumns; ++column) {
+        errorAtLine(diagnostics, 1401, kNames[column], table);
+    }
+}
+
+} // namespace
+
+TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label) {
+    const ItemList items = splitItems(run, text, kItems);
+    if (items.count != kItems) {
+        reportCount(run.diagnostics, items.count, table);
+    }
+    const std::array<std::string_view, kColumns> labels{first_label, "Typical", "Minimum", "Maximum"};
+    TableRow row;
+    for (int column = 0; column < kItems; ++column) {
+        const auto at = static_cast<std::size_t>(column);
+        Cell cell;
+        readCell(run.diagnostics, items[column], items.has(column), table, labels[at], cell);
+        row.value[at] = cell.value;
+        row.state[at] = cell.state;
+    }
+    return row;
+}
+
+std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
+                      RepeatIndex* repeats) {
+    if (repeats != nullptr) {
+        std::uint32_t& earlier = (*repeats)[row.value[kFirst]];
+        for (std::uint32_t i = 0; i < earlier; ++i) {
+            errorAtLine(diagnostics, 1403, row.value[kFirst]);
+        }
+        ++earlier;
+    }
+    rows.push_back(row);
+    return rows.size();
+}
+
+} // namespace kestrel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "reader/cmn.hpp"
+
+#include <array>
+#include <unordered_map>
+#include <vector>
+
+namespace kestrel {
+
+/// The columns of an I-V or V-t table.
+enum Column : std::uint8_t { kFirst = 0, kTyp = 1, kMin = 2, kMax = 3 };
+inline constexpr std::size_t kColumns = 4;
+
+/// One line of an I-V or V-t table: the voltage or time, then typical, minimum and maximum.
+struct TableRow {
+    std::array<double, kColumns> value{};
+    std::array<CellState, kColumns> state{};
+
+    [[nodiscard]] bool isNumber(Column column) const { return state[column] == CellState::number; }
+};
+
+/// How often each first-column value stands in a table; only for tables that forbid repeats.
+using RepeatIndex = std::unordered_map<double, std::uint32_t>;
+
+/// Reads one line of a table. Reports 1401 (missing columns), 1402 (number of items) and what readCell reports; a row is made whatever its
+/// cells hold, callers go by their states.
+[[nodiscard]] TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label);
+
+/// Appends the row and returns the number of rows. With `repeats`, every earlier row of the same first-column value gives error 1403.
+std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
+                      RepeatIndex* repeats = nullptr);
+
+} // namespace kestrel

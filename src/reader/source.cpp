@@ -1,0 +1,184 @@
+#include "reader/source.hpp"
+
+#include "ibis/run.hpp"
+#include "reader/cmn.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <new>
+
+namespace kestrel {
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// Reads a whole file from the disk; null when it cannot be opened or read, a folder among them.
+SourceText readFile(const std::string& path) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(path, failure)) return nullptr;
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+    if (!file) return nullptr;
+    constexpr std::size_t kPiece = 65536;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
+    auto text = std::make_shared<std::string>();
+    std::size_t used = 0;
+    // One byte more than the size, so that the end of the file is met without growing the text.
+    text->resize(failure ? kPiece : static_cast<std::size_t>(size) + 1);
+    while (const std::size_t got = std::fread(text->data() + used, 1, text->size() - used, file.get())) {
+        used += got;
+        if (used == text->size()) text->resize(used + std::max(used, kPiece));
+    }
+    if (std::ferror(file.get()) != 0) return nullptr;
+    text->resize(used);
+    return text;
+}
+
+SourceText loadText(Run& run, const std::string& path) {
+    SourceStore& store = run.sources;
+    if (const auto given = store.texts.find(path); given != store.texts.end()) return given->second;
+    if (store.last && store.last_path == path) return store.last;
+    store.last = nullptr;
+    store.last = readFile(path);
+    store.last_path = path;
+    return store.last;
+}
+
+void reportExtension(Diagnostics& diagnostics, FileKind kind) {
+    switch (kind) {
+    case FileKind::ibs: error(diagnostics, 1900); break;
+    case FileKind::pkg: error(diagnostics, 1903); break;
+    case FileKind::ebd: error(diagnostics, 1902); break;
+    case FileKind::ami: error(diagnostics, 1924); break;
+    }
+}
+
+constexpr bool isIllegal(char c) {
+    return static_cast<unsigned char>(c) >= 0x80 || (static_cast<unsigned char>(c) < 0x20 && c != '\t');
+}
+
+/// Plain accumulation over all bytes: the compiler turns it into wide compares.
+bool isClean(std::string_view line) {
+    bool illegal = false;
+    for (const char c : line)
+        illegal |= isIllegal(c);
+    return !illegal;
+}
+
+std::string_view kindOfIllegal(char c) {
+    if (c == '\0') return "NUL";
+    return static_cast<unsigned char>(c) >= 0x80 ? "non-7-bit ASCII" : "control";
+}
+
+/// Copies the line with a blank for each illegal character, reporting them; of an overlong line the rest is reported,
+/// too.
+std::string_view policeLine(Run& run, LineReader& reader, std::string_view line, std::size_t capacity) {
+    reader.replaced.clear();
+    for (const char c : line) {
+        const bool room = reader.replaced.size() + 1 < capacity;
+        if (isIllegal(c)) {
+            errorAtLine(run.diagnostics, 1917, kindOfIllegal(c), static_cast<unsigned>(static_cast<unsigned char>(c)),
+                        std::string_view(room ? "  Converting to space." : ""));
+        }
+        if (room) reader.replaced.push_back(isIllegal(c) ? ' ' : c);
+    }
+    return reader.replaced;
+}
+
+} // namespace
+
+std::string_view extensionOf(FileKind kind) {
+    constexpr std::array<std::string_view, 4> kExtensions{".ibs", ".pkg", ".ebd", ".ami"};
+    return kExtensions[static_cast<std::size_t>(kind) - 1];
+}
+
+std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind) {
+    if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) assertionFailed(run.out, here());
+    std::string& directory = run.parse.directory;
+    Source source;
+    const std::size_t separator = name.find_last_of("/\\");
+    if (separator == std::string_view::npos) {
+        source.bare_name = name.substr(0, kMaxPath);
+    } else {
+        directory = name.substr(0, separator + 1);
+        source.bare_name = name.substr(separator + 1, kMaxPath);
+    }
+    const std::string_view extension = extensionOf(kind);
+    const std::size_t period = source.bare_name.rfind('.');
+    if (period == std::string::npos) {
+        if (source.bare_name.size() + extension.size() > kMaxPath) {
+            error(run.diagnostics, 1901);
+            return std::nullopt;
+        }
+        source.bare_name.append(extension);
+    } else if (!equalsNoCase(std::string_view(source.bare_name).substr(period), extension)) {
+        reportExtension(run.diagnostics, kind);
+        return std::nullopt;
+    }
+    if (directory.size() + source.bare_name.size() > kMaxPath) {
+        error(run.diagnostics, 1904);
+        return std::nullopt;
+    }
+    source.path = directory + source.bare_name;
+    try {
+        using Convert = void (*)(std::string&);
+        constexpr std::array<Convert, 3> kSpellings{[](std::string&) {}, lowerCase, upperCase};
+        for (const Convert convert : kSpellings) {
+            std::string path = source.path;
+            convert(path);
+            source.text = loadText(run, path);
+            if (!source.text) continue;
+            source.path = path;
+            convert(directory);
+            return source;
+        }
+    } catch (const std::bad_alloc&) {
+        std::error_code failure;
+        const std::uintmax_t size = std::filesystem::file_size(source.path, failure);
+        constexpr std::uintmax_t kMost = std::numeric_limits<std::uint32_t>::max();
+        error(run.diagnostics, 1906, static_cast<std::uint32_t>(std::min(size, kMost)));
+        return std::nullopt;
+    }
+    error(run.diagnostics, 1905, directory, source.bare_name);
+    return std::nullopt;
+}
+
+std::optional<std::string_view> readLine(Run& run, LineReader& reader, std::size_t capacity) {
+    const std::string_view text = *reader.text;
+    if (reader.next >= text.size()) return std::nullopt;
+    const std::size_t feed = text.find('\n', reader.next);
+    std::string_view line = text.substr(reader.next, feed == std::string_view::npos ? feed : feed - reader.next);
+    reader.next += line.size() + 1;
+    // A carriage return ahead of the line feed belongs to the line's end, a Ctrl-Z as last byte to the file's.
+    const char closing = feed == std::string_view::npos ? '\x1a' : '\r';
+    if (!line.empty() && line.back() == closing) line.remove_suffix(1);
+    if (reader.police && !isClean(line)) return policeLine(run, reader, line, capacity);
+    return line.substr(0, capacity - 1);
+}
+
+std::optional<std::string_view> readLongLine(Run& run, LineReader& reader) {
+    return readLine(run, reader, std::numeric_limits<std::size_t>::max());
+}
+
+IbisVersion scanVersion(Run& run, std::string_view name, FileKind kind, std::uint32_t& lines) {
+    const std::optional<Source> source = openSource(run, name.substr(0, kMaxPath), kind);
+    if (!source) return IbisVersion::none;
+    LineReader reader{.text = source->text};
+    while (const std::optional<std::string_view> text = readLine(run, reader, kScanCapacity)) {
+        ++lines;
+        const std::string_view line = skipWhiteSpace(run, *text);
+        if (!line.starts_with('[')) continue;
+        if (!prefixEqualsNoCase(line, "[IBIS Ver]", 10) && !prefixEqualsNoCase(line, "[IBIS_Ver]", 10)) break;
+        const std::string_view value = skipWhiteSpace(run, line.substr(line.find(']') + 1));
+        if (value.empty() || value.front() < '1' || value.front() > '5') break;
+        return static_cast<IbisVersion>(value.front() - '0');
+    }
+    return IbisVersion::none;
+}
+
+} // namespace kestrel
