@@ -1,0 +1,80 @@
+#pragma once
+
+#include "reader/cmn.hpp"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+struct Cmpnt;
+enum class IbisVersion : std::uint8_t;
+
+/// One row of "[Pin]". Values in ohms, henries and farads; "NA" or missing means the package's default.
+struct Pin {
+    std::string name;
+    std::string signal_name;
+    std::string model_name;
+    Cell r_pin;
+    Cell l_pin;
+    Cell c_pin;
+    bool model_reported = false; ///< the row reported its model name, which is then not reported again
+};
+
+/// Finds the pins of a list by their names. It holds places in the list, so that a pin costs no allocation of its own.
+class PinIndex {
+public:
+    /// The first pin of exactly this name, or null.
+    [[nodiscard]] const Pin* find(const std::vector<Pin>& pins, std::string_view name) const;
+
+    /// Enters the last pin of the list; false when its name is there already, which then keeps its first pin.
+    bool enterLast(const std::vector<Pin>& pins);
+
+private:
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t place = 0; ///< place in the list counted from 1; 0 is a free slot
+    };
+
+    [[nodiscard]] std::size_t slotOf(const std::vector<Pin>& pins, std::string_view name, std::uint32_t hash) const;
+    void grow();
+
+    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    std::size_t taken_ = 0;
+};
+
+/// Most characters of a pin name.
+[[nodiscard]] int pinNameLimit(IbisVersion version);
+
+/// The pin of exactly this name, or null; of repeated names the first.
+[[nodiscard]] const Pin* findPin(const Cmpnt& component, std::string_view name);
+
+/// True for model names that stand for a supply or no connection: "POWER", "GND", "NC" in any case.
+[[nodiscard]] bool isUnmodeledPinName(std::string_view model_name);
+
+/// Reads the column headers behind "[Pin]". Reports 523, 528 to 532.
+void pinHeader(Run& run, Cmpnt& component, std::string_view text);
+
+/// Reads one row of "[Pin]" into the component. Reports 602 to 608 and 612 and what the cell reader reports.
+void pinLine(Run& run, Cmpnt& component, std::string_view text);
+
+/// What the model name of a pin stands for.
+enum class PinModelKind : std::uint8_t { undefined, single, differential, series };
+
+/// A model name that pins use, and the component that it was last reported for.
+struct PinModel {
+    PinModelKind kind = PinModelKind::undefined;
+    const Cmpnt* reported_for = nullptr;
+};
+
+/// The model names of all pins of a file, so that each is looked up once. The names are views of the pins' own.
+using PinModels = std::unordered_map<std::string_view, PinModel>;
+
+/// Looks up the pins' model names, marks the models found and reports 609, 610 and 614 (no line), each once per name.
+void checkPins(Run& run, const Cmpnt& component, PinModels& models);
+
+} // namespace kestrel
