@@ -1,0 +1,48 @@
+#include "ibis/ibis.hpp"
+
+#include "component/circuit.hpp"
+#include "ibis/run.hpp"
+#include "model/testdata.hpp"
+#include "model/testload.hpp"
+#include "package/ebdmdl.hpp"
+#include "package/pkgmdl.hpp"
+
+#include <algorithm>
+
+namespace kestrel {
+
+Ibis::Ibis() = default;
+Ibis::~Ibis() = default;
+
+Ibis& createRoot(Run& run) {
+    run.roots.roots.push_back(std::make_unique<Ibis>());
+    return *run.roots.roots.back();
+}
+
+Ibis* currentRoot(const Run& run) { return run.roots.roots.empty() ? nullptr : run.roots.roots.back().get(); }
+
+void freeRoot(Run& run, Ibis& root) {
+    std::erase_if(run.roots.roots, [&root](const std::unique_ptr<Ibis>& held) { return held.get() == &root; });
+}
+
+void finalChecks(Run& run) {
+    const Ibis* root = currentRoot(run);
+    if (root == nullptr) return;
+    checkDrvShs(run);
+    checkMSels(run);
+    if (root->components.empty()) {
+        error(run.diagnostics, 4101);
+    } else {
+        checkCmpnts(run);
+    }
+    checkPkgMdls(run);
+    checkAddedSubmodels(run);
+    checkReferences(run);
+}
+
+void finalBoardChecks(Run& run, bool nested) {
+    static_cast<void>(run);
+    static_cast<void>(nested);
+}
+
+} // namespace kestrel

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "ibis/object_list.hpp"
+
+#include <memory>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+struct Hdr;
+struct Cmpnt;
+struct Mdl;
+struct ExtCkt;
+struct SubMdl;
+struct PkgMdl;
+struct EbdMdl;
+struct MSel;
+struct TestData;
+struct TestLoad;
+
+/// Root record: owns everything that the parse of one source file makes.
+struct Ibis {
+    Ibis();
+    Ibis(const Ibis&) = delete;
+    Ibis& operator=(const Ibis&) = delete;
+    ~Ibis();
+
+    ObjectList<Hdr> headers;
+    ObjectList<Cmpnt> components;
+    ObjectList<Mdl> models;
+    ObjectList<ExtCkt> external_circuits;
+    ObjectList<SubMdl> submodels;
+    ObjectList<PkgMdl> package_models;
+    ObjectList<EbdMdl> board_descriptions;
+    ObjectList<MSel> model_selectors;
+    ObjectList<TestData> test_data;
+    ObjectList<TestLoad> test_loads;
+    std::vector<bool> package_files; ///< by place in the run's list of .pkg files: read into this root
+};
+
+/// The roots of a run: the last is the current one, beneath it wait the roots of the parses that it is nested in.
+struct RootStack {
+    std::vector<std::unique_ptr<Ibis>> roots;
+};
+
+/// Puts a new, empty root on the stack and returns it.
+Ibis& createRoot(Run& run);
+
+/// The current root, or null before the first is made.
+[[nodiscard]] Ibis* currentRoot(const Run& run);
+
+/// Unlinks `root` wherever it stands on the stack and frees it with all that it owns.
+void freeRoot(Run& run, Ibis& root);
+
+/// Cross-record checks over the current root once an .ibs file has been read, in their fixed order; nothing without a
+/// root.
+void finalChecks(Run& run);
+
+/// Checks over the board descriptions of the current root; `nested` tells a file that another board refers to.
+void finalBoardChecks(Run& run, bool nested);
+
+} // namespace kestrel

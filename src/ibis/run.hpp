@@ -1,0 +1,39 @@
+#pragma once
+
+#include "component/cmpnt.hpp"
+#include "ibis/diagnostics.hpp"
+#include "ibis/ibis.hpp"
+#include "model/mdl.hpp"
+#include "model/msel.hpp"
+#include "model/submdl.hpp"
+#include "package/pkgmdl.hpp"
+#include "package/pkgsearch.hpp"
+#include "reader/hdr.hpp"
+#include "reader/parse_state.hpp"
+#include "reader/source.hpp"
+
+namespace kestrel {
+
+/// Everything that one run knows: the reader's state, the diagnostics, the roots and each module's state. Passed
+/// explicitly wherever it is needed; two runs share nothing.
+struct Run {
+    explicit Run(Output& output) : out(output), diagnostics(output, parse.line) {}
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    ~Run() = default;
+
+    Output& out;
+    ParseState parse;
+    Diagnostics diagnostics;
+    SourceStore sources;
+    RootStack roots;
+    HdrState hdr;
+    CmpntState cmpnt;
+    MdlState mdl;
+    MSelState msel;
+    SubMdlState submdl;
+    PkgMdlState pkgmdl;
+    PkgSearch pkgsearch;
+};
+
+} // namespace kestrel

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace kestrel {
+
+/// Lets a hash map keyed by owned texts be asked with views.
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+};
+
+/// A hash map keyed by texts of its own.
+template <class Value> using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
+} // namespace kestrel
