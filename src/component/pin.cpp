@@ -2,8 +2,10 @@
 
 #include "ibis/run.hpp"
 
+#include <algorithm>
 #include <array>
 #include <functional>
+#include <utility>
 
 namespace kestrel {
 
@@ -34,9 +36,6 @@ const ValueColumn* findValueColumn(std::string_view header) {
         kValues, [header](const ValueColumn& column) { return equalsNoCase(column.header, header); });
     return at == kValues.end() ? nullptr : at;
 }
-
-/// Most characters of a signal or model name.
-int longNameLimit(IbisVersion version) { return version >= IbisVersion::v4 ? 40 : 20; }
 
 /// Reads the header of the value column at `place`; false when it was reported.
 bool valueHeader(Diagnostics& diagnostics, Cmpnt& component, std::size_t place, std::string_view word) {
@@ -215,8 +214,9 @@ void pinLine(Run& run, Cmpnt& component, std::string_view text) {
     Pin& pin = component.pins.emplace_back();
     const IbisVersion version = run.parse.version;
     const bool name_fits = storeName(diagnostics, pin.name, items[0], pinNameLimit(version), 604);
-    storeName(diagnostics, pin.signal_name, items[1], longNameLimit(version), 605);
-    const bool model_fits = storeName(diagnostics, pin.model_name, items[2], longNameLimit(version), 606);
+    const int long_limit = modelNameLimit(version); // signal names have the same
+    storeName(diagnostics, pin.signal_name, items[1], long_limit, 605);
+    const bool model_fits = storeName(diagnostics, pin.model_name, items[2], long_limit, 606);
     const bool is_new = component.pin_index.enterLast(component.pins);
     if (!is_new && name_fits) errorAtLine(diagnostics, 607, pin.name, component.name);
     const bool is_na = equalsNoCase(pin.model_name, "NA");

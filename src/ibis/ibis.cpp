@@ -41,8 +41,7 @@ void finalChecks(Run& run) {
 }
 
 void finalBoardChecks(Run& run, bool nested) {
-    static_cast<void>(run);
-    static_cast<void>(nested);
+    checkEbdMdls(run, nested);
 }
 
 } // namespace kestrel

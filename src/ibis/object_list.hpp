@@ -2,13 +2,40 @@
 
 #include <cstddef>
 #include <memory>
-#include <ranges>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace kestrel {
+
+/// Walk over owned objects from the last to the first.
+template <class T> class NewestFirst {
+    using Objects = std::vector<std::unique_ptr<T>>;
+
+public:
+    explicit NewestFirst(const Objects& objects) : objects_(&objects) {}
+
+    class Iterator {
+    public:
+        explicit Iterator(typename Objects::const_reverse_iterator at) : at_(at) {}
+        T& operator*() const { return **at_; }
+        Iterator& operator++() {
+            ++at_;
+            return *this;
+        }
+        bool operator==(const Iterator& other) const { return at_ == other.at_; }
+
+    private:
+        typename Objects::const_reverse_iterator at_;
+    };
+
+    [[nodiscard]] Iterator begin() const { return Iterator(objects_->rbegin()); }
+    [[nodiscard]] Iterator end() const { return Iterator(objects_->rend()); }
+
+private:
+    const Objects* objects_;
+};
 
 /// The objects of one kind that a parse has made. They are kept in file order; every check and report walks them
 /// through newestFirst(), so the last-defined is met first.
@@ -24,10 +51,7 @@ public:
     [[nodiscard]] std::size_t size() const { return objects_.size(); }
 
     /// The one way to walk the list: from the last-defined object to the first.
-    [[nodiscard]] auto newestFirst() const {
-        return objects_ | std::views::reverse |
-               std::views::transform([](const std::unique_ptr<T>& object) -> T& { return *object; });
-    }
+    [[nodiscard]] NewestFirst<T> newestFirst() const { return NewestFirst<T>(objects_); }
 
     /// Enters the object under its finished name, which must not change any more. Of equal names the newest is found.
     void enterName(T& object, std::string_view name) { by_name_.insert_or_assign(name, &object); }

@@ -6,6 +6,7 @@
 #include "model/mdl.hpp"
 #include "model/msel.hpp"
 #include "model/submdl.hpp"
+#include "package/ebdmdl.hpp"
 #include "package/pkgmdl.hpp"
 #include "package/pkgsearch.hpp"
 #include "reader/hdr.hpp"
@@ -33,6 +34,7 @@ struct Run {
     MSelState msel;
     SubMdlState submdl;
     PkgMdlState pkgmdl;
+    EbdMdlState ebdmdl;
     PkgSearch pkgsearch;
 };
 

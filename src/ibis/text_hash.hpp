@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace kestrel {
 
@@ -16,5 +17,8 @@ struct TextHash {
 
 /// A hash map keyed by texts of its own.
 template <class Value> using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
+/// A set of texts of its own.
+using TextSet = std::unordered_set<std::string, TextHash, std::equal_to<>>;
 
 } // namespace kestrel

@@ -138,6 +138,7 @@ void tellModules(Run& run, KeywordCode code) {
     submdlKeywordSeen(run, code);
     mselKeywordSeen(run, code);
     pkgmdlKeywordSeen(run, code);
+    ebdmdlKeywordSeen(run, code);
 }
 
 /// Whether the handler of `owner` takes lines of a file of this kind.
@@ -189,6 +190,7 @@ void openRecord(Run& run, KeywordCode code) {
     case KeywordCode::component: openCmpnt(run); break;
     case KeywordCode::model: openMdl(run); break;
     case KeywordCode::definePackageModel: openPkgMdl(run); break;
+    case KeywordCode::beginBoardDescription: openEbdMdl(run); break;
     case KeywordCode::modelSelector: openMSel(run); break;
     case KeywordCode::submodel: openSubMdl(run); break;
     default: break;
@@ -204,6 +206,7 @@ void handOn(Run& run, const Line& line) {
     case Owner::cmpnt: cmpntLine(run, line); break;
     case Owner::mdl: mdlLine(run, line); break;
     case Owner::pkgmdl: pkgmdlLine(run, line); break;
+    case Owner::ebdmdl: ebdmdlLine(run, line); break;
     case Owner::msel: mselLine(run, line); break;
     case Owner::submdl: submdlLine(run, line); break;
     case Owner::end: endLine(run, line); break;
@@ -211,7 +214,6 @@ void handOn(Run& run, const Line& line) {
     // A comment-character line is dealt with ahead of the dispatch; the others' lines are not examined.
     case Owner::commentChar:
     case Owner::circuit:
-    case Owner::ebdmdl:
     case Owner::testdata:
     case Owner::testload: break;
     }
@@ -288,7 +290,8 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
 void runCompletionChecks(Run& run, FileKind kind) {
     switch (kind) {
     case FileKind::ibs: finalChecks(run); break;
-    case FileKind::pkg:
+    // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
+    case FileKind::pkg: checkPkgMdls(run); break;
     case FileKind::ebd: finalBoardChecks(run, false); break;
     case FileKind::ami: break;
     }
@@ -342,21 +345,19 @@ bool collectAmi(Run& run, std::string_view name) {
     return source.has_value();
 }
 
-void checkFile(Run& run, std::string_view name, FileKind kind) {
+bool checkFile(Run& run, std::string_view name, FileKind kind) {
     createRoot(run);
     run.parse.top_level = true;
     const std::string_view path = name.substr(0, kMaxPath);
+    bool read = false;
     try {
-        if (kind == FileKind::ami) {
-            collectAmi(run, path);
-        } else {
-            parseFile(run, path, kind);
-        }
+        read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind);
         runCompletionChecks(run, kind);
     } catch (const std::bad_alloc&) {
         const SourceMark mark = here();
         programBug(run.diagnostics, 1908, mark.file, mark.line);
     }
+    return read;
 }
 
 } // namespace kestrel

@@ -17,7 +17,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind);
 bool collectAmi(Run& run, std::string_view name);
 
 /// One parse run: a root of its own, the file, and the completion checks for its kind, which run even when the file was
-/// refused.
-void checkFile(Run& run, std::string_view name, FileKind kind);
+/// refused. False when the file was not read.
+bool checkFile(Run& run, std::string_view name, FileKind kind);
 
 } // namespace kestrel

@@ -97,6 +97,16 @@ std::string_view extensionOf(FileKind kind) {
     return kExtensions[static_cast<std::size_t>(kind) - 1];
 }
 
+std::optional<FileKind> kindOfName(std::string_view name) {
+    const std::string_view bare_name = name.substr(name.find_last_of("/\\") + 1);
+    const std::size_t period = bare_name.rfind('.');
+    if (period == std::string_view::npos) return std::nullopt;
+    for (const FileKind kind : {FileKind::ibs, FileKind::pkg, FileKind::ebd, FileKind::ami}) {
+        if (equalsNoCase(bare_name.substr(period), extensionOf(kind))) return kind;
+    }
+    return std::nullopt;
+}
+
 std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind) {
     if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) assertionFailed(run.out, here());
     std::string& directory = run.parse.directory;

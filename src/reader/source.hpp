@@ -39,6 +39,9 @@ struct Source {
 /// The extension of a kind, with its period.
 [[nodiscard]] std::string_view extensionOf(FileKind kind);
 
+/// The kind whose extension `name` has, in any case; nothing for a name with another extension or none.
+[[nodiscard]] std::optional<FileKind> kindOfName(std::string_view name);
+
 /// Completes, validates and opens `name`: adds a missing extension, tries the path as it is, then in lower, then in
 /// upper case. Keeps the directory part for companion files. Reports 1900 to 1905 and 1924 (no line) and returns
 /// nothing on failure.

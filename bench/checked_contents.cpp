@@ -1,0 +1,56 @@
+#include "checked_contents.hpp"
+
+#include "component/cmpnt.hpp"
+#include "ibis/ibis.hpp"
+#include "model/mdl.hpp"
+#include "model/msel.hpp"
+#include "model/submdl.hpp"
+#include "package/pkgmdl.hpp"
+
+namespace kestrel::bench {
+
+namespace {
+
+std::size_t rowsOf(const std::optional<Crv>& curve) { return curve ? curve->rows.size() : 0; }
+
+std::size_t rowsOf(const std::unique_ptr<Wvfrm>& waveform) { return waveform ? waveform->rows.size() : 0; }
+
+std::size_t rowsOf(const std::vector<std::unique_ptr<Wvfrm>>& waveforms) {
+    std::size_t rows = 0;
+    for (const std::unique_ptr<Wvfrm>& waveform : waveforms)
+        rows += rowsOf(waveform);
+    return rows;
+}
+
+std::size_t valuesOf(const std::optional<Mtx>& mtx) { return mtx ? mtx->values.size() : 0; }
+
+} // namespace
+
+Contents contentsOf(const Ibis& root) {
+    Contents contents;
+    for (const Cmpnt& component : root.components.newestFirst()) {
+        ++contents.components;
+        contents.pins += component.pins.size();
+    }
+    for (const Mdl& model : root.models.newestFirst()) {
+        ++contents.models;
+        contents.table_rows += rowsOf(model.pulldown) + rowsOf(model.pullup) + rowsOf(model.gnd_clamp) +
+                               rowsOf(model.power_clamp) + rowsOf(model.rising_waveforms) +
+                               rowsOf(model.falling_waveforms);
+        if (model.driver_schedule) contents.schedule_entries += model.driver_schedule->entries.size();
+    }
+    for (const SubMdl& submodel : root.submodels.newestFirst()) {
+        ++contents.submodels;
+        contents.table_rows += rowsOf(submodel.gnd_clamp) + rowsOf(submodel.power_clamp) + rowsOf(submodel.gnd_pulse) +
+                               rowsOf(submodel.power_pulse);
+    }
+    for (const MSel& selector : root.model_selectors.newestFirst())
+        contents.selector_entries += selector.entries.size();
+    for (const PkgMdl& package : root.package_models.newestFirst()) {
+        contents.package_pins += package.pin_names.size();
+        contents.matrix_values += valuesOf(package.inductance) + valuesOf(package.capacitance);
+    }
+    return contents;
+}
+
+} // namespace kestrel::bench

@@ -1,0 +1,35 @@
+#include "main/driver.hpp"
+
+#include "ibis/run.hpp"
+#include "main/dump.hpp"
+#include "main/options.hpp"
+#include "main/usage.hpp"
+#include "main/version.hpp"
+#include "reader/parse.hpp"
+
+namespace kestrel {
+
+int runKestrel(Output& out, std::span<const std::string_view> arguments) {
+    printBanner(out);
+    const std::optional<Options> options = readOptions(out, arguments);
+    if (!options) return kUsage;
+    printNotice(out);
+
+    Run run(out);
+    constexpr FileKind kKind = FileKind::ibs;
+    switch (determineVersion(run, *options->file_name, kKind)) {
+    case VersionSearch::found: break;
+    case VersionSearch::nothingRead: return kNotRead;
+    case VersionSearch::refused: return kUnknownVersion;
+    }
+    checkFile(run, *options->file_name, kKind);
+    printSummary(run.diagnostics);
+    out.write("\n");
+
+    const bool reported = (options->component_flags == 0 || reportComponents(run, options->components.value_or(""))) &&
+                          (options->model_flags == 0 || reportModels(run, options->models.value_or(""),
+                                                                     options->table_flags != 0, options->delimiter));
+    return reported ? kSuccess : kUsage;
+}
+
+} // namespace kestrel

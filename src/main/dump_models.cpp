@@ -1,0 +1,260 @@
+#include "ibis/run.hpp"
+#include "main/dump.hpp"
+
+#include <array>
+
+namespace kestrel {
+
+namespace {
+
+using Text = std::string;
+
+std::string_view polarityName(Polarity polarity) {
+    constexpr std::array<std::string_view, 4> kNames{"Polarity not set", "No polarity", "Non inverting", "Inverting"};
+    return kNames[static_cast<std::size_t>(polarity)];
+}
+
+std::string_view enableName(EnableMode enable) {
+    constexpr std::array<std::string_view, 4> kNames{"Enable not set", "No enable", "Active high", "Active low"};
+    return kNames[static_cast<std::size_t>(enable)];
+}
+
+/// Types whose report shows the enable sense and the input thresholds.
+bool showsInput(ModelType type) {
+    switch (type) {
+    case ModelType::input:
+    case ModelType::io:
+    case ModelType::ioOpenDrain:
+    case ModelType::ioOpenSink:
+    case ModelType::ioOpenSource:
+    case ModelType::inputEcl:
+    case ModelType::ioEcl: return true;
+    default: return false;
+    }
+}
+
+/// Types whose report shows the edge rates and the waveform fixtures.
+bool showsEdges(ModelType type) {
+    switch (type) {
+    case ModelType::output:
+    case ModelType::io:
+    case ModelType::threeState:
+    case ModelType::openDrain:
+    case ModelType::ioOpenDrain:
+    case ModelType::openSink:
+    case ModelType::ioOpenSink:
+    case ModelType::openSource:
+    case ModelType::ioOpenSource:
+    case ModelType::outputEcl:
+    case ModelType::ioEcl:
+    case ModelType::threeStateEcl: return true;
+    default: return false;
+    }
+}
+
+/// "0.8V": a number and its unit.
+void appendQuantity(Text& text, double value, std::string_view unit) {
+    appendGeneral(text, value);
+    text.append(unit);
+}
+
+void appendValue(Text& text, std::string_view label, const std::optional<double>& value, std::string_view unit) {
+    text.append(label);
+    if (value) {
+        appendQuantity(text, *value, unit);
+    } else {
+        text.push_back('-');
+    }
+    text.push_back('\n');
+}
+
+/// Behind each of three corners: two are parted from what follows, the last ends the line.
+constexpr std::array<std::string_view, 3> kBehindCorner{"; ", "; ", "\n"};
+
+void appendRange(Text& text, std::string_view label, const std::optional<Rng>& range, std::string_view unit) {
+    text.append(label);
+    if (!range) {
+        text.append("-\n");
+        return;
+    }
+    const std::array<const Cell*, 3> corners{&range->typ, &range->min, &range->max};
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        if (corners[i]->isNumber()) {
+            appendQuantity(text, corners[i]->value, unit);
+        } else {
+            text.push_back('-');
+        }
+        text.append(kBehindCorner[i]);
+    }
+}
+
+void appendRate(Text& text, std::string_view label, const std::optional<RampRate>& rate) {
+    text.append(label);
+    for (std::size_t i = 0; i < kBehindCorner.size(); ++i) {
+        if (rate && rate->corners[i].state == CellState::number) {
+            appendGeneral(text, rate->corners[i].dv);
+            text.push_back('/');
+            appendGeneral(text, rate->corners[i].dt);
+        } else {
+            text.push_back('-');
+        }
+        text.append(kBehindCorner[i]);
+    }
+}
+
+/// The fixture of a waveform; `end` closes the voltages.
+void appendFixture(Text& text, const Wvfrm& waveform, std::string_view end) {
+    if (waveform.r_fixture) {
+        text.append("R_fixture=");
+        appendQuantity(text, *waveform.r_fixture, "Ohms; ");
+    }
+    if (!waveform.v_fixture) return;
+    text.append("V_fixture=");
+    appendQuantity(text, *waveform.v_fixture, "V");
+    for (const std::optional<double>* corner : {&waveform.v_fixture_min, &waveform.v_fixture_max}) {
+        if (!*corner) continue;
+        text.append(", ");
+        appendQuantity(text, **corner, "V");
+    }
+    text.append(end);
+}
+
+using Waveforms = std::vector<std::unique_ptr<Wvfrm>>;
+
+void appendWaveformLines(Text& text, std::string_view label, const Waveforms& waveforms) {
+    std::int64_t number = 0;
+    for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
+        text.append(label);
+        appendInteger(text, ++number);
+        text.append(": ");
+        appendFixture(text, *waveform, "; ");
+        text.push_back('\n');
+    }
+}
+
+void appendSummary(Text& text, const Mdl& model) {
+    text.append("         Model: ").append(model.name);
+    text.append("\n          Type: ").append(reportedType(model.model_type));
+    text.append("\n      Polarity: ").append(polarityName(model.polarity)).append("\n");
+    if (showsInput(model.model_type)) {
+        text.append("        Enable: ").append(enableName(model.enable)).append("\n");
+        appendValue(text, "          Vinl: ", model.vinl, "V");
+        appendValue(text, "          Vinh: ", model.vinh, "V");
+    }
+    appendRange(text, "        C_comp: ", model.c_comp, "F");
+    appendRange(text, " Voltage Range: ", model.voltage_range, "V");
+    appendValue(text, "         Vmeas: ", model.vmeas, "V");
+    appendValue(text, "          Cref: ", model.cref, "F");
+    appendValue(text, "          Rref: ", model.rref, "Ohms");
+    appendValue(text, "          Vref: ", model.vref, "V");
+    text.append("  Static Char.: ");
+    text.append(model.gnd_clamp ? "GND_Clamp; " : "-; ").append(model.power_clamp ? "POWER_Clamp; " : "-; ");
+    text.append(model.pullup ? "Pullup; " : "-; ").append(model.pulldown ? "Pulldown\n" : "-\n");
+    if (showsEdges(model.model_type)) {
+        appendRate(text, "  Rising dV/dt: ", model.ramp ? model.ramp->dv_dt_r : std::nullopt);
+        appendRate(text, " Falling dV/dt: ", model.ramp ? model.ramp->dv_dt_f : std::nullopt);
+        appendWaveformLines(text, " Rising Wvf. ", model.rising_waveforms);
+        // No leading blank here, unlike the rising label.
+        appendWaveformLines(text, "Falling Wvf. ", model.falling_waveforms);
+    }
+    text.push_back('\n');
+}
+
+/// The table part of the report: where it is written and what parts the columns.
+struct TableDump {
+    Run& run;
+    char delimiter;
+    Text text;
+
+    /// The head of the columns: "V", ",A (typ)", ... with the delimiter between.
+    void head(std::string_view first, char unit) {
+        text.append(first);
+        for (const std::string_view column : {"typ", "min", "max"}) {
+            text.push_back(delimiter);
+            text.push_back(unit);
+            text.append(" (").append(column).push_back(')');
+        }
+        text.push_back('\n');
+    }
+
+    /// The rows and an empty line; a cell without a number stays empty.
+    void rows(const std::vector<TableRow>& table) {
+        for (const TableRow& row : table) {
+            for (std::size_t i = 0; i < kColumns; ++i) {
+                if (row.state[i] == CellState::number) appendGeneral(text, row.value[i]);
+                text.push_back(i + 1 < kColumns ? delimiter : '\n');
+            }
+            pass();
+        }
+        text.push_back('\n');
+    }
+
+    void curve(std::string_view title, const std::optional<Crv>& table) {
+        if (!table) return;
+        text.append(title);
+        head("V", 'A');
+        rows(table->rows);
+    }
+
+    void waveforms(std::string_view title, const Waveforms& list) {
+        if (list.empty()) return;
+        text.append(title);
+        for (const std::unique_ptr<Wvfrm>& waveform : list) {
+            appendFixture(text, *waveform, ";");
+            head("\ns", 'V');
+            rows(waveform->rows);
+        }
+    }
+
+    /// Keeps the pending text small, however long a table is.
+    void pass() {
+        constexpr std::size_t kPiece = 16384;
+        if (text.size() < kPiece) return;
+        run.out.write(text);
+        text.clear();
+    }
+};
+
+void dumpTables(Run& run, const Mdl& model, char delimiter) {
+    TableDump dump{run, delimiter, {}};
+    dump.curve("GND_Clamp curve:\n", model.gnd_clamp);
+    dump.curve("POWER_Clamp curve:\n", model.power_clamp);
+    dump.curve("Pullup curve:\n", model.pullup);
+    dump.curve("Pulldown curve:\n", model.pulldown);
+    dump.waveforms("Rising waveforms:\n", model.rising_waveforms);
+    dump.waveforms("Falling waveforms:\n", model.falling_waveforms);
+    run.out.write(dump.text);
+}
+
+/// Reports the newest model of this name.
+bool reportModel(Run& run, const Ibis& root, std::string_view name, bool tables, char delimiter) {
+    const Mdl* model = root.models.find(name);
+    Text text;
+    if (model == nullptr) {
+        run.out.write(text.append("Unable to find model ").append(name).append("!\n"));
+        return false;
+    }
+    appendSummary(text, *model);
+    run.out.write(text);
+    if (tables) dumpTables(run, *model, delimiter);
+    return true;
+}
+
+} // namespace
+
+bool reportModels(Run& run, std::string_view selection, bool tables, char delimiter) {
+    const Ibis* root = currentRoot(run);
+    if (root == nullptr) return true;
+    if (!selection.empty()) {
+        while (const std::optional<std::string_view> name = takePiece(selection)) {
+            if (!reportModel(run, *root, *name, tables, delimiter)) return false;
+        }
+        return true;
+    }
+    for (const Mdl& model : root->models.newestFirst()) {
+        if (!reportModel(run, *root, model.name, tables, delimiter)) return false;
+    }
+    return true;
+}
+
+} // namespace kestrel

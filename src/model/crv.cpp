@@ -1,0 +1,186 @@
+#include "model/crv.hpp"
+
+#include "ibis/run.hpp"
+#include "model/table_ends.hpp"
+#include "reader/cmn.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::size_t kMaxRows = 100;
+constexpr double kZeroCurrent = 1e-6; // amperes; no larger current counts as zero
+
+constexpr TableEndsMessages kEndsMessages{1108, 1109};
+constexpr std::array<std::string_view, kColumns> kTraceWords{"Voltage", "Typical", "Minimum", "Maximum"};
+
+/// A kind of table: its label, the direction of its current by the family of the model's type, and whether its current
+/// has to pass through zero.
+struct CurveRules {
+    CurveKind kind;
+    std::string_view label;
+    CurveTrend general;
+    CurveTrend ecl;
+    CurveTrend series;
+    bool crosses_zero;
+};
+
+constexpr auto kRising = CurveTrend::rising;
+constexpr auto kFalling = CurveTrend::falling;
+constexpr auto kNotChecked = CurveTrend::notChecked;
+
+constexpr std::array kRules{
+    CurveRules{CurveKind::pulldown, "Pulldown", kRising, kFalling, kRising, false},
+    CurveRules{CurveKind::pullup, "Pullup", kFalling, kFalling, kFalling, false},
+    CurveRules{CurveKind::gndClamp, "GND Clamp", kRising, kRising, kRising, true},
+    CurveRules{CurveKind::powerClamp, "POWER Clamp", kFalling, kFalling, kFalling, true},
+    CurveRules{CurveKind::issoPd, "ISSO PD", kNotChecked, kNotChecked, kNotChecked, false},
+    CurveRules{CurveKind::issoPu, "ISSO PU", kNotChecked, kNotChecked, kNotChecked, false},
+    CurveRules{CurveKind::seriesCurrent, "Series Current", kFalling, kFalling, kNotChecked, false},
+    CurveRules{CurveKind::seriesMosfet, "Series MOSFET", kFalling, kFalling, kRising, false},
+};
+
+constexpr bool inKindOrder() {
+    for (std::size_t i = 0; i < kRules.size(); ++i) {
+        if (static_cast<std::size_t>(kRules[i].kind) != i) return false;
+    }
+    return true;
+}
+static_assert(inKindOrder());
+
+constexpr const CurveRules& rulesOf(CurveKind kind) { return kRules[static_cast<std::size_t>(kind)]; }
+
+CurveTrend trendOf(const CurveRules& rules, std::optional<ModelType> type) {
+    switch (type.value_or(ModelType::notGiven)) {
+    case ModelType::notGiven:
+    case ModelType::noType: return CurveTrend::notChecked;
+    case ModelType::inputEcl:
+    case ModelType::outputEcl:
+    case ModelType::ioEcl:
+    case ModelType::threeStateEcl: return rules.ecl;
+    case ModelType::series:
+    case ModelType::seriesSwitch: return rules.series;
+    default: return rules.general;
+    }
+}
+
+/// Follows one column; true for the value that first goes against the column's direction.
+bool turnsBack(CrvState::Trace& trace, double value) {
+    using Direction = CrvState::Direction;
+    using Seen = CrvState::Seen;
+    if (trace.seen == Seen::nothing) {
+        trace.seen = Seen::value;
+    } else if (value != trace.last) {
+        const Direction step = value > trace.last ? Direction::rising : Direction::falling;
+        if (trace.direction == Direction::unknown) {
+            trace.direction = step;
+        } else if (step != trace.direction) {
+            trace.seen = Seen::nonMonotonic;
+            return true;
+        }
+    }
+    trace.last = value;
+    return false;
+}
+
+void followColumns(Run& run, const TableRow& row, std::string_view label) {
+    for (std::size_t column = 0; column < kColumns; ++column) {
+        CrvState::Trace& trace = run.mdl.crv.traces[column];
+        if (row.state[column] != CellState::number || trace.seen == CrvState::Seen::nonMonotonic) continue;
+        if (turnsBack(trace, row.value[column])) noteAtLine(run.diagnostics, 1110, label, kTraceWords[column]);
+    }
+}
+
+void followExtreme(CrvState::Extreme& extreme, const TableRow& row, bool beyond) {
+    const double voltage = row.value[kFirst];
+    const bool fills_gap = voltage == extreme.voltage && extreme.current.state == CellState::na;
+    if (!extreme.found || beyond || fills_gap) extreme = {true, voltage, {row.value[kTyp], row.state[kTyp]}};
+}
+
+void checkTrend(Run& run, const Crv& curve, const CurveRules& rules, std::string_view owner, std::string_view name,
+                CurveTrend trend) {
+    if (trend == CurveTrend::notChecked || curve.rows.empty()) return;
+    if (curve.rows.front().state[kTyp] == CellState::na || curve.rows.back().state[kTyp] == CellState::na) return;
+    const Cell& low = run.mdl.crv.lowest.current;
+    const Cell& high = run.mdl.crv.highest.current;
+    if (!low.isNumber() || !high.isNumber()) return;
+    if (trend == CurveTrend::rising && high.value < low.value) {
+        warning(run.diagnostics, 1111, owner, name, rules.label);
+    } else if (trend == CurveTrend::falling && high.value > low.value) {
+        warning(run.diagnostics, 1112, owner, name, rules.label);
+    }
+}
+
+/// True when a column has currents on one side of zero only and none that counts as zero.
+bool neverZero(const Crv& curve, Column column) {
+    if (curve.rows.empty()) return false;
+    if (curve.rows.front().state[column] == CellState::na || curve.rows.back().state[column] == CellState::na)
+        return false;
+    bool below = false;
+    bool above = false;
+    for (const TableRow& row : curve.rows) {
+        if (!row.isNumber(column)) continue;
+        const double current = row.value[column];
+        if (std::abs(current) <= kZeroCurrent) return false;
+        (current < 0.0 ? below : above) = true;
+    }
+    return below != above;
+}
+
+void checkZeroCrossing(Run& run, const Crv& curve, std::string_view label, std::string_view owner,
+                       std::string_view name) {
+    if (neverZero(curve, kTyp)) warning(run.diagnostics, 1113, owner, name, label);
+    if (neverZero(curve, kMin)) warning(run.diagnostics, 1114, owner, name, label);
+    if (neverZero(curve, kMax)) warning(run.diagnostics, 1115, owner, name, label);
+}
+
+} // namespace
+
+std::string_view curveLabel(CurveKind kind) { return rulesOf(kind).label; }
+
+void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_view text) {
+    const std::string_view label = curveLabel(kind);
+    if (slot) errorAtLine(run.diagnostics, 1100, label);
+    slot.emplace();
+    const int count = splitItems(run, text, 0).count;
+    if (count > 0) errorAtLine(run.diagnostics, 1104, count + 1, label, 1);
+    run.mdl.crv = CrvState{};
+    run.mdl.crv.begin_line = run.parse.line;
+}
+
+void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text) {
+    const std::string_view label = curveLabel(kind);
+    const TableRow row = readRow(run, text, label, "Voltage");
+    const std::size_t count = appendRow(run.diagnostics, curve.rows, row);
+    followColumns(run, row, label);
+    if (row.state[kFirst] == CellState::na) errorAtLine(run.diagnostics, 1106);
+    if (row.isNumber(kFirst)) {
+        CrvState& state = run.mdl.crv;
+        followExtreme(state.lowest, row, row.value[kFirst] < state.lowest.voltage);
+        followExtreme(state.highest, row, row.value[kFirst] > state.highest.voltage);
+    }
+    if (count == kMaxRows + 1) errorAtLine(run.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
+}
+
+void closeCrv(Run& run, const Crv& curve, CurveKind kind, std::string_view owner, std::string_view name,
+              std::optional<ModelType> type) {
+    const CurveRules& rules = rulesOf(kind);
+    checkTableEnds(run.diagnostics, curve.rows, kEndsMessages, rules.label, run.mdl.crv.begin_line);
+    checkTrend(run, curve, rules, owner, name, trendOf(rules, type));
+    if (rules.crosses_zero) checkZeroCrossing(run, curve, rules.label, owner, name);
+    run.mdl.crv = CrvState{};
+}
+
+std::vector<TableRow> sortedRows(const Crv& curve) {
+    std::vector<TableRow> rows;
+    std::ranges::copy_if(curve.rows, std::back_inserter(rows),
+                         [](const TableRow& row) { return row.isNumber(kFirst); });
+    std::ranges::stable_sort(rows, {}, [](const TableRow& row) { return row.value[kFirst]; });
+    return rows;
+}
+
+} // namespace kestrel

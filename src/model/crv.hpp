@@ -1,0 +1,75 @@
+#pragma once
+
+#include "reader/rngp.hpp"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+enum class ModelType : std::uint8_t;
+
+/// One I-V table: voltage (volts), then typical, minimum and maximum current (amperes), in file order.
+struct Crv {
+    std::vector<TableRow> rows;
+};
+
+/// The direction in which a table's current should go as the voltage rises.
+enum class CurveTrend : std::uint8_t { rising, falling, notChecked };
+
+/// Which I-V table a keyword gives; decides its label and its checks.
+enum class CurveKind : std::uint8_t {
+    pulldown,
+    pullup,
+    gndClamp,
+    powerClamp,
+    issoPd,
+    issoPu,
+    seriesCurrent,
+    seriesMosfet
+};
+
+/// What is followed while a table is being read; forgotten when it closes.
+struct CrvState {
+    enum class Seen : std::uint8_t { nothing, value, nonMonotonic };
+    enum class Direction : std::uint8_t { unknown, rising, falling };
+    struct Trace {
+        double last = 0.0;
+        Seen seen = Seen::nothing;
+        Direction direction = Direction::unknown;
+    };
+    /// The row of the lowest or highest voltage so far, with its typical current.
+    struct Extreme {
+        bool found = false;
+        double voltage = 0.0;
+        Cell current;
+    };
+    std::uint32_t begin_line = 0;
+    std::array<Trace, kColumns> traces{};
+    Extreme lowest;
+    Extreme highest;
+};
+
+/// The label of a table in messages ("GND Clamp").
+[[nodiscard]] std::string_view curveLabel(CurveKind kind);
+
+/// Opens a table at its keyword line; `text` is what follows the keyword. Reports 1100 (the old table is replaced) and
+/// 1104.
+void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
+
+/// Reads one row into the open table. Reports what the row reader reports, notes 1110, then 1106 and 1107.
+void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text);
+
+/// Ends the open table: 1108 or 1109, then the direction (1111, 1112) and zero-crossing (1113 to 1115) warnings, all
+/// without line. `owner` is "Model" or "Submodel"; a submodel has no type, which leaves out the direction.
+void closeCrv(Run& run, const Crv& curve, CurveKind kind, std::string_view owner, std::string_view name,
+              std::optional<ModelType> type);
+
+/// The rows whose voltage is a number, ordered by voltage.
+[[nodiscard]] std::vector<TableRow> sortedRows(const Crv& curve);
+
+} // namespace kestrel

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "model/crv.hpp"
+#include "model/drvsh.hpp"
+#include "model/ramp.hpp"
+#include "model/types.hpp"
+#include "model/wvfrm.hpp"
+#include "reader/keyword.hpp"
+#include "reader/rng.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+
+/// One row of "[Add Submodel]".
+struct AddSubmodel {
+    std::string name; ///< at most 40 characters
+    SubmodelMode mode = SubmodelMode::none;
+};
+
+/// One "[On]" or "[Off]" section of a series model: its elements in ohms, henries and farads.
+struct SeriesBlock {
+    std::optional<Rng> r_series;
+    std::optional<Rng> l_series;
+    std::optional<Rng> rl_series;
+    std::optional<Rng> c_series;
+    std::optional<Rng> rc_series;
+    std::optional<Rng> lc_series;
+    std::optional<Crv> series_current;
+};
+
+/// A single value. Its line marks it as given (0 until it reads) as soon as it is accepted.
+using GivenValue = std::optional<double>;
+
+/// One "[Model]". Volts, ohms, farads, degrees Celsius for the temperature, seconds for transit times.
+struct Mdl {
+    std::string name; ///< at most 20 or 40 characters, by version
+    ModelType model_type = ModelType::notGiven;
+    Polarity polarity = Polarity::notGiven;
+    EnableMode enable = EnableMode::notGiven;
+    GivenValue vinl;
+    GivenValue vinh;
+    std::optional<Rng> c_comp;
+    std::optional<Rng> c_comp_pullup;
+    std::optional<Rng> c_comp_pulldown;
+    std::optional<Rng> c_comp_power_clamp;
+    std::optional<Rng> c_comp_gnd_clamp;
+    GivenValue vmeas;
+    GivenValue cref;
+    GivenValue rref;
+    GivenValue vref;
+    GivenValue cref_diff;
+    GivenValue rref_diff;
+    std::optional<Rng> temperature_range;
+    std::optional<Rng> voltage_range;
+    std::optional<Rng> pullup_reference;
+    std::optional<Rng> pulldown_reference;
+    std::optional<Rng> power_clamp_reference;
+    std::optional<Rng> gnd_clamp_reference;
+    std::optional<Rng> external_reference;
+    std::optional<Rng> ttgnd;
+    std::optional<Rng> ttpower;
+    std::optional<DrvSh> driver_schedule;
+    std::unique_ptr<SeriesBlock> on_block;
+    std::unique_ptr<SeriesBlock> off_block;
+    std::vector<AddSubmodel> add_submodels; ///< in file order
+    bool add_submodel_seen = false;         ///< the keyword was there, with or without rows
+    std::optional<Crv> pulldown;
+    std::optional<Crv> pullup;
+    std::optional<Crv> gnd_clamp;
+    std::optional<Crv> power_clamp;
+    std::optional<Rng> rgnd;
+    std::optional<Rng> rpower;
+    std::optional<Rng> rac;
+    std::optional<Rng> cac;
+    std::optional<Ramp> ramp;
+    std::vector<std::unique_ptr<Wvfrm>> rising_waveforms;  ///< in file order
+    std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
+    std::optional<Crv> isso_pu;
+    std::optional<Crv> isso_pd;
+    // Keywords whose lines are not stored: that they were there matters to the checks of the model.
+    bool model_spec = false;
+    bool receiver_thresholds = false;
+    bool external_model = false;
+    bool referenced = false; ///< some pin, selector, schedule or series pin mapping names this model
+};
+
+/// The model being read, null outside one, and what of it is open.
+struct MdlState {
+    Mdl* current = nullptr;
+    SeriesBlock* series_block = nullptr;       ///< section that series keywords go to
+    KeywordCode section = KeywordCode::notKey; ///< the model's keyword whose lines are being read
+    CrvState crv;
+    RampState ramp;
+    WvfrmState wvfrm;
+};
+
+/// Opens a model at "[Model]".
+void openMdl(Run& run);
+
+/// Told of every keyword: closes the section being read and, at a keyword that is not a model's own, checks and closes
+/// the model.
+void mdlKeywordSeen(Run& run, KeywordCode code);
+
+/// Reads a keyword line of a model or a data line under it.
+void mdlLine(Run& run, const Line& line);
+
+/// Looks a model up by exact name in the current root and marks it as referenced; null when there is none.
+Mdl* referenceMdl(Run& run, std::string_view name);
+
+/// True for the four "_diff" types.
+[[nodiscard]] bool isDifferential(const Mdl& model);
+
+/// True for "Series" and "Series_switch".
+[[nodiscard]] bool isSeries(const Mdl& model);
+
+/// Longest model name that the version allows, in characters.
+[[nodiscard]] constexpr int modelNameLimit(IbisVersion version) { return version < IbisVersion::v4 ? 20 : 40; }
+
+/// Compares submodels with the "[Add Submodel]" rows of all models once the file is read: a submodel that no row names
+/// (warning 220), then rows that name no submodel (error 218); no line.
+void checkAddedSubmodels(Run& run);
+
+/// Warns (219, no line) of the first model of the list that nothing has referenced.
+void checkReferences(Run& run);
+
+} // namespace kestrel

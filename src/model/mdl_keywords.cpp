@@ -1,0 +1,146 @@
+#include "ibis/run.hpp"
+#include "model/mdl_parts.hpp"
+
+#include <algorithm>
+#include <span>
+
+namespace kestrel {
+
+namespace {
+
+/// Longest name of a submodel, in characters.
+constexpr int kMaxSubmodelName = 40;
+
+/// What "[Model Spec]" should precede; "[Receiver Thresholds]" only has to precede the first of them.
+constexpr std::array<Presence, 24> kLaterKeywords{
+    isPresent<&Mdl::temperature_range>,
+    isPresent<&Mdl::voltage_range>,
+    isPresent<&Mdl::pullup_reference>,
+    isPresent<&Mdl::pulldown_reference>,
+    isPresent<&Mdl::power_clamp_reference>,
+    isPresent<&Mdl::gnd_clamp_reference>,
+    isPresent<&Mdl::ttgnd>,
+    isPresent<&Mdl::ttpower>,
+    isPresent<&Mdl::driver_schedule>,
+    isPresent<&Mdl::pullup>,
+    isPresent<&Mdl::pulldown>,
+    isPresent<&Mdl::power_clamp>,
+    isPresent<&Mdl::gnd_clamp>,
+    isPresent<&Mdl::rgnd>,
+    isPresent<&Mdl::rpower>,
+    isPresent<&Mdl::rac>,
+    isPresent<&Mdl::cac>,
+    isPresent<&Mdl::ramp>,
+    isPresent<&Mdl::rising_waveforms>,
+    isPresent<&Mdl::falling_waveforms>,
+    isPresent<&Mdl::add_submodel_seen>,
+    isPresent<&Mdl::receiver_thresholds>,
+    isPresent<&Mdl::isso_pd>,
+    isPresent<&Mdl::isso_pu>,
+};
+constexpr std::size_t kAfterThresholds = 20;
+
+bool hasAny(const Mdl& model, std::span<const Presence> list) {
+    return std::ranges::any_of(list, [&model](Presence present) { return present(model); });
+}
+
+constexpr EnumerationMessages kModeMessages{136, 158};
+
+constexpr ModelTypeSet kNeverDriving{ModelType::input, ModelType::inputEcl, ModelType::terminator};
+constexpr ModelTypeSet kAlwaysDriving{ModelType::output, ModelType::openDrain, ModelType::openSink,
+                                      ModelType::openSource, ModelType::outputEcl};
+
+std::string readSubmodelName(Run& run, std::string_view name) {
+    if (name.size() > kMaxSubmodelName) {
+        errorAtLine(run.diagnostics, 212, kMaxSubmodelName);
+    } else if (isReservedWord(name)) {
+        errorAtLine(run.diagnostics, 213, name);
+    }
+    return std::string(name.substr(0, kMaxSubmodelName));
+}
+
+SubmodelMode readSubmodelMode(Run& run, ModelType type, std::string_view text) {
+    const SubmodelMode mode = readEnumeration(run.diagnostics, kSubmodelModes, "Add Submodel Mode", text, kModeMessages)
+                                  .value_or(SubmodelMode::none);
+    if (mode == SubmodelMode::driving && kNeverDriving.has(type)) errorAtLine(run.diagnostics, 216);
+    if (mode == SubmodelMode::nonDriving && kAlwaysDriving.has(type)) errorAtLine(run.diagnostics, 217);
+    return mode;
+}
+
+} // namespace
+
+void readModelName(Run& run, Mdl& model, std::string_view text) {
+    const ItemList items = splitItems(run, text, 1);
+    if (items.count != 1) errorAtLine(run.diagnostics, 128, items.count, "Model", 1);
+    if (items.count == 0) return;
+    const std::string_view name = items[0];
+    const int limit = modelNameLimit(run.parse.version);
+    ObjectList<Mdl>& models = currentRoot(run)->models;
+    if (name.size() > static_cast<std::size_t>(limit)) {
+        errorAtLine(run.diagnostics, 129, limit);
+    } else {
+        if (isReservedWord(name)) errorAtLine(run.diagnostics, 130, name);
+        if (models.find(name) != nullptr) errorAtLine(run.diagnostics, 131, name);
+    }
+    model.name = name.substr(0, static_cast<std::size_t>(limit));
+    models.enterName(model, model.name);
+}
+
+void checkModelSpecOrder(Run& run, const Mdl& model) {
+    if (hasAny(model, kLaterKeywords)) errorAtLine(run.diagnostics, 116);
+}
+
+void checkReceiverThresholdsOrder(Run& run, const Mdl& model) {
+    if (hasAny(model, std::span(kLaterKeywords).first(kAfterThresholds))) errorAtLine(run.diagnostics, 120);
+    if (!kInputTypes.has(model.model_type)) warningAtLine(run.diagnostics, 117, modelTypeText(model.model_type));
+}
+
+SeriesBlock* currentSeriesBlock(Run& run, Mdl& model) {
+    if (!isSeries(model)) {
+        errorAtLine(run.diagnostics, 206);
+        return nullptr;
+    }
+    if (run.mdl.series_block == nullptr) {
+        if (model.model_type == ModelType::seriesSwitch) errorAtLine(run.diagnostics, 207);
+        model.on_block = std::make_unique<SeriesBlock>();
+        run.mdl.series_block = model.on_block.get();
+    }
+    return run.mdl.series_block;
+}
+
+void openSeriesSection(Run& run, Mdl& model, KeywordCode code) {
+    if (model.model_type != ModelType::seriesSwitch) {
+        errorAtLine(run.diagnostics, 205);
+        return;
+    }
+    std::unique_ptr<SeriesBlock>& block = code == KeywordCode::on ? model.on_block : model.off_block;
+    block = std::make_unique<SeriesBlock>();
+    run.mdl.series_block = block.get();
+}
+
+void openAddSubmodel(Run& run, Mdl& model, std::string_view text) {
+    if (model.add_submodel_seen) errorAtLine(run.diagnostics, 208);
+    model.add_submodel_seen = true;
+    const int count = splitItems(run, text, 0).count;
+    if (count > 0) errorAtLine(run.diagnostics, 137, count + 1, "Add Submodel", 1);
+    if (isSeries(model)) errorAtLine(run.diagnostics, 209);
+}
+
+void readAddSubmodel(Run& run, Mdl& model, std::string_view text) {
+    constexpr int kItems = 2; // name and mode
+    const ItemList items = splitItems(run, text, kItems);
+    if (items.count == 0) {
+        errorAtLine(run.diagnostics, 211);
+        return;
+    }
+    if (items.count > kItems) errorAtLine(run.diagnostics, 210);
+    AddSubmodel& row = model.add_submodels.emplace_back();
+    row.name = readSubmodelName(run, items[0]);
+    if (items.count < kItems) {
+        errorAtLine(run.diagnostics, 215);
+        return;
+    }
+    row.mode = readSubmodelMode(run, model.model_type, items[1]);
+}
+
+} // namespace kestrel

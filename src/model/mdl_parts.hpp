@@ -1,0 +1,63 @@
+#pragma once
+
+#include "model/mdl.hpp"
+
+/// What the files of the model reader share among themselves.
+namespace kestrel {
+
+/// True when the model has given what `Field` holds: a value, a table, at least one entry, a flag.
+template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
+    const auto& value = model.*Field;
+    if constexpr (requires { value.empty(); }) {
+        return !value.empty();
+    } else {
+        return static_cast<bool>(value);
+    }
+}
+using Presence = bool (*)(const Mdl&);
+
+/// Error 119 at the line: `name` was given before.
+void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name);
+
+/// Reads the model's name from its keyword line. Reports 128 to 131.
+void readModelName(Run& run, Mdl& model, std::string_view text);
+
+/// Reads a line "Model_type", "Vinl", "C_comp" and the like. Reports 119, 136, 137, 149, 158 to 179 and what the range
+/// reader reports.
+void readSubparameter(Run& run, Mdl& model, std::string_view text);
+
+/// Reads a keyword such as "[Voltage Range]" whose range stands on its own line. Reports 108 to 114, 119, 178, 204 and
+/// what the range reader reports.
+void readRangeKeyword(Run& run, Mdl& model, const Line& line);
+
+/// Reads a keyword such as "[R Series]" into its section. Reports 119, 178 and what the range reader reports.
+void readSeriesRange(Run& run, const Mdl& model, SeriesBlock& block, const Line& line);
+
+/// Reports "[Model Spec]" behind a keyword that it should precede (116).
+void checkModelSpecOrder(Run& run, const Mdl& model);
+
+/// Reports "[Receiver Thresholds]" behind a keyword that it should precede (120), or in a model that receives nothing
+/// (117).
+void checkReceiverThresholdsOrder(Run& run, const Mdl& model);
+
+/// The section that series keywords and their lines go to; opened when none is (207 in a "Series_switch" model). Null,
+/// with error 206, when the model is no series model.
+SeriesBlock* currentSeriesBlock(Run& run, Mdl& model);
+
+/// Opens a section at "[On]" or "[Off]". Reports 205.
+void openSeriesSection(Run& run, Mdl& model, KeywordCode code);
+
+/// Judges the keyword line "[Add Submodel]". Reports 137, 208, 209.
+void openAddSubmodel(Run& run, Mdl& model, std::string_view text);
+
+/// Reads a row of "[Add Submodel]". Reports 136, 158, 210 to 217.
+void readAddSubmodel(Run& run, Mdl& model, std::string_view text);
+
+/// Once the subparameters are read: the type is there (180), the measuring voltage lies between the thresholds (182,
+/// 183). No line.
+void checkSubparameters(Run& run, const Mdl& model);
+
+/// Once the model is read: what it lacks and what its type forbids (181, 184 to 202). No line.
+void checkModel(Run& run, const Mdl& model);
+
+} // namespace kestrel

@@ -1,0 +1,126 @@
+#include "model/ramp.hpp"
+
+#include "ibis/run.hpp"
+#include "model/table_ends.hpp"
+#include "reader/cmn.hpp"
+#include "reader/value_line.hpp"
+
+#include <algorithm>
+
+namespace kestrel {
+
+namespace {
+
+constexpr int kCorners = 3;
+constexpr std::array<std::string_view, kCorners> kCornerWords{"Typical", "Minimum", "Maximum"};
+
+/// A line that gives an edge rate.
+struct RateLine {
+    std::string_view name;
+    std::optional<RampRate> Ramp::*rate;
+};
+constexpr std::array kRateLines{
+    RateLine{"dV/dt_r", &Ramp::dv_dt_r},
+    RateLine{"dV/dt_f", &Ramp::dv_dt_f},
+};
+
+constexpr std::string_view kLoadName = "R_load";
+constexpr ValueLineMessages kLoadMessages{1313, 1304, 1314, ScaleMessage(1311)};
+
+/// Reads one number of a cell: 1311 for digits in its scale.
+bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view name, std::string_view word,
+              double& value) {
+    const ReadResult result = readScaled(text, value);
+    if (result == ReadResult::numberAndText) warningAtLine(diagnostics, 1311, word, name, text);
+    return result != ReadResult::noNumber;
+}
+
+/// Reads a cell "dV/dt" or "NA"; 1312 for any other, which leaves the corner as if it were missing.
+RampCorner readCorner(Run& run, std::string_view cell, std::string_view name, std::string_view word) {
+    const ItemList parts = splitItems(run, cell, 3, '/');
+    if (parts.count == 1 && equalsNoCase(parts[0], "NA")) return {.state = CellState::na};
+    RampCorner corner;
+    if (parts.count == 3 && parts[1] == "/" && readPart(run.diagnostics, parts[0], name, word, corner.dv) &&
+        readPart(run.diagnostics, parts[2], name, word, corner.dt)) {
+        corner.state = CellState::number;
+        return corner;
+    }
+    errorAtLine(run.diagnostics, 1312, name, word, cell);
+    return {};
+}
+
+void reportCellCount(Diagnostics& diagnostics, int count, std::string_view name) {
+    if (count == 1) errorAtLine(diagnostics, 1308, "minimum", name);
+    if (count == 1 || count == 2) errorAtLine(diagnostics, 1308, "maximum", name);
+    if (count > kCorners) errorAtLine(diagnostics, 1304, count, name, kCorners);
+}
+
+/// A rate needs a typical corner, and steps above zero. A minimum or maximum that is missing or did not read counts as
+/// zero; a typical one has been reported.
+void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_view name) {
+    const RampCorner& typical = rate.corners.front();
+    if (typical.state == CellState::na) errorAtLine(diagnostics, 1309, name);
+    for (const RampCorner& corner : rate.corners) {
+        if (corner.state == CellState::na) continue;
+        if (&corner == &typical && corner.state == CellState::missing) continue;
+        if (corner.dv <= 0.0) errorAtLine(diagnostics, 1310, "dV");
+        if (corner.dt <= 0.0) errorAtLine(diagnostics, 1310, "dT");
+    }
+}
+
+/// Reads the cells behind a rate's name.
+RampRate readRate(Run& run, std::string_view text, std::string_view name) {
+    const ItemList cells = splitItems(run, text, kCorners);
+    reportCellCount(run.diagnostics, cells.count, name);
+    RampRate rate;
+    for (int i = 0; i < cells.kept; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        rate.corners[at] = readCorner(run, cells[i], name, kCornerWords[at]);
+    }
+    checkCorners(run.diagnostics, rate, name);
+    return rate;
+}
+
+void readLoad(Run& run, Ramp& ramp, std::string_view text) {
+    std::optional<double> ohms;
+    readValueLine(run, text, kLoadMessages, {kLoadName, "Ramp", kLoadName}, ohms);
+    if (!ohms) return;
+    ramp.r_load = *ohms;
+    ramp.r_load_given = true;
+}
+
+} // namespace
+
+void openRamp(Run& run, std::optional<Ramp>& slot, std::string_view text) {
+    if (slot) errorAtLine(run.diagnostics, 1300);
+    slot.emplace();
+    const int count = splitItems(run, text, 0).count;
+    if (count > 0) errorAtLine(run.diagnostics, 1304, count + 1, "Ramp", 1);
+    run.mdl.ramp.begin_line = run.parse.line;
+}
+
+void rampLine(Run& run, Ramp& ramp, std::string_view text, std::string_view owner_name) {
+    std::string_view rest = text;
+    const std::string_view name = takeItem(run, rest, '=');
+    const auto* const line = std::ranges::find(kRateLines, name, &RateLine::name);
+    const bool is_rate = line != kRateLines.end();
+    if (!is_rate && name != kLoadName) {
+        errorAtLine(run.diagnostics, 1305);
+    } else if (is_rate ? (ramp.*line->rate).has_value() : ramp.r_load_given) {
+        errorAtLine(run.diagnostics, 1307, name, owner_name);
+    } else if (is_rate) {
+        ramp.*line->rate = readRate(run, rest, name);
+    } else {
+        readLoad(run, ramp, text);
+    }
+}
+
+void closeRamp(Run& run, const Ramp& ramp) {
+    for (const RateLine& line : kRateLines) {
+        if ((ramp.*line.rate).has_value()) continue;
+        error(run.diagnostics, 1306, line.name, static_cast<std::int32_t>(run.mdl.ramp.begin_line));
+    }
+    run.mdl.ramp = RampState{};
+}
+
+} // namespace kestrel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "reader/rng.hpp"
+
+#include <optional>
+#include <string_view>
+
+namespace kestrel {
+
+struct Run;
+
+/// "[Submodel Spec]": trigger voltages (volts) and the delay (seconds) until a bus holder lets go.
+struct SmSpec {
+    std::optional<Rng> v_trigger_r;
+    std::optional<Rng> v_trigger_f;
+    std::optional<Rng> off_delay;
+};
+
+/// Opens a spec at its keyword line. Reports 2700 (the old one is replaced) and 2704.
+void openSmSpec(Run& run, std::optional<SmSpec>& slot, std::string_view text);
+
+/// Reads one line of it. Reports 2706 to 2708 and what the range reader reports.
+void smSpecLine(Run& run, SmSpec& spec, std::string_view text, std::string_view submodel);
+
+/// Reports a spec without any of its values (2705, no line).
+void closeSmSpec(Run& run, const SmSpec& spec, std::string_view submodel);
+
+} // namespace kestrel

@@ -1,0 +1,127 @@
+#include "model/submdl_check.hpp"
+
+#include "ibis/run.hpp"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace kestrel {
+
+namespace {
+
+bool hasTriggerR(const SubMdl& submodel) { return submodel.spec && submodel.spec->v_trigger_r; }
+bool hasTriggerF(const SubMdl& submodel) { return submodel.spec && submodel.spec->v_trigger_f; }
+bool hasOffDelay(const SubMdl& submodel) { return submodel.spec && submodel.spec->off_delay; }
+bool hasBothPulls(const SubMdl& submodel) { return submodel.pullup && submodel.pulldown; }
+
+bool lacksSpec(const SubMdl& submodel) { return !submodel.spec; }
+bool specLacksTriggerR(const SubMdl& submodel) { return submodel.spec && !submodel.spec->v_trigger_r; }
+bool specLacksTriggerF(const SubMdl& submodel) { return submodel.spec && !submodel.spec->v_trigger_f; }
+bool lacksRamp(const SubMdl& submodel) { return !submodel.ramp; }
+bool lacksPulls(const SubMdl& submodel) { return !submodel.pullup && !submodel.pulldown; }
+bool delaysBothPulls(const SubMdl& submodel) { return hasOffDelay(submodel) && hasBothPulls(submodel); }
+bool gndPulseLacksTrigger(const SubMdl& submodel) { return submodel.gnd_pulse && !hasTriggerF(submodel); }
+bool powerPulseLacksTrigger(const SubMdl& submodel) { return submodel.power_pulse && !hasTriggerR(submodel); }
+bool lacksClampTables(const SubMdl& submodel) {
+    return !submodel.gnd_pulse && !submodel.power_pulse && !submodel.gnd_clamp && !submodel.power_clamp;
+}
+
+/// A fault that a submodel of one type may have.
+struct TypeRule {
+    SubmodelType type;
+    bool (*is_broken)(const SubMdl&);
+    CheckedMessage<ArgKind::text> message;
+};
+
+constexpr std::array kTypeRules{
+    TypeRule{SubmodelType::busHold, lacksSpec, 2424},
+    TypeRule{SubmodelType::busHold, specLacksTriggerR, 2425},
+    TypeRule{SubmodelType::busHold, specLacksTriggerF, 2426},
+    TypeRule{SubmodelType::busHold, delaysBothPulls, 2427},
+    TypeRule{SubmodelType::busHold, lacksRamp, 2428},
+    TypeRule{SubmodelType::busHold, lacksPulls, 2429},
+    TypeRule{SubmodelType::dynamicClamp, gndPulseLacksTrigger, 2430},
+    TypeRule{SubmodelType::dynamicClamp, powerPulseLacksTrigger, 2431},
+    TypeRule{SubmodelType::dynamicClamp, lacksClampTables, 2432},
+    TypeRule{SubmodelType::dynamicClamp, hasOffDelay, 2433},
+    TypeRule{SubmodelType::fallBack, lacksSpec, 2434},
+    TypeRule{SubmodelType::fallBack, specLacksTriggerR, 2435},
+    TypeRule{SubmodelType::fallBack, specLacksTriggerF, 2436},
+    TypeRule{SubmodelType::fallBack, lacksPulls, 2437},
+    TypeRule{SubmodelType::fallBack, hasBothPulls, 2438},
+    TypeRule{SubmodelType::fallBack, lacksRamp, 2439},
+    TypeRule{SubmodelType::fallBack, hasOffDelay, 2440},
+};
+
+/// On which side of the trigger an end of a waveform is at fault.
+enum class Side : bool { below, above };
+
+/// How one end of a waveform is held against the trigger.
+struct EndRule {
+    Side fault;
+    CheckedMessage<ArgKind::text, ArgKind::text> message; ///< submodel, corner
+};
+
+/// The two ends of the waveforms of one direction.
+struct TriggerRule {
+    EndRule start;
+    EndRule end;
+};
+
+constexpr TriggerRule kRisingRule{{Side::above, 2441}, {Side::below, 2442}};
+constexpr TriggerRule kFallingRule{{Side::below, 2443}, {Side::above, 2444}};
+
+Cell cellOf(const TableRow& row, Column column) { return {row.value[column], row.state[column]}; }
+
+/// Of a corner that only one side gives, the other side's typical value stands in for its "NA".
+bool isFaulty(Cell waveform, Cell waveform_typ, Cell trigger, Cell trigger_typ, Side fault) {
+    const bool waveform_na = waveform.state == CellState::na;
+    const bool trigger_na = trigger.state == CellState::na;
+    if (waveform_na && trigger_na) return false;
+    if (waveform_na) waveform = waveform_typ;
+    if (trigger_na) trigger = trigger_typ;
+    if (!waveform.isNumber() || !trigger.isNumber()) return false;
+    return fault == Side::above ? waveform.value > trigger.value : waveform.value < trigger.value;
+}
+
+void checkEnd(Run& run, std::string_view submodel, const TableRow& row, const Rng& trigger, const EndRule& rule) {
+    struct Corner {
+        std::string_view word;
+        Column column;
+        Cell trigger;
+    };
+    const std::array<Corner, 3> corners{
+        {{"Typ", kTyp, trigger.typ}, {"Min", kMin, trigger.min}, {"Max", kMax, trigger.max}}};
+    for (const Corner& corner : corners) {
+        if (isFaulty(cellOf(row, corner.column), cellOf(row, kTyp), corner.trigger, trigger.typ, rule.fault)) {
+            warning(run.diagnostics, rule.message, submodel, corner.word);
+        }
+    }
+}
+
+void checkTrigger(Run& run, std::string_view submodel, const std::vector<std::unique_ptr<Wvfrm>>& waveforms,
+                  const std::optional<Rng>& trigger, const TriggerRule& rule) {
+    if (!trigger || !trigger->typ.isNumber()) return;
+    for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
+        const std::vector<TableRow>& rows = waveform->rows;
+        if (rows.empty() || !rows.front().isNumber(kTyp)) continue;
+        checkEnd(run, submodel, rows.front(), *trigger, rule.start);
+        checkEnd(run, submodel, rows.back(), *trigger, rule.end);
+    }
+}
+
+} // namespace
+
+void checkSubMdl(Run& run, const SubMdl& submodel) {
+    for (const TypeRule& rule : kTypeRules) {
+        if (rule.type == submodel.type && rule.is_broken(submodel)) {
+            error(run.diagnostics, rule.message, submodel.name);
+        }
+    }
+    if (!submodel.spec) return;
+    checkTrigger(run, submodel.name, submodel.rising, submodel.spec->v_trigger_r, kRisingRule);
+    checkTrigger(run, submodel.name, submodel.falling, submodel.spec->v_trigger_f, kFallingRule);
+}
+
+} // namespace kestrel

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace kestrel {
+
+/// One "[Test Data]".
+struct TestData {
+    std::string name;
+};
+
+} // namespace kestrel

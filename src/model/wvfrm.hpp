@@ -1,0 +1,73 @@
+#pragma once
+
+#include "reader/rngp.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+
+/// One voltage-versus-time table with its test fixture: time (seconds), then typical, minimum and maximum voltage.
+struct Wvfrm {
+    std::optional<double> r_fixture;     ///< ohms
+    std::optional<double> v_fixture;     ///< volts
+    std::optional<double> v_fixture_min; ///< volts
+    std::optional<double> v_fixture_max; ///< volts
+    std::optional<double> c_fixture;     ///< farads
+    std::optional<double> l_fixture;     ///< henries
+    std::optional<double> r_dut;         ///< ohms
+    std::optional<double> l_dut;         ///< henries
+    std::optional<double> c_dut;         ///< farads
+    std::vector<TableRow> rows;          ///< in file order
+};
+
+/// How a V-t table is read and closed.
+enum class WaveformForm : std::uint8_t {
+    model, ///< fixture lines, of which two are required; 100 or 1000 rows by version
+    pulse, ///< 100 rows; begins and ends at the same value
+    golden ///< no fixture lines
+};
+
+/// The side of zero on which a table of offsets has to stay.
+enum class OffsetLimit : std::uint8_t { none, notBelowZero, notAboveZero };
+
+/// The labels of a V-t table in messages: of the keyword line and the close, and of the rows.
+struct WaveformLabel {
+    std::string_view open;
+    std::string_view rows;
+    WaveformForm form;
+    OffsetLimit offsets = OffsetLimit::none;
+};
+
+inline constexpr WaveformLabel kRisingWaveform{"Rising Waveform", "Rising Waveform", WaveformForm::model};
+inline constexpr WaveformLabel kFallingWaveform{"Falling Waveform", "Falling Waveform", WaveformForm::model};
+inline constexpr WaveformLabel kGndPulse{"GND Pulse", "GND Pulse Table", WaveformForm::pulse,
+                                         OffsetLimit::notBelowZero};
+inline constexpr WaveformLabel kPowerPulse{"POWER Pulse", "POWER Pulse Table", WaveformForm::pulse,
+                                           OffsetLimit::notAboveZero};
+
+/// The line at which the open waveform began.
+struct WvfrmState {
+    std::uint32_t begin_line = 0;
+};
+
+/// Appends a waveform to its list at the keyword line and returns it. Reports 2000 (more than 100) and 2003.
+Wvfrm& openWvfrm(Run& run, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
+                 std::string_view text);
+
+/// Opens a table that stands alone (pulse tables); the caller has dealt with an older one. Reports 2003.
+void openSingleWvfrm(Run& run, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
+
+/// Reads a fixture line or a table row. Reports 2003, 2010, 2011, 2013 to 2020 and what the row reader reports.
+void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
+
+/// Ends the open waveform: 2004 (model waveforms), 2005, 2006; of a pulse table also 2007, and 2008 or 2009. All
+/// without line.
+void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label);
+
+} // namespace kestrel

@@ -1,0 +1,180 @@
+#include "package/sect.hpp"
+
+#include "ibis/run.hpp"
+#include "package/token.hpp"
+#include "reader/cmn.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace kestrel {
+
+namespace {
+
+/// The items that need a "Len" before them.
+struct ItemRow {
+    std::string_view name;
+    std::optional<double> Sect::*value;
+    CheckedMessage<> without_len;
+    CheckedMessage<> duplicate;
+    CheckedMessage<> negative;
+};
+
+constexpr std::array<ItemRow, 4> kItems{{
+    {"Len", &Sect::len, 3000, 3000, 3001}, // nothing has to stand before it
+    {"R", &Sect::r, 3002, 3003, 3004},
+    {"L", &Sect::l, 3005, 3006, 3007},
+    {"C", &Sect::c, 3008, 3009, 3010},
+}};
+
+/// Takes a name or number off the front of `text`, which does not begin with a blank, "=" or "/".
+std::string_view takeWord(std::string_view& text) {
+    const std::string_view word = text.substr(0, text.find_first_of(" \t=/"));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+/// Takes the "=" and the value of an item off the front of `text`; reports what stands there instead.
+std::optional<double> takeValue(Run& run, std::string_view& text) {
+    text = skipBlanks(text);
+    if (text.empty()) {
+        errorAtLine(run.diagnostics, 1920);
+        return std::nullopt;
+    }
+    if (text.front() != '=') {
+        errorAtLine(run.diagnostics, 1921);
+        return std::nullopt;
+    }
+    text = skipBlanks(text.substr(1));
+    if (text.empty()) {
+        errorAtLine(run.diagnostics, 1920);
+        return std::nullopt;
+    }
+    if (text.front() == '=') {
+        errorAtLine(run.diagnostics, 1918);
+        return std::nullopt;
+    }
+    if (text.front() == '/') {
+        errorAtLine(run.diagnostics, 1923);
+        return std::nullopt;
+    }
+    const std::string_view number = takeWord(text);
+    double value = 0.0;
+    if (readScaled(number, value) == ReadResult::noNumber) {
+        errorAtLine(run.diagnostics, 1922, number);
+        return std::nullopt;
+    }
+    return value;
+}
+
+/// Takes one item off the front of `text`; false when it was reported and the section is of no use.
+bool readItem(Run& run, std::string_view& text, Sect& sect) {
+    if (text.front() == '=') {
+        errorAtLine(run.diagnostics, 1918);
+        return false;
+    }
+    const std::string_view name = takeWord(text);
+    const auto* const item = std::ranges::find(kItems, name, &ItemRow::name);
+    if (item == kItems.end()) {
+        errorAtLine(run.diagnostics, 1919, name);
+        return false;
+    }
+    const std::optional<double> value = takeValue(run, text);
+    if (!value) {
+        return false;
+    }
+    std::optional<double>& place = sect.*(item->value);
+    if (item->value != &Sect::len && !sect.len) {
+        errorAtLine(run.diagnostics, item->without_len);
+    }
+    if (place) {
+        errorAtLine(run.diagnostics, item->duplicate);
+    }
+    if (*value < 0.0) {
+        errorAtLine(run.diagnostics, item->negative);
+    }
+    place = value;
+    return true;
+}
+
+} // namespace
+
+SectResult readSection(Run& run, std::string_view& text, Sect& sect) {
+    sect = {};
+    bool any = false;
+    for (text = skipBlanks(text); !text.empty() && text.front() != '/'; text = skipBlanks(text)) {
+        if (!readItem(run, text, sect)) {
+            return SectResult::failed;
+        }
+        any = true;
+    }
+    if (text.empty()) {
+        if (!any) {
+            return SectResult::endOfLine;
+        }
+        errorAtLine(run.diagnostics, 3013);
+        return SectResult::failed;
+    }
+    text.remove_prefix(1);
+    if (!any) {
+        errorAtLine(run.diagnostics, 3011);
+    } else if (sect.len.value_or(0.0) != 0.0 && (!sect.l || !sect.c)) {
+        errorAtLine(run.diagnostics, 3012);
+    }
+    return SectResult::section;
+}
+
+bool beginsSection(std::string_view text) {
+    text = skipBlanks(text);
+    return text.starts_with('/') || std::ranges::find(kItems, takeWord(text), &ItemRow::name) != kItems.end();
+}
+
+void attach(Chain& chain, ChainCursor& cursor, ChainElement element) {
+    if (cursor.tail == kNoElement) {
+        chain.elements.clear();
+        chain.sections.clear();
+    }
+    const auto place = static_cast<std::uint32_t>(chain.elements.size());
+    if (cursor.tail != kNoElement) {
+        ChainElement& tail = chain.elements[cursor.tail];
+        const bool starts_branch = !cursor.forks.empty() && cursor.forks.back() == cursor.tail;
+        (starts_branch ? tail.payload : tail.next) = place;
+    }
+    chain.elements.push_back(element);
+    cursor.tail = place;
+}
+
+void attachSection(Chain& chain, ChainCursor& cursor, const Sect& sect) {
+    attach(chain, cursor, {.kind = ElementKind::section});
+    chain.elements.back().payload = static_cast<std::uint32_t>(chain.sections.size());
+    chain.sections.push_back(sect);
+}
+
+void openFork(Chain& chain, ChainCursor& cursor) {
+    attach(chain, cursor, {.kind = ElementKind::fork});
+    cursor.forks.push_back(cursor.tail);
+}
+
+ForkEnd closeFork(const Chain& chain, ChainCursor& cursor) {
+    if (cursor.forks.empty()) {
+        return ForkEnd::noneOpen;
+    }
+    cursor.tail = cursor.forks.back();
+    cursor.forks.pop_back();
+    return chain.elements[cursor.tail].payload == kNoElement ? ForkEnd::emptyBranch : ForkEnd::closed;
+}
+
+void warnOfName(Run& run, std::string_view name, const NameWarnings& warnings) {
+    constexpr std::array<std::string_view, 6> kWords{"Len", "Fork", "Endfork", "C", "R", "L"};
+    if (name.find('=') != std::string_view::npos) {
+        warningAtLine(run.diagnostics, warnings.equals, name);
+    }
+    if (name.find('/') != std::string_view::npos) {
+        warningAtLine(run.diagnostics, warnings.slash, name);
+    }
+    if (std::ranges::find(kWords, name) != kWords.end()) {
+        warningAtLine(run.diagnostics, warnings.word, name);
+    }
+}
+
+} // namespace kestrel

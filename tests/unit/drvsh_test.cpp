@@ -1,0 +1,53 @@
+// The names of a driver schedule by version; its delays and whole-file checks are covered by files.
+
+#include "model/drvsh.hpp"
+
+#include "codes.hpp"
+#include "ibis/run.hpp"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace kestrel {
+namespace {
+
+TEST(DriverSchedule, namesByVersion) {
+    const std::string twenty(20, 'n');
+    const std::string forty(40, 'n');
+    struct Row {
+        std::string model;
+        IbisVersion version;
+        std::string name;
+        std::string codes;
+        std::string stored;
+    };
+    const Row rows[] = {
+        {"Top", IbisVersion::v3, twenty, "", twenty},
+        {"Top", IbisVersion::v3, twenty + "x", "E4212@", twenty},
+        {twenty, IbisVersion::v3, twenty + "x", "E4212@ E4213@", twenty},
+        {"Top", IbisVersion::v4, forty, "", forty},
+        {"Top", IbisVersion::v5, forty + "x", "E4212@", forty},
+        {"Top", IbisVersion::v3, "top", "", "top"},
+        {"Top", IbisVersion::v3, "Gnd", "E4214@", "Gnd"},
+        {"nc", IbisVersion::v3, "nc", "E4213@", "nc"},
+    };
+    for (const Row& row : rows) {
+        Output out;
+        kestrel::Run run(out);
+        run.diagnostics.coded_form = true;
+        run.parse.version = row.version;
+        Mdl model;
+        model.name = row.model;
+        openDrvSh(run, model, "");
+        drvShLine(run, model, "  " + row.name + " 1n 2n NA NA");
+        EXPECT_EQ(codesOf(out.text()), row.codes) << row.name;
+        const DrvShEntry& entry = model.driver_schedule->entries.back();
+        EXPECT_EQ(entry.model_name, row.stored);
+        EXPECT_EQ(entry.delays->rise_off.value, 2e-9);
+        EXPECT_EQ(entry.delays->fall_on.state, CellState::na);
+    }
+}
+
+} // namespace
+} // namespace kestrel

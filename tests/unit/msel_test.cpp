@@ -1,0 +1,101 @@
+// The lines of model selectors: what is stored and the limits by version.
+
+#include "model/msel.hpp"
+
+#include "codes.hpp"
+#include "ibis/run.hpp"
+
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace kestrel {
+namespace {
+
+/// A run with a root whose diagnostics are read by their codes.
+struct Selectors {
+    explicit Selectors(IbisVersion version) : root(createRoot(run)) {
+        run.diagnostics.coded_form = true;
+        run.parse.version = version;
+    }
+
+    void open(std::string_view name) {
+        openMSel(run);
+        mselLine(run, {LineKind::keyword, KeywordCode::modelSelector, name});
+    }
+    void entry(std::string_view text) { mselLine(run, {LineKind::data, KeywordCode::modelSelector, text}); }
+
+    [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
+    [[nodiscard]] MSel& newest() const { return *root.model_selectors.newestFirst().begin(); }
+
+    Output out;
+    Run run{out};
+    Ibis& root;
+};
+
+TEST(ModelSelector, nameLines) {
+    struct Row {
+        IbisVersion version;
+        std::string name;
+        std::string codes;
+        std::string stored;
+    };
+    const Row rows[] = {
+        {IbisVersion::v3, std::string(20, 's'), "", std::string(20, 's')},
+        {IbisVersion::v3, std::string(21, 's'), "E4012@", std::string(20, 's')},
+        {IbisVersion::v4, std::string(40, 's'), "", std::string(40, 's')},
+        {IbisVersion::v5, std::string(41, 's'), "E4012@", std::string(40, 's')},
+        {IbisVersion::v5, "", "E4010@", ""},
+        {IbisVersion::v5, "Bus Keeper", "E4011@", "Bus"},
+        {IbisVersion::v5, "Power", "E4013@", "Power"},
+        {IbisVersion::v5, "First", "E4014@", "First"},
+        {IbisVersion::v5, "first", "", "first"},
+        {IbisVersion::v5, std::string(41, 'F'), "E4012@ E4014@", std::string(40, 'F')},
+    };
+    for (const Row& row : rows) {
+        Selectors test(IbisVersion::v5);
+        test.open("First");
+        test.open(std::string(40, 'F'));
+        test.run.parse.version = row.version;
+        test.open(row.name);
+        EXPECT_EQ(test.codes(), row.codes) << row.name;
+        EXPECT_EQ(test.newest().name, row.stored);
+    }
+}
+
+TEST(ModelSelector, entryLines) {
+    const std::string twenty(20, 'm');
+    const std::string hundred(100, 'd');
+    struct Row {
+        std::string line;
+        std::string codes;
+        std::string name;
+        std::string description;
+    };
+    const Row rows[] = {
+        {"  Slow   slow edge, 2 mA  ", "", "Slow", "slow edge, 2 mA"},
+        {"Slow\tslow", "", "Slow", "slow"},
+        {"Slow", "E4011@", "Slow", ""},
+        {"nA nothing", "E4018@", "nA", "nothing"},
+        {"GND ground", "", "GND", "ground"},
+        {"fast again", "", "fast", "again"},
+        {"Fast again", "E4025@", "Fast", "again"},
+        {twenty + " " + hundred, "", twenty, hundred},
+        {twenty + " " + hundred + "e", "E4019@", twenty, hundred},
+        {twenty + "x " + hundred + "e", "E4017@ E4019@", twenty, hundred},
+    };
+    for (const Row& row : rows) {
+        Selectors test(IbisVersion::v3);
+        test.open("S");
+        test.entry("Fast fast edge");
+        test.entry(row.line);
+        EXPECT_EQ(test.codes(), row.codes) << row.line;
+        ASSERT_EQ(test.newest().entries.size(), 2U);
+        EXPECT_EQ(test.newest().entries[1].model_name, row.name);
+        EXPECT_EQ(test.newest().entries[1].description, row.description);
+    }
+}
+
+} // namespace
+} // namespace kestrel

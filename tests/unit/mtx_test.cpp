@@ -1,0 +1,140 @@
+// Matrices: slots by form and position, the turn into a wrap, names of rows and columns, what the close reports.
+
+#include "package_lines.hpp"
+
+#include <gtest/gtest.h>
+
+namespace kestrel {
+namespace {
+
+using testing::PackageLines;
+
+struct Row {
+    std::uint32_t pins;
+    std::string text; ///< what follows "[Capacitance Matrix] "
+    std::string codes;
+};
+
+std::string codesOfMatrix(const Row& row) {
+    PackageLines lines;
+    lines.start(row.pins);
+    lines.feed("[Capacitance Matrix] " + row.text + "\n[End Model Data]");
+    return lines.codes();
+}
+
+void expectCodes(std::initializer_list<Row> rows) {
+    for (const Row& row : rows)
+        EXPECT_EQ(codesOfMatrix(row), row.codes) << row.pins << " pins\n" << row.text;
+}
+
+TEST(Matrix, full) {
+    expectCodes({
+        {3, "Full_matrix\n[Row] A\n1 2\n3\n[Row] B\n1\t2\n[Row] C\n1", ""},
+        {3, "FULL_MATRIX\n[Row] A\n1 2 3\n[Row] B\n1 2\n[Row] C\n1", ""},
+        {3, "Full matrix\n[Row] A\n1 2 3", "E3702@ E3717@"},
+        {3, "\n[Row] A\n1 2 3", "E3701@ E3717@"},
+        {2, "Full_matrix\n[Row] A\n1 2 3\n[Row] B\n1", "E3105@"},
+        // A value is read before room is looked for; the first error ends the line, what stood before it stays.
+        {2, "Full_matrix\n[Row] A\n1 2 x\n[Row] B\n1", "E3103@"},
+        {2, "Full_matrix\n[Row] A\n1 x 2\n[Row] B\n1n5", "E3103@ W3104@ E3116@"},
+        // Behind the last row a row is silently none, whatever its name, and its data goes to the row before.
+        {2, "Full_matrix\n[Row] A\n1 2\n[Row] B\n1\n[Row]\n5\n[Row] Toolong", "E3105@"},
+        {2, "Full_matrix\n[Row]\n7\n[Row] A\n1 2\n[Row] B\n1", "E3120@"},
+        {2, "Full_matrix\n[Row] A\n1\n[Row]\n2\n[Row] B\n1", "E3120@"},
+        {0, "Full_matrix\n[Row] A\n1", "E3424@"},
+    });
+}
+
+TEST(Matrix, rowNames) {
+    expectCodes({
+        {2, "Full_matrix\n[Row] Z\n1 2\n[Row] A\n1", "E3100@ E3102@"},
+        {3, "Full_matrix\n[Row] A\n1 2 3\n[Row] A\n1 2\n[Row] A\n1", "E3101@ E3102@ E3101@ E3101@ E3102@"},
+        {1, "Full_matrix\n[Row] Abcdef\n1", "E3121@ E3100@"},
+        {1, "Full_matrix\n[Row] A    x\n1", "E3121@"},
+    });
+}
+
+TEST(Matrix, rowsThatComeBeforeTheirPin) {
+    PackageLines lines;
+    lines.feed(
+        "[Define Package Model] P\n[Number Of Pins] 3\n[Pin Numbers]\nA\n[Resistance Matrix] Full_matrix\n[Row] B\n"
+        "[Pin Numbers]\nB\n[Row] B\n[Row] B");
+    EXPECT_EQ(lines.codes(), "E3100@ E3468@ E3101@ E3101@ E3101@ E3102@");
+}
+
+TEST(Matrix, banded) {
+    const std::string four = "Banded_matrix\n[Bandwidth] 1\n[Row] A\n1 2\n[Row] B\n1 2\n[Row] C\n1 2\n[Row] D\n";
+    const std::string five = "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Row] B\n1 2 3\n[Row] C\n1 2 3\n[Row] D\n";
+    expectCodes({
+        {4, four + "1", ""},
+        {4, four + "1 2", ""},
+        {4, four + "1 2 3", "E3107@"},
+        {4, four + "1\nx", "E3103@"},
+        // A wrap takes one row more, and no further one.
+        {4, four + "1 2\n[Row] E\n1 2\n[Row] F\n9", "E3100@ E3107@ E3717@"},
+        {4, four + "1\n[Row] E\n9 9", "E3122@ E3107@"},
+        {4, "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Row] B\n1 2 3\n[Row] C\n1 2\n[Row] D\n1 2", "E3708@"},
+        // The turn widens the rows before it as well, which then lack values.
+        {5, five + "1 2\n[Row] E\n1", ""},
+        {5, five + "1 2\n[Row] E\n1 2 3", "E3116@"},
+        {5, five + "1 2\n[Row] E\n1 2", "E3116@ E3116@"},
+        {5, five + "1 2 3\n[Row] E\n1 2 3", ""},
+        {5, five + "1 2 3\n[Row] E\n1 2 3 4", "E3107@"},
+        // Without a bandwidth there is only the diagonal.
+        {2, "Banded_matrix\n[Row] A\n1 2\n[Row] B\n1\n[Row] C\n3", "E3107@ E3122@ E3107@"},
+    });
+}
+
+TEST(Matrix, bandwidth) {
+    expectCodes({
+        {2, "Full_matrix\n[Bandwidth] 1\n[Row] A\n1 2\n[Row] B\n1", "E3703@"},
+        {2, "Banded_matrix\n[Bandwidth] x\n[Row] A\n1\n[Row] B\n1", "E3704@"},
+        {2, "Banded_matrix\n[Bandwidth]\n[Row] A\n1\n[Row] B\n1", "E3704@"},
+        {2, "Banded_matrix\n[Bandwidth] 1x\n[Row] A\n1 2\n[Row] B\n1", "E3705@"},
+        {2, "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Row] B\n1", "E3706@ E3708@"},
+        {2, "Banded_matrix\n[Bandwidth] 4294967295\n[Row] A\n1 2\n[Row] B\n1", "E3706@"},
+        // Behind a repeated matrix keyword the old band may be narrowed, which no row made before it can follow.
+        {3, "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Capacitance Matrix] Full_matrix\n[Bandwidth] 1\n[Row]\n9",
+         "E3462@ E3120@ B3108@ E3717@"},
+    });
+}
+
+TEST(Matrix, sparse) {
+    const std::string rest = "\n[Row] B\nB 1\n[Row] C\nC 1";
+    expectCodes({
+        {3, "Sparse_matrix\n[Row] A\nA 1\nC\t2n" + rest, ""},
+        {3, "sparse_MATRIX\n[Row] A\nC 2" + rest, "E3118@"},
+        {3, "Sparse_matrix\n[Row] A\nC 2\n[Row] B\n[Row] C\nA 1", "E3111@ E3118@ E3117@ E3117@"},
+        {3, "Sparse_matrix\n[Row] A\nA\nB 1" + rest, "E3114@"}, // named is enough to be self-coupled
+        {3, "Sparse_matrix\n[Row] A\nA x" + rest, "E3103@ E3117@"},
+        {3, "Sparse_matrix\n[Row] A\nA 1n2" + rest, "W3104@"},
+        {3, "Sparse_matrix\n[Row] A\nA 1 2 3" + rest, "E3115@"},
+        {3, "Sparse_matrix\n[Row] A\nA 1\nA 2" + rest, "E3113@"},
+        {3, "Sparse_matrix\n[Row] A\nA 1\nZ 2\nAAAAAA 1" + rest, "E3100@ E3100@"},
+        {3, "Sparse_matrix\n[Row] A\nA 1\n[Row] B\nB 1\nC 1\nA 1\n[Row] C\nC 1", "E3111@"},
+        // The column is held against the row's place, not against the row's pin.
+        {3, "Sparse_matrix\n[Row] B\nB 1\nA 1\n[Row] A\nA 1\nB 1\n[Row] C\nC 1", "E3102@ E3102@ E3111@"},
+    });
+}
+
+TEST(Matrix, memoryGoesByEntries) {
+    PackageLines lines;
+    lines.start(4294967295U);
+    for (const std::string_view type : {"[Resistance Matrix] Banded_matrix\n[Bandwidth] 4294967294",
+                                        "[Inductance Matrix] Full_matrix", "[Capacitance Matrix] Sparse_matrix"}) {
+        lines.feed(type);
+        lines.feed("[Row] A\n" + std::string(type.find("Sparse") == type.npos ? "1 2 3" : "A 1\nZ 2") + "\n[Row] B");
+    }
+    const PkgMdl& package = lines.newest();
+    EXPECT_EQ(lines.codes(), "E3717@ E3116@ E3116@ E3717@ E3116@ E3116@");
+    EXPECT_EQ(package.resistance->rows[1].column_count, 4294967294U);
+    EXPECT_EQ(package.inductance->rows[1].column_count, 4294967294U);
+    EXPECT_EQ(package.capacitance->rows[1].column_count, 4294967295U);
+    EXPECT_EQ(package.resistance->values, (std::vector<double>{1, 2, 3}));
+    EXPECT_EQ(package.capacitance->values.size(), 2U);
+    EXPECT_EQ(package.capacitance->columns, (std::vector<std::uint32_t>{1, 26}));
+    EXPECT_LT(package.capacitance->column_row.capacity(), 100U);
+}
+
+} // namespace
+} // namespace kestrel
