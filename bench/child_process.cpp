@@ -32,6 +32,7 @@ double secondsOf(const timeval& time) {
 ChildResult runChild(std::span<const std::string> command, const std::string& output) {
     std::vector<std::string> words(command.begin(), command.end());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -73,7 +73,7 @@ ChildResult runToSuccess(const std::vector<std::string>& command, const std::str
     return result;
 }
 
-/// Nothing is timed before the program has called the file clean.
+/// Makes sure that the program calls the file clean.
 void requireClean(const std::vector<std::string>& command, const std::string& output) {
     [[maybe_unused]] const ChildResult result = runToSuccess(command, output);
     const std::string printed = contentOf(output);
@@ -120,6 +120,7 @@ void measure(const Measurement& measurement, const std::filesystem::path& progra
                  output);
     std::vector<std::string> kestrel{(programs / "kestrel").string(), file};
     std::vector<std::string> floor{(programs / "kestrel_floor").string(), file};
+    requireWholeFloor(*findSampleKind(measurement.kind));
     requireClean(kestrel, output);
     std::string label(measurement.kind);
     if (measurement.dump) {

@@ -79,19 +79,11 @@ void requireChecked(const SampleFile& file) {
     require(contentsOf(*currentRoot(run)) == file.contents, file.path + " was not read whole");
 }
 
-/// Makes sure that the fast floor does all the work, on a small file of the kind.
-void requireSameFloor(const SampleKind& kind, FloorWork work) {
-    const std::string text = makeSample(kind, 30, "small.ibs").text;
-    const FloorResult result = floorOf(text, work);
-    require(result.numbers > 0 && result == plainFloorOf(text, work), "the floor leaves out some work");
-}
-
 const SampleFile& sampleOf(Samples& samples, const SampleKind& kind, std::size_t megabytes) {
     const std::string name = numbered(kind.name, megabytes, 4) + "mb.ibs";
     const auto [at, is_new] = samples.files.try_emplace(name);
     if (is_new) {
-        requireSameFloor(kind, FloorWork::convert);
-        requireSameFloor(kind, FloorWork::print);
+        requireWholeFloor(kind);
         at->second = writeSample(kind, countForSize(kind, megabytes * 1000000), samples.folder.path() / name);
         requireChecked(at->second);
     }

@@ -1,5 +1,7 @@
 #include "sample_file.hpp"
 
+#include "floor.hpp"
+
 #include <fstream>
 #include <random>
 #include <stdexcept>
@@ -16,6 +18,16 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
     std::error_code failure;
     std::filesystem::remove_all(path_, failure);
+}
+
+void requireWholeFloor(const SampleKind& kind) {
+    constexpr std::size_t kFew = 30;
+    const std::string text = makeSample(kind, kFew, "small.ibs").text;
+    for (const FloorWork work : {FloorWork::convert, FloorWork::print}) {
+        const FloorResult result = floorOf(text, work);
+        if (result.numbers == 0 || result != plainFloorOf(text, work))
+            throw std::runtime_error("the floor leaves out some work");
+    }
 }
 
 SampleFile writeSample(const SampleKind& kind, std::size_t count, const std::filesystem::path& path) {

@@ -29,6 +29,9 @@ struct SampleFile {
     Contents contents;
 };
 
+/// Makes sure that the floor leaves out nothing in files of this kind; throws when it does.
+void requireWholeFloor(const SampleKind& kind);
+
 /// Writes a sample into a file, which gets its name from the path; throws when that fails.
 [[nodiscard]] SampleFile writeSample(const SampleKind& kind, std::size_t count, const std::filesystem::path& path);
 

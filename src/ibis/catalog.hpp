@@ -1280,7 +1280,8 @@ inline constexpr std::array<MessageRow, 1206> kCatalog{{
 }};
 // clang-format on
 
-/// True when every code is larger than the one before it; asserted where the catalog is printed from. A missing row fails too: the array would end in zero codes.
+/// True when every code is larger than the one before it; asserted where the catalog is printed from. A missing row
+/// fails too: the array would end in zero codes.
 consteval bool codesAscendStrictly() {
     for (std::size_t i = 1; i < kCatalog.size(); ++i) {
         if (kCatalog[i].code <= kCatalog[i - 1].code) {

@@ -92,28 +92,36 @@ void format(std::string& text, std::string_view format, std::span<const Arg> arg
     if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
 }
 
+/// Writes what stands ahead of a message: its class, or its number in the coded form, and the line.
+void printHead(const Diagnostics& diagnostics, const SeverityForm& form, std::optional<MessageCode> code) {
+    Output& out = *diagnostics.out;
+    std::string number;
+    if (code) {
+        appendInteger(number, *code);
+        number.insert(0, number.size() < 4 ? 4 - number.size() : 0, '0');
+        number.insert(0, 1, form.letter);
+        out.write(number);
+    } else {
+        out.write(form.word);
+    }
+    if (!form.with_line) return;
+    number.clear();
+    appendInteger(number, *diagnostics.line, 4);
+    out.write(" (line ");
+    out.write(number);
+    out.write(")");
+}
+
 /// Prints `diagnostics.text` in the form of its class; `code` selects the coded form.
 void print(Diagnostics& diagnostics, Severity severity, std::optional<MessageCode> code) {
     const SeverityForm& form = formOf(severity);
     count(diagnostics, form.counter);
-    std::string line;
-    if (code) {
-        std::string digits;
-        appendInteger(digits, *code);
-        line.push_back(form.letter);
-        line.append(digits.size() < 4 ? 4 - digits.size() : 0, '0').append(digits);
-    } else {
-        line.append(form.word);
-    }
-    if (form.with_line) {
-        line.append(" (line ");
-        appendInteger(line, *diagnostics.line, 4);
-        line.push_back(')');
-    }
+    printHead(diagnostics, form, code);
     const std::size_t length = diagnostics.text.size();
     const bool own_line = form.wrap_from != 0 && length >= form.wrap_from && length <= kWrapTo;
-    line.append(own_line ? " -\n    " : " - ").append(diagnostics.text).push_back('\n');
-    diagnostics.out->write(line);
+    diagnostics.out->write(own_line ? " -\n    " : " - ");
+    diagnostics.out->write(diagnostics.text);
+    diagnostics.out->write("\n");
 }
 
 } // namespace

@@ -40,8 +40,6 @@ void finalChecks(Run& run) {
     checkReferences(run);
 }
 
-void finalBoardChecks(Run& run, bool nested) {
-    checkEbdMdls(run, nested);
-}
+void finalBoardChecks(Run& run, bool nested) { checkEbdMdls(run, nested); }
 
 } // namespace kestrel

@@ -7,7 +7,25 @@
 #include "main/version.hpp"
 #include "reader/parse.hpp"
 
+#include <new>
+
 namespace kestrel {
+
+namespace {
+
+/// Prints the reports that were asked for, components first; false when one could not be made.
+bool report(Run& run, const Options& options) {
+    try {
+        if (options.component_flags != 0 && !reportComponents(run, options.components.value_or(""))) return false;
+        return options.model_flags == 0 ||
+               reportModels(run, options.models.value_or(""), options.table_flags != 0, options.delimiter);
+    } catch (const std::bad_alloc&) {
+        run.out.write("Out of memory!");
+        return false;
+    }
+}
+
+} // namespace
 
 int runKestrel(Output& out, std::span<const std::string_view> arguments) {
     printBanner(out);
@@ -25,11 +43,7 @@ int runKestrel(Output& out, std::span<const std::string_view> arguments) {
     checkFile(run, *options->file_name, kKind);
     printSummary(run.diagnostics);
     out.write("\n");
-
-    const bool reported = (options->component_flags == 0 || reportComponents(run, options->components.value_or(""))) &&
-                          (options->model_flags == 0 || reportModels(run, options->models.value_or(""),
-                                                                     options->table_flags != 0, options->delimiter));
-    return reported ? kSuccess : kUsage;
+    return report(run, *options) ? kSuccess : kUsage;
 }
 
 } // namespace kestrel

@@ -19,38 +19,11 @@ std::string_view enableName(EnableMode enable) {
     return kNames[static_cast<std::size_t>(enable)];
 }
 
-/// Types whose report shows the enable sense and the input thresholds.
-bool showsInput(ModelType type) {
-    switch (type) {
-    case ModelType::input:
-    case ModelType::io:
-    case ModelType::ioOpenDrain:
-    case ModelType::ioOpenSink:
-    case ModelType::ioOpenSource:
-    case ModelType::inputEcl:
-    case ModelType::ioEcl: return true;
-    default: return false;
-    }
-}
-
-/// Types whose report shows the edge rates and the waveform fixtures.
-bool showsEdges(ModelType type) {
-    switch (type) {
-    case ModelType::output:
-    case ModelType::io:
-    case ModelType::threeState:
-    case ModelType::openDrain:
-    case ModelType::ioOpenDrain:
-    case ModelType::openSink:
-    case ModelType::ioOpenSink:
-    case ModelType::openSource:
-    case ModelType::ioOpenSource:
-    case ModelType::outputEcl:
-    case ModelType::ioEcl:
-    case ModelType::threeStateEcl: return true;
-    default: return false;
-    }
-}
+/// Types whose report shows the edge rates and the waveform fixtures; for the differential types it has no such lines.
+constexpr ModelTypeSet kEdgeTypes{ModelType::output,     ModelType::io,          ModelType::threeState,
+                                  ModelType::openDrain,  ModelType::ioOpenDrain, ModelType::openSink,
+                                  ModelType::ioOpenSink, ModelType::openSource,  ModelType::ioOpenSource,
+                                  ModelType::outputEcl,  ModelType::ioEcl,       ModelType::threeStateEcl};
 
 /// "0.8V": a number and its unit.
 void appendQuantity(Text& text, double value, std::string_view unit) {
@@ -136,7 +109,7 @@ void appendSummary(Text& text, const Mdl& model) {
     text.append("         Model: ").append(model.name);
     text.append("\n          Type: ").append(reportedType(model.model_type));
     text.append("\n      Polarity: ").append(polarityName(model.polarity)).append("\n");
-    if (showsInput(model.model_type)) {
+    if (kInputTypes.has(model.model_type)) {
         text.append("        Enable: ").append(enableName(model.enable)).append("\n");
         appendValue(text, "          Vinl: ", model.vinl, "V");
         appendValue(text, "          Vinh: ", model.vinh, "V");
@@ -150,7 +123,7 @@ void appendSummary(Text& text, const Mdl& model) {
     text.append("  Static Char.: ");
     text.append(model.gnd_clamp ? "GND_Clamp; " : "-; ").append(model.power_clamp ? "POWER_Clamp; " : "-; ");
     text.append(model.pullup ? "Pullup; " : "-; ").append(model.pulldown ? "Pulldown\n" : "-\n");
-    if (showsEdges(model.model_type)) {
+    if (kEdgeTypes.has(model.model_type)) {
         appendRate(text, "  Rising dV/dt: ", model.ramp ? model.ramp->dv_dt_r : std::nullopt);
         appendRate(text, " Falling dV/dt: ", model.ramp ? model.ramp->dv_dt_f : std::nullopt);
         appendWaveformLines(text, " Rising Wvf. ", model.rising_waveforms);

@@ -72,10 +72,13 @@ SubmodelMode readSubmodelMode(Run& run, ModelType type, std::string_view text) {
 void readModelName(Run& run, Mdl& model, std::string_view text) {
     const ItemList items = splitItems(run, text, 1);
     if (items.count != 1) errorAtLine(run.diagnostics, 128, items.count, "Model", 1);
-    if (items.count == 0) return;
+    ObjectList<Mdl>& models = currentRoot(run)->models;
+    if (items.count == 0) {
+        models.enterName(model, model.name);
+        return;
+    }
     const std::string_view name = items[0];
     const int limit = modelNameLimit(run.parse.version);
-    ObjectList<Mdl>& models = currentRoot(run)->models;
     if (name.size() > static_cast<std::size_t>(limit)) {
         errorAtLine(run.diagnostics, 129, limit);
     } else {

@@ -152,6 +152,7 @@ void checkMSels(Run& run) {
         programBug(run.diagnostics, 4020, mark.file, mark.line);
         return;
     }
+    if (root->model_selectors.empty()) return;
     // Gathered once: there may be as many selectors as pins.
     const std::unordered_set<std::string_view> used = pinModelNames(*root);
     for (MSel& selector : root->model_selectors.newestFirst()) {

@@ -3,23 +3,23 @@
 #include "ibis/run.hpp"
 #include "reader/cmn.hpp"
 #include "reader/parse.hpp"
-#include "reader/string.hpp"
 
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
 
 namespace {
 
-/// The pins that paths use of each designator, each once, in reading order.
-using UsedPins = std::unordered_map<std::string_view, StringList>;
+/// The pins that paths use of each designator, in reading order.
+using UsedPins = std::unordered_map<std::string_view, std::vector<std::string_view>>;
 
 /// A map entry and the pins used of it.
 struct Reference {
     const EbdRefDes* entry;
-    const StringList* pins;
+    const std::vector<std::string_view>* pins;
 };
 
 /// A file and what the board refers to in it.
@@ -44,7 +44,7 @@ UsedPins collectUsedPins(const EbdMdl& board) {
     UsedPins used;
     for (const EbdPath& path : board.paths) {
         for (const EbdNode& node : path.nodes) {
-            addUnique(used[node.designator], node.pin);
+            used[node.designator].push_back(node.pin);
         }
     }
     return used;
@@ -89,10 +89,15 @@ void checkReference(Run& run, const Ibis& read, IbisVersion version, FileKind ki
         error(run.diagnostics, 4390, name, file_name);
         return;
     }
-    for (const std::string_view pin : reference.pins->texts) {
-        if (pin.size() > limit) {
+    std::unordered_set<std::string_view> told; // many paths may use the same pin
+    for (const std::string_view pin : *reference.pins) {
+        const bool too_long = pin.size() > limit;
+        if ((!too_long && target.hasPin(pin)) || !told.insert(pin).second) {
+            continue;
+        }
+        if (too_long) {
             error(run.diagnostics, 4393, pin, name);
-        } else if (!target.hasPin(pin)) {
+        } else {
             error(run.diagnostics, 4389, pin, name, file_name);
         }
     }
@@ -127,6 +132,8 @@ void reportRecursion(Run& run, const Ibis& caller, std::string_view caller_name,
 void readFile(Run& run, const Ibis& caller, const FileReference& file) {
     const ParseState outer = run.parse;
     Ibis& read = createRoot(run);
+    // A run of its own: until its "[IBIS Ver]" the file is held to the oldest rules.
+    run.parse.version = IbisVersion::none;
     if (parseFile(run, file.file_name, file.kind)) {
         const IbisVersion version = run.parse.version;
         if (file.kind == FileKind::ibs) {

@@ -35,8 +35,8 @@ constexpr bool isAlpha(char c) { return isUpper(c) || isLower(c); }
 constexpr char toLower(char c) { return isUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
 constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 
-/// `text` from its first character that is not white space. Passing over a 121st white-space character is an assertion failure
-/// unless the reader is in long-line mode.
+/// `text` from its first character that is not white space. Passing over a 121st white-space character is an assertion
+/// failure unless the reader is in long-line mode.
 [[nodiscard]] std::string_view skipWhiteSpace(const Run& run, std::string_view text);
 
 /// `text` without trailing white space, however much there is.
@@ -54,7 +54,8 @@ constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' +
 void lowerCase(std::string& text);
 void upperCase(std::string& text);
 
-/// Cuts a line into items at blanks and TABs; `split`, when given, is an item of its own wherever it stands. Keeps the first `max`.
+/// Cuts a line into items at blanks and TABs; `split`, when given, is an item of its own wherever it stands. Keeps the
+/// first `max`.
 [[nodiscard]] ItemList splitItems(const Run& run, std::string_view text, int max, char split = '\0');
 
 /// Takes the next item off the front of `text` by the splitter's rules; empty at the end of the text.
@@ -76,8 +77,8 @@ enum class ReadResult : std::uint8_t {
 /// A decimal number; overflow reads as infinity, underflow as 0.
 [[nodiscard]] ReadResult readDouble(std::string_view text, double& value);
 
-/// A decimal number with an optional scale letter (T G M k m u n p f) or unit: "3.3V", "10k", "1.5nF". A character behind the number that is
-/// no letter makes it no number.
+/// A decimal number with an optional scale letter (T G M k m u n p f) or unit: "3.3V", "10k", "1.5nF". A character
+/// behind the number that is no letter makes it no number.
 [[nodiscard]] ReadResult readScaled(std::string_view text, double& value);
 
 /// As readScaled, and "NA" in any case, which sets `na` and reads as 0.0.
@@ -93,13 +94,14 @@ struct Cell {
     [[nodiscard]] bool isNumber() const { return state == CellState::number; }
 };
 
-/// Reads one cell. `present` is false when the line has no such item: the cell stays missing. Reports 1909 (no number; false is returned) and
-/// warning 1910 (digits in the scale; the value is kept) with the column's `label` and the `quantity`.
+/// Reads one cell. `present` is false when the line has no such item: the cell stays missing. Reports 1909 (no number;
+/// false is returned) and warning 1910 (digits in the scale; the value is kept) with the column's `label` and the
+/// `quantity`.
 bool readCell(Diagnostics& diagnostics, std::string_view text, bool present, std::string_view quantity,
               std::string_view label, Cell& cell);
 
-/// Stores a text that may be given once, cut at `limit`: 1911 when `destination` holds text already (nothing is stored, false), 1912 when
-/// cut, 1913 when empty.
+/// Stores a text that may be given once, cut at `limit`: 1911 when `destination` holds text already (nothing is stored,
+/// false), 1912 when cut, 1913 when empty.
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                  std::string_view keyword);
 

@@ -224,6 +224,8 @@ std::string_view keywordName(Diagnostics& diagnostics, KeywordCode code) {
     return "Unknown enumerated keyword code";
 }
 
-std::size_t keywordCount(IbisVersion version) { return kIndexes[tableOf(version)].size; }
+bool isKeywordOf(KeywordCode code, IbisVersion version) {
+    return (kKeywords[static_cast<std::size_t>(code)].versions >> tableOf(version) & 1) != 0;
+}
 
 } // namespace kestrel

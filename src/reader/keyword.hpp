@@ -177,8 +177,8 @@ inline constexpr std::size_t kMaxKeywordName = 117;
 /// named "Unknown enumerated keyword code".
 [[nodiscard]] std::string_view keywordName(Diagnostics& diagnostics, KeywordCode code);
 
-/// Number of keywords in the table of a version, the closing row included.
-[[nodiscard]] std::size_t keywordCount(IbisVersion version);
+/// Whether the table of the language version holds `code`.
+[[nodiscard]] bool isKeywordOf(KeywordCode code, IbisVersion version);
 
 /// True when `code` lies from `first` to `last`, both included.
 constexpr bool isBetween(KeywordCode code, KeywordCode first, KeywordCode last) {

@@ -35,8 +35,7 @@ void resetReader(ParseState& parse, FileKind kind) {
 /// Length and TAB checks of a line that has been read and counted.
 void finishLine(Run& run, std::string_view line) {
     const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
-    if (line.size() > static_cast<std::size_t>(limit) && !run.parse.long_lines)
-        errorAtLine(run.diagnostics, 905, limit);
+    if (line.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 905, limit);
     if (!run.parse.tab_warned && line.find('\t') != std::string_view::npos) {
         run.parse.tab_warned = true;
         warningAtLine(run.diagnostics, 921);
@@ -201,6 +200,11 @@ void openRecord(Run& run, KeywordCode code) {
 void handOn(Run& run, const Line& line) {
     const Owner owner = ownerOf(line.key);
     if (!takesKind(run.parse, owner)) return;
+    if (!isKeywordOf(line.key, run.parse.version)) {
+        const SourceMark mark = here();
+        programBugAtLine(run.diagnostics, 908, mark.file, mark.line);
+        return;
+    }
     switch (owner) {
     case Owner::hdr: hdrLine(run, line); break;
     case Owner::cmpnt: cmpntLine(run, line); break;
@@ -287,6 +291,16 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
     return line;
 }
 
+/// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.
+template <class Work> void withinMemory(Run& run, const Work& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        const SourceMark mark = here();
+        programBug(run.diagnostics, 1908, mark.file, mark.line);
+    }
+}
+
 void runCompletionChecks(Run& run, FileKind kind) {
     switch (kind) {
     case FileKind::ibs: finalChecks(run); break;
@@ -346,17 +360,17 @@ bool collectAmi(Run& run, std::string_view name) {
 }
 
 bool checkFile(Run& run, std::string_view name, FileKind kind) {
-    createRoot(run);
+    try {
+        createRoot(run);
+    } catch (const std::bad_alloc&) {
+        error(run.diagnostics, 4100);
+        return false;
+    }
     run.parse.top_level = true;
     const std::string_view path = name.substr(0, kMaxPath);
     bool read = false;
-    try {
-        read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind);
-        runCompletionChecks(run, kind);
-    } catch (const std::bad_alloc&) {
-        const SourceMark mark = here();
-        programBug(run.diagnostics, 1908, mark.file, mark.line);
-    }
+    withinMemory(run, [&] { read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind); });
+    withinMemory(run, [&] { runCompletionChecks(run, kind); });
     return read;
 }
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <limits>
 #include <new>
+#include <stdexcept>
 
 namespace kestrel {
 
@@ -18,10 +19,10 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Reads a whole file from the disk; null when it cannot be opened or read, a folder among them.
+/// Reads a whole file from the disk; null when it cannot be opened or read. A folder or a pipe is no source file.
 SourceText readFile(const std::string& path) {
     std::error_code failure;
-    if (std::filesystem::is_directory(path, failure)) return nullptr;
+    if (!std::filesystem::is_regular_file(path, failure)) return nullptr;
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
     if (!file) return nullptr;
     constexpr std::size_t kPiece = 65536;
@@ -43,10 +44,13 @@ SourceText loadText(Run& run, const std::string& path) {
     SourceStore& store = run.sources;
     if (const auto given = store.texts.find(path); given != store.texts.end()) return given->second;
     if (store.last && store.last_path == path) return store.last;
-    store.last = nullptr;
-    store.last = readFile(path);
-    store.last_path = path;
-    return store.last;
+    SourceText text = readFile(path);
+    // What could not be read under one spelling of its name leaves the file read before where it is.
+    if (text) {
+        store.last = text;
+        store.last_path = path;
+    }
+    return text;
 }
 
 void reportExtension(Diagnostics& diagnostics, FileKind kind) {
@@ -56,6 +60,55 @@ void reportExtension(Diagnostics& diagnostics, FileKind kind) {
     case FileKind::ebd: error(diagnostics, 1902); break;
     case FileKind::ami: error(diagnostics, 1924); break;
     }
+}
+
+/// Splits a name into the directory, which replaces the one kept when the name has any, and the bare name.
+std::string takeDirectory(std::string& directory, std::string_view name) {
+    const std::size_t separator = name.find_last_of("/\\");
+    if (separator == std::string_view::npos) return std::string(name.substr(0, kMaxPath));
+    directory = name.substr(0, separator + 1);
+    return std::string(name.substr(separator + 1, kMaxPath));
+}
+
+/// Adds the extension that a bare name lacks, or checks the one that it has.
+bool completeName(Diagnostics& diagnostics, std::string& bare_name, FileKind kind) {
+    const std::string_view extension = extensionOf(kind);
+    const std::size_t period = bare_name.rfind('.');
+    if (period != std::string::npos) {
+        if (equalsNoCase(std::string_view(bare_name).substr(period), extension)) return true;
+        reportExtension(diagnostics, kind);
+        return false;
+    }
+    if (bare_name.size() + extension.size() > kMaxPath) {
+        error(diagnostics, 1901);
+        return false;
+    }
+    bare_name.append(extension);
+    return true;
+}
+
+/// Loads a source under its path as it is, in lower case or in upper case; the directory follows the spelling that was
+/// found.
+bool loadInAnyCase(Run& run, Source& source) {
+    using Convert = void (*)(std::string&);
+    constexpr std::array<Convert, 3> kSpellings{[](std::string&) {}, lowerCase, upperCase};
+    for (const Convert convert : kSpellings) {
+        std::string path = source.path;
+        convert(path);
+        source.text = loadText(run, path);
+        if (!source.text) continue;
+        source.path = path;
+        convert(run.parse.directory);
+        return true;
+    }
+    return false;
+}
+
+void reportNoMemory(Diagnostics& diagnostics, const std::string& path) {
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
+    constexpr std::uintmax_t kMost = std::numeric_limits<std::uint32_t>::max();
+    error(diagnostics, 1906, static_cast<std::uint32_t>(std::min(size, kMost)));
 }
 
 constexpr bool isIllegal(char c) {
@@ -109,52 +162,23 @@ std::optional<FileKind> kindOfName(std::string_view name) {
 
 std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind) {
     if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) assertionFailed(run.out, here());
-    std::string& directory = run.parse.directory;
+    const std::string& directory = run.parse.directory;
     Source source;
-    const std::size_t separator = name.find_last_of("/\\");
-    if (separator == std::string_view::npos) {
-        source.bare_name = name.substr(0, kMaxPath);
-    } else {
-        directory = name.substr(0, separator + 1);
-        source.bare_name = name.substr(separator + 1, kMaxPath);
-    }
-    const std::string_view extension = extensionOf(kind);
-    const std::size_t period = source.bare_name.rfind('.');
-    if (period == std::string::npos) {
-        if (source.bare_name.size() + extension.size() > kMaxPath) {
-            error(run.diagnostics, 1901);
-            return std::nullopt;
-        }
-        source.bare_name.append(extension);
-    } else if (!equalsNoCase(std::string_view(source.bare_name).substr(period), extension)) {
-        reportExtension(run.diagnostics, kind);
-        return std::nullopt;
-    }
+    source.bare_name = takeDirectory(run.parse.directory, name);
+    if (!completeName(run.diagnostics, source.bare_name, kind)) return std::nullopt;
     if (directory.size() + source.bare_name.size() > kMaxPath) {
         error(run.diagnostics, 1904);
         return std::nullopt;
     }
     source.path = directory + source.bare_name;
     try {
-        using Convert = void (*)(std::string&);
-        constexpr std::array<Convert, 3> kSpellings{[](std::string&) {}, lowerCase, upperCase};
-        for (const Convert convert : kSpellings) {
-            std::string path = source.path;
-            convert(path);
-            source.text = loadText(run, path);
-            if (!source.text) continue;
-            source.path = path;
-            convert(directory);
-            return source;
-        }
+        if (loadInAnyCase(run, source)) return source;
+        error(run.diagnostics, 1905, directory, source.bare_name);
     } catch (const std::bad_alloc&) {
-        std::error_code failure;
-        const std::uintmax_t size = std::filesystem::file_size(source.path, failure);
-        constexpr std::uintmax_t kMost = std::numeric_limits<std::uint32_t>::max();
-        error(run.diagnostics, 1906, static_cast<std::uint32_t>(std::min(size, kMost)));
-        return std::nullopt;
+        reportNoMemory(run.diagnostics, source.path);
+    } catch (const std::length_error&) {
+        reportNoMemory(run.diagnostics, source.path);
     }
-    error(run.diagnostics, 1905, directory, source.bare_name);
     return std::nullopt;
 }
 

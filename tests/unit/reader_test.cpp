@@ -1,6 +1,7 @@
 #include "check_text.hpp"
 #include "reader/cmn.hpp"
 
+#include <csignal>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -136,7 +137,11 @@ TEST(Reader, namesAreCompletedSplitAndBounded) {
                               "ERROR - File Name Requires '.pkg' Extension.\n"
                               "ERROR - File Name Requires '.ebd' Extension.\n"
                               "ERROR - File Name Requires '.ami' Extension.\n");
-    EXPECT_DEATH(static_cast<void>(openSource(run, std::string(1024, 'n'), FileKind::pkg)), "");
+    // To stderr, where a death test looks.
+    Output errors(stderr);
+    kestrel::Run aborting(errors);
+    EXPECT_EXIT(static_cast<void>(openSource(aborting, std::string(1024, 'n'), FileKind::pkg)),
+                ::testing::KilledBySignal(SIGABRT), "^source\\.cpp:[0-9]+:assertion failed\\.\n$");
 }
 
 TEST(Reader, amiTextLosesItsCommentsAndKeepsItsStrings) {
@@ -161,7 +166,11 @@ constexpr std::string_view kHeader = "[IBIS Ver] 5.1\n[File Name] test.ibs\n[Fil
 TEST(Reader, aLongRunOfBlanksIsTheOneAbort) {
     const std::string text(kHeader);
     EXPECT_NE(checkText(text + std::string(120, ' ') + "\n[End]\n").find("File Failed"), std::string::npos);
-    EXPECT_DEATH(checkText(text + std::string(121, ' ') + "\n[End]\n"), "");
+    Output errors(stderr);
+    kestrel::Run run(errors);
+    run.sources.texts["test.ibs"] = std::make_shared<const std::string>(text + std::string(121, ' ') + "\n[End]\n");
+    EXPECT_EXIT(static_cast<void>(checkFile(run, "test.ibs", FileKind::ibs)), ::testing::KilledBySignal(SIGABRT),
+                "cmn\\.cpp:[0-9]+:assertion failed\\.\n$");
 }
 
 /// The report of a keyword that is tried behind a header, reduced to whether the reader knows it.
