@@ -138,10 +138,12 @@ void checkDuplicates(Run& run, const Ibis& root) {
 
 /// Warns of the first pin of a package model that the component does not have.
 void checkPackagePins(Run& run, const Cmpnt& component, const PkgMdl& package) {
-    const auto missing = std::ranges::find_if(
-        package.pin_names, [&component](std::string_view name) { return findPin(component, name) == nullptr; });
-    if (missing == package.pin_names.end()) return;
-    warning(run.diagnostics, 613, package.name, *missing, component.name);
+    for (const std::uint32_t place : package.own_pins) {
+        const std::string& name = package.pin_names[place];
+        if (findPin(component, name) != nullptr) continue;
+        warning(run.diagnostics, 613, package.name, name, component.name);
+        return;
+    }
 }
 
 } // namespace

@@ -17,8 +17,8 @@ void appendReal(std::string& text, double value, std::chars_format format) {
 
 void Output::flush() {
     if (stream_ == nullptr) return;
-    std::fwrite(text_.data(), 1, text_.size(), stream_);
-    std::fflush(stream_);
+    if (std::fwrite(text_.data(), 1, text_.size(), stream_) != text_.size()) failed_ = true;
+    if (std::fflush(stream_) != 0) failed_ = true;
     text_.clear();
 }
 

@@ -27,12 +27,16 @@ public:
     /// Hands what is pending to the stream; nothing happens without one.
     void flush();
 
+    /// True when the stream did not take everything.
+    [[nodiscard]] bool failed() const { return failed_; }
+
     /// The text written so far; over a stream only what is still pending.
     [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
     static constexpr std::size_t kFlushSize = 65536;
     std::FILE* stream_ = nullptr;
+    bool failed_ = false;
     std::string text_;
 };
 

@@ -52,9 +52,12 @@ VerimarkStatus notChecked(Output& out, Output& errors, std::string_view name, Ve
 
 /// Checks one file. A name without an extension that tells a kind is handled as that of an .ibs file, as kestrel does.
 VerimarkStatus checkOne(Output& out, Output& errors, std::string_view name) {
-    if (name.size() >= kMaxPath) return notChecked(out, errors, name, kTrouble);
     Run run(out);
     const FileKind kind = kindOfName(name).value_or(FileKind::ibs);
+    // The reader takes no longer names of these kinds.
+    if (name.size() >= kMaxPath && (kind == FileKind::pkg || kind == FileKind::ami)) {
+        return notChecked(out, errors, name, kTrouble);
+    }
     if (kind != FileKind::ami) {
         switch (determineVersion(run, name, kind)) {
         case VersionSearch::found: break;
@@ -98,7 +101,8 @@ int runVerimark(Output& out, Output& errors, std::span<const std::string_view> a
     for (const std::string_view file : files) {
         status = std::max(status, checkOne(out, errors, file));
     }
-    return status;
+    out.flush();
+    return out.failed() ? kTrouble : status;
 }
 
 } // namespace kestrel

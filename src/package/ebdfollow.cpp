@@ -3,23 +3,24 @@
 #include "ibis/run.hpp"
 #include "reader/cmn.hpp"
 #include "reader/parse.hpp"
+#include "reader/string.hpp"
 
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace kestrel {
 
 namespace {
 
-/// The pins that paths use of each designator, in reading order.
-using UsedPins = std::unordered_map<std::string_view, std::vector<std::string_view>>;
+/// The distinct pins that paths use of each designator, in reading order.
+using UsedPins = std::unordered_map<std::string_view, StringList>;
 
 /// A map entry and the pins used of it.
 struct Reference {
     const EbdRefDes* entry;
-    const std::vector<std::string_view>* pins;
+    const StringList* pins;
 };
 
 /// A file and what the board refers to in it.
@@ -44,28 +45,39 @@ UsedPins collectUsedPins(const EbdMdl& board) {
     UsedPins used;
     for (const EbdPath& path : board.paths) {
         for (const EbdNode& node : path.nodes) {
-            used[node.designator].push_back(node.pin);
+            addUnique(used[node.designator], node.pin);
         }
     }
     return used;
 }
 
-/// The files that the board refers to, in the order of its map. Names that are no .ibs or .ebd file were reported with
+/// The kind of file that a map entry leads to. Names that are no .ibs or .ebd file beside the board were reported with
 /// their row and lead nowhere.
+std::optional<FileKind> followedKind(const std::string& file_name) {
+    if (file_name.find_first_of("/\\") != std::string::npos) return std::nullopt;
+    const std::optional<FileKind> kind = kindOfName(file_name);
+    return kind == FileKind::ibs || kind == FileKind::ebd ? kind : std::nullopt;
+}
+
+/// The files that the board refers to, in the order of its map; spellings that differ in case are one file. An entry
+/// that says the same as an earlier one adds nothing.
 std::vector<FileReference> collectFiles(const EbdMdl& board, const UsedPins& used) {
     std::vector<FileReference> files;
-    std::unordered_map<std::string_view, std::size_t> places;
+    TextMap<std::size_t> places;
+    TextSet entries;
     for (const EbdRefDes& entry : board.refdes_map) {
         const auto pins = used.find(entry.designator);
-        const std::optional<FileKind> kind = kindOfName(entry.file_name);
-        if (pins == used.end() || (kind != FileKind::ibs && kind != FileKind::ebd)) {
-            continue;
+        const std::optional<FileKind> kind = followedKind(entry.file_name);
+        if (pins == used.end() || !kind) continue;
+        std::string key = entry.file_name;
+        lowerCase(key);
+        const auto [place, is_new] = places.try_emplace(key, files.size());
+        if (is_new) files.push_back({.file_name = entry.file_name, .kind = *kind, .references = {}});
+        // Blanks part the three names, none of which can hold one. A missing component was reported with its row.
+        const bool is_new_entry = entries.insert(key + ' ' + entry.designator + ' ' + entry.component).second;
+        if (is_new_entry && !entry.component.empty()) {
+            files[place->second].references.push_back({.entry = &entry, .pins = &pins->second});
         }
-        const auto [place, is_new] = places.try_emplace(entry.file_name, files.size());
-        if (is_new) {
-            files.push_back({.file_name = entry.file_name, .kind = *kind, .references = {}});
-        }
-        files[place->second].references.push_back({.entry = &entry, .pins = &pins->second});
     }
     return files;
 }
@@ -74,9 +86,6 @@ std::vector<FileReference> collectFiles(const EbdMdl& board, const UsedPins& use
 void checkReference(Run& run, const Ibis& read, IbisVersion version, FileKind kind, const Reference& reference) {
     const std::string& name = reference.entry->component;
     const std::string& file_name = reference.entry->file_name;
-    if (name.empty()) {
-        return; // reported with its row
-    }
     Target target;
     std::size_t limit = kMaxBoardPin;
     if (kind == FileKind::ibs) {
@@ -89,15 +98,10 @@ void checkReference(Run& run, const Ibis& read, IbisVersion version, FileKind ki
         error(run.diagnostics, 4390, name, file_name);
         return;
     }
-    std::unordered_set<std::string_view> told; // many paths may use the same pin
-    for (const std::string_view pin : *reference.pins) {
-        const bool too_long = pin.size() > limit;
-        if ((!too_long && target.hasPin(pin)) || !told.insert(pin).second) {
-            continue;
-        }
-        if (too_long) {
+    for (const std::string_view pin : reference.pins->texts) {
+        if (pin.size() > limit) {
             error(run.diagnostics, 4393, pin, name);
-        } else {
+        } else if (!target.hasPin(pin)) {
             error(run.diagnostics, 4389, pin, name, file_name);
         }
     }
@@ -119,7 +123,7 @@ void reportRecursion(Run& run, const Ibis& caller, std::string_view caller_name,
                      std::string_view file_name) {
     for (const EbdMdl& board : read.board_descriptions.newestFirst()) {
         for (const EbdRefDes& entry : board.refdes_map) {
-            if (equalsNoCase(entry.file_name, caller_name) &&
+            if (!entry.component.empty() && equalsNoCase(entry.file_name, caller_name) &&
                 caller.board_descriptions.find(entry.component) != nullptr) {
                 error(run.diagnostics, 4394, file_name, entry.component, caller_name);
             }
@@ -127,27 +131,39 @@ void reportRecursion(Run& run, const Ibis& caller, std::string_view caller_name,
     }
 }
 
-/// Reads a file on a root of its own and checks the references into it; the reader's state is put back. What a file
-/// that was not read might hold is left open.
-void readFile(Run& run, const Ibis& caller, const FileReference& file) {
-    const ParseState outer = run.parse;
-    Ibis& read = createRoot(run);
-    // A run of its own: until its "[IBIS Ver]" the file is held to the oldest rules.
-    run.parse.version = IbisVersion::none;
-    if (parseFile(run, file.file_name, file.kind)) {
-        const IbisVersion version = run.parse.version;
-        if (file.kind == FileKind::ibs) {
-            finalChecks(run);
-        } else {
-            finalBoardChecks(run, true);
-            reportRecursion(run, caller, outer.file_name, read, file.file_name);
-        }
-        for (const Reference& reference : file.references) {
-            checkReference(run, read, version, file.kind, reference);
-        }
+/// A root of its own for a nested parse; the root and the reader's state before it come back with its end.
+struct NestedRoot {
+    explicit NestedRoot(Run& the_run) : run(the_run), outer(the_run.parse), root(createRoot(the_run)) {
+        // A run of its own: until its "[IBIS Ver]" the file is held to the oldest rules.
+        run.parse.version = IbisVersion::none;
     }
-    freeRoot(run, read);
-    run.parse = outer;
+    NestedRoot(const NestedRoot&) = delete;
+    NestedRoot& operator=(const NestedRoot&) = delete;
+    ~NestedRoot() {
+        freeRoot(run, root);
+        run.parse = std::move(outer);
+    }
+
+    Run& run;
+    ParseState outer;
+    Ibis& root;
+};
+
+/// Reads a file on a root of its own and checks the references into it. What a file that was not read might hold is
+/// left open.
+void readFile(Run& run, const Ibis& caller, const FileReference& file) {
+    const NestedRoot nested(run);
+    if (!parseFile(run, file.file_name, file.kind)) return;
+    const IbisVersion version = run.parse.version;
+    if (file.kind == FileKind::ibs) {
+        finalChecks(run);
+    } else {
+        finalBoardChecks(run, true);
+        reportRecursion(run, caller, nested.outer.file_name, nested.root, file.file_name);
+    }
+    for (const Reference& reference : file.references) {
+        checkReference(run, nested.root, version, file.kind, reference);
+    }
 }
 
 } // namespace

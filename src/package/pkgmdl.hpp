@@ -31,6 +31,8 @@ struct PkgMdl {
     std::optional<Mtx> resistance;
     std::optional<Mtx> inductance;
     std::optional<Mtx> capacitance;
+    std::vector<std::uint32_t>
+        own_pins; ///< 0-based places of the pins that a component should have: not repeated, not cut
     TextMap<std::uint32_t> pin_index; ///< 1-based place of the first pin of each name
 };
 

@@ -21,11 +21,14 @@ bool storePin(Run& run, PkgMdl& package, std::string_view name) {
         errorAtLine(run.diagnostics, 3435);
         return false;
     }
+    const bool cut = name.size() > kMaxPackagePin;
     name = name.substr(0, kMaxPackagePin);
     package.pin_names.emplace_back(name);
     const auto place = static_cast<std::uint32_t>(package.pin_names.size());
     if (!package.pin_index.try_emplace(std::string(name), place).second) {
         errorAtLine(run.diagnostics, 3437, name);
+    } else if (!cut) {
+        package.own_pins.push_back(place - 1);
     }
     return true;
 }

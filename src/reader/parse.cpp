@@ -291,11 +291,34 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
     return line;
 }
 
+/// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.
+void collectAmiLine(Run& run, std::string_view line) {
+    const std::string_view kept = cutAmiComment(run.parse, line);
+    try {
+        run.parse.ami_text.append(kept).push_back('\n');
+    } catch (const std::bad_alloc&) {
+        const SourceMark mark = here();
+        error(run.diagnostics, 922, mark.file, mark.line);
+    }
+}
+
+/// Leaves what was being read when the reader had to give up; no later keyword may close it.
+void forgetOpenRecords(Run& run) {
+    run.hdr = {};
+    run.cmpnt = {};
+    run.mdl = {};
+    run.submdl = {};
+    run.msel = {};
+    run.pkgmdl = {};
+    run.ebdmdl = {};
+}
+
 /// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.
 template <class Work> void withinMemory(Run& run, const Work& work) {
     try {
         work();
     } catch (const std::bad_alloc&) {
+        forgetOpenRecords(run);
         const SourceMark mark = here();
         programBug(run.diagnostics, 1908, mark.file, mark.line);
     }
@@ -351,7 +374,7 @@ bool collectAmi(Run& run, std::string_view name) {
         LineReader reader{.text = source->text};
         while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
             ++parse.line;
-            parse.ami_text.append(cutAmiComment(parse, *line)).push_back('\n');
+            collectAmiLine(run, *line);
         }
         if (parse.in_string) error(run.diagnostics, 924, static_cast<std::int64_t>(parse.string_line));
     }
@@ -363,6 +386,7 @@ bool checkFile(Run& run, std::string_view name, FileKind kind) {
     try {
         createRoot(run);
     } catch (const std::bad_alloc&) {
+        error(run.diagnostics, 1906, static_cast<std::uint32_t>(sizeof(Ibis)));
         error(run.diagnostics, 4100);
         return false;
     }
