@@ -2,7 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/table_ends.hpp"
-#include "reader/cmn.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -146,8 +146,7 @@ void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_vie
     const std::string_view label = curveLabel(kind);
     if (slot) errorAtLine(run.diagnostics, 1100, label);
     slot.emplace();
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 1104, count + 1, label, 1);
+    expectNoText(run, text, label, 1104);
     run.mdl.crv = CrvState{};
     run.mdl.crv.begin_line = run.parse.line;
 }

@@ -1,5 +1,6 @@
 #include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <span>
@@ -121,8 +122,7 @@ void openSeriesSection(Run& run, Mdl& model, KeywordCode code) {
 void openAddSubmodel(Run& run, Mdl& model, std::string_view text) {
     if (model.add_submodel_seen) errorAtLine(run.diagnostics, 208);
     model.add_submodel_seen = true;
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 137, count + 1, "Add Submodel", 1);
+    expectNoText(run, text, "Add Submodel", 137);
     if (isSeries(model)) errorAtLine(run.diagnostics, 209);
 }
 

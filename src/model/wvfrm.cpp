@@ -2,8 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/table_ends.hpp"
-#include "reader/cmn.hpp"
-#include "reader/value_line.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <array>
@@ -37,8 +36,7 @@ constexpr std::array kFixtureLines{
 
 /// Deals with what follows the keyword and notes where the table begins.
 void beginTable(Run& run, const WaveformLabel& label, std::string_view text) {
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 2003, count + 1, label.open, 1);
+    expectNoText(run, text, label.open, 2003);
     run.mdl.wvfrm.begin_line = run.parse.line;
 }
 
