@@ -28,6 +28,7 @@ void freeRoot(Run& run, Ibis& root) {
 void finalChecks(Run& run) {
     const Ibis* root = currentRoot(run);
     if (root == nullptr) return;
+    checkRcvThs(run);
     checkDrvShs(run);
     checkMSels(run);
     if (root->components.empty()) {

@@ -125,6 +125,7 @@ void closeSection(Run& run, const Mdl& model) {
         break;
     }
     case Form::ramp: closeRamp(run, *model.ramp); break;
+    case Form::modelSpec: closeMSpec(run, model); break;
     case Form::waveform: {
         const WaveformField field = waveformField(section);
         closeWvfrm(run, *(model.*field.list).back(), field.label);
@@ -161,11 +162,11 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::addSubmodel: openAddSubmodel(run, model, line.text); break;
     case Form::modelSpec:
         checkModelSpecOrder(run, model);
-        model.model_spec = true;
+        openMSpec(run, model, line.text);
         break;
     case Form::receiverThresholds:
         checkReceiverThresholdsOrder(run, model);
-        model.receiver_thresholds = true;
+        openRcvTh(run, model, line.text);
         break;
     case Form::externalModel:
         if (model.external_model) reportAlreadyDefined(run, model, "[External_Model]");
@@ -211,8 +212,8 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::range:
     case Form::seriesSection:
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
-    case Form::modelSpec:
-    case Form::receiverThresholds:
+    case Form::modelSpec: mSpecLine(run, model, line.text); break;
+    case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
     case Form::externalModel:
     case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;

@@ -2,7 +2,9 @@
 
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
+#include "model/mspec.hpp"
 #include "model/ramp.hpp"
+#include "model/rcvth.hpp"
 #include "model/types.hpp"
 #include "model/wvfrm.hpp"
 #include "reader/keyword.hpp"
@@ -68,6 +70,8 @@ struct Mdl {
     std::optional<Rng> ttgnd;
     std::optional<Rng> ttpower;
     std::optional<DrvSh> driver_schedule;
+    std::unique_ptr<MSpec> model_spec;
+    std::unique_ptr<RcvTh> receiver_thresholds;
     std::unique_ptr<SeriesBlock> on_block;
     std::unique_ptr<SeriesBlock> off_block;
     std::vector<AddSubmodel> add_submodels; ///< in file order
@@ -85,11 +89,8 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
-    // Keywords whose lines are not stored: that they were there matters to the checks of the model.
-    bool model_spec = false;
-    bool receiver_thresholds = false;
-    bool external_model = false;
-    bool referenced = false; ///< some pin, selector, schedule or series pin mapping names this model
+    bool external_model = false; ///< "[External Model]" was there
+    bool referenced = false;     ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.

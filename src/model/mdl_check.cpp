@@ -113,11 +113,13 @@ void checkSeries(Run& run, const Mdl& model) {
 }
 
 void checkTestLoad(Run& run, const Mdl& model) {
-    // What "[Model Spec]" gives is not kept; it may well give what "[Model]" leaves out.
-    const bool vmeas = model.vmeas || model.model_spec;
-    const bool whole_load = (model.vmeas && model.vref && model.rref) || model.model_spec;
+    // "[Model Spec]" may give what "[Model]" leaves out.
+    const MSpec* const spec = model.model_spec.get();
+    const bool vmeas = model.vmeas || (spec != nullptr && spec->vmeas);
+    const bool vref = model.vref || (spec != nullptr && spec->vref);
+    const bool rref = model.rref || (spec != nullptr && spec->rref);
     if (kNeedVmeas.has(model.model_type) && !vmeas) warning(run.diagnostics, 201, model.name);
-    if (kNeedWholeLoad.has(model.model_type) && !whole_load) warning(run.diagnostics, 200, model.name);
+    if (kNeedWholeLoad.has(model.model_type) && !(vmeas && vref && rref)) warning(run.diagnostics, 200, model.name);
     if (kNeedDiffLoad.has(model.model_type) && !model.cref_diff && !model.rref_diff) {
         warning(run.diagnostics, 202, model.name);
     }
@@ -141,6 +143,7 @@ void checkModel(Run& run, const Mdl& model) {
     checkReferenceVoltages(run, model);
     checkRamp(run, model);
     checkSeries(run, model);
+    checkReferenceSupply(run, model);
     checkTestLoad(run, model);
 }
 

@@ -14,8 +14,12 @@ struct Rng {
 /// Whether a range reader warns (3903) of a typical value outside minimum and maximum.
 enum class OrderCheck : bool { off, on };
 
-/// Reads "typ min max". Reports 3901 and 3902 (wrong number of items), what readCell reports under "Typical", "Minimum" and "Maximum", and
-/// 3903. True when every cell present could be read; `range` is filled as far as that went in any case.
+/// Reads "typ min max". Reports 3901 and 3902 (wrong number of items), what readCell reports under "Typical", "Minimum"
+/// and "Maximum", and 3903. True when every cell present could be read; `range` is filled as far as that went in any
+/// case.
 bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check);
+
+/// True when one of the numbers is negative.
+[[nodiscard]] bool anyBelowZero(const Rng& range);
 
 } // namespace kestrel

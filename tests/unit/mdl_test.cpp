@@ -382,13 +382,17 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type Series" + c_comp + whole + "[End]", "E0189"},
         // series models
         {"Model_type Series\n[Model Spec]\n[Voltage Range] 3 2 4\n[Driver Schedule]\n[TTgnd] 1 1 1\n[End]",
-         "E4205 E0181 E0191 E0191 W0191"},
+         "W3809 E4205 E0181 E0191 E0191 W0191"},
         {"Model_type Series_switch" + c_comp + "[Model Spec]\n" + std::string(kVoltage) + "[TTpower] 1 1 1\n[End]",
-         "E0192 W0192 E0193 E0194"},
+         "W3809 E0192 W0192 E0193 E0194"},
         {"Model_type Series_switch" + c_comp + std::string(kVoltage) + "[R Series] 1 1 1\n[End]", "E0207@ E0194"},
         // test loads
         {"Model_type I/O\nVinl = 1\nVinh = 2\nVref = 1\nRref = 50" + c_comp + whole + "[End]", "W0201"},
-        {"Model_type Output" + c_comp + "[Model Spec]\n" + whole + "[End]", ""},
+        {"Model_type Output" + c_comp + "[Model Spec]\n" + whole + "[End]", "W3809 W0201"},
+        {"Model_type Output" + c_comp + "[Model Spec]\nVmeas 1 NA NA\n" + whole + "[End]", ""},
+        {"Model_type Open_sink\nVmeas = 1" + c_comp + "[Model Spec]\nVref 1 NA NA\n" + whole + "[End]", "W0200"},
+        {"Model_type Open_sink\nVmeas = 1" + c_comp + "[Model Spec]\nVref 1 NA NA\nRref 1 NA NA\n" + whole + "[End]",
+         ""},
         {"Model_type Output\nVmeas 1" + c_comp + whole + "[End]", "E0176@"}, // given without a value
         {"Model_type Open_sink\nVmeas = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
         {"Model_type 3-state_ECL\nVref = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
