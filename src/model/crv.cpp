@@ -147,6 +147,10 @@ void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_vie
     if (slot) errorAtLine(run.diagnostics, 1100, label);
     slot.emplace();
     expectNoText(run, text, label, 1104);
+    beginCrv(run);
+}
+
+void beginCrv(Run& run) {
     run.mdl.crv = CrvState{};
     run.mdl.crv.begin_line = run.parse.line;
 }

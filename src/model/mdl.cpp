@@ -26,6 +26,7 @@ enum class Form : std::uint8_t {
     seriesRange,
     seriesCurrent,
     seriesMosfet,
+    cCompCorner,
     unread, ///< a model's own, but its lines are not looked at
     foreign ///< not a keyword of a model
 };
@@ -75,8 +76,8 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::endAlgorithmicModel:
     case KeywordCode::compositeCurrent:
     case KeywordCode::beginEmiModel:
-    case KeywordCode::endEmiModel:
-    case KeywordCode::cCompCorner: return Form::unread;
+    case KeywordCode::endEmiModel: return Form::unread;
+    case KeywordCode::cCompCorner: return Form::cCompCorner;
     default: return Form::foreign;
     }
 }
@@ -138,6 +139,10 @@ void closeSection(Run& run, const Mdl& model) {
                      model.model_type);
         }
         break;
+    case Form::seriesMosfet:
+        if (run.mdl.series_block != nullptr) closeSMos(run, run.mdl.series_block->mosfets.back(), model);
+        break;
+    case Form::cCompCorner: closeCCorner(run, model); break;
     default: break;
     }
 }
@@ -172,7 +177,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         if (model.external_model) reportAlreadyDefined(run, model, "[External_Model]");
         model.external_model = true;
         break;
-    case Form::seriesSection: openSeriesSection(run, model, line.key); break;
+    case Form::seriesSection: openSeriesSection(run, model, line); break;
     case Form::seriesRange:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
         break;
@@ -181,7 +186,10 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
             openCrv(run, block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
-    case Form::seriesMosfet: currentSeriesBlock(run, model); break;
+    case Form::seriesMosfet:
+        if (SeriesBlock* const block = currentSeriesBlock(run, model)) openSMos(run, block->mosfets, line.text);
+        break;
+    case Form::cCompCorner: openCCorner(run, model, line.text); break;
     case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
@@ -208,7 +216,12 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
             crvLine(run, *block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
-    case Form::seriesMosfet: currentSeriesBlock(run, model); break;
+    case Form::seriesMosfet:
+        if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
+            sMosLine(run, block->mosfets.back(), line.text);
+        }
+        break;
+    case Form::cCompCorner: cCornerLine(run, model, line.text); break;
     case Form::range:
     case Form::seriesSection:
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;

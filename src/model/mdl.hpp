@@ -1,10 +1,12 @@
 #pragma once
 
+#include "model/ccorner.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
 #include "model/mspec.hpp"
 #include "model/ramp.hpp"
 #include "model/rcvth.hpp"
+#include "model/sinfo.hpp"
 #include "model/types.hpp"
 #include "model/wvfrm.hpp"
 #include "reader/keyword.hpp"
@@ -25,17 +27,6 @@ struct Run;
 struct AddSubmodel {
     std::string name; ///< at most 40 characters
     SubmodelMode mode = SubmodelMode::none;
-};
-
-/// One "[On]" or "[Off]" section of a series model: its elements in ohms, henries and farads.
-struct SeriesBlock {
-    std::optional<Rng> r_series;
-    std::optional<Rng> l_series;
-    std::optional<Rng> rl_series;
-    std::optional<Rng> c_series;
-    std::optional<Rng> rc_series;
-    std::optional<Rng> lc_series;
-    std::optional<Crv> series_current;
 };
 
 /// A single value. Its line marks it as given (0 until it reads) as soon as it is accepted.
@@ -67,6 +58,7 @@ struct Mdl {
     std::optional<Rng> power_clamp_reference;
     std::optional<Rng> gnd_clamp_reference;
     std::optional<Rng> external_reference;
+    std::unique_ptr<CCorner> c_comp_corner;
     std::optional<Rng> ttgnd;
     std::optional<Rng> ttpower;
     std::optional<DrvSh> driver_schedule;

@@ -106,10 +106,8 @@ void checkNotInSeries(Run& run, const Mdl& model, ModelWordMessage message) {
 
 void checkSeries(Run& run, const Mdl& model) {
     if (model.model_type == ModelType::series) checkNotInSeries(run, model, 191);
-    if (model.model_type != ModelType::seriesSwitch) return;
-    checkNotInSeries(run, model, 192);
-    if (!model.on_block) error(run.diagnostics, 193, model.name);
-    if (!model.off_block) error(run.diagnostics, 194, model.name);
+    if (model.model_type == ModelType::seriesSwitch) checkNotInSeries(run, model, 192);
+    checkSeriesBlocks(run, model);
 }
 
 void checkTestLoad(Run& run, const Mdl& model) {
@@ -145,6 +143,10 @@ void checkModel(Run& run, const Mdl& model) {
     checkSeries(run, model);
     checkReferenceSupply(run, model);
     checkTestLoad(run, model);
+    for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
+        if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
+    }
+    checkCCorner(run, model);
 }
 
 } // namespace kestrel

@@ -1,6 +1,5 @@
 #include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
-#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <type_traits>
@@ -13,7 +12,6 @@ namespace {
 using PlainMessage = CheckedMessage<>;
 
 constexpr ValueLineMessages kValueMessages{176, 137, 149, std::nullopt, ValueGiven::whenAccepted};
-constexpr RangeLineRules kRangeRules{CheckedMessage<>(178), false};
 constexpr SettingMessages kSettingMessages{175, 176, 137};
 constexpr EnumerationMessages kEnumerationMessages{136, 158};
 
@@ -116,7 +114,7 @@ void readInto(Run& run, const Mdl&, const SubparameterLine& line, GivenValue& fi
 }
 
 void readInto(Run& run, const Mdl& model, const SubparameterLine& line, std::optional<Rng>& field) {
-    readRangeLine(run, line.rest, line.name, kRangeRules, field);
+    readRangeLine(run, line.rest, line.name, kModelRangeRules, field);
     if (field) checkCornerOrder(run, model, line.name, *field);
 }
 
@@ -150,22 +148,6 @@ constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
     {KeywordCode::cac, "Cac", &Mdl::cac, false, {}},
     {KeywordCode::ttgnd, "TTgnd", &Mdl::ttgnd, false, NegativeMessages{108, 109, 110}},
     {KeywordCode::ttpower, "TTpower", &Mdl::ttpower, false, NegativeMessages{112, 113, 114}},
-}};
-
-/// An element of a series section.
-struct SeriesElement {
-    KeywordCode code;
-    std::string_view name;
-    std::optional<Rng> SeriesBlock::*field;
-};
-
-constexpr std::array<SeriesElement, 6> kSeriesElements{{
-    {KeywordCode::rSeries, "R Series", &SeriesBlock::r_series},
-    {KeywordCode::lSeries, "L Series", &SeriesBlock::l_series},
-    {KeywordCode::rlSeries, "Rl Series", &SeriesBlock::rl_series},
-    {KeywordCode::cSeries, "C Series", &SeriesBlock::c_series},
-    {KeywordCode::lcSeries, "Lc Series", &SeriesBlock::lc_series},
-    {KeywordCode::rcSeries, "Rc Series", &SeriesBlock::rc_series},
 }};
 
 void reportNegative(Diagnostics& diagnostics, const Cell& cell, PlainMessage message) {
@@ -208,21 +190,11 @@ void readRangeKeyword(Run& run, Mdl& model, const Line& line) {
     if (row.before_sections && sections_begun && model.model_type == ModelType::seriesSwitch) {
         errorAtLine(run.diagnostics, 204, model.name, row.name);
     }
-    readRangeLine(run, line.text, row.name, kRangeRules, field);
+    readRangeLine(run, line.text, row.name, kModelRangeRules, field);
     if (field && row.negative) {
         reportNegative(run.diagnostics, field->typ, row.negative->typ);
         reportNegative(run.diagnostics, field->min, row.negative->min);
         reportNegative(run.diagnostics, field->max, row.negative->max);
-    }
-}
-
-void readSeriesRange(Run& run, const Mdl& model, SeriesBlock& block, const Line& line) {
-    const SeriesElement& row = *std::ranges::find(kSeriesElements, line.key, &SeriesElement::code);
-    std::optional<Rng>& field = block.*row.field;
-    if (field) {
-        reportAlreadyDefined(run, model, row.name);
-    } else {
-        readRangeLine(run, line.text, row.name, kRangeRules, field);
     }
 }
 

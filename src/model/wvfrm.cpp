@@ -72,13 +72,6 @@ const FixtureLine* findFixtureLine(std::string_view item) {
     return line == kFixtureLines.end() ? nullptr : line;
 }
 
-/// True for the first item of a row. "NA" is one, if a bad one.
-bool isFirstCell(std::string_view item) {
-    double value = 0.0;
-    bool na = false;
-    return readValueOrNa(item, value, na) != ReadResult::noNumber;
-}
-
 /// The value at which a pulse begins is that at which it ends.
 void checkSameEnds(Run& run, const Wvfrm& waveform, std::string_view label, std::int32_t line) {
     if (waveform.rows.empty()) return;
@@ -131,7 +124,7 @@ void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::strin
         }
         return;
     }
-    if (!isFirstCell(first)) {
+    if (!beginsRow(first)) {
         errorAtLine(run.diagnostics, 2011, label.rows);
         return;
     }

@@ -261,7 +261,8 @@ TEST(Model, keywordLines) {
         {"Series", "[Series Current]\n[R Series] 1 1 1", "E1108"},
         {"Series_switch", "[R Series] 1 1 1\n[R Series] 1 1 1\n[Pullup Reference] 3 2 4", "E0207@ E0119@ E0204@"},
         {"Series_switch", "[On]\ntext\n[R Series] 1 1 1\n[Off]\n[R Series] 1 1 1\n[Lc Series] 1 1 1", "E0121@"},
-        {"Series_switch", "[On]\n[R Series] 1 1 1\n[On]\n[R Series] 1 1 1", ""},
+        {"Series_switch", "[On]\n[R Series] 1 1 1\n[On]\n[R Series] 1 1 1", "E2901@"},
+        {"Series_switch", "[R Series] 1 1 1\n[On]", "E0207@ E2901@"}, // an assumed section counts
         {"Series_switch",
          "[Voltage Range] 1 1 1\n[Off]\n[Voltage Range] 1 1 1\n[Temperature Range] 1 1 1\n[Pullup Reference] 1 1 1\n"
          "[Pulldown Reference] 1 1 1\n[POWER Clamp Reference] 1 1 1\n[GND Clamp Reference] x 1 1\n"
@@ -368,7 +369,7 @@ TEST(Model, whatACompleteModelHas) {
         // capacitance
         {"Model_type Input_diff\nC_comp_gnd_clamp NA 1 1\n" + whole + "[End]", "E0178@"},
         {"Model_type Input_diff\n" + whole + "[External Model]\n[End External Model]\n[End]", ""},
-        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E0181"},
+        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E5009 E0181"},
         // thresholds
         {"Model_type Input\nVinl = 1" + c_comp + "[Pulldown Reference] 0 0 0\n[GND Clamp Reference] 0 0 0\n[End]",
          "W0184 W0188 E0188"},
@@ -404,6 +405,30 @@ TEST(Model, whatACompleteModelHas) {
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Reading(V::v4).read("[Model] m").read(row.lines).codes(), row.codes) << row.lines;
+    }
+}
+
+/// A model that is right, for what follows it to go wrong in.
+constexpr std::string_view kTerminator =
+    "[Model] m\nModel_type Terminator\nC_comp 5p 4p 6p\nC_comp_pullup 5p NA 6p\n[Voltage Range] 3 2 4";
+
+TEST(Model, cornersBesideTheModelsOwnCapacitances) {
+    const struct {
+        std::string_view lines;
+        std::string_view codes;
+    } rows[] = {
+        {"C_comp 5p 6p 4p", ""},
+        {"C_comp 5p 6.000001p NA", ""}, // within a millionth
+        {"C_comp 5p 6.1p NA", "C5011"},
+        {"C_comp 3.9p NA NA", "C5011"},
+        {"C_comp 5p 3.9999999p 6.1p", "C5011"},
+        {"C_comp_pullup 9p NA NA", ""}, // its own minimum is not known
+        {"C_comp_pulldown 1p 1p 1p", "C5010"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read(kTerminator).read("[C Comp Corner]").read(row.lines).read("[End]");
+        EXPECT_EQ(reading.codes(), row.codes) << row.lines;
     }
 }
 
