@@ -2,6 +2,7 @@
 
 #include "component/circuit.hpp"
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/testdata.hpp"
 #include "model/testload.hpp"
 #include "package/ebdmdl.hpp"
@@ -29,6 +30,7 @@ void finalChecks(Run& run) {
     const Ibis* root = currentRoot(run);
     if (root == nullptr) return;
     checkRcvThs(run);
+    checkCompositeCurrents(run);
     checkDrvShs(run);
     checkMSels(run);
     if (root->components.empty()) {

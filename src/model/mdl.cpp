@@ -1,6 +1,7 @@
 #include "model/mdl.hpp"
 
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <unordered_set>
@@ -27,6 +28,7 @@ enum class Form : std::uint8_t {
     seriesCurrent,
     seriesMosfet,
     cCompCorner,
+    compositeCurrent,
     unread, ///< a model's own, but its lines are not looked at
     foreign ///< not a keyword of a model
 };
@@ -74,9 +76,9 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::endExternalModel:
     case KeywordCode::algorithmicModel:
     case KeywordCode::endAlgorithmicModel:
-    case KeywordCode::compositeCurrent:
     case KeywordCode::beginEmiModel:
     case KeywordCode::endEmiModel: return Form::unread;
+    case KeywordCode::compositeCurrent: return Form::compositeCurrent;
     case KeywordCode::cCompCorner: return Form::cCompCorner;
     default: return Form::foreign;
     }
@@ -142,6 +144,7 @@ void closeSection(Run& run, const Mdl& model) {
     case Form::seriesMosfet:
         if (run.mdl.series_block != nullptr) closeSMos(run, run.mdl.series_block->mosfets.back(), model);
         break;
+    case Form::compositeCurrent: closeCompositeCurrent(run); break;
     case Form::cCompCorner: closeCCorner(run, model); break;
     default: break;
     }
@@ -160,7 +163,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::ramp: openRamp(run, model.ramp, line.text); break;
     case Form::waveform: {
         const WaveformField field = waveformField(line.key);
-        openWvfrm(run, model.*field.list, field.label, line.text);
+        run.mdl.last_waveform = &openWvfrm(run, model.*field.list, field.label, line.text);
         break;
     }
     case Form::driverSchedule: openDrvSh(run, model, line.text); break;
@@ -189,6 +192,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::seriesMosfet:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) openSMos(run, block->mosfets, line.text);
         break;
+    case Form::compositeCurrent: openCompositeCurrent(run, line.text); break;
     case Form::cCompCorner: openCCorner(run, model, line.text); break;
     case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
@@ -221,6 +225,7 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
             sMosLine(run, block->mosfets.back(), line.text);
         }
         break;
+    case Form::compositeCurrent: compositeCurrentLine(run, line.text); break;
     case Form::cCompCorner: cCornerLine(run, model, line.text); break;
     case Form::range:
     case Form::seriesSection:
@@ -243,6 +248,7 @@ void openMdl(Run& run) {
     }
     run.mdl.current = &root->models.add(std::make_unique<Mdl>());
     run.mdl.series_block = nullptr;
+    run.mdl.last_waveform = nullptr;
 }
 
 void mdlKeywordSeen(Run& run, KeywordCode code) {

@@ -93,6 +93,7 @@ struct MdlState {
     CrvState crv;
     RampState ramp;
     WvfrmState wvfrm;
+    Wvfrm* last_waveform = nullptr; ///< of the model being read; a composite current belongs to it
 };
 
 /// Opens a model at "[Model]".

@@ -1,4 +1,5 @@
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <algorithm>
@@ -143,6 +144,7 @@ void checkModel(Run& run, const Mdl& model) {
     checkSeries(run, model);
     checkReferenceSupply(run, model);
     checkTestLoad(run, model);
+    checkIsso(run, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
     }

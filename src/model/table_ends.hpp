@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace kestrel {
 
@@ -24,8 +25,17 @@ struct TableEndsMessages {
     CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text, ArgKind::integer> na_at_end;
 };
 
-/// Requires two rows, and of the first and the last one values other than "NA": a typical one, and a minimum and a
-/// maximum if any row gives such. Errors without line.
+/// A value that the first or last row of a table lacks.
+struct EndFault {
+    std::string_view row; ///< "First" or "Last"
+    Column column;
+};
+
+/// The columns that are "NA" in the first and in the last row: the typical one, minimum and maximum if any row gives
+/// such. None in a table of less than two rows.
+[[nodiscard]] std::vector<EndFault> findEndFaults(std::span<const TableRow> rows);
+
+/// Requires two rows without such faults at the ends. Errors without line.
 void checkTableEnds(Diagnostics& diagnostics, std::span<const TableRow> rows, const TableEndsMessages& messages,
                     std::string_view label, std::uint32_t begin_line);
 

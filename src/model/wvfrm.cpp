@@ -15,6 +15,7 @@ constexpr std::size_t kMaxWaveforms = 100;
 
 constexpr ValueLineMessages kFixtureMessages{2015, 2003, 2017, ScaleMessage(2016)};
 constexpr TableEndsMessages kEndsMessages{2005, 2006};
+constexpr TableEndsMessages kGoldenEndsMessages{2329, 2330};
 
 /// A line that gives a value of the test fixture or of the device under test.
 struct FixtureLine {
@@ -36,7 +37,7 @@ constexpr std::array kFixtureLines{
 
 /// Deals with what follows the keyword and notes where the table begins.
 void beginTable(Run& run, const WaveformLabel& label, std::string_view text) {
-    expectNoText(run, text, label.open, 2003);
+    expectNoText(run, text, label.open, label.form == WaveformForm::current ? CountMessage(1703) : CountMessage(2003));
     run.mdl.wvfrm.begin_line = run.parse.line;
 }
 
@@ -70,6 +71,20 @@ const FixtureLine* findFixtureLine(std::string_view item) {
     if (item.empty() || !isAlpha(item.front())) return nullptr;
     const auto* const line = std::ranges::find(kFixtureLines, item, &FixtureLine::name);
     return line == kFixtureLines.end() ? nullptr : line;
+}
+
+void checkEnds(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {
+    const std::uint32_t begin_line = run.mdl.wvfrm.begin_line;
+    if (label.form != WaveformForm::current) {
+        const TableEndsMessages& messages = label.form == WaveformForm::golden ? kGoldenEndsMessages : kEndsMessages;
+        checkTableEnds(run.diagnostics, waveform.rows, messages, label.open, begin_line);
+        return;
+    }
+    const auto line = static_cast<std::int32_t>(begin_line);
+    if (waveform.rows.size() < 2) error(run.diagnostics, 1705, line);
+    for (const EndFault& fault : findEndFaults(waveform.rows)) {
+        error(run.diagnostics, 1706, fault.row, kColumnWords[fault.column], line);
+    }
 }
 
 /// The value at which a pulse begins is that at which it ends.
@@ -117,10 +132,11 @@ void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::strin
     std::string_view rest = text;
     const std::string_view first = takeItem(run, rest, '=');
     if (const FixtureLine* line = findFixtureLine(first)) {
-        if (label.form == WaveformForm::golden) {
-            errorAtLine(run.diagnostics, 2010);
-        } else {
-            fixtureLine(run, waveform, *line, text, label.rows);
+        switch (label.form) {
+        case WaveformForm::golden: errorAtLine(run.diagnostics, 2010); break;
+        case WaveformForm::current: errorAtLine(run.diagnostics, 1704, line->name); break;
+        case WaveformForm::model:
+        case WaveformForm::pulse: fixtureLine(run, waveform, *line, text, label.rows); break;
         }
         return;
     }
@@ -140,7 +156,7 @@ void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {
             error(run.diagnostics, 2004, fixture.name, label.open, line);
         }
     }
-    checkTableEnds(run.diagnostics, waveform.rows, kEndsMessages, label.open, begin_line);
+    checkEnds(run, waveform, label);
     if (label.form == WaveformForm::pulse) {
         checkSameEnds(run, waveform, label.open, line);
         checkOffsets(run, waveform, label, line);

@@ -2,6 +2,7 @@
 
 #include "codes.hpp"
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 
 #include <algorithm>
 #include <ranges>
@@ -429,6 +430,59 @@ TEST(Model, cornersBesideTheModelsOwnCapacitances) {
         Reading reading(V::v5);
         reading.read(kTerminator).read("[C Comp Corner]").read(row.lines).read("[End]");
         EXPECT_EQ(reading.codes(), row.codes) << row.lines;
+    }
+}
+
+TEST(Model, supplyTablesReachToTheSupplyOnBothSides) {
+    const struct {
+        std::string_view rows;
+        std::string_view codes;
+    } rows[] = {
+        {"3 1 NA NA\n-3 1 NA NA", ""},
+        {"-4 1 NA NA\nNA 1 NA NA\n4 1 NA NA", "E1106@"},
+        {"-2.9 1 NA NA\n3 1 NA NA", "C1503"},
+        {"-3 1 NA NA\n2.9 1 NA NA", "C1503"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p\n[Voltage Range] 3 2 4")
+            .read("[Pulldown]\n0 0 NA NA\n1 1 NA NA\n[Ramp]\ndV/dt_r 1/1n NA NA\ndV/dt_f 1/1n NA NA\n[ISSO PD]")
+            .read(row.rows)
+            .read("[End]");
+        EXPECT_EQ(reading.codes(), row.codes) << row.rows;
+    }
+}
+
+TEST(Model, rampsAndCurrentsAgainstWaveforms) {
+    const std::string wave = "R_fixture = 50\nV_fixture = 0\n";
+    const struct {
+        std::string lines;
+        std::string_view codes;
+    } rows[] = {
+        // from 20 to 80 percent a straight line of 1 ns takes 0.6 ns
+        {"[Ramp]\ndV/dt_r 1/2.9n NA NA\ndV/dt_f 1/9n NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA", ""},
+        {"[Ramp]\ndV/dt_r 1/3.1n NA NA\ndV/dt_f 1/9n NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA",
+         "C1709"},
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/0.11n NA NA\n[Falling Waveform]\n" + wave + "0 1 NA NA\n1n 0 NA NA",
+         "C1709"},
+        // one waveform that agrees is enough; one that does not move says nothing
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/1n NA NA\n[Rising Waveform]\n" + wave +
+             "0 0 NA NA\n1n 1 NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 0 NA NA\n5n 0.1 NA NA\n9n 1 NA NA",
+         ""},
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/1n NA NA\n[Rising Waveform]\n" + wave + "0 1 NA NA\n1n 1 NA NA", ""},
+        // time points
+        {"[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA\n[Composite Current]\n0 1m NA NA\n1n 2m NA NA", ""},
+        {"[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA\n[Composite Current]\n0 1m NA NA\n2n 2m NA NA\n" +
+             "[Falling Waveform]\n" + wave + "0 1 NA NA\n1n 0 NA NA\n[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n" +
+             "2n 2m NA NA",
+         "C2021 C2021"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p").read(row.lines).read("[Rgnd] x");
+        const std::size_t before = reading.codes().size();
+        checkCompositeCurrents(reading.run);
+        EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.lines;
     }
 }
 
