@@ -39,12 +39,12 @@ void finalChecks(Run& run) {
         checkCmpnts(run);
     }
     checkPkgMdls(run);
+    checkTestData(run);
+    checkTestLoads(run);
     checkAddedSubmodels(run);
     checkReferences(run);
 }
 
-void finalBoardChecks(Run& run, bool nested) {
-    checkEbdMdls(run, nested);
-}
+void finalBoardChecks(Run& run, bool nested) { checkEbdMdls(run, nested); }
 
 } // namespace kestrel
