@@ -21,10 +21,10 @@ struct IssoTable {
     std::string_view main_name;
     std::optional<Crv> Mdl::*main;
 };
-constexpr std::array kIssoTables{
+constexpr auto kIssoTables = std::to_array({
     IssoTable{"ISSO PD", &Mdl::isso_pd, "Pulldown", &Mdl::pulldown},
     IssoTable{"ISSO PU", &Mdl::isso_pu, "Pullup", &Mdl::pullup},
-};
+});
 
 /// The waveforms of one edge, and the rate of the ramp for it.
 struct Edge {
@@ -33,10 +33,10 @@ struct Edge {
     Waveforms Mdl::*waveforms;
     std::optional<RampRate> Ramp::*rate;
 };
-constexpr std::array kEdges{
+constexpr auto kEdges = std::to_array({
     Edge{"Rising", "dV/dt_r", &Mdl::rising_waveforms, &Ramp::dv_dt_r},
     Edge{"Falling", "dV/dt_f", &Mdl::falling_waveforms, &Ramp::dv_dt_f},
-};
+});
 
 /// True when the voltages of a table reach from -`supply` to `supply`; without any voltage there is nothing to say.
 bool covers(const Crv& curve, double supply) {

@@ -18,13 +18,13 @@ struct CornerRow {
     std::optional<Rng> Mdl::*own;
 };
 
-constexpr std::array kRows{
+constexpr auto kRows = std::to_array({
     CornerRow{"C_comp", &CCorner::c_comp, &Mdl::c_comp},
     CornerRow{"C_comp_pullup", &CCorner::c_comp_pullup, &Mdl::c_comp_pullup},
     CornerRow{"C_comp_pulldown", &CCorner::c_comp_pulldown, &Mdl::c_comp_pulldown},
     CornerRow{"C_comp_power_clamp", &CCorner::c_comp_power_clamp, &Mdl::c_comp_power_clamp},
     CornerRow{"C_comp_gnd_clamp", &CCorner::c_comp_gnd_clamp, &Mdl::c_comp_gnd_clamp},
-};
+});
 
 constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(5007), true};
 

@@ -33,7 +33,7 @@ constexpr auto kRising = CurveTrend::rising;
 constexpr auto kFalling = CurveTrend::falling;
 constexpr auto kNotChecked = CurveTrend::notChecked;
 
-constexpr std::array kRules{
+constexpr auto kRules = std::to_array({
     CurveRules{CurveKind::pulldown, "Pulldown", kRising, kFalling, kRising, false},
     CurveRules{CurveKind::pullup, "Pullup", kFalling, kFalling, kFalling, false},
     CurveRules{CurveKind::gndClamp, "GND Clamp", kRising, kRising, kRising, true},
@@ -42,7 +42,7 @@ constexpr std::array kRules{
     CurveRules{CurveKind::issoPu, "ISSO PU", kNotChecked, kNotChecked, kNotChecked, false},
     CurveRules{CurveKind::seriesCurrent, "Series Current", kFalling, kFalling, kNotChecked, false},
     CurveRules{CurveKind::seriesMosfet, "Series MOSFET", kFalling, kFalling, kRising, false},
-};
+});
 
 constexpr bool inKindOrder() {
     for (std::size_t i = 0; i < kRules.size(); ++i) {

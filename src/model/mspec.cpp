@@ -27,7 +27,7 @@ struct SpecRow {
 constexpr auto kFrom4 = IbisVersion::v4;
 constexpr auto kFrom5 = IbisVersion::v5;
 
-constexpr std::array kRows{
+constexpr auto kRows = std::to_array({
     SpecRow{"Vinh", &MSpec::vinh, Unit::volt},
     SpecRow{"Vinl", &MSpec::vinl, Unit::volt},
     SpecRow{"Vinh+", &MSpec::vinh_plus, Unit::volt},
@@ -63,7 +63,7 @@ constexpr std::array kRows{
     SpecRow{"Weak_R", &MSpec::weak_r, Unit::ohm, kFrom5},
     SpecRow{"Weak_I", &MSpec::weak_i, Unit::ampere, kFrom5},
     SpecRow{"Weak_V", &MSpec::weak_v, Unit::volt, kFrom5},
-};
+});
 
 constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(3807), true};
 
@@ -94,7 +94,7 @@ struct Companion {
     Field needed;
 };
 
-constexpr std::array kCompanions{
+constexpr auto kCompanions = std::to_array({
     Companion{{&MSpec::d_overshoot_high, &MSpec::d_overshoot_low}, &MSpec::d_overshoot_time},
     Companion{{&MSpec::d_overshoot_high}, &MSpec::s_overshoot_high},
     Companion{{&MSpec::d_overshoot_low}, &MSpec::s_overshoot_low},
@@ -111,7 +111,7 @@ constexpr std::array kCompanions{
     Companion{{&MSpec::vref_falling}, &MSpec::vref_rising},
     Companion{{&MSpec::vmeas_rising}, &MSpec::vmeas_falling},
     Companion{{&MSpec::vmeas_falling}, &MSpec::vmeas_rising},
-};
+});
 
 /// Types that receive. Besides those with thresholds of their own, two of the differential ones.
 constexpr bool receives(ModelType type) {

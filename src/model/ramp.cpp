@@ -18,10 +18,10 @@ struct RateLine {
     std::string_view name;
     std::optional<RampRate> Ramp::*rate;
 };
-constexpr std::array kRateLines{
+constexpr auto kRateLines = std::to_array({
     RateLine{"dV/dt_r", &Ramp::dv_dt_r},
     RateLine{"dV/dt_f", &Ramp::dv_dt_f},
-};
+});
 
 constexpr std::string_view kLoadName = "R_load";
 constexpr ValueLineMessages kLoadMessages{1313, 1304, 1314, ScaleMessage(1311)};

@@ -27,7 +27,7 @@ struct ThresholdRow {
 
 constexpr std::string_view kReferenceName = "Reference_supply";
 
-constexpr std::array kRows{
+constexpr auto kRows = std::to_array({
     ThresholdRow{"Vth", &RcvTh::vth},
     ThresholdRow{"Vth_min", &RcvTh::vth_min},
     ThresholdRow{"Vth_max", &RcvTh::vth_max},
@@ -43,7 +43,7 @@ constexpr std::array kRows{
     ThresholdRow{"Vdiff_dc", &RcvTh::vdiff_dc},
     ThresholdRow{"Tslew_ac", &RcvTh::tslew_ac, true},
     ThresholdRow{"Tdiffslew_ac", &RcvTh::tdiffslew_ac, true},
-};
+});
 
 constexpr std::array<EnumerationRow<ReferenceSupply>, 5> kSupplies{{
     {"Power_clamp_ref", ReferenceSupply::powerClamp},
@@ -59,13 +59,13 @@ struct SupplyKeyword {
     std::optional<Rng> Mdl::*reference;
     CheckedMessage<ArgKind::text> missing;
 };
-constexpr std::array kSupplyKeywords{
+constexpr auto kSupplyKeywords = std::to_array({
     SupplyKeyword{ReferenceSupply::powerClamp, &Mdl::power_clamp_reference, 195},
     SupplyKeyword{ReferenceSupply::gndClamp, &Mdl::gnd_clamp_reference, 196},
     SupplyKeyword{ReferenceSupply::pullup, &Mdl::pullup_reference, 197},
     SupplyKeyword{ReferenceSupply::pulldown, &Mdl::pulldown_reference, 198},
     SupplyKeyword{ReferenceSupply::external, &Mdl::external_reference, 199},
-};
+});
 
 constexpr ValueLineMessages kValueMessages{3208, 3204, 3209, ScaleMessage(3210)};
 constexpr WordLineMessages kWordMessages{3211, 3204};

@@ -46,11 +46,11 @@ struct Companion {
     Field given;
     Field needed;
 };
-constexpr std::array kCompanions{
+constexpr auto kCompanions = std::to_array({
     Companion{&SeriesBlock::rl_series, &SeriesBlock::l_series},
     Companion{&SeriesBlock::rc_series, &SeriesBlock::c_series},
     Companion{&SeriesBlock::lc_series, &SeriesBlock::c_series},
-};
+});
 
 bool hasElements(const SeriesBlock& block) {
     return block.series_current || !block.mosfets.empty() || block.refused.any() ||

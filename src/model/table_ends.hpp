@@ -15,7 +15,7 @@ namespace kestrel {
 inline constexpr std::array<std::string_view, kColumns> kColumnWords{"", "Typical", "Minimum", "Maximum"};
 
 /// The columns that hold values.
-inline constexpr std::array kValueColumns{kTyp, kMin, kMax};
+inline constexpr auto kValueColumns = std::to_array({kTyp, kMin, kMax});
 
 /// What a finished table is told about its size and its end rows; the numbers are begin lines.
 struct TableEndsMessages {

@@ -22,12 +22,12 @@ struct DataRow {
 
 constexpr std::string_view kKeyword = "Test Data";
 
-constexpr std::array kRows{
+constexpr auto kRows = std::to_array({
     DataRow{"Test_data_type", &TestData::type, true},
     DataRow{"Driver_model", &TestData::driver_model, true},
     DataRow{"Driver_model_inv", &TestData::driver_model_inv, false},
     DataRow{"Test_load", &TestData::test_load, true},
-};
+});
 
 enum Place : std::size_t { kDriver = 1, kDriverInv = 2, kLoad = 3 }; // in kRows
 
@@ -36,11 +36,16 @@ constexpr BlockWordMessages kWordMessages{{2312, 2313}, {2314, 2315}, 2316, 2317
 
 constexpr WaveformLabel golden(std::string_view label) { return {label, label, WaveformForm::golden}; }
 
-constexpr std::array kTables{
-    golden("Rising Waveform Near"),       golden("Rising Waveform Far"),       golden("Falling Waveform Near"),
-    golden("Falling Waveform Far"),       golden("Diff Rising Waveform Near"), golden("Diff Rising Waveform Far"),
-    golden("Diff Falling Waveform Near"), golden("Diff Falling Waveform Far"),
-};
+constexpr auto kTables = std::to_array({
+    golden("Rising Waveform Near"),
+    golden("Rising Waveform Far"),
+    golden("Falling Waveform Near"),
+    golden("Falling Waveform Far"),
+    golden("Diff Rising Waveform Near"),
+    golden("Diff Rising Waveform Far"),
+    golden("Diff Falling Waveform Near"),
+    golden("Diff Falling Waveform Far"),
+});
 constexpr std::size_t kFirstDiff = 4;
 
 constexpr bool isTable(KeywordCode code) {

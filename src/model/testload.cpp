@@ -33,7 +33,7 @@ constexpr std::string_view kTypeName = "Test_load_type";
 constexpr std::string_view kReceiver = "Receiver_model";
 constexpr std::string_view kReceiverInv = "Receiver_model_inv";
 
-constexpr std::array kRows{
+constexpr auto kRows = std::to_array({
     LoadRow{kTypeName, &TestLoad::type},
     LoadRow{"C1_near", &TestLoad::c1_near, Bound::notBelowZero},
     LoadRow{"C2_near", &TestLoad::c2_near, Bound::notBelowZero},
@@ -55,7 +55,7 @@ constexpr std::array kRows{
     LoadRow{kReceiverInv, &TestLoad::receiver_model_inv},
     LoadRow{"R_diff_near", &TestLoad::r_diff_near},
     LoadRow{"R_diff_far", &TestLoad::r_diff_far},
-};
+});
 
 constexpr BlockNameMessages kNameMessages{2205, 2206, 2207, 2208, 2209};
 constexpr BlockWordMessages kWordMessages{{2212, 2214}, {2215, 2216}, 2220, 2221};

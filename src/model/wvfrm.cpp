@@ -23,7 +23,7 @@ struct FixtureLine {
     std::optional<double> Wvfrm::*value;
     bool required; ///< in a model's waveform
 };
-constexpr std::array kFixtureLines{
+constexpr auto kFixtureLines = std::to_array({
     FixtureLine{"R_fixture", &Wvfrm::r_fixture, true},
     FixtureLine{"V_fixture", &Wvfrm::v_fixture, true},
     FixtureLine{"V_fixture_min", &Wvfrm::v_fixture_min, false},
@@ -33,7 +33,7 @@ constexpr std::array kFixtureLines{
     FixtureLine{"R_dut", &Wvfrm::r_dut, false},
     FixtureLine{"L_dut", &Wvfrm::l_dut, false},
     FixtureLine{"C_dut", &Wvfrm::c_dut, false},
-};
+});
 
 /// Deals with what follows the keyword and notes where the table begins.
 void beginTable(Run& run, const WaveformLabel& label, std::string_view text) {
