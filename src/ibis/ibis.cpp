@@ -2,6 +2,7 @@
 
 #include "component/circuit.hpp"
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/testdata.hpp"
 #include "model/testload.hpp"
 #include "package/ebdmdl.hpp"
@@ -28,6 +29,8 @@ void freeRoot(Run& run, Ibis& root) {
 void finalChecks(Run& run) {
     const Ibis* root = currentRoot(run);
     if (root == nullptr) return;
+    checkRcvThs(run);
+    checkCompositeCurrents(run);
     checkDrvShs(run);
     checkMSels(run);
     if (root->components.empty()) {
@@ -36,6 +39,8 @@ void finalChecks(Run& run) {
         checkCmpnts(run);
     }
     checkPkgMdls(run);
+    checkTestData(run);
+    checkTestLoads(run);
     checkAddedSubmodels(run);
     checkReferences(run);
 }

@@ -6,6 +6,8 @@
 #include "model/mdl.hpp"
 #include "model/msel.hpp"
 #include "model/submdl.hpp"
+#include "model/testdata.hpp"
+#include "model/testload.hpp"
 #include "package/ebdmdl.hpp"
 #include "package/pkgmdl.hpp"
 #include "package/pkgsearch.hpp"
@@ -33,6 +35,8 @@ struct Run {
     MdlState mdl;
     MSelState msel;
     SubMdlState submdl;
+    TestDataState testdata;
+    TestLoadState testload;
     PkgMdlState pkgmdl;
     EbdMdlState ebdmdl;
     PkgSearch pkgsearch;

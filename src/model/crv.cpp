@@ -2,7 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/table_ends.hpp"
-#include "reader/cmn.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -33,7 +33,7 @@ constexpr auto kRising = CurveTrend::rising;
 constexpr auto kFalling = CurveTrend::falling;
 constexpr auto kNotChecked = CurveTrend::notChecked;
 
-constexpr std::array kRules{
+constexpr auto kRules = std::to_array({
     CurveRules{CurveKind::pulldown, "Pulldown", kRising, kFalling, kRising, false},
     CurveRules{CurveKind::pullup, "Pullup", kFalling, kFalling, kFalling, false},
     CurveRules{CurveKind::gndClamp, "GND Clamp", kRising, kRising, kRising, true},
@@ -42,7 +42,7 @@ constexpr std::array kRules{
     CurveRules{CurveKind::issoPu, "ISSO PU", kNotChecked, kNotChecked, kNotChecked, false},
     CurveRules{CurveKind::seriesCurrent, "Series Current", kFalling, kFalling, kNotChecked, false},
     CurveRules{CurveKind::seriesMosfet, "Series MOSFET", kFalling, kFalling, kRising, false},
-};
+});
 
 constexpr bool inKindOrder() {
     for (std::size_t i = 0; i < kRules.size(); ++i) {
@@ -146,8 +146,11 @@ void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_vie
     const std::string_view label = curveLabel(kind);
     if (slot) errorAtLine(run.diagnostics, 1100, label);
     slot.emplace();
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 1104, count + 1, label, 1);
+    expectNoText(run, text, label, 1104);
+    beginCrv(run);
+}
+
+void beginCrv(Run& run) {
     run.mdl.crv = CrvState{};
     run.mdl.crv.begin_line = run.parse.line;
 }

@@ -61,6 +61,9 @@ struct CrvState {
 /// 1104.
 void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
 
+/// Forgets what was followed of the last table; the next one begins at this line.
+void beginCrv(Run& run);
+
 /// Reads one row into the open table. Reports what the row reader reports, notes 1110, then 1106 and 1107.
 void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text);
 

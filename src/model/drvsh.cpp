@@ -1,12 +1,11 @@
 #include "model/drvsh.hpp"
 
 #include "ibis/run.hpp"
+#include "reader/line_form.hpp"
 
 namespace kestrel {
 
 namespace {
-
-constexpr std::string_view kKeyword = "Driver Schedule";
 
 /// Types that cannot drive and so cannot be scheduled.
 constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelType::terminator, ModelType::series,
@@ -42,8 +41,7 @@ void checkEntry(Run& run, const Mdl& model, std::string_view name) {
 void openDrvSh(Run& run, Mdl& model, std::string_view text) {
     if (model.driver_schedule) errorAtLine(run.diagnostics, 4200);
     model.driver_schedule.emplace();
-    const ItemList items = splitItems(run, text, 0);
-    if (items.count > 0) errorAtLine(run.diagnostics, 4204, items.count + 1, kKeyword, 1);
+    expectNoText(run, text, "Driver Schedule", 4204);
 }
 
 void drvShLine(Run& run, Mdl& model, std::string_view text) {

@@ -1,6 +1,7 @@
 #include "model/mdl.hpp"
 
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <unordered_set>
@@ -26,6 +27,8 @@ enum class Form : std::uint8_t {
     seriesRange,
     seriesCurrent,
     seriesMosfet,
+    cCompCorner,
+    compositeCurrent,
     unread, ///< a model's own, but its lines are not looked at
     foreign ///< not a keyword of a model
 };
@@ -73,10 +76,10 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::endExternalModel:
     case KeywordCode::algorithmicModel:
     case KeywordCode::endAlgorithmicModel:
-    case KeywordCode::compositeCurrent:
     case KeywordCode::beginEmiModel:
-    case KeywordCode::endEmiModel:
-    case KeywordCode::cCompCorner: return Form::unread;
+    case KeywordCode::endEmiModel: return Form::unread;
+    case KeywordCode::compositeCurrent: return Form::compositeCurrent;
+    case KeywordCode::cCompCorner: return Form::cCompCorner;
     default: return Form::foreign;
     }
 }
@@ -125,6 +128,7 @@ void closeSection(Run& run, const Mdl& model) {
         break;
     }
     case Form::ramp: closeRamp(run, *model.ramp); break;
+    case Form::modelSpec: closeMSpec(run, model); break;
     case Form::waveform: {
         const WaveformField field = waveformField(section);
         closeWvfrm(run, *(model.*field.list).back(), field.label);
@@ -137,6 +141,11 @@ void closeSection(Run& run, const Mdl& model) {
                      model.model_type);
         }
         break;
+    case Form::seriesMosfet:
+        if (run.mdl.series_block != nullptr) closeSMos(run, run.mdl.series_block->mosfets.back(), model);
+        break;
+    case Form::compositeCurrent: closeCompositeCurrent(run); break;
+    case Form::cCompCorner: closeCCorner(run, model); break;
     default: break;
     }
 }
@@ -154,24 +163,24 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::ramp: openRamp(run, model.ramp, line.text); break;
     case Form::waveform: {
         const WaveformField field = waveformField(line.key);
-        openWvfrm(run, model.*field.list, field.label, line.text);
+        run.mdl.last_waveform = &openWvfrm(run, model.*field.list, field.label, line.text);
         break;
     }
     case Form::driverSchedule: openDrvSh(run, model, line.text); break;
     case Form::addSubmodel: openAddSubmodel(run, model, line.text); break;
     case Form::modelSpec:
         checkModelSpecOrder(run, model);
-        model.model_spec = true;
+        openMSpec(run, model, line.text);
         break;
     case Form::receiverThresholds:
         checkReceiverThresholdsOrder(run, model);
-        model.receiver_thresholds = true;
+        openRcvTh(run, model, line.text);
         break;
     case Form::externalModel:
         if (model.external_model) reportAlreadyDefined(run, model, "[External_Model]");
         model.external_model = true;
         break;
-    case Form::seriesSection: openSeriesSection(run, model, line.key); break;
+    case Form::seriesSection: openSeriesSection(run, model, line); break;
     case Form::seriesRange:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
         break;
@@ -180,7 +189,11 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
             openCrv(run, block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
-    case Form::seriesMosfet: currentSeriesBlock(run, model); break;
+    case Form::seriesMosfet:
+        if (SeriesBlock* const block = currentSeriesBlock(run, model)) openSMos(run, block->mosfets, line.text);
+        break;
+    case Form::compositeCurrent: openCompositeCurrent(run, line.text); break;
+    case Form::cCompCorner: openCCorner(run, model, line.text); break;
     case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
@@ -207,12 +220,18 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
             crvLine(run, *block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
-    case Form::seriesMosfet: currentSeriesBlock(run, model); break;
+    case Form::seriesMosfet:
+        if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
+            sMosLine(run, block->mosfets.back(), line.text);
+        }
+        break;
+    case Form::compositeCurrent: compositeCurrentLine(run, line.text); break;
+    case Form::cCompCorner: cCornerLine(run, model, line.text); break;
     case Form::range:
     case Form::seriesSection:
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
-    case Form::modelSpec:
-    case Form::receiverThresholds:
+    case Form::modelSpec: mSpecLine(run, model, line.text); break;
+    case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
     case Form::externalModel:
     case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
@@ -229,6 +248,7 @@ void openMdl(Run& run) {
     }
     run.mdl.current = &root->models.add(std::make_unique<Mdl>());
     run.mdl.series_block = nullptr;
+    run.mdl.last_waveform = nullptr;
 }
 
 void mdlKeywordSeen(Run& run, KeywordCode code) {

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "model/ccorner.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
+#include "model/mspec.hpp"
 #include "model/ramp.hpp"
+#include "model/rcvth.hpp"
+#include "model/sinfo.hpp"
 #include "model/types.hpp"
 #include "model/wvfrm.hpp"
 #include "reader/keyword.hpp"
@@ -23,17 +27,6 @@ struct Run;
 struct AddSubmodel {
     std::string name; ///< at most 40 characters
     SubmodelMode mode = SubmodelMode::none;
-};
-
-/// One "[On]" or "[Off]" section of a series model: its elements in ohms, henries and farads.
-struct SeriesBlock {
-    std::optional<Rng> r_series;
-    std::optional<Rng> l_series;
-    std::optional<Rng> rl_series;
-    std::optional<Rng> c_series;
-    std::optional<Rng> rc_series;
-    std::optional<Rng> lc_series;
-    std::optional<Crv> series_current;
 };
 
 /// A single value. Its line marks it as given (0 until it reads) as soon as it is accepted.
@@ -65,9 +58,12 @@ struct Mdl {
     std::optional<Rng> power_clamp_reference;
     std::optional<Rng> gnd_clamp_reference;
     std::optional<Rng> external_reference;
+    std::unique_ptr<CCorner> c_comp_corner;
     std::optional<Rng> ttgnd;
     std::optional<Rng> ttpower;
     std::optional<DrvSh> driver_schedule;
+    std::unique_ptr<MSpec> model_spec;
+    std::unique_ptr<RcvTh> receiver_thresholds;
     std::unique_ptr<SeriesBlock> on_block;
     std::unique_ptr<SeriesBlock> off_block;
     std::vector<AddSubmodel> add_submodels; ///< in file order
@@ -85,11 +81,8 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
-    // Keywords whose lines are not stored: that they were there matters to the checks of the model.
-    bool model_spec = false;
-    bool receiver_thresholds = false;
-    bool external_model = false;
-    bool referenced = false; ///< some pin, selector, schedule or series pin mapping names this model
+    bool external_model = false; ///< "[External Model]" was there
+    bool referenced = false;     ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.
@@ -100,6 +93,7 @@ struct MdlState {
     CrvState crv;
     RampState ramp;
     WvfrmState wvfrm;
+    Wvfrm* last_waveform = nullptr; ///< of the model being read; a composite current belongs to it
 };
 
 /// Opens a model at "[Model]".

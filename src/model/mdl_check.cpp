@@ -1,4 +1,5 @@
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <algorithm>
@@ -106,18 +107,18 @@ void checkNotInSeries(Run& run, const Mdl& model, ModelWordMessage message) {
 
 void checkSeries(Run& run, const Mdl& model) {
     if (model.model_type == ModelType::series) checkNotInSeries(run, model, 191);
-    if (model.model_type != ModelType::seriesSwitch) return;
-    checkNotInSeries(run, model, 192);
-    if (!model.on_block) error(run.diagnostics, 193, model.name);
-    if (!model.off_block) error(run.diagnostics, 194, model.name);
+    if (model.model_type == ModelType::seriesSwitch) checkNotInSeries(run, model, 192);
+    checkSeriesBlocks(run, model);
 }
 
 void checkTestLoad(Run& run, const Mdl& model) {
-    // What "[Model Spec]" gives is not kept; it may well give what "[Model]" leaves out.
-    const bool vmeas = model.vmeas || model.model_spec;
-    const bool whole_load = (model.vmeas && model.vref && model.rref) || model.model_spec;
+    // "[Model Spec]" may give what "[Model]" leaves out.
+    const MSpec* const spec = model.model_spec.get();
+    const bool vmeas = model.vmeas || (spec != nullptr && spec->vmeas);
+    const bool vref = model.vref || (spec != nullptr && spec->vref);
+    const bool rref = model.rref || (spec != nullptr && spec->rref);
     if (kNeedVmeas.has(model.model_type) && !vmeas) warning(run.diagnostics, 201, model.name);
-    if (kNeedWholeLoad.has(model.model_type) && !whole_load) warning(run.diagnostics, 200, model.name);
+    if (kNeedWholeLoad.has(model.model_type) && !(vmeas && vref && rref)) warning(run.diagnostics, 200, model.name);
     if (kNeedDiffLoad.has(model.model_type) && !model.cref_diff && !model.rref_diff) {
         warning(run.diagnostics, 202, model.name);
     }
@@ -141,7 +142,13 @@ void checkModel(Run& run, const Mdl& model) {
     checkReferenceVoltages(run, model);
     checkRamp(run, model);
     checkSeries(run, model);
+    checkReferenceSupply(run, model);
     checkTestLoad(run, model);
+    checkIsso(run, model);
+    for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
+        if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
+    }
+    checkCCorner(run, model);
 }
 
 } // namespace kestrel

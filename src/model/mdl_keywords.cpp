@@ -1,5 +1,6 @@
 #include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <span>
@@ -98,34 +99,10 @@ void checkReceiverThresholdsOrder(Run& run, const Mdl& model) {
     if (!kInputTypes.has(model.model_type)) warningAtLine(run.diagnostics, 117, modelTypeText(model.model_type));
 }
 
-SeriesBlock* currentSeriesBlock(Run& run, Mdl& model) {
-    if (!isSeries(model)) {
-        errorAtLine(run.diagnostics, 206);
-        return nullptr;
-    }
-    if (run.mdl.series_block == nullptr) {
-        if (model.model_type == ModelType::seriesSwitch) errorAtLine(run.diagnostics, 207);
-        model.on_block = std::make_unique<SeriesBlock>();
-        run.mdl.series_block = model.on_block.get();
-    }
-    return run.mdl.series_block;
-}
-
-void openSeriesSection(Run& run, Mdl& model, KeywordCode code) {
-    if (model.model_type != ModelType::seriesSwitch) {
-        errorAtLine(run.diagnostics, 205);
-        return;
-    }
-    std::unique_ptr<SeriesBlock>& block = code == KeywordCode::on ? model.on_block : model.off_block;
-    block = std::make_unique<SeriesBlock>();
-    run.mdl.series_block = block.get();
-}
-
 void openAddSubmodel(Run& run, Mdl& model, std::string_view text) {
     if (model.add_submodel_seen) errorAtLine(run.diagnostics, 208);
     model.add_submodel_seen = true;
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 137, count + 1, "Add Submodel", 1);
+    expectNoText(run, text, "Add Submodel", 137);
     if (isSeries(model)) errorAtLine(run.diagnostics, 209);
 }
 

@@ -1,6 +1,5 @@
 #include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
-#include "reader/value_line.hpp"
 
 #include <algorithm>
 #include <type_traits>
@@ -81,14 +80,6 @@ void readEnumerated(Run& run, const SubparameterLine& line, const Rows& rows, Co
     field = readEnumeration(run.diagnostics, rows, line.name, *setting, kEnumerationMessages).value_or(kNone);
 }
 
-/// Reads a range; one of which a cell does not read is not stored.
-void readRangeInto(Run& run, std::string_view name, std::string_view text, std::optional<Rng>& field) {
-    Rng range;
-    if (!readRange(run, text, name, range, OrderCheck::off)) return;
-    if (range.typ.state == CellState::na) errorAtLine(run.diagnostics, 178);
-    field = range;
-}
-
 /// True when both are numbers and the first is the smaller.
 bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value < b.value; }
 
@@ -123,7 +114,7 @@ void readInto(Run& run, const Mdl&, const SubparameterLine& line, GivenValue& fi
 }
 
 void readInto(Run& run, const Mdl& model, const SubparameterLine& line, std::optional<Rng>& field) {
-    readRangeInto(run, line.name, line.rest, field);
+    readRangeLine(run, line.rest, line.name, kModelRangeRules, field);
     if (field) checkCornerOrder(run, model, line.name, *field);
 }
 
@@ -159,22 +150,6 @@ constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
     {KeywordCode::ttpower, "TTpower", &Mdl::ttpower, false, NegativeMessages{112, 113, 114}},
 }};
 
-/// An element of a series section.
-struct SeriesElement {
-    KeywordCode code;
-    std::string_view name;
-    std::optional<Rng> SeriesBlock::*field;
-};
-
-constexpr std::array<SeriesElement, 6> kSeriesElements{{
-    {KeywordCode::rSeries, "R Series", &SeriesBlock::r_series},
-    {KeywordCode::lSeries, "L Series", &SeriesBlock::l_series},
-    {KeywordCode::rlSeries, "Rl Series", &SeriesBlock::rl_series},
-    {KeywordCode::cSeries, "C Series", &SeriesBlock::c_series},
-    {KeywordCode::lcSeries, "Lc Series", &SeriesBlock::lc_series},
-    {KeywordCode::rcSeries, "Rc Series", &SeriesBlock::rc_series},
-}};
-
 void reportNegative(Diagnostics& diagnostics, const Cell& cell, PlainMessage message) {
     if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, message);
 }
@@ -187,12 +162,8 @@ void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name) {
 
 void readSubparameter(Run& run, Mdl& model, std::string_view text) {
     std::string_view rest = text;
-    const std::string_view name = takeItem(run, rest, '=');
-    const auto* const row = std::ranges::find(kSubparameters, name, &Subparameter::name);
-    if (row == kSubparameters.end()) {
-        errorAtLine(run.diagnostics, 174);
-        return;
-    }
+    const Subparameter* const row = takeSubparameter(run, kSubparameters, rest, 174);
+    if (row == nullptr) return;
     if (row->from_class_4 && run.parse.version < IbisVersion::v4) {
         errorAtLine(run.diagnostics, *row->from_class_4);
         return;
@@ -219,21 +190,11 @@ void readRangeKeyword(Run& run, Mdl& model, const Line& line) {
     if (row.before_sections && sections_begun && model.model_type == ModelType::seriesSwitch) {
         errorAtLine(run.diagnostics, 204, model.name, row.name);
     }
-    readRangeInto(run, row.name, line.text, field);
+    readRangeLine(run, line.text, row.name, kModelRangeRules, field);
     if (field && row.negative) {
         reportNegative(run.diagnostics, field->typ, row.negative->typ);
         reportNegative(run.diagnostics, field->min, row.negative->min);
         reportNegative(run.diagnostics, field->max, row.negative->max);
-    }
-}
-
-void readSeriesRange(Run& run, const Mdl& model, SeriesBlock& block, const Line& line) {
-    const SeriesElement& row = *std::ranges::find(kSeriesElements, line.key, &SeriesElement::code);
-    std::optional<Rng>& field = block.*row.field;
-    if (field) {
-        reportAlreadyDefined(run, model, row.name);
-    } else {
-        readRangeInto(run, row.name, line.text, field);
     }
 }
 

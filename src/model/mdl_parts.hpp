@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/mdl.hpp"
+#include "reader/line_form.hpp"
 
 /// What the files of the model reader share among themselves.
 namespace kestrel {
@@ -16,6 +17,9 @@ template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
 }
 using Presence = bool (*)(const Mdl&);
 
+/// How a model's own lines and keywords give ranges.
+inline constexpr RangeLineRules kModelRangeRules{CheckedMessage<>(178), false};
+
 /// Error 119 at the line: `name` was given before.
 void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name);
 
@@ -30,22 +34,12 @@ void readSubparameter(Run& run, Mdl& model, std::string_view text);
 /// what the range reader reports.
 void readRangeKeyword(Run& run, Mdl& model, const Line& line);
 
-/// Reads a keyword such as "[R Series]" into its section. Reports 119, 178 and what the range reader reports.
-void readSeriesRange(Run& run, const Mdl& model, SeriesBlock& block, const Line& line);
-
 /// Reports "[Model Spec]" behind a keyword that it should precede (116).
 void checkModelSpecOrder(Run& run, const Mdl& model);
 
 /// Reports "[Receiver Thresholds]" behind a keyword that it should precede (120), or in a model that receives nothing
 /// (117).
 void checkReceiverThresholdsOrder(Run& run, const Mdl& model);
-
-/// The section that series keywords and their lines go to; opened when none is (207 in a "Series_switch" model). Null,
-/// with error 206, when the model is no series model.
-SeriesBlock* currentSeriesBlock(Run& run, Mdl& model);
-
-/// Opens a section at "[On]" or "[Off]". Reports 205.
-void openSeriesSection(Run& run, Mdl& model, KeywordCode code);
 
 /// Judges the keyword line "[Add Submodel]". Reports 137, 208, 209.
 void openAddSubmodel(Run& run, Mdl& model, std::string_view text);

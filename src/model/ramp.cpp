@@ -2,8 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/table_ends.hpp"
-#include "reader/cmn.hpp"
-#include "reader/value_line.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 
@@ -19,10 +18,10 @@ struct RateLine {
     std::string_view name;
     std::optional<RampRate> Ramp::*rate;
 };
-constexpr std::array kRateLines{
+constexpr auto kRateLines = std::to_array({
     RateLine{"dV/dt_r", &Ramp::dv_dt_r},
     RateLine{"dV/dt_f", &Ramp::dv_dt_f},
-};
+});
 
 constexpr std::string_view kLoadName = "R_load";
 constexpr ValueLineMessages kLoadMessages{1313, 1304, 1314, ScaleMessage(1311)};
@@ -94,8 +93,7 @@ void readLoad(Run& run, Ramp& ramp, std::string_view text) {
 void openRamp(Run& run, std::optional<Ramp>& slot, std::string_view text) {
     if (slot) errorAtLine(run.diagnostics, 1300);
     slot.emplace();
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 1304, count + 1, "Ramp", 1);
+    expectNoText(run, text, "Ramp", 1304);
     run.mdl.ramp.begin_line = run.parse.line;
 }
 

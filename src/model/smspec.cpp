@@ -1,6 +1,7 @@
 #include "model/smspec.hpp"
 
 #include "ibis/run.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <array>
@@ -21,31 +22,25 @@ constexpr std::array<SpecRow, 3> kRows{{
     {"Off_delay", &SmSpec::off_delay},
 }};
 
+constexpr RangeLineRules kRangeRules{CheckedMessage<>(2708), false};
+
 } // namespace
 
 void openSmSpec(Run& run, std::optional<SmSpec>& slot, std::string_view text) {
     if (slot) errorAtLine(run.diagnostics, 2700);
     slot.emplace();
-    const ItemList items = splitItems(run, text, 0);
-    if (items.count > 0) errorAtLine(run.diagnostics, 2704, items.count + 1, "Submodel Spec", 1);
+    expectNoText(run, text, "Submodel Spec", 2704);
 }
 
 void smSpecLine(Run& run, SmSpec& spec, std::string_view text, std::string_view submodel) {
-    Diagnostics& diagnostics = run.diagnostics;
-    const auto row = std::ranges::find(kRows, takeItem(run, text, '='), &SpecRow::name);
-    if (row == kRows.end()) {
-        errorAtLine(diagnostics, 2706);
-        return;
-    }
+    const SpecRow* const row = takeSubparameter(run, kRows, text, 2706);
+    if (row == nullptr) return;
     std::optional<Rng>& value = spec.*(row->value);
     if (value) {
-        errorAtLine(diagnostics, 2707, row->name, submodel);
-        return;
+        errorAtLine(run.diagnostics, 2707, row->name, submodel);
+    } else {
+        readRangeLine(run, text, row->name, kRangeRules, value);
     }
-    Rng range;
-    if (!readRange(run, text, row->name, range, OrderCheck::off)) return;
-    if (range.typ.state == CellState::na) errorAtLine(diagnostics, 2708);
-    value = range;
 }
 
 void closeSmSpec(Run& run, const SmSpec& spec, std::string_view submodel) {

@@ -141,7 +141,7 @@ constexpr KeywordCode kFirstKey = KeywordCode::submodel;
 constexpr KeywordCode kLastKey = KeywordCode::submodelFallingWaveform;
 
 /// One row per keyword, in the order of their codes.
-constexpr std::array kSections{
+constexpr auto kSections = std::to_array({
     section<NameSection>(KeywordCode::submodel),
     section<SpecSection>(KeywordCode::submodelSpec),
     section<PulseSection<kGndPulse, &SubMdl::gnd_pulse, 2404>>(KeywordCode::gndPulseTable),
@@ -153,7 +153,7 @@ constexpr std::array kSections{
     section<RampSection>(KeywordCode::submodelRamp),
     section<WaveformSection<kRisingWaveform, &SubMdl::rising>>(KeywordCode::submodelRisingWaveform),
     section<WaveformSection<kFallingWaveform, &SubMdl::falling>>(KeywordCode::submodelFallingWaveform),
-};
+});
 
 constexpr std::size_t placeOf(KeywordCode key) {
     return static_cast<std::size_t>(key) - static_cast<std::size_t>(kFirstKey);

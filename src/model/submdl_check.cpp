@@ -34,7 +34,7 @@ struct TypeRule {
     CheckedMessage<ArgKind::text> message;
 };
 
-constexpr std::array kTypeRules{
+constexpr auto kTypeRules = std::to_array({
     TypeRule{SubmodelType::busHold, lacksSpec, 2424},
     TypeRule{SubmodelType::busHold, specLacksTriggerR, 2425},
     TypeRule{SubmodelType::busHold, specLacksTriggerF, 2426},
@@ -52,7 +52,7 @@ constexpr std::array kTypeRules{
     TypeRule{SubmodelType::fallBack, hasBothPulls, 2438},
     TypeRule{SubmodelType::fallBack, lacksRamp, 2439},
     TypeRule{SubmodelType::fallBack, hasOffDelay, 2440},
-};
+});
 
 /// On which side of the trigger an end of a waveform is at fault.
 enum class Side : bool { below, above };

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace kestrel {
 
@@ -14,7 +15,7 @@ namespace kestrel {
 inline constexpr std::array<std::string_view, kColumns> kColumnWords{"", "Typical", "Minimum", "Maximum"};
 
 /// The columns that hold values.
-inline constexpr std::array kValueColumns{kTyp, kMin, kMax};
+inline constexpr auto kValueColumns = std::to_array({kTyp, kMin, kMax});
 
 /// What a finished table is told about its size and its end rows; the numbers are begin lines.
 struct TableEndsMessages {
@@ -24,8 +25,17 @@ struct TableEndsMessages {
     CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text, ArgKind::integer> na_at_end;
 };
 
-/// Requires two rows, and of the first and the last one values other than "NA": a typical one, and a minimum and a
-/// maximum if any row gives such. Errors without line.
+/// A value that the first or last row of a table lacks.
+struct EndFault {
+    std::string_view row; ///< "First" or "Last"
+    Column column;
+};
+
+/// The columns that are "NA" in the first and in the last row: the typical one, minimum and maximum if any row gives
+/// such. None in a table of less than two rows.
+[[nodiscard]] std::vector<EndFault> findEndFaults(std::span<const TableRow> rows);
+
+/// Requires two rows without such faults at the ends. Errors without line.
 void checkTableEnds(Diagnostics& diagnostics, std::span<const TableRow> rows, const TableEndsMessages& messages,
                     std::string_view label, std::uint32_t begin_line);
 

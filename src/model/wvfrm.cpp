@@ -2,8 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/table_ends.hpp"
-#include "reader/cmn.hpp"
-#include "reader/value_line.hpp"
+#include "reader/line_form.hpp"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +15,7 @@ constexpr std::size_t kMaxWaveforms = 100;
 
 constexpr ValueLineMessages kFixtureMessages{2015, 2003, 2017, ScaleMessage(2016)};
 constexpr TableEndsMessages kEndsMessages{2005, 2006};
+constexpr TableEndsMessages kGoldenEndsMessages{2329, 2330};
 
 /// A line that gives a value of the test fixture or of the device under test.
 struct FixtureLine {
@@ -23,7 +23,7 @@ struct FixtureLine {
     std::optional<double> Wvfrm::*value;
     bool required; ///< in a model's waveform
 };
-constexpr std::array kFixtureLines{
+constexpr auto kFixtureLines = std::to_array({
     FixtureLine{"R_fixture", &Wvfrm::r_fixture, true},
     FixtureLine{"V_fixture", &Wvfrm::v_fixture, true},
     FixtureLine{"V_fixture_min", &Wvfrm::v_fixture_min, false},
@@ -33,12 +33,11 @@ constexpr std::array kFixtureLines{
     FixtureLine{"R_dut", &Wvfrm::r_dut, false},
     FixtureLine{"L_dut", &Wvfrm::l_dut, false},
     FixtureLine{"C_dut", &Wvfrm::c_dut, false},
-};
+});
 
 /// Deals with what follows the keyword and notes where the table begins.
 void beginTable(Run& run, const WaveformLabel& label, std::string_view text) {
-    const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 2003, count + 1, label.open, 1);
+    expectNoText(run, text, label.open, label.form == WaveformForm::current ? CountMessage(1703) : CountMessage(2003));
     run.mdl.wvfrm.begin_line = run.parse.line;
 }
 
@@ -74,11 +73,18 @@ const FixtureLine* findFixtureLine(std::string_view item) {
     return line == kFixtureLines.end() ? nullptr : line;
 }
 
-/// True for the first item of a row. "NA" is one, if a bad one.
-bool isFirstCell(std::string_view item) {
-    double value = 0.0;
-    bool na = false;
-    return readValueOrNa(item, value, na) != ReadResult::noNumber;
+void checkEnds(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {
+    const std::uint32_t begin_line = run.mdl.wvfrm.begin_line;
+    if (label.form != WaveformForm::current) {
+        const TableEndsMessages& messages = label.form == WaveformForm::golden ? kGoldenEndsMessages : kEndsMessages;
+        checkTableEnds(run.diagnostics, waveform.rows, messages, label.open, begin_line);
+        return;
+    }
+    const auto line = static_cast<std::int32_t>(begin_line);
+    if (waveform.rows.size() < 2) error(run.diagnostics, 1705, line);
+    for (const EndFault& fault : findEndFaults(waveform.rows)) {
+        error(run.diagnostics, 1706, fault.row, kColumnWords[fault.column], line);
+    }
 }
 
 /// The value at which a pulse begins is that at which it ends.
@@ -126,14 +132,15 @@ void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::strin
     std::string_view rest = text;
     const std::string_view first = takeItem(run, rest, '=');
     if (const FixtureLine* line = findFixtureLine(first)) {
-        if (label.form == WaveformForm::golden) {
-            errorAtLine(run.diagnostics, 2010);
-        } else {
-            fixtureLine(run, waveform, *line, text, label.rows);
+        switch (label.form) {
+        case WaveformForm::golden: errorAtLine(run.diagnostics, 2010); break;
+        case WaveformForm::current: errorAtLine(run.diagnostics, 1704, line->name); break;
+        case WaveformForm::model:
+        case WaveformForm::pulse: fixtureLine(run, waveform, *line, text, label.rows); break;
         }
         return;
     }
-    if (!isFirstCell(first)) {
+    if (!beginsRow(first)) {
         errorAtLine(run.diagnostics, 2011, label.rows);
         return;
     }
@@ -149,7 +156,7 @@ void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {
             error(run.diagnostics, 2004, fixture.name, label.open, line);
         }
     }
-    checkTableEnds(run.diagnostics, waveform.rows, kEndsMessages, label.open, begin_line);
+    checkEnds(run, waveform, label);
     if (label.form == WaveformForm::pulse) {
         checkSameEnds(run, waveform, label.open, line);
         checkOffsets(run, waveform, label, line);

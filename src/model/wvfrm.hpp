@@ -14,23 +14,25 @@ struct Run;
 
 /// One voltage-versus-time table with its test fixture: time (seconds), then typical, minimum and maximum voltage.
 struct Wvfrm {
-    std::optional<double> r_fixture;     ///< ohms
-    std::optional<double> v_fixture;     ///< volts
-    std::optional<double> v_fixture_min; ///< volts
-    std::optional<double> v_fixture_max; ///< volts
-    std::optional<double> c_fixture;     ///< farads
-    std::optional<double> l_fixture;     ///< henries
-    std::optional<double> r_dut;         ///< ohms
-    std::optional<double> l_dut;         ///< henries
-    std::optional<double> c_dut;         ///< farads
-    std::vector<TableRow> rows;          ///< in file order
+    std::optional<double> r_fixture;          ///< ohms
+    std::optional<double> v_fixture;          ///< volts
+    std::optional<double> v_fixture_min;      ///< volts
+    std::optional<double> v_fixture_max;      ///< volts
+    std::optional<double> c_fixture;          ///< farads
+    std::optional<double> l_fixture;          ///< henries
+    std::optional<double> r_dut;              ///< ohms
+    std::optional<double> l_dut;              ///< henries
+    std::optional<double> c_dut;              ///< farads
+    std::vector<TableRow> rows;               ///< in file order
+    std::unique_ptr<Wvfrm> composite_current; ///< rows of amperes through the supply over the same time
 };
 
 /// How a V-t table is read and closed.
 enum class WaveformForm : std::uint8_t {
-    model, ///< fixture lines, of which two are required; 100 or 1000 rows by version
-    pulse, ///< 100 rows; begins and ends at the same value
-    golden ///< no fixture lines
+    model,  ///< fixture lines, of which two are required; 100 or 1000 rows by version
+    pulse,  ///< 100 rows; begins and ends at the same value
+    golden, ///< no fixture lines
+    current ///< no fixture lines; amperes in place of volts
 };
 
 /// The side of zero on which a table of offsets has to stay.
@@ -46,6 +48,7 @@ struct WaveformLabel {
 
 inline constexpr WaveformLabel kRisingWaveform{"Rising Waveform", "Rising Waveform", WaveformForm::model};
 inline constexpr WaveformLabel kFallingWaveform{"Falling Waveform", "Falling Waveform", WaveformForm::model};
+inline constexpr WaveformLabel kCompositeCurrent{"Composite Current", "Composite Current", WaveformForm::current};
 inline constexpr WaveformLabel kGndPulse{"GND Pulse", "GND Pulse Table", WaveformForm::pulse,
                                          OffsetLimit::notBelowZero};
 inline constexpr WaveformLabel kPowerPulse{"POWER Pulse", "POWER Pulse Table", WaveformForm::pulse,
@@ -60,14 +63,15 @@ struct WvfrmState {
 Wvfrm& openWvfrm(Run& run, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
                  std::string_view text);
 
-/// Opens a table that stands alone (pulse tables); the caller has dealt with an older one. Reports 2003.
+/// Opens a table that stands alone; the caller has dealt with an older one. Reports 2003, or 1703 in the form
+/// `current`.
 void openSingleWvfrm(Run& run, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
 
-/// Reads a fixture line or a table row. Reports 2003, 2010, 2011, 2013 to 2020 and what the row reader reports.
+/// Reads a fixture line or a table row. Reports 1704, 2003, 2010, 2011, 2013 to 2020 and what the row reader reports.
 void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
 
-/// Ends the open waveform: 2004 (model waveforms), 2005, 2006; of a pulse table also 2007, and 2008 or 2009. All
-/// without line.
+/// Ends the open waveform: 2004 (model waveforms), then 2005 and 2006, 2329 and 2330 or 1705 and 1706 by the form; of
+/// a pulse table also 2007, and 2008 or 2009. All without line.
 void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label);
 
 } // namespace kestrel

@@ -136,6 +136,8 @@ void tellModules(Run& run, KeywordCode code) {
     mdlKeywordSeen(run, code);
     submdlKeywordSeen(run, code);
     mselKeywordSeen(run, code);
+    testDataKeywordSeen(run, code);
+    testLoadKeywordSeen(run);
     pkgmdlKeywordSeen(run, code);
     ebdmdlKeywordSeen(run, code);
 }
@@ -192,6 +194,8 @@ void openRecord(Run& run, KeywordCode code) {
     case KeywordCode::beginBoardDescription: openEbdMdl(run); break;
     case KeywordCode::modelSelector: openMSel(run); break;
     case KeywordCode::submodel: openSubMdl(run); break;
+    case KeywordCode::testData: openTestData(run); break;
+    case KeywordCode::testLoad: openTestLoad(run); break;
     default: break;
     }
 }
@@ -213,13 +217,13 @@ void handOn(Run& run, const Line& line) {
     case Owner::ebdmdl: ebdmdlLine(run, line); break;
     case Owner::msel: mselLine(run, line); break;
     case Owner::submdl: submdlLine(run, line); break;
+    case Owner::testdata: testDataLine(run, line); break;
+    case Owner::testload: testLoadLine(run, line); break;
     case Owner::end: endLine(run, line); break;
     case Owner::none: errorAtLine(run.diagnostics, 907, line.text); break;
     // A comment-character line is dealt with ahead of the dispatch; the others' lines are not examined.
     case Owner::commentChar:
-    case Owner::circuit:
-    case Owner::testdata:
-    case Owner::testload: break;
+    case Owner::circuit: break;
     }
 }
 

@@ -45,4 +45,9 @@ bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& 
     return typ && min && max;
 }
 
+bool anyBelowZero(const Rng& range) {
+    const auto below = [](const Cell& cell) { return cell.isNumber() && cell.value < 0.0; };
+    return below(range.typ) || below(range.min) || below(range.max);
+}
+
 } // namespace kestrel

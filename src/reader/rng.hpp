@@ -19,4 +19,7 @@ enum class OrderCheck : bool { off, on };
 /// case.
 bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check);
 
+/// True when one of the numbers is negative.
+[[nodiscard]] bool anyBelowZero(const Rng& range);
+
 } // namespace kestrel

@@ -21,6 +21,12 @@ void reportCount(Diagnostics& diagnostics, int count, std::string_view table) {
 
 } // namespace
 
+bool beginsRow(std::string_view item) {
+    double value = 0.0;
+    bool na = false;
+    return readValueOrNa(item, value, na) != ReadResult::noNumber;
+}
+
 TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label) {
     const ItemList items = splitItems(run, text, kItems);
     if (items.count != kItems) {

@@ -32,4 +32,7 @@ using RepeatIndex = std::unordered_map<double, std::uint32_t>;
 std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
                       RepeatIndex* repeats = nullptr);
 
+/// True for the first item of a row. "NA" is one, if a bad one.
+[[nodiscard]] bool beginsRow(std::string_view item);
+
 } // namespace kestrel

@@ -2,6 +2,7 @@
 
 #include "codes.hpp"
 #include "ibis/run.hpp"
+#include "model/acdc.hpp"
 
 #include <algorithm>
 #include <ranges>
@@ -261,7 +262,8 @@ TEST(Model, keywordLines) {
         {"Series", "[Series Current]\n[R Series] 1 1 1", "E1108"},
         {"Series_switch", "[R Series] 1 1 1\n[R Series] 1 1 1\n[Pullup Reference] 3 2 4", "E0207@ E0119@ E0204@"},
         {"Series_switch", "[On]\ntext\n[R Series] 1 1 1\n[Off]\n[R Series] 1 1 1\n[Lc Series] 1 1 1", "E0121@"},
-        {"Series_switch", "[On]\n[R Series] 1 1 1\n[On]\n[R Series] 1 1 1", ""},
+        {"Series_switch", "[On]\n[R Series] 1 1 1\n[On]\n[R Series] 1 1 1", "E2901@"},
+        {"Series_switch", "[R Series] 1 1 1\n[On]", "E0207@ E2901@"}, // an assumed section counts
         {"Series_switch",
          "[Voltage Range] 1 1 1\n[Off]\n[Voltage Range] 1 1 1\n[Temperature Range] 1 1 1\n[Pullup Reference] 1 1 1\n"
          "[Pulldown Reference] 1 1 1\n[POWER Clamp Reference] 1 1 1\n[GND Clamp Reference] x 1 1\n"
@@ -368,7 +370,7 @@ TEST(Model, whatACompleteModelHas) {
         // capacitance
         {"Model_type Input_diff\nC_comp_gnd_clamp NA 1 1\n" + whole + "[End]", "E0178@"},
         {"Model_type Input_diff\n" + whole + "[External Model]\n[End External Model]\n[End]", ""},
-        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E0181"},
+        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E5009 E0181"},
         // thresholds
         {"Model_type Input\nVinl = 1" + c_comp + "[Pulldown Reference] 0 0 0\n[GND Clamp Reference] 0 0 0\n[End]",
          "W0184 W0188 E0188"},
@@ -382,13 +384,17 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type Series" + c_comp + whole + "[End]", "E0189"},
         // series models
         {"Model_type Series\n[Model Spec]\n[Voltage Range] 3 2 4\n[Driver Schedule]\n[TTgnd] 1 1 1\n[End]",
-         "E4205 E0181 E0191 E0191 W0191"},
+         "W3809 E4205 E0181 E0191 E0191 W0191"},
         {"Model_type Series_switch" + c_comp + "[Model Spec]\n" + std::string(kVoltage) + "[TTpower] 1 1 1\n[End]",
-         "E0192 W0192 E0193 E0194"},
+         "W3809 E0192 W0192 E0193 E0194"},
         {"Model_type Series_switch" + c_comp + std::string(kVoltage) + "[R Series] 1 1 1\n[End]", "E0207@ E0194"},
         // test loads
         {"Model_type I/O\nVinl = 1\nVinh = 2\nVref = 1\nRref = 50" + c_comp + whole + "[End]", "W0201"},
-        {"Model_type Output" + c_comp + "[Model Spec]\n" + whole + "[End]", ""},
+        {"Model_type Output" + c_comp + "[Model Spec]\n" + whole + "[End]", "W3809 W0201"},
+        {"Model_type Output" + c_comp + "[Model Spec]\nVmeas 1 NA NA\n" + whole + "[End]", ""},
+        {"Model_type Open_sink\nVmeas = 1" + c_comp + "[Model Spec]\nVref 1 NA NA\n" + whole + "[End]", "W0200"},
+        {"Model_type Open_sink\nVmeas = 1" + c_comp + "[Model Spec]\nVref 1 NA NA\nRref 1 NA NA\n" + whole + "[End]",
+         ""},
         {"Model_type Output\nVmeas 1" + c_comp + whole + "[End]", "E0176@"}, // given without a value
         {"Model_type Open_sink\nVmeas = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
         {"Model_type 3-state_ECL\nVref = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
@@ -400,6 +406,83 @@ TEST(Model, whatACompleteModelHas) {
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Reading(V::v4).read("[Model] m").read(row.lines).codes(), row.codes) << row.lines;
+    }
+}
+
+/// A model that is right, for what follows it to go wrong in.
+constexpr std::string_view kTerminator =
+    "[Model] m\nModel_type Terminator\nC_comp 5p 4p 6p\nC_comp_pullup 5p NA 6p\n[Voltage Range] 3 2 4";
+
+TEST(Model, cornersBesideTheModelsOwnCapacitances) {
+    const struct {
+        std::string_view lines;
+        std::string_view codes;
+    } rows[] = {
+        {"C_comp 5p 6p 4p", ""},
+        {"C_comp 5p 6.000001p NA", ""}, // within a millionth
+        {"C_comp 5p 6.1p NA", "C5011"},
+        {"C_comp 3.9p NA NA", "C5011"},
+        {"C_comp 5p 3.9999999p 6.1p", "C5011"},
+        {"C_comp_pullup 9p NA NA", ""}, // its own minimum is not known
+        {"C_comp_pulldown 1p 1p 1p", "C5010"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read(kTerminator).read("[C Comp Corner]").read(row.lines).read("[End]");
+        EXPECT_EQ(reading.codes(), row.codes) << row.lines;
+    }
+}
+
+TEST(Model, supplyTablesReachToTheSupplyOnBothSides) {
+    const struct {
+        std::string_view rows;
+        std::string_view codes;
+    } rows[] = {
+        {"3 1 NA NA\n-3 1 NA NA", ""},
+        {"-4 1 NA NA\nNA 1 NA NA\n4 1 NA NA", "E1106@"},
+        {"-2.9 1 NA NA\n3 1 NA NA", "C1503"},
+        {"-3 1 NA NA\n2.9 1 NA NA", "C1503"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p\n[Voltage Range] 3 2 4")
+            .read("[Pulldown]\n0 0 NA NA\n1 1 NA NA\n[Ramp]\ndV/dt_r 1/1n NA NA\ndV/dt_f 1/1n NA NA\n[ISSO PD]")
+            .read(row.rows)
+            .read("[End]");
+        EXPECT_EQ(reading.codes(), row.codes) << row.rows;
+    }
+}
+
+TEST(Model, rampsAndCurrentsAgainstWaveforms) {
+    const std::string wave = "R_fixture = 50\nV_fixture = 0\n";
+    const struct {
+        std::string lines;
+        std::string_view codes;
+    } rows[] = {
+        // from 20 to 80 percent a straight line of 1 ns takes 0.6 ns
+        {"[Ramp]\ndV/dt_r 1/2.9n NA NA\ndV/dt_f 1/9n NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA", ""},
+        {"[Ramp]\ndV/dt_r 1/3.1n NA NA\ndV/dt_f 1/9n NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA",
+         "C1709"},
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/0.11n NA NA\n[Falling Waveform]\n" + wave + "0 1 NA NA\n1n 0 NA NA",
+         "C1709"},
+        // one waveform that agrees is enough; one that does not move says nothing
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/1n NA NA\n[Rising Waveform]\n" + wave +
+             "0 0 NA NA\n1n 1 NA NA\n[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 0 NA NA\n5n 0.1 NA NA\n9n 1 NA NA",
+         ""},
+        {"[Ramp]\ndV/dt_r 1/9n NA NA\ndV/dt_f 1/1n NA NA\n[Rising Waveform]\n" + wave + "0 1 NA NA\n1n 1 NA NA", ""},
+        // time points
+        {"[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA\n[Composite Current]\n0 1m NA NA\n1n 2m NA NA", ""},
+        {"[Rising Waveform]\n" + wave + "0 0 NA NA\n1n 1 NA NA\n[Composite Current]\n0 1m NA NA\n2n 2m NA NA\n" +
+             "[Falling Waveform]\n" + wave + "0 1 NA NA\n1n 0 NA NA\n[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n" +
+             "2n 2m NA NA",
+         "C2021 C2021"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v5);
+        reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p").read(row.lines).read("[Rgnd] x");
+        const std::size_t before = reading.codes().size();
+        checkCompositeCurrents(reading.run);
+        EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.lines;
     }
 }
 

@@ -145,7 +145,13 @@ TEST(Wvfrm, endOfATable) {
          "E2006 - Last Maximum Value Cannot Be 'NA' for Falling Waveform Waveform Beginning at Line 1\n"},
         {"no fixture of a golden waveform", kGolden, "R_fixture = 50\n0 1 NA NA",
          "E2010 (line 2) - SubParameters are not allowed in Golden Waveforms\n"
-         "E2005 - Require at least 2 Data Points for Rising Waveform Far Waveform Beginning at Line 1\n"},
+         "E2329 - Require at least 2 Data Points for Rising Waveform Far Beginning at Line 1\n"},
+        {"ends of a golden waveform", kGolden, "0 NA NA 1\n1 1 NA NA",
+         "E2330 - First Typical Value Cannot Be 'NA' for Rising Waveform Far Beginning at Line 1\n"
+         "E2330 - Last Maximum Value Cannot Be 'NA' for Rising Waveform Far Beginning at Line 1\n"},
+        {"no fixture of a current", kCompositeCurrent, "C_dut = 1p\n0 1 NA NA",
+         "E1704 (line 2) - C_dut is not allowed in Composite Current\n"
+         "E1705 - Require at least 2 Data Points for Composite Current Beginning at Line 1\n"},
         {"a pulse may stay at zero", kGndPulse, "0 0 NA NA\n1 0.5 NA NA\n2 0 NA NA", ""},
         {"a pulse ends where it began, numbers compared only", kGndPulse, "0 0 2 0\n1 0.5 1 1\n2 0.1 NA 0.2",
          "E2006 - Last Minimum Value Cannot Be 'NA' for GND Pulse Waveform Beginning at Line 1\n"

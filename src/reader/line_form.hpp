@@ -1,0 +1,125 @@
+#pragma once
+
+#include "ibis/diagnostics.hpp"
+#include "reader/cmn.hpp"
+#include "reader/rng.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+/// The forms in which lines give subparameters: "name = number", "name word", "name typ min max". A list of words needs
+/// no form of its own: takeItem() hands them out one by one.
+namespace kestrel {
+
+struct Run;
+
+/// A wrong number of items: their number, what has them, how many there should be.
+using CountMessage = CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer>;
+
+/// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
+void expectNoText(Run& run, std::string_view text, std::string_view keyword, CountMessage message);
+
+/// Reports, at the line, a line whose first item names nothing.
+void reportUnknownLine(Run& run, CheckedMessage<> message);
+
+/// The row of `rows` that the first item of a line names, which is taken off `text`; null, with `unknown` reported,
+/// when no row does.
+template <class Rows>
+auto takeSubparameter(Run& run, const Rows& rows, std::string_view& text, CheckedMessage<> unknown) {
+    const std::string_view name = takeItem(run, text, '=');
+    const auto* row = std::data(rows);
+    for (const auto* const end = row + std::size(rows); row != end; ++row) {
+        if (row->name == name) return row;
+    }
+    reportUnknownLine(run, unknown);
+    return decltype(row){nullptr};
+}
+
+/// The subparameters of a block of which a line was refused, by their places in its table. They have been reported, so
+/// that a later check does not miss them once more.
+class RefusedLines {
+public:
+    constexpr void add(std::size_t place) { bits_ |= bitOf(place); }
+    [[nodiscard]] constexpr bool has(std::size_t place) const { return (bits_ & bitOf(place)) != 0; }
+    [[nodiscard]] constexpr bool any() const { return bits_ != 0; }
+
+private:
+    static constexpr std::uint64_t bitOf(std::size_t place) { return std::uint64_t{1} << place; }
+
+    std::uint64_t bits_ = 0;
+};
+
+/// A line "name = number", taken apart.
+struct ValueLine {
+    static constexpr int kItems = 3; ///< name, "=", number
+
+    int count = 0;         ///< items on the line
+    bool complete = false; ///< "=" in second place, and something behind it
+    std::string_view text; ///< what stands for the number
+    ReadResult result = ReadResult::noNumber;
+    double value = 0.0;
+};
+[[nodiscard]] ValueLine splitValueLine(const Run& run, std::string_view line);
+
+/// When a "name = number" line marks its value as given.
+enum class ValueGiven : std::uint8_t {
+    whenRead,    ///< only when the number reads
+    whenAccepted ///< at once; 0 until a number reads
+};
+
+using ScaleMessage = CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text>;
+
+/// What the lines "name = number" of one module report, and where modules differ.
+struct ValueLineMessages {
+    /// No "=" in second place, or no value: the subject.
+    CheckedMessage<ArgKind::text> invalid_line;
+    /// More than three items: their number, the subject, 3.
+    CountMessage wrong_count;
+    /// The value is no number: the subject, the text.
+    CheckedMessage<ArgKind::text, ArgKind::text> invalid_value;
+    /// Warning of digits in the scale: the group, the name, the text. Without it they pass silently.
+    std::optional<ScaleMessage> numeric_in_scale;
+    ValueGiven given = ValueGiven::whenRead;
+};
+
+/// The words in those messages. `group` and `name` serve only the warning of digits in the scale.
+struct ValueLineWords {
+    std::string_view subject;
+    std::string_view group{};
+    std::string_view name{};
+};
+
+/// Reads the whole line "name = number" into `value`; that the value may be given only once has been tested before.
+/// Everything is reported at the line; fewer than three items and a second one other than "=" end it, more than three
+/// do not. True when the number read.
+bool readValueLine(Run& run, std::string_view text, const ValueLineMessages& messages, const ValueLineWords& words,
+                   std::optional<double>& value);
+
+/// What the lines "name word" of one block report.
+struct WordLineMessages {
+    CheckedMessage<ArgKind::text> missing; ///< no word: the name
+    CountMessage wrong_count;              ///< more than one: the items, the name, 2
+};
+
+/// The word of a line "name word", of which `rest` is what follows the name. A "=" before the word is passed over and
+/// not counted; of several words the first is used. Reports at the line.
+[[nodiscard]] std::optional<std::string_view> readWordLine(Run& run, std::string_view rest, std::string_view name,
+                                                           const WordLineMessages& messages);
+
+/// How the lines "name typ min max" of one block are read.
+struct RangeLineRules {
+    /// The typical value is "NA"; some texts show the name.
+    std::variant<CheckedMessage<>, CheckedMessage<ArgKind::text>> typ_na;
+    bool admits_equals_sign; ///< one "=" behind the name is passed over
+};
+
+/// Reads what follows the name of a line "name typ min max"; their order does not matter. A range of which a cell does
+/// not read is not stored (false); one whose typical value is "NA" is reported at the line and stored.
+bool readRangeLine(Run& run, std::string_view rest, std::string_view name, const RangeLineRules& rules,
+                   std::optional<Rng>& value);
+
+} // namespace kestrel
