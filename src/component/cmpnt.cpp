@@ -12,8 +12,6 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::uint32_t kNameLimit = 40;
-
 /// A subparameter line of "[Component]".
 struct LocationLine {
     std::string_view name;
@@ -29,19 +27,19 @@ constexpr std::array<EnumerationRow<Location>, 2> kLocations{{{"Pin", Location::
 constexpr EnumerationMessages kLocationMessages{512, 520};
 
 void nameLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.name, text, kNameLimit, "Component");
+    setTextOnce(run.diagnostics, component.name, text, kLongNameLimit, "Component");
     if (std::ranges::any_of(component.name, isSpace)) warningAtLine(run.diagnostics, 513, component.name);
     checkNotReserved(run.diagnostics, component.name);
     if (Ibis* const root = currentRoot(run)) root->components.enterName(component, component.name);
 }
 
 void manufacturerLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.manufacturer, text, kNameLimit, "Manufacturer");
+    setTextOnce(run.diagnostics, component.manufacturer, text, kLongNameLimit, "Manufacturer");
     run.cmpnt.manufacturer_seen = true;
 }
 
 void packageModelLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.package_model, text, kNameLimit, "Package_Model");
+    setTextOnce(run.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
     checkNotReserved(run.diagnostics, component.package_model);
 }
 
@@ -91,7 +89,7 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::package: packageLine(run, component, line.text); break;
     case KeywordCode::pin: pinHeader(run, component, line.text); break;
     case KeywordCode::diffPin: component.diff_pin_seen = true; break;
-    default: break; // relations between pins, circuits and emissions: nothing of them is kept
+    default: break; // circuits and emissions: nothing of them is kept
     }
 }
 
@@ -136,6 +134,13 @@ void checkDuplicates(Run& run, const Ibis& root) {
     }
 }
 
+/// Looks up the package models of a component. Its own is returned, if it has one and that is found.
+const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component) {
+    const std::string& package = component.package_model;
+    const bool found = !package.empty() && findPackageModel(run, package, component.name);
+    return found ? root.package_models.find(package) : nullptr;
+}
+
 /// Warns of the first pin of a package model that the component does not have.
 void checkPackagePins(Run& run, const Cmpnt& component, const PkgMdl& package) {
     const auto missing = std::ranges::find_if(
@@ -153,7 +158,8 @@ void openCmpnt(Run& run) {
         programBug(run.diagnostics, 501, mark.file, mark.line);
         return;
     }
-    run.cmpnt = {.current = &root->components.add(std::make_unique<Cmpnt>()), .manufacturer_seen = false};
+    run.cmpnt = CmpntState{};
+    run.cmpnt.current = &root->components.add(std::make_unique<Cmpnt>());
 }
 
 void cmpntKeywordSeen(Run& run, KeywordCode code) {
@@ -191,15 +197,13 @@ void checkCmpnts(Run& run) {
     checkDuplicates(run, *root);
     PinModels models;
     for (const Cmpnt& component : root->components.newestFirst()) {
-        const std::string& package = component.package_model;
-        const bool has_package = !package.empty() && findPackageModel(run, package, component.name);
+        const PkgMdl* const package = resolvePackage(run, *root, component);
         if (component.pins.empty()) {
             error(run.diagnostics, 524, component.name);
-            continue;
+        } else {
+            checkPins(run, component, models);
+            if (package != nullptr) checkPackagePins(run, component, *package);
         }
-        checkPins(run, component, models);
-        const PkgMdl* const model = has_package ? root->package_models.find(package) : nullptr;
-        if (model != nullptr) checkPackagePins(run, component, *model);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "model/types.hpp"
 #include "model/wvfrm.hpp"
 #include "reader/keyword.hpp"
+#include "reader/names.hpp"
 #include "reader/rng.hpp"
 
 #include <cstdint>
@@ -120,9 +121,6 @@ Mdl* referenceMdl(Run& run, std::string_view name);
 
 /// True for "Series" and "Series_switch".
 [[nodiscard]] bool isSeries(const Mdl& model);
-
-/// Longest model name that the version allows, in characters.
-[[nodiscard]] constexpr int modelNameLimit(IbisVersion version) { return version < IbisVersion::v4 ? 20 : 40; }
 
 /// Compares submodels with the "[Add Submodel]" rows of all models once the file is read: a submodel that no row names
 /// (warning 220), then rows that name no submodel (error 218); no line.
