@@ -89,6 +89,8 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::package: packageLine(run, component, line.text); break;
     case KeywordCode::pin: pinHeader(run, component, line.text); break;
     case KeywordCode::diffPin: component.diff_pin_seen = true; break;
+    case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
+    case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
     default: break; // circuits and emissions: nothing of them is kept
     }
 }
@@ -102,6 +104,8 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
         if (component.package) pkgLine(run, *component.package, line.text);
         break;
     case KeywordCode::pin: pinLine(run, component, line.text); break;
+    case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
+    case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
     default: break;
     }
 }
@@ -163,6 +167,8 @@ void openCmpnt(Run& run) {
 }
 
 void cmpntKeywordSeen(Run& run, KeywordCode code) {
+    // What a keyword interrupts is over; the dispatcher has reported an unfinished state.
+    run.cmpnt.switches.list = SwitchReader::List::none;
     if (run.cmpnt.current == nullptr || keepsOpen(code)) return;
     closeCmpnt(run, *run.cmpnt.current);
     run.cmpnt.current = nullptr;
@@ -204,6 +210,8 @@ void checkCmpnts(Run& run) {
             checkPins(run, component, models);
             if (package != nullptr) checkPackagePins(run, component, *package);
         }
+        checkSeriesPins(run, component);
+        checkSwitchGroups(run, component);
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "component/pin.hpp"
 #include "component/pkg.hpp"
+#include "component/spinmpg.hpp"
+#include "component/sswch.hpp"
 #include "reader/columns.hpp"
 #include "reader/keyword.hpp"
 
@@ -26,7 +28,12 @@ struct Cmpnt {
     std::optional<Pkg> package;
     TableColumns pin_columns; ///< of "[Pin]"
     std::vector<Pin> pins;
-    PinIndex pin_index;         ///< of their names
+    PinIndex pin_index;              ///< of their names
+    TableColumns series_pin_columns; ///< of "[Series Pin Mapping]"
+    std::vector<SPin> series_pins;
+    bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
+    std::vector<SwitchState> switch_states;
+    TextSet reported_groups;    ///< function table groups of lines that were reported
     bool diff_pin_seen = false; ///< "[Diff Pin]" was there
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
@@ -36,6 +43,7 @@ struct Cmpnt {
 struct CmpntState {
     Cmpnt* current = nullptr;
     bool manufacturer_seen = false;
+    SwitchReader switches;
 };
 
 /// Opens a component at "[Component]".
