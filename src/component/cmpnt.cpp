@@ -89,6 +89,7 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::package: packageLine(run, component, line.text); break;
     case KeywordCode::pin: pinHeader(run, component, line.text); break;
     case KeywordCode::diffPin: component.diff_pin_seen = true; break;
+    case KeywordCode::pinMapping: pinMapHeader(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
     default: break; // circuits and emissions: nothing of them is kept
@@ -104,6 +105,7 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
         if (component.package) pkgLine(run, *component.package, line.text);
         break;
     case KeywordCode::pin: pinLine(run, component, line.text); break;
+    case KeywordCode::pinMapping: pinMapLine(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
     default: break;
@@ -210,6 +212,7 @@ void checkCmpnts(Run& run) {
             checkPins(run, component, models);
             if (package != nullptr) checkPackagePins(run, component, *package);
         }
+        checkPinMaps(run, component);
         checkSeriesPins(run, component);
         checkSwitchGroups(run, component);
     }

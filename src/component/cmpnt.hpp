@@ -1,6 +1,7 @@
 #pragma once
 
 #include "component/pin.hpp"
+#include "component/pinmpg.hpp"
 #include "component/pkg.hpp"
 #include "component/spinmpg.hpp"
 #include "component/sswch.hpp"
@@ -28,7 +29,11 @@ struct Cmpnt {
     std::optional<Pkg> package;
     TableColumns pin_columns; ///< of "[Pin]"
     std::vector<Pin> pins;
-    PinIndex pin_index;              ///< of their names
+    PinIndex pin_index;           ///< of their names
+    TableColumns pin_map_columns; ///< of "[Pin Mapping]"
+    std::vector<PinMap> pin_maps;
+    PinMapIndex pin_map_index;       ///< of their pins
+    TextSet dropped_map_names;       ///< pins and labels of rows that were reported and dropped
     TableColumns series_pin_columns; ///< of "[Series Pin Mapping]"
     std::vector<SPin> series_pins;
     bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
