@@ -88,8 +88,8 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::packageModel: packageModelLine(run, component, line.text); break;
     case KeywordCode::package: packageLine(run, component, line.text); break;
     case KeywordCode::pin: pinHeader(run, component, line.text); break;
-    case KeywordCode::diffPin: component.diff_pin_seen = true; break;
     case KeywordCode::pinMapping: pinMapHeader(run, component, line.text); break;
+    case KeywordCode::diffPin: diffPinHeader(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
     default: break; // circuits and emissions: nothing of them is kept
@@ -106,6 +106,7 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
         break;
     case KeywordCode::pin: pinLine(run, component, line.text); break;
     case KeywordCode::pinMapping: pinMapLine(run, component, line.text); break;
+    case KeywordCode::diffPin: diffPinLine(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
     default: break;
@@ -213,6 +214,7 @@ void checkCmpnts(Run& run) {
             if (package != nullptr) checkPackagePins(run, component, *package);
         }
         checkPinMaps(run, component);
+        checkDiffPins(run, component);
         checkSeriesPins(run, component);
         checkSwitchGroups(run, component);
     }

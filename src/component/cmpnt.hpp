@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/difpin.hpp"
 #include "component/pin.hpp"
 #include "component/pinmpg.hpp"
 #include "component/pkg.hpp"
@@ -32,14 +33,17 @@ struct Cmpnt {
     PinIndex pin_index;           ///< of their names
     TableColumns pin_map_columns; ///< of "[Pin Mapping]"
     std::vector<PinMap> pin_maps;
-    PinMapIndex pin_map_index;       ///< of their pins
-    TextSet dropped_map_names;       ///< pins and labels of rows that were reported and dropped
+    PinMapIndex pin_map_index;     ///< of their pins
+    TextSet dropped_map_names;     ///< pins and labels of rows that were reported and dropped
+    TableColumns diff_pin_columns; ///< of "[Diff Pin]"
+    std::vector<DifPin> diff_pins;
+    DifPinIndex diff_pin_index;      ///< of their non-inverting pins
+    InvPinIndex inv_pin_index;       ///< of their inverting pins
     TableColumns series_pin_columns; ///< of "[Series Pin Mapping]"
     std::vector<SPin> series_pins;
     bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
     std::vector<SwitchState> switch_states;
-    TextSet reported_groups;    ///< function table groups of lines that were reported
-    bool diff_pin_seen = false; ///< "[Diff Pin]" was there
+    TextSet reported_groups; ///< function table groups of lines that were reported
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
 };

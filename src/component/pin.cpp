@@ -55,7 +55,7 @@ bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin,
     case PinModelKind::undefined: error(diagnostics, 609, pin.model_name, pin.name, component.name); return true;
     case PinModelKind::series: error(diagnostics, 610, pin.name, component.name, pin.model_name); return true;
     case PinModelKind::differential:
-        if (component.diff_pin_seen) return false;
+        if (isInDiffPin(component, pin.name)) return false;
         caution(diagnostics, 614, pin.model_name, pin.name, component.name);
         return true;
     case PinModelKind::single: return false;
