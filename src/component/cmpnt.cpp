@@ -1,5 +1,6 @@
 #include "component/cmpnt.hpp"
 
+#include "component/apkg.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 #include "reader/enumeration.hpp"
@@ -41,6 +42,7 @@ void manufacturerLine(Run& run, Cmpnt& component, std::string_view text) {
 void packageModelLine(Run& run, Cmpnt& component, std::string_view text) {
     setTextOnce(run.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
     checkNotReserved(run.diagnostics, component.package_model);
+    run.cmpnt.package_model_seen = true;
 }
 
 void packageLine(Run& run, Cmpnt& component, std::string_view text) {
@@ -81,6 +83,23 @@ void componentData(Run& run, Cmpnt& component, std::string_view text) {
     locationLine(run, component, *row, text);
 }
 
+constexpr std::array<const Block<Cmpnt>*, 1> kBlocks{&kAlternatePackages};
+
+/// The block that a keyword begins or ends, or null.
+const Block<Cmpnt>* blockOf(KeywordCode code) {
+    const auto* const at = std::ranges::find_if(
+        kBlocks, [code](const Block<Cmpnt>* block) { return block->begin == code || block->end == code; });
+    return at == kBlocks.end() ? nullptr : *at;
+}
+
+void blockData(Run& run, Cmpnt& component, const Block<Cmpnt>& block, const Line& line) {
+    if (line.key == block.begin) {
+        block.line(run, component, line.text);
+    } else {
+        errorAtLine(run.diagnostics, 509, block.end_name);
+    }
+}
+
 void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     switch (line.key) {
     case KeywordCode::component: nameLine(run, component, line.text); break;
@@ -92,7 +111,11 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::diffPin: diffPinHeader(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
-    default: break; // circuits and emissions: nothing of them is kept
+    default:
+        if (const Block<Cmpnt>* const block = blockOf(line.key)) {
+            blockKeywordLine(run, component, *block, run.cmpnt.block, line);
+        }
+        break;
     }
 }
 
@@ -109,7 +132,9 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::diffPin: diffPinLine(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
-    default: break;
+    default:
+        if (const Block<Cmpnt>* const block = blockOf(line.key)) blockData(run, component, *block, line);
+        break;
     }
 }
 
@@ -126,6 +151,7 @@ void closeCmpnt(Run& run, const Cmpnt& component) {
     } else {
         error(run.diagnostics, 519, component.name);
     }
+    if (component.alternates_seen && !run.cmpnt.package_model_seen) error(run.diagnostics, 537, component.name);
 }
 
 /// Reports every pair of equal names: each component once per component of its name behind it in the list.
@@ -145,6 +171,7 @@ void checkDuplicates(Run& run, const Ibis& root) {
 const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component) {
     const std::string& package = component.package_model;
     const bool found = !package.empty() && findPackageModel(run, package, component.name);
+    checkAlternatePackages(run, component);
     return found ? root.package_models.find(package) : nullptr;
 }
 
@@ -172,7 +199,9 @@ void openCmpnt(Run& run) {
 void cmpntKeywordSeen(Run& run, KeywordCode code) {
     // What a keyword interrupts is over; the dispatcher has reported an unfinished state.
     run.cmpnt.switches.list = SwitchReader::List::none;
-    if (run.cmpnt.current == nullptr || keepsOpen(code)) return;
+    if (run.cmpnt.current == nullptr) return;
+    blockKeywordSeen(run, *run.cmpnt.current, run.cmpnt.block, code);
+    if (keepsOpen(code)) return;
     closeCmpnt(run, *run.cmpnt.current);
     run.cmpnt.current = nullptr;
 }

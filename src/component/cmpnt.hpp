@@ -1,11 +1,13 @@
 #pragma once
 
 #include "component/difpin.hpp"
+#include "component/name_list.hpp"
 #include "component/pin.hpp"
 #include "component/pinmpg.hpp"
 #include "component/pkg.hpp"
 #include "component/spinmpg.hpp"
 #include "component/sswch.hpp"
+#include "reader/block.hpp"
 #include "reader/columns.hpp"
 #include "reader/keyword.hpp"
 
@@ -43,7 +45,9 @@ struct Cmpnt {
     std::vector<SPin> series_pins;
     bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
     std::vector<SwitchState> switch_states;
-    TextSet reported_groups; ///< function table groups of lines that were reported
+    TextSet reported_groups;      ///< function table groups of lines that were reported
+    bool alternates_seen = false; ///< "[Alternate Package Models]" was there
+    NameList alternates;          ///< package models of at most 40 characters
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
 };
@@ -51,7 +55,10 @@ struct Cmpnt {
 /// The component being read, null outside one, and what of it is open.
 struct CmpntState {
     Cmpnt* current = nullptr;
+    const Block<Cmpnt>* block = nullptr; ///< the construct that waits for its end keyword
     bool manufacturer_seen = false;
+    bool package_model_seen = false;
+    bool alternate_listed = false; ///< an "[Alternate Package Models]" had a line
     SwitchReader switches;
 };
 
