@@ -39,7 +39,7 @@ bool stateWord(Run& run, Cmpnt& component, std::string_view word) {
     if (reader.list == List::none) {
         if (list == List::none) return false;
         component.switch_states.emplace_back();
-        reader.groups = {};
+        reader.groups = TextMap<List>(); // "= {}" would keep and clear the room of the largest state
     }
     if (list == List::none) {
         groupName(run, component, word);
