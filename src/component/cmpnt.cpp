@@ -1,6 +1,7 @@
 #include "component/cmpnt.hpp"
 
 #include "component/apkg.hpp"
+#include "component/node.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 #include "reader/enumeration.hpp"
@@ -83,7 +84,7 @@ void componentData(Run& run, Cmpnt& component, std::string_view text) {
     locationLine(run, component, *row, text);
 }
 
-constexpr std::array<const Block<Cmpnt>*, 1> kBlocks{&kAlternatePackages};
+constexpr std::array<const Block<Cmpnt>*, 3> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall};
 
 /// The block that a keyword begins or ends, or null.
 const Block<Cmpnt>* blockOf(KeywordCode code) {
@@ -246,7 +247,10 @@ void checkCmpnts(Run& run) {
         checkDiffPins(run, component);
         checkSeriesPins(run, component);
         checkSwitchGroups(run, component);
+        checkNodes(run, component);
+        checkCircuitCalls(run, component);
     }
+    checkExtCkts(run);
 }
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/circuit.hpp"
 #include "component/difpin.hpp"
 #include "component/name_list.hpp"
 #include "component/pin.hpp"
@@ -48,6 +49,9 @@ struct Cmpnt {
     TextSet reported_groups;      ///< function table groups of lines that were reported
     bool alternates_seen = false; ///< "[Alternate Package Models]" was there
     NameList alternates;          ///< package models of at most 40 characters
+    bool nodes_seen = false;      ///< "[Node Declarations]" was there
+    NameList nodes;
+    std::vector<CircuitCall> circuit_calls;
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
 };

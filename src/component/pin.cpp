@@ -63,12 +63,13 @@ bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin,
     return false;
 }
 
-/// True when no model or selector is meant. Rows under a faulty header may lack the model name; pins that a circuit
-/// call connects are named there.
-bool needsNoModel(const Pin& pin, IbisVersion version) {
-    return pin.model_name.empty() || isUnmodeledPinName(pin.model_name) ||
-           (version >= IbisVersion::v4 && equalsNoCase(pin.model_name, "CIRCUITCALL"));
+/// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
+bool isCircuitCallPin(const Pin& pin, IbisVersion version) {
+    return version >= IbisVersion::v4 && equalsNoCase(pin.model_name, "CIRCUITCALL");
 }
+
+/// True when no model or selector is meant. Rows under a faulty header may lack the model name.
+bool needsNoModel(const Pin& pin) { return pin.model_name.empty() || isUnmodeledPinName(pin.model_name); }
 
 } // namespace
 
@@ -116,8 +117,14 @@ void pinLine(Run& run, Cmpnt& component, std::string_view text) {
 void checkPins(Run& run, const Cmpnt& component, PinModels& models) {
     const Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
+    const IbisVersion version = run.parse.version;
+    const auto called = circuitCallPins(component, pinNameLimit(version));
     for (const Pin& pin : component.pins) {
-        if (needsNoModel(pin, run.parse.version)) continue;
+        if (needsNoModel(pin)) continue;
+        if (isCircuitCallPin(pin, version)) {
+            if (!called.contains(pin.name)) error(run.diagnostics, 611, pin.name, component.name);
+            continue;
+        }
         const auto [at, is_new] = models.try_emplace(pin.model_name);
         PinModel& model = at->second;
         if (is_new) model.kind = resolveModelName(run, *root, pin.model_name);

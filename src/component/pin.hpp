@@ -52,7 +52,8 @@ struct PinModel {
 /// The model names of all pins of a file, so that each is looked up once. The names are views of the pins' own.
 using PinModels = std::unordered_map<std::string_view, PinModel>;
 
-/// Looks up the pins' model names, marks the models found and reports 609, 610 and 614 (no line), each once per name.
+/// Looks up the pins' model names, marks the models found and reports 609, 610 and 614 (no line), each once per
+/// name, and pins that a circuit call should name (611).
 void checkPins(Run& run, const Cmpnt& component, PinModels& models);
 
 } // namespace kestrel

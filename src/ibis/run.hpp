@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/circuit.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/diagnostics.hpp"
 #include "ibis/ibis.hpp"
@@ -30,6 +31,7 @@ struct Run {
     RootStack roots;
     HdrState hdr;
     CmpntState cmpnt;
+    CircuitState circuit;
     MdlState mdl;
     MSelState msel;
     SubMdlState submdl;

@@ -59,7 +59,8 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::addSubmodel: return Form::addSubmodel;
     case KeywordCode::modelSpec: return Form::modelSpec;
     case KeywordCode::receiverThresholds: return Form::receiverThresholds;
-    case KeywordCode::externalModel: return Form::externalModel;
+    case KeywordCode::externalModel:
+    case KeywordCode::endExternalModel: return Form::externalModel;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -70,7 +71,6 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::rcSeries: return Form::seriesRange;
     case KeywordCode::seriesCurrent: return Form::seriesCurrent;
     case KeywordCode::seriesMosfet: return Form::seriesMosfet;
-    case KeywordCode::endExternalModel:
     case KeywordCode::algorithmicModel:
     case KeywordCode::endAlgorithmicModel:
     case KeywordCode::compositeCurrent:
@@ -167,10 +167,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         checkReceiverThresholdsOrder(run, model);
         model.receiver_thresholds = true;
         break;
-    case Form::externalModel:
-        if (model.external_model) reportAlreadyDefined(run, model, "[External_Model]");
-        model.external_model = true;
-        break;
+    case Form::externalModel: blockKeywordLine(run, model, kExternalModel, run.mdl.block, line); break;
     case Form::seriesSection: openSeriesSection(run, model, line.key); break;
     case Form::seriesRange:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
@@ -213,8 +210,14 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
     case Form::modelSpec:
     case Form::receiverThresholds:
-    case Form::externalModel:
     case Form::unread: break;
+    case Form::externalModel:
+        if (line.key == kExternalModel.begin) {
+            kExternalModel.line(run, model, line.text);
+        } else {
+            errorAtLine(run.diagnostics, 121);
+        }
+        break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
 }
@@ -233,8 +236,9 @@ void openMdl(Run& run) {
 
 void mdlKeywordSeen(Run& run, KeywordCode code) {
     if (run.mdl.current == nullptr) return;
-    const Mdl& model = *run.mdl.current;
+    Mdl& model = *run.mdl.current;
     closeSection(run, model);
+    blockKeywordSeen(run, model, run.mdl.block, code);
     if (keepsModelOpen(code)) return;
     if (model.driver_schedule) closeDrvSh(run, model);
     checkModel(run, model);

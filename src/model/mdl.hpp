@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/circuit.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
 #include "model/ramp.hpp"
@@ -89,8 +90,8 @@ struct Mdl {
     // Keywords whose lines are not stored: that they were there matters to the checks of the model.
     bool model_spec = false;
     bool receiver_thresholds = false;
-    bool external_model = false;
-    bool referenced = false; ///< some pin, selector, schedule or series pin mapping names this model
+    std::unique_ptr<ExtCkt> external_model; ///< from its keyword line on
+    bool referenced = false;                ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.
@@ -98,6 +99,9 @@ struct MdlState {
     Mdl* current = nullptr;
     SeriesBlock* series_block = nullptr;       ///< section that series keywords go to
     KeywordCode section = KeywordCode::notKey; ///< the model's keyword whose lines are being read
+    const Block<Mdl>* block = nullptr;         ///< the construct that waits for its end keyword
+    std::unique_ptr<ExtCkt> repeated_external; ///< of a second "[External Model]", which the model does not keep
+    ExtCkt* external = nullptr;                ///< the external model being read
     CrvState crv;
     RampState ramp;
     WvfrmState wvfrm;

@@ -142,6 +142,9 @@ void checkModel(Run& run, const Mdl& model) {
     checkRamp(run, model);
     checkSeries(run, model);
     checkTestLoad(run, model);
+    if (isDifferential(model) && !model.external_model) {
+        caution(run.diagnostics, 1829, model.name, modelTypeText(model.model_type));
+    }
 }
 
 } // namespace kestrel

@@ -135,6 +135,7 @@ void tellModules(Run& run, KeywordCode code) {
     hdrKeywordSeen(run, code);
     cmpntKeywordSeen(run, code);
     mdlKeywordSeen(run, code);
+    circuitKeywordSeen(run, code);
     submdlKeywordSeen(run, code);
     mselKeywordSeen(run, code);
     pkgmdlKeywordSeen(run, code);
@@ -204,6 +205,7 @@ void handOn(Run& run, const Line& line) {
     switch (owner) {
     case Owner::hdr: hdrLine(run, line); break;
     case Owner::cmpnt: cmpntLine(run, line); break;
+    case Owner::circuit: circuitLine(run, line); break;
     case Owner::mdl: mdlLine(run, line); break;
     case Owner::pkgmdl: pkgmdlLine(run, line); break;
     case Owner::ebdmdl: ebdmdlLine(run, line); break;
@@ -213,7 +215,6 @@ void handOn(Run& run, const Line& line) {
     case Owner::none: errorAtLine(run.diagnostics, 907, line.text); break;
     // A comment-character line is dealt with ahead of the dispatch; the others' lines are not examined.
     case Owner::commentChar:
-    case Owner::circuit:
     case Owner::testdata:
     case Owner::testload: break;
     }
