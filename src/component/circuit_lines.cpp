@@ -3,6 +3,7 @@
 #include "reader/enumeration.hpp"
 
 #include <algorithm>
+#include <span>
 
 namespace kestrel {
 
@@ -86,7 +87,9 @@ void languageLine(const Reading& reading, std::string_view text) {
     if (items.count != 1) errorAtLine(diagnostics, 1811, items.count + 1, "Language", "2");
     language = ExtLanguage::notKnown;
     if (items.count == 0) return;
-    language = readEnumeration(diagnostics, kLanguages, "Language", items[0], kLanguageMessages)
+    const std::size_t known = reading.run.parse.version < IbisVersion::v5 ? kLanguages.size() - 1 : kLanguages.size();
+    const std::span languages(kLanguages.data(), known); // the last came with version 5
+    language = readEnumeration(diagnostics, languages, "Language", items[0], kLanguageMessages)
                    .value_or(ExtLanguage::notKnown);
 }
 

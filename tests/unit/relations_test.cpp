@@ -1,5 +1,6 @@
 // What a component keeps of the lines that relate its pins, and what it makes of numbers, names and brackets in them.
 
+#include "codes.hpp"
 #include "ibis/run.hpp"
 
 #include <initializer_list>
@@ -112,6 +113,19 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     EXPECT_DOUBLE_EQ(driver.tfall, 2e-9);
     EXPECT_FALSE(circuit.converters[1].to_analog);
     EXPECT_EQ(circuit.converters[1].corner, std::nullopt);
+}
+
+TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
+    Relations test;
+    test.run.parse.version = IbisVersion::v4;
+    test.run.diagnostics.coded_form = true;
+    ExtCkt circuit;
+    const ExtOwner owner{"External Circuit", "Net", nullptr};
+    for (const std::string_view line : {"Language IBIS-ISS", "Converter_Parameters p", "Language SPICE", "Parameters p",
+                                        "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
+        extCktLine(test.run, circuit, owner, line);
+    }
+    EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1808@ E1811@ E1819@");
 }
 
 } // namespace
