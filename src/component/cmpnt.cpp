@@ -1,5 +1,7 @@
 #include "component/cmpnt.hpp"
 
+#include "component/apkg.hpp"
+#include "component/node.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 #include "reader/enumeration.hpp"
@@ -11,8 +13,6 @@
 namespace kestrel {
 
 namespace {
-
-constexpr std::uint32_t kNameLimit = 40;
 
 /// A subparameter line of "[Component]".
 struct LocationLine {
@@ -29,20 +29,21 @@ constexpr std::array<EnumerationRow<Location>, 2> kLocations{{{"Pin", Location::
 constexpr EnumerationMessages kLocationMessages{512, 520};
 
 void nameLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.name, text, kNameLimit, "Component");
+    setTextOnce(run.diagnostics, component.name, text, kLongNameLimit, "Component");
     if (std::ranges::any_of(component.name, isSpace)) warningAtLine(run.diagnostics, 513, component.name);
     checkNotReserved(run.diagnostics, component.name);
     if (Ibis* const root = currentRoot(run)) root->components.enterName(component, component.name);
 }
 
 void manufacturerLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.manufacturer, text, kNameLimit, "Manufacturer");
+    setTextOnce(run.diagnostics, component.manufacturer, text, kLongNameLimit, "Manufacturer");
     run.cmpnt.manufacturer_seen = true;
 }
 
 void packageModelLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.package_model, text, kNameLimit, "Package_Model");
+    setTextOnce(run.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
     checkNotReserved(run.diagnostics, component.package_model);
+    run.cmpnt.package_model_seen = true;
 }
 
 void packageLine(Run& run, Cmpnt& component, std::string_view text) {
@@ -83,6 +84,23 @@ void componentData(Run& run, Cmpnt& component, std::string_view text) {
     locationLine(run, component, *row, text);
 }
 
+constexpr std::array<const Block<Cmpnt>*, 3> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall};
+
+/// The block that a keyword begins or ends, or null.
+const Block<Cmpnt>* blockOf(KeywordCode code) {
+    const auto* const at = std::ranges::find_if(
+        kBlocks, [code](const Block<Cmpnt>* block) { return block->begin == code || block->end == code; });
+    return at == kBlocks.end() ? nullptr : *at;
+}
+
+void blockData(Run& run, Cmpnt& component, const Block<Cmpnt>& block, const Line& line) {
+    if (line.key == block.begin) {
+        block.line(run, component, line.text);
+    } else {
+        errorAtLine(run.diagnostics, 509, block.end_name);
+    }
+}
+
 void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     switch (line.key) {
     case KeywordCode::component: nameLine(run, component, line.text); break;
@@ -90,8 +108,15 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::packageModel: packageModelLine(run, component, line.text); break;
     case KeywordCode::package: packageLine(run, component, line.text); break;
     case KeywordCode::pin: pinHeader(run, component, line.text); break;
-    case KeywordCode::diffPin: component.diff_pin_seen = true; break;
-    default: break; // relations between pins, circuits and emissions: nothing of them is kept
+    case KeywordCode::pinMapping: pinMapHeader(run, component, line.text); break;
+    case KeywordCode::diffPin: diffPinHeader(run, component, line.text); break;
+    case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
+    case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
+    default:
+        if (const Block<Cmpnt>* const block = blockOf(line.key)) {
+            blockKeywordLine(run, component, *block, run.cmpnt.block, line);
+        }
+        break;
     }
 }
 
@@ -104,7 +129,13 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
         if (component.package) pkgLine(run, *component.package, line.text);
         break;
     case KeywordCode::pin: pinLine(run, component, line.text); break;
-    default: break;
+    case KeywordCode::pinMapping: pinMapLine(run, component, line.text); break;
+    case KeywordCode::diffPin: diffPinLine(run, component, line.text); break;
+    case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
+    case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
+    default:
+        if (const Block<Cmpnt>* const block = blockOf(line.key)) blockData(run, component, *block, line);
+        break;
     }
 }
 
@@ -121,6 +152,7 @@ void closeCmpnt(Run& run, const Cmpnt& component) {
     } else {
         error(run.diagnostics, 519, component.name);
     }
+    if (component.alternates_seen && !run.cmpnt.package_model_seen) error(run.diagnostics, 537, component.name);
 }
 
 /// Reports every pair of equal names: each component once per component of its name behind it in the list.
@@ -134,6 +166,14 @@ void checkDuplicates(Run& run, const Ibis& root) {
             error(run.diagnostics, 511, component.name);
         }
     }
+}
+
+/// Looks up the package models of a component. Its own is returned, if it has one and that is found.
+const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component) {
+    const std::string& package = component.package_model;
+    const bool found = !package.empty() && findPackageModel(run, package, component.name);
+    checkAlternatePackages(run, component);
+    return found ? root.package_models.find(package) : nullptr;
 }
 
 /// Warns of the first pin of a package model that the component does not have.
@@ -155,11 +195,16 @@ void openCmpnt(Run& run) {
         programBug(run.diagnostics, 501, mark.file, mark.line);
         return;
     }
-    run.cmpnt = {.current = &root->components.add(std::make_unique<Cmpnt>()), .manufacturer_seen = false};
+    run.cmpnt = CmpntState{};
+    run.cmpnt.current = &root->components.add(std::make_unique<Cmpnt>());
 }
 
 void cmpntKeywordSeen(Run& run, KeywordCode code) {
-    if (run.cmpnt.current == nullptr || keepsOpen(code)) return;
+    // What a keyword interrupts is over; the dispatcher has reported an unfinished state.
+    run.cmpnt.switches.list = SwitchReader::List::none;
+    if (run.cmpnt.current == nullptr) return;
+    blockKeywordSeen(run, *run.cmpnt.current, run.cmpnt.block, code);
+    if (keepsOpen(code)) return;
     closeCmpnt(run, *run.cmpnt.current);
     run.cmpnt.current = nullptr;
 }
@@ -193,16 +238,21 @@ void checkCmpnts(Run& run) {
     checkDuplicates(run, *root);
     PinModels models;
     for (const Cmpnt& component : root->components.newestFirst()) {
-        const std::string& package = component.package_model;
-        const bool has_package = !package.empty() && findPackageModel(run, package, component.name);
+        const PkgMdl* const package = resolvePackage(run, *root, component);
         if (component.pins.empty()) {
             error(run.diagnostics, 524, component.name);
-            continue;
+        } else {
+            checkPins(run, component, models);
+            if (package != nullptr) checkPackagePins(run, component, *package);
         }
-        checkPins(run, component, models);
-        const PkgMdl* const model = has_package ? root->package_models.find(package) : nullptr;
-        if (model != nullptr) checkPackagePins(run, component, *model);
+        checkPinMaps(run, component);
+        checkDiffPins(run, component);
+        checkSeriesPins(run, component);
+        checkSwitchGroups(run, component);
+        checkNodes(run, component);
+        checkCircuitCalls(run, component);
     }
+    checkExtCkts(run);
 }
 
 } // namespace kestrel

@@ -1,10 +1,17 @@
 #pragma once
 
+#include "component/circuit.hpp"
+#include "component/difpin.hpp"
+#include "component/name_list.hpp"
 #include "component/pin.hpp"
+#include "component/pinmpg.hpp"
 #include "component/pkg.hpp"
+#include "component/spinmpg.hpp"
+#include "component/sswch.hpp"
+#include "reader/block.hpp"
+#include "reader/columns.hpp"
 #include "reader/keyword.hpp"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,29 +25,45 @@ struct Run;
 /// Where the "Si_location" and "Timing_location" of a component are measured.
 enum class Location : std::uint8_t { notGiven = 0, pin = 1, die = 2 };
 
-/// The optional columns of "[Pin]".
-enum class PinColumn : std::uint8_t { rPin = 0, lPin = 1, cPin = 2 };
-
-/// One "[Component]".
+/// One "[Component]". All lists are in file order.
 struct Cmpnt {
     std::string name;          ///< at most 40 characters
     std::string manufacturer;  ///< at most 40 characters
     std::string package_model; ///< at most 40 characters, empty without "[Package Model]"
     std::optional<Pkg> package;
-    int pin_columns = 0;            ///< columns of the "[Pin]" table, 0 until its header line
-    bool pin_header_faulty = false; ///< the header line was reported, so its rows are not held to its columns
-    std::array<std::optional<PinColumn>, 3> value_columns{}; ///< what the fourth to sixth column hold
-    std::vector<Pin> pins;                                   ///< in file order
-    PinIndex pin_index;                                      ///< of their names
-    bool diff_pin_seen = false;                              ///< "[Diff Pin]" was there
+    TableColumns pin_columns; ///< of "[Pin]"
+    std::vector<Pin> pins;
+    PinIndex pin_index;           ///< of their names
+    TableColumns pin_map_columns; ///< of "[Pin Mapping]"
+    std::vector<PinMap> pin_maps;
+    PinMapIndex pin_map_index;     ///< of their pins
+    TextSet dropped_map_names;     ///< pins and labels of rows that were reported and dropped
+    TableColumns diff_pin_columns; ///< of "[Diff Pin]"
+    std::vector<DifPin> diff_pins;
+    DifPinIndex diff_pin_index;      ///< of their non-inverting pins
+    InvPinIndex inv_pin_index;       ///< of their inverting pins
+    TableColumns series_pin_columns; ///< of "[Series Pin Mapping]"
+    std::vector<SPin> series_pins;
+    bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
+    std::vector<SwitchState> switch_states;
+    TextSet reported_groups;      ///< function table groups of lines that were reported
+    bool alternates_seen = false; ///< "[Alternate Package Models]" was there
+    NameList alternates;          ///< package models of at most 40 characters
+    bool nodes_seen = false;      ///< "[Node Declarations]" was there
+    NameList nodes;
+    std::vector<CircuitCall> circuit_calls;
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
 };
 
-/// The component being read, null outside one.
+/// The component being read, null outside one, and what of it is open.
 struct CmpntState {
     Cmpnt* current = nullptr;
+    const Block<Cmpnt>* block = nullptr; ///< the construct that waits for its end keyword
     bool manufacturer_seen = false;
+    bool package_model_seen = false;
+    bool alternate_listed = false; ///< an "[Alternate Package Models]" had a line
+    SwitchReader switches;
 };
 
 /// Opens a component at "[Component]".
@@ -52,7 +75,7 @@ void cmpntKeywordSeen(Run& run, KeywordCode code);
 /// Reads a component-level keyword line or a data line under it.
 void cmpntLine(Run& run, const Line& line);
 
-/// Checks over all components once the file is read: duplicate names, package models, pins.
+/// Checks over all components once the file is read: duplicate names, package models, pins and their relations.
 void checkCmpnts(Run& run);
 
 } // namespace kestrel

@@ -4,75 +4,30 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
-#include <utility>
 
 namespace kestrel {
 
 namespace {
 
-constexpr int kNameColumns = 3;  ///< pin name, signal name, model name
-constexpr int kValueColumns = 3; ///< R_pin, L_pin, C_pin in any order
-constexpr int kHeaderWords = 6;  ///< words of the header that are counted, one more than it may have
-constexpr int kAllColumns = kNameColumns + kValueColumns;
+constexpr int kNameColumns = 3; ///< pin name, signal name, model name
+constexpr int kAllColumns = 6;  ///< and the three values
+constexpr std::array<int, 2> kRowColumns{kNameColumns, kAllColumns};
 
 constexpr std::array<std::string_view, 2> kNameHeaders{"signal_name", "model_name"};
+constexpr std::array<std::string_view, kAllColumns - kNameColumns> kValueHeaders{"R_pin", "L_pin", "C_pin"};
+constexpr std::array<Cell Pin::*, kValueHeaders.size()> kValues{&Pin::r_pin, &Pin::l_pin, &Pin::c_pin};
+constexpr TableHeader kHeader{"Pin", kNameHeaders, kValueHeaders, true};
 
-struct ValueColumn {
-    std::string_view header;
-    PinColumn column;
-    Cell Pin::*cell;
-};
-
-/// In the order of PinColumn.
-constexpr std::array<ValueColumn, kValueColumns> kValues{{
-    {"R_pin", PinColumn::rPin, &Pin::r_pin},
-    {"L_pin", PinColumn::lPin, &Pin::l_pin},
-    {"C_pin", PinColumn::cPin, &Pin::c_pin},
-}};
-
-const ValueColumn* findValueColumn(std::string_view header) {
-    const auto* const at = std::ranges::find_if(
-        kValues, [header](const ValueColumn& column) { return equalsNoCase(column.header, header); });
-    return at == kValues.end() ? nullptr : at;
+void readValue(Diagnostics& diagnostics, Pin& pin, std::size_t column, std::string_view text) {
+    Cell& cell = pin.*kValues[column];
+    readCell(diagnostics, text, true, "Pin", kValueHeaders[column], cell);
+    if (cell.isNumber() && cell.value < 0.0) warningAtLine(diagnostics, 608, kValueHeaders[column], pin.name);
 }
 
-/// Reads the header of the value column at `place`; false when it was reported.
-bool valueHeader(Diagnostics& diagnostics, Cmpnt& component, std::size_t place, std::string_view word) {
-    const ValueColumn* const found = findValueColumn(word);
-    if (found == nullptr) {
-        errorAtLine(diagnostics, 530, word);
-        return false;
-    }
-    if (std::ranges::find(component.value_columns, found->column) != component.value_columns.end()) {
-        errorAtLine(diagnostics, 531, word);
-        return false;
-    }
-    component.value_columns[place] = found->column;
-    return true;
-}
-
-/// Stores a name cut to its limit; false when it was over it, which is reported.
-bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit,
-               CheckedMessage<ArgKind::text, ArgKind::integer> too_long) {
-    const auto room = static_cast<std::size_t>(limit);
-    name = text.substr(0, room);
-    if (text.size() <= room) return true;
-    errorAtLine(diagnostics, too_long, text, limit);
-    return false;
-}
-
-void readValue(Diagnostics& diagnostics, Pin& pin, const ValueColumn& column, std::string_view text) {
-    Cell& cell = pin.*column.cell;
-    readCell(diagnostics, text, true, "Pin", column.header, cell);
-    if (cell.isNumber() && cell.value < 0.0) warningAtLine(diagnostics, 608, column.header, pin.name);
-}
-
-void readValues(Diagnostics& diagnostics, const Cmpnt& component, Pin& pin, const ItemList& items) {
-    for (int place = 0; place < kValueColumns && items.has(kNameColumns + place); ++place) {
-        const auto column = component.value_columns[static_cast<std::size_t>(place)];
-        if (!column) continue;
-        readValue(diagnostics, pin, kValues[static_cast<std::size_t>(*column)], items[kNameColumns + place]);
+void readValues(Diagnostics& diagnostics, const TableColumns& columns, Pin& pin, const ItemList& items) {
+    for (int place = 0; items.has(kNameColumns + place); ++place) {
+        const auto column = columns.optional[static_cast<std::size_t>(place)];
+        if (column) readValue(diagnostics, pin, *column, items[kNameColumns + place]);
     }
 }
 
@@ -100,7 +55,7 @@ bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin,
     case PinModelKind::undefined: error(diagnostics, 609, pin.model_name, pin.name, component.name); return true;
     case PinModelKind::series: error(diagnostics, 610, pin.name, component.name, pin.model_name); return true;
     case PinModelKind::differential:
-        if (component.diff_pin_seen) return false;
+        if (isInDiffPin(component, pin.name)) return false;
         caution(diagnostics, 614, pin.model_name, pin.name, component.name);
         return true;
     case PinModelKind::single: return false;
@@ -108,58 +63,15 @@ bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin,
     return false;
 }
 
-/// True when no model or selector is meant. Rows under a faulty header may lack the model name; pins that a circuit
-/// call connects are named there.
-bool needsNoModel(const Pin& pin, IbisVersion version) {
-    return pin.model_name.empty() || isUnmodeledPinName(pin.model_name) ||
-           (version >= IbisVersion::v4 && equalsNoCase(pin.model_name, "CIRCUITCALL"));
+/// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
+bool isCircuitCallPin(const Pin& pin, IbisVersion version) {
+    return version >= IbisVersion::v4 && equalsNoCase(pin.model_name, "CIRCUITCALL");
 }
 
-std::uint32_t hashOf(std::string_view name) { return static_cast<std::uint32_t>(std::hash<std::string_view>{}(name)); }
+/// True when no model or selector is meant. Rows under a faulty header may lack the model name.
+bool needsNoModel(const Pin& pin) { return pin.model_name.empty() || isUnmodeledPinName(pin.model_name); }
 
 } // namespace
-
-const Pin* PinIndex::find(const std::vector<Pin>& pins, std::string_view name) const {
-    if (slots_.empty()) return nullptr;
-    const std::uint32_t place = slots_[slotOf(pins, name, hashOf(name))].place;
-    return place == 0 ? nullptr : &pins[place - 1];
-}
-
-bool PinIndex::enterLast(const std::vector<Pin>& pins) {
-    if (2 * (taken_ + 1) > slots_.size()) grow();
-    const std::uint32_t hash = hashOf(pins.back().name);
-    Slot& slot = slots_[slotOf(pins, pins.back().name, hash)];
-    if (slot.place != 0) return false;
-    slot = {hash, static_cast<std::uint32_t>(pins.size())};
-    ++taken_;
-    return true;
-}
-
-/// The slot that holds the name, or the free one where it belongs.
-std::size_t PinIndex::slotOf(const std::vector<Pin>& pins, std::string_view name, std::uint32_t hash) const {
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t at = hash & mask;
-    while (slots_[at].place != 0 && (slots_[at].hash != hash || pins[slots_[at].place - 1].name != name)) {
-        at = (at + 1) & mask;
-    }
-    return at;
-}
-
-void PinIndex::grow() {
-    constexpr std::size_t kSmallest = 64;
-    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kSmallest, 2 * slots_.size())));
-    const std::size_t mask = slots_.size() - 1;
-    for (const Slot& slot : old) {
-        if (slot.place == 0) continue;
-        std::size_t at = slot.hash & mask;
-        while (slots_[at].place != 0) {
-            at = (at + 1) & mask;
-        }
-        slots_[at] = slot;
-    }
-}
-
-int pinNameLimit(IbisVersion version) { return version >= IbisVersion::v5 ? 8 : 5; }
 
 const Pin* findPin(const Cmpnt& component, std::string_view name) {
     return component.pin_index.find(component.pins, name);
@@ -170,44 +82,21 @@ bool isUnmodeledPinName(std::string_view model_name) {
 }
 
 void pinHeader(Run& run, Cmpnt& component, std::string_view text) {
-    Diagnostics& diagnostics = run.diagnostics;
-    if (component.pin_columns != 0) {
-        errorAtLine(diagnostics, 523);
+    if (component.pin_columns.seen()) {
+        errorAtLine(run.diagnostics, 523);
         return;
     }
-    const ItemList words = splitItems(run, text, kHeaderWords);
-    component.pin_columns = 1 + words.kept;
-    if (words.kept == 0) {
-        errorAtLine(diagnostics, 528, "Pin");
-        component.pin_header_faulty = true;
-        return;
-    }
-    if (component.pin_columns != kNameColumns && component.pin_columns != kAllColumns) {
-        errorAtLine(diagnostics, 532, "Pin", kNameColumns, kAllColumns, component.pin_columns);
-        component.pin_header_faulty = true;
-    }
-    for (int place = 0; place < kNameColumns - 1; ++place) {
-        const std::string_view header = kNameHeaders[static_cast<std::size_t>(place)];
-        if (equalsNoCase(words[place], header)) continue;
-        errorAtLine(diagnostics, 529, header);
-        component.pin_header_faulty = true;
-    }
-    for (int place = 0; place < kValueColumns && words.has(kNameColumns - 1 + place); ++place) {
-        const std::string_view word = words[kNameColumns - 1 + place];
-        if (!valueHeader(diagnostics, component, static_cast<std::size_t>(place), word)) {
-            component.pin_header_faulty = true;
-        }
-    }
+    readTableHeader(run, kHeader, component.pin_columns, text);
 }
 
 void pinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kAllColumns);
-    const bool wrong_count = !component.pin_header_faulty && items.count != kNameColumns && items.count != kAllColumns;
-    if (wrong_count) {
+    const RowFit fit = fitRow(component.pin_columns, kRowColumns, items.count);
+    if (fit == RowFit::notAllowed) {
         errorAtLine(diagnostics, 602, items.count);
         if (items.count < kNameColumns) return;
-    } else if (!component.pin_header_faulty && items.count > component.pin_columns) {
+    } else if (fit == RowFit::notNamed) {
         errorAtLine(diagnostics, 603);
     }
 
@@ -222,14 +111,20 @@ void pinLine(Run& run, Cmpnt& component, std::string_view text) {
     const bool is_na = equalsNoCase(pin.model_name, "NA");
     if (is_na) errorAtLine(diagnostics, 612, pin.model_name);
     pin.model_reported = !model_fits || is_na;
-    if (!wrong_count) readValues(diagnostics, component, pin, items);
+    if (fit != RowFit::notAllowed) readValues(diagnostics, component.pin_columns, pin, items);
 }
 
 void checkPins(Run& run, const Cmpnt& component, PinModels& models) {
     const Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
+    const IbisVersion version = run.parse.version;
+    const auto called = circuitCallPins(component, pinNameLimit(version));
     for (const Pin& pin : component.pins) {
-        if (needsNoModel(pin, run.parse.version)) continue;
+        if (needsNoModel(pin)) continue;
+        if (isCircuitCallPin(pin, version)) {
+            if (!called.contains(pin.name)) error(run.diagnostics, 611, pin.name, component.name);
+            continue;
+        }
         const auto [at, is_new] = models.try_emplace(pin.model_name);
         PinModel& model = at->second;
         if (is_new) model.kind = resolveModelName(run, *root, pin.model_name);

@@ -1,18 +1,18 @@
 #pragma once
 
+#include "component/row_index.hpp"
 #include "reader/cmn.hpp"
+#include "reader/names.hpp"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace kestrel {
 
 struct Run;
 struct Cmpnt;
-enum class IbisVersion : std::uint8_t;
 
 /// One row of "[Pin]". Values in ohms, henries and farads; "NA" or missing means the package's default.
 struct Pin {
@@ -25,30 +25,8 @@ struct Pin {
     bool model_reported = false; ///< the row reported its model name, which is then not reported again
 };
 
-/// Finds the pins of a list by their names. It holds places in the list, so that a pin costs no allocation of its own.
-class PinIndex {
-public:
-    /// The first pin of exactly this name, or null.
-    [[nodiscard]] const Pin* find(const std::vector<Pin>& pins, std::string_view name) const;
-
-    /// Enters the last pin of the list; false when its name is there already, which then keeps its first pin.
-    bool enterLast(const std::vector<Pin>& pins);
-
-private:
-    struct Slot {
-        std::uint32_t hash = 0;
-        std::uint32_t place = 0; ///< place in the list counted from 1; 0 is a free slot
-    };
-
-    [[nodiscard]] std::size_t slotOf(const std::vector<Pin>& pins, std::string_view name, std::uint32_t hash) const;
-    void grow();
-
-    std::vector<Slot> slots_; // a power of two, at most half of them taken
-    std::size_t taken_ = 0;
-};
-
-/// Most characters of a pin name.
-[[nodiscard]] int pinNameLimit(IbisVersion version);
+/// Finds the pins of a component by their names.
+using PinIndex = RowIndex<Pin, &Pin::name>;
 
 /// The pin of exactly this name, or null; of repeated names the first.
 [[nodiscard]] const Pin* findPin(const Cmpnt& component, std::string_view name);
@@ -74,7 +52,8 @@ struct PinModel {
 /// The model names of all pins of a file, so that each is looked up once. The names are views of the pins' own.
 using PinModels = std::unordered_map<std::string_view, PinModel>;
 
-/// Looks up the pins' model names, marks the models found and reports 609, 610 and 614 (no line), each once per name.
+/// Looks up the pins' model names, marks the models found and reports 609, 610 and 614 (no line), each once per
+/// name, and pins that a circuit call should name (611).
 void checkPins(Run& run, const Cmpnt& component, PinModels& models);
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/circuit.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/diagnostics.hpp"
 #include "ibis/ibis.hpp"
@@ -32,6 +33,7 @@ struct Run {
     RootStack roots;
     HdrState hdr;
     CmpntState cmpnt;
+    CircuitState circuit;
     MdlState mdl;
     MSelState msel;
     SubMdlState submdl;

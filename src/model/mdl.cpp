@@ -62,7 +62,8 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::addSubmodel: return Form::addSubmodel;
     case KeywordCode::modelSpec: return Form::modelSpec;
     case KeywordCode::receiverThresholds: return Form::receiverThresholds;
-    case KeywordCode::externalModel: return Form::externalModel;
+    case KeywordCode::externalModel:
+    case KeywordCode::endExternalModel: return Form::externalModel;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -73,7 +74,6 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::rcSeries: return Form::seriesRange;
     case KeywordCode::seriesCurrent: return Form::seriesCurrent;
     case KeywordCode::seriesMosfet: return Form::seriesMosfet;
-    case KeywordCode::endExternalModel:
     case KeywordCode::algorithmicModel:
     case KeywordCode::endAlgorithmicModel:
     case KeywordCode::beginEmiModel:
@@ -176,10 +176,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         checkReceiverThresholdsOrder(run, model);
         openRcvTh(run, model, line.text);
         break;
-    case Form::externalModel:
-        if (model.external_model) reportAlreadyDefined(run, model, "[External_Model]");
-        model.external_model = true;
-        break;
+    case Form::externalModel: blockKeywordLine(run, model, kExternalModel, run.mdl.block, line); break;
     case Form::seriesSection: openSeriesSection(run, model, line); break;
     case Form::seriesRange:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
@@ -232,8 +229,14 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
     case Form::modelSpec: mSpecLine(run, model, line.text); break;
     case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
-    case Form::externalModel:
     case Form::unread: break;
+    case Form::externalModel:
+        if (line.key == kExternalModel.begin) {
+            kExternalModel.line(run, model, line.text);
+        } else {
+            errorAtLine(run.diagnostics, 121);
+        }
+        break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
 }
@@ -253,8 +256,9 @@ void openMdl(Run& run) {
 
 void mdlKeywordSeen(Run& run, KeywordCode code) {
     if (run.mdl.current == nullptr) return;
-    const Mdl& model = *run.mdl.current;
+    Mdl& model = *run.mdl.current;
     closeSection(run, model);
+    blockKeywordSeen(run, model, run.mdl.block, code);
     if (keepsModelOpen(code)) return;
     if (model.driver_schedule) closeDrvSh(run, model);
     checkModel(run, model);

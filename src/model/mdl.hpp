@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/circuit.hpp"
 #include "model/ccorner.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
@@ -10,6 +11,7 @@
 #include "model/types.hpp"
 #include "model/wvfrm.hpp"
 #include "reader/keyword.hpp"
+#include "reader/names.hpp"
 #include "reader/rng.hpp"
 
 #include <cstdint>
@@ -81,8 +83,8 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
-    bool external_model = false; ///< "[External Model]" was there
-    bool referenced = false;     ///< some pin, selector, schedule or series pin mapping names this model
+    std::unique_ptr<ExtCkt> external_model; ///< "[External Model]", from its keyword line on
+    bool referenced = false;                ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.
@@ -90,6 +92,9 @@ struct MdlState {
     Mdl* current = nullptr;
     SeriesBlock* series_block = nullptr;       ///< section that series keywords go to
     KeywordCode section = KeywordCode::notKey; ///< the model's keyword whose lines are being read
+    const Block<Mdl>* block = nullptr;         ///< the construct that waits for its end keyword
+    std::unique_ptr<ExtCkt> repeated_external; ///< of a second "[External Model]", which the model does not keep
+    ExtCkt* external = nullptr;                ///< the external model being read
     CrvState crv;
     RampState ramp;
     WvfrmState wvfrm;
@@ -114,9 +119,6 @@ Mdl* referenceMdl(Run& run, std::string_view name);
 
 /// True for "Series" and "Series_switch".
 [[nodiscard]] bool isSeries(const Mdl& model);
-
-/// Longest model name that the version allows, in characters.
-[[nodiscard]] constexpr int modelNameLimit(IbisVersion version) { return version < IbisVersion::v4 ? 20 : 40; }
 
 /// Compares submodels with the "[Add Submodel]" rows of all models once the file is read: a submodel that no row names
 /// (warning 220), then rows that name no submodel (error 218); no line.

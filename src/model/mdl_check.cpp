@@ -144,6 +144,9 @@ void checkModel(Run& run, const Mdl& model) {
     checkSeries(run, model);
     checkReferenceSupply(run, model);
     checkTestLoad(run, model);
+    if (isDifferential(model) && !model.external_model) {
+        caution(run.diagnostics, 1829, model.name, modelTypeText(model.model_type));
+    }
     checkIsso(run, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);

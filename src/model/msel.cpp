@@ -63,12 +63,15 @@ void entryLine(Run& run, MSel& selector, std::string_view text) {
     }
 }
 
-/// Model names of all pins of a root.
-std::unordered_set<std::string_view> pinModelNames(const Ibis& root) {
+/// Model names of all pins and rows between pins of a root.
+std::unordered_set<std::string_view> usedModelNames(const Ibis& root) {
     std::unordered_set<std::string_view> names;
     for (const Cmpnt& component : root.components.newestFirst()) {
         for (const Pin& pin : component.pins) {
             names.insert(pin.model_name);
+        }
+        for (const SPin& row : component.series_pins) {
+            names.insert(row.model_name);
         }
     }
     return names;
@@ -154,7 +157,7 @@ void checkMSels(Run& run) {
     }
     if (root->model_selectors.empty()) return;
     // Gathered once: there may be as many selectors as pins.
-    const std::unordered_set<std::string_view> used = pinModelNames(*root);
+    const std::unordered_set<std::string_view> used = usedModelNames(*root);
     for (MSel& selector : root->model_selectors.newestFirst()) {
         if (referenceMdl(run, selector.name) != nullptr) error(run.diagnostics, 4021, selector.name);
         if (!root->components.empty() && !used.contains(selector.name)) {

@@ -135,8 +135,9 @@ template <class Faulty> bool anyCorner(const MSpec& spec, Field first, Field sec
 }
 
 void checkThresholds(Run& run, const MSpec& spec, std::string_view model) {
-    const auto lines = std::ranges::count_if(kHysteresis, [&spec](Field field) { return hasLine(spec, field); });
-    if (lines > 0 && static_cast<std::size_t>(lines) < kHysteresis.size()) warning(run.diagnostics, 3811, model);
+    const bool begun = std::ranges::any_of(kHysteresis, [&spec](Field field) { return has(spec, field); });
+    const bool complete = std::ranges::all_of(kHysteresis, [&spec](Field field) { return hasLine(spec, field); });
+    if (begun && !complete) warning(run.diagnostics, 3811, model);
     const auto check_order = [&](Field high, Field low) {
         if (!anyCorner(spec, high, low, std::less<>{})) return;
         warning(run.diagnostics, 3812, model, nameOf(high), nameOf(low));
@@ -163,8 +164,8 @@ void reportMisplaced(Run& run, const MSpec& spec, const Mdl& model, std::span<co
     warning(run.diagnostics, 3816, model.name, row->name, modelTypeText(model.model_type));
 }
 
-/// Thresholds are for models that receive, test loads for those that drive. A series model has been refused the whole
-/// block, and a model without a type has been reported.
+/// Thresholds are for models that receive, test loads for those that drive. A series model is warned of the whole block
+/// when it is complete, and a model without a type has been reported.
 void checkType(Run& run, const MSpec& spec, const Mdl& model) {
     const ModelType type = model.model_type;
     if (type == ModelType::notGiven || type == ModelType::noType || isSeries(model)) return;

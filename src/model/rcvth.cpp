@@ -67,7 +67,8 @@ constexpr auto kSupplyKeywords = std::to_array({
     SupplyKeyword{ReferenceSupply::external, &Mdl::external_reference, 199},
 });
 
-constexpr ValueLineMessages kValueMessages{3208, 3204, 3209, ScaleMessage(3210)};
+constexpr ValueLineMessages kValueMessages{
+    3208, 3204, 3209, ScaleMessage(3210), ValueGiven::whenRead, TooMany::whenComplete};
 constexpr WordLineMessages kWordMessages{3211, 3204};
 constexpr EnumerationMessages kEnumerationMessages{3212, 3213};
 
@@ -86,6 +87,8 @@ bool has(const RcvTh& thresholds, const Field& field) {
     if (const auto* const value = std::get_if<ValueField>(&field)) return (thresholds.**value).has_value();
     return thresholds.*std::get<WordField>(field) != ReferenceSupply::notGiven;
 }
+
+bool isGiven(const RcvTh& thresholds, std::string_view name) { return has(thresholds, kRows[placeOf(name)].field); }
 
 /// True when a line for it was there; one that was refused has been reported.
 bool hasLine(const RcvTh& thresholds, std::string_view name) {
@@ -114,10 +117,11 @@ void requireAll(Run& run, const RcvTh& thresholds, std::string_view model, std::
 }
 
 void checkSensitivity(Run& run, const RcvTh& thresholds, std::string_view model) {
-    const bool supply = hasLine(thresholds, kReferenceName);
-    const bool sensitivity = hasLine(thresholds, "Threshold_sensitivity");
-    if (sensitivity && !supply) error(run.diagnostics, 3217, model);
-    if (supply && !sensitivity) warning(run.diagnostics, 3218, model);
+    constexpr std::string_view kSensitivity = "Threshold_sensitivity";
+    if (isGiven(thresholds, kSensitivity) && !hasLine(thresholds, kReferenceName)) error(run.diagnostics, 3217, model);
+    if (isGiven(thresholds, kReferenceName) && !hasLine(thresholds, kSensitivity)) {
+        warning(run.diagnostics, 3218, model);
+    }
 }
 
 void checkOrder(Run& run, const RcvTh& thresholds, std::string_view model) {
@@ -139,11 +143,12 @@ void checkThresholds(Run& run, const RcvTh& thresholds, std::string_view model) 
         std::ranges::any_of(kRows, [&thresholds](const ThresholdRow& row) { return has(thresholds, row.field); });
     if (!given && !thresholds.refused.any()) warning(run.diagnostics, 3215, model);
     // Either input of a differential pair may give thresholds of its own, but it need not.
-    const bool differential =
-        std::ranges::any_of(kDifferential, [&](std::string_view name) { return hasLine(thresholds, name); });
-    if (differential) {
+    // Of a set that was begun only with lines that were refused nothing is asked.
+    const auto given_one = [&](std::string_view name) { return isGiven(thresholds, name); };
+    const auto line_of_one = [&](std::string_view name) { return hasLine(thresholds, name); };
+    if (std::ranges::any_of(kDifferential, given_one)) {
         requireAll(run, thresholds, model, kDifferential);
-    } else {
+    } else if (std::ranges::any_of(kSingleEnded, given_one) || std::ranges::none_of(kDifferential, line_of_one)) {
         requireAll(run, thresholds, model, kSingleEnded);
     }
     checkSensitivity(run, thresholds, model);

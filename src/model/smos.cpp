@@ -16,11 +16,11 @@ constexpr std::size_t kMaxTables = 100;
 bool readVds(Run& run, std::optional<double>& vds, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ValueLine line = splitValueLine(run, text);
-    if (line.count > ValueLine::kItems) errorAtLine(diagnostics, 2801, line.count, kVds, ValueLine::kItems);
     if (!line.complete) {
         errorAtLine(diagnostics, 2802);
         return false;
     }
+    if (line.count > ValueLine::kItems) errorAtLine(diagnostics, 2801, line.count, kVds, ValueLine::kItems);
     if (line.result == ReadResult::noNumber) {
         errorAtLine(diagnostics, 2803, line.text);
         return false;

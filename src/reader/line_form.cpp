@@ -27,7 +27,7 @@ bool readValueLine(Run& run, std::string_view text, const ValueLineMessages& mes
     if (messages.given == ValueGiven::whenAccepted) value = 0.0;
 
     const ValueLine line = splitValueLine(run, text);
-    if (line.count > ValueLine::kItems) {
+    if (line.count > ValueLine::kItems && (line.complete || messages.too_many == TooMany::always)) {
         errorAtLine(run.diagnostics, messages.wrong_count, line.count, words.subject, ValueLine::kItems);
     }
     if (!line.complete) {

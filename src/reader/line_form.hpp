@@ -71,6 +71,12 @@ enum class ValueGiven : std::uint8_t {
     whenAccepted ///< at once; 0 until a number reads
 };
 
+/// Which lines of more than three items are told their number.
+enum class TooMany : std::uint8_t {
+    always,      ///< also one without "=" in second place, which then gets both messages
+    whenComplete ///< only one that is read
+};
+
 using ScaleMessage = CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text>;
 
 /// What the lines "name = number" of one module report, and where modules differ.
@@ -84,6 +90,7 @@ struct ValueLineMessages {
     /// Warning of digits in the scale: the group, the name, the text. Without it they pass silently.
     std::optional<ScaleMessage> numeric_in_scale;
     ValueGiven given = ValueGiven::whenRead;
+    TooMany too_many = TooMany::always;
 };
 
 /// The words in those messages. `group` and `name` serve only the warning of digits in the scale.

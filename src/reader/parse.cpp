@@ -134,6 +134,7 @@ void tellModules(Run& run, KeywordCode code) {
     hdrKeywordSeen(run, code);
     cmpntKeywordSeen(run, code);
     mdlKeywordSeen(run, code);
+    circuitKeywordSeen(run, code);
     submdlKeywordSeen(run, code);
     mselKeywordSeen(run, code);
     testDataKeywordSeen(run, code);
@@ -212,6 +213,7 @@ void handOn(Run& run, const Line& line) {
     switch (owner) {
     case Owner::hdr: hdrLine(run, line); break;
     case Owner::cmpnt: cmpntLine(run, line); break;
+    case Owner::circuit: circuitLine(run, line); break;
     case Owner::mdl: mdlLine(run, line); break;
     case Owner::pkgmdl: pkgmdlLine(run, line); break;
     case Owner::ebdmdl: ebdmdlLine(run, line); break;
@@ -221,9 +223,7 @@ void handOn(Run& run, const Line& line) {
     case Owner::testload: testLoadLine(run, line); break;
     case Owner::end: endLine(run, line); break;
     case Owner::none: errorAtLine(run.diagnostics, 907, line.text); break;
-    // A comment-character line is dealt with ahead of the dispatch; the others' lines are not examined.
-    case Owner::commentChar:
-    case Owner::circuit: break;
+    case Owner::commentChar: break; // such a line is dealt with ahead of the dispatch
     }
 }
 
@@ -315,6 +315,9 @@ void forgetOpenRecords(Run& run) {
     run.msel = {};
     run.pkgmdl = {};
     run.ebdmdl = {};
+    run.circuit = {};
+    run.testdata = {};
+    run.testload = {};
 }
 
 /// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.

@@ -136,6 +136,7 @@ TEST(Pins, markTheirModelsAndAreReportedOncePerName) {
     test.open("Second");
     test.pins({"1 s diff", "2 s sel", "3 s 12345678901234567890"});
     test.keyword(K::diffPin, "inv_pin vdiff tdelay_typ tdelay_min tdelay_max");
+    test.data(K::diffPin, "1 2 NA NA");
     test.said();
     test.run.diagnostics.silence_cautions = false;
 

@@ -247,7 +247,7 @@ TEST(Model, keywordLines) {
         {"Input", "[TTgnd] 0 0 0\n[TTpower] NA -1 1", "E0178@ E0113@"},
         {"Input", "[TTgnd] -1 NA NA\n[TTpower] -1n -2n -3n", "E0108@ E0112@ E0113@ E0114@"},
         {"Input", "[TTgnd] -1 -2 -3", "E0108@ E0109@ E0110@"},
-        {"Input", "[External Model]\n[End External Model]\n[External Model]", "E0119@"},
+        {"Input", "[External Model]\n[End External Model]\n[External Model]", "E1823 E1824 E1825 E0119@"},
         {"Output", "[Voltage Range] 3 2 4\n[Receiver Thresholds]\nVth = 1", "E0120@ W0117@"},
         {"Output_diff", "[Receiver Thresholds]", "W0117@"},
         {"wrong", "[Receiver Thresholds]", "E0158@ W0117@"},
@@ -310,10 +310,10 @@ TEST(Model, whatEachTypeAdmitsAndNeeds) {
         {"Series", false, false, false, false, "E0209@", "E", ""},
         {"Series_switch", false, false, false, false, "E0209@", "E", " E0193 E0194"},
         {"3-state_ECL", false, true, true, false, "", "E", " E0190 W0200"},
-        {"I/O_diff", false, true, true, false, "", "E", " E0190 W0202"},
-        {"Output_diff", false, true, true, false, "", "E", " E0190 W0202"},
-        {"3-state_diff", false, true, true, false, "", "E", " E0190 W0202"},
-        {"Input_diff", false, false, false, false, "", "E", ""},
+        {"I/O_diff", false, true, true, false, "", "E", " E0190 W0202 C1829"},
+        {"Output_diff", false, true, true, false, "", "E", " E0190 W0202 C1829"},
+        {"3-state_diff", false, true, true, false, "", "E", " E0190 W0202 C1829"},
+        {"Input_diff", false, false, false, false, "", "E", " C1829"},
     };
     for (const auto& row : rows) {
         const auto said = [&row](std::string_view lines) { return codesOf(row.type, lines); };
@@ -368,15 +368,15 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type 3-state" + c_comp + whole + "[Driver Schedule]\n[Pullup]\n[End]", "E1108 E4205 W0201"},
         {"Model_type 3-state" + c_comp + whole + "[Driver Schedule]\n[Model] n", "E4205 W0201"},
         // capacitance
-        {"Model_type Input_diff\nC_comp_gnd_clamp NA 1 1\n" + whole + "[End]", "E0178@"},
-        {"Model_type Input_diff\n" + whole + "[External Model]\n[End External Model]\n[End]", ""},
-        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E5009 E0181"},
+        {"Model_type Input_diff\nC_comp_gnd_clamp NA 1 1\n" + whole + "[End]", "E0178@ C1829"},
+        {"Model_type Input_diff\n" + whole + "[External Model]\n[End External Model]\n[End]", "E1823 E1824 E1825"},
+        {"Model_type Input_diff\n" + whole + "[C Comp Corner]\n[End]", "E5009 E0181 C1829"},
         // thresholds
         {"Model_type Input\nVinl = 1" + c_comp + "[Pulldown Reference] 0 0 0\n[GND Clamp Reference] 0 0 0\n[End]",
          "W0184 W0188 E0188"},
         {"Model_type Input_ECL" + c_comp + "[Receiver Thresholds]\n[End]", "W0188 W0188 E0188 E0188"},
         // terminators
-        {"Model_type Input_diff" + c_comp + whole + "[Rpower] 1 1 1\n[Cac] 1 1 1\n[End]", "E0185 E0185 E0186"},
+        {"Model_type Input_diff" + c_comp + whole + "[Rpower] 1 1 1\n[Cac] 1 1 1\n[End]", "E0185 E0185 E0186 C1829"},
         {"Model_type Terminator" + c_comp + whole + "[Rpower] 1 1 1\n[Rac] 1 1 1\n[End]", "E0187"},
         {"Model_type Terminator" + c_comp + whole + "[Rac] 1 1 1\n[Cac] 1 1 1\n[Rgnd] 1 1 1\n[End]", ""},
         // ramp
@@ -399,7 +399,7 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type Open_sink\nVmeas = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
         {"Model_type 3-state_ECL\nVref = 1\nRref = 1" + c_comp + whole + "[End]", "W0200"},
         {"Model_type Output_ECL\nVmeas = 1\nRref = 1\nVref = 1" + c_comp + whole + "[End]", ""},
-        {"Model_type 3-state_diff\nCref_diff = 1p" + c_comp + whole + "[End]", ""},
+        {"Model_type 3-state_diff\nCref_diff = 1p" + c_comp + whole + "[End]", "C1829"},
         // measuring voltage between the thresholds
         {"Model_type I/O\nVinl = 1.5\nVinh = 1.5\nVmeas = 1.5" + c_comp + whole + "[End]", "C0182 C0183"},
         {"Model_type I/O\nVinl = 1.4\nVinh = 1.6\nVmeas = 1.5" + c_comp + whole + "[End]", ""},

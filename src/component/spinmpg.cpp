@@ -1,0 +1,151 @@
+#include "component/spinmpg.hpp"
+
+#include "ibis/run.hpp"
+
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::array<std::string_view, 2> kRequired{"pin_2", "model_name"};
+constexpr std::array<std::string_view, 1> kOptional{"function_table_group"};
+constexpr TableHeader kHeader{"Series_Pin_Mapping", kRequired, kOptional};
+constexpr std::array<int, 2> kRowColumns{3, 4};
+
+/// Of a row that cannot be read the model counts as used and the group as known, both silently.
+void dropRow(Run& run, Cmpnt& component, const ItemList& items) {
+    const auto limit = static_cast<std::size_t>(modelNameLimit(run.parse.version));
+    if (items.has(3)) component.reported_groups.emplace(items[3].substr(0, limit));
+    const std::string_view model = items[2];
+    if (model.empty() || isReservedWord(model)) return;
+    SPin& row = component.series_pins.emplace_back();
+    row.model_name = model.substr(0, limit);
+    row.model_reported = true;
+}
+
+void checkPinName(Run& run, const Cmpnt& component, std::string_view pin, bool reported) {
+    if (pin.empty() || reported || findPin(component, pin) != nullptr) return;
+    error(run.diagnostics, 2610, pin, component.name);
+}
+
+/// A model without a type has been reported for that.
+bool mayBeSeries(const Mdl& model) {
+    return isSeries(model) || model.model_type == ModelType::notGiven || model.model_type == ModelType::noType;
+}
+
+/// True when every entry that names a model names one between pins.
+bool mayBeSeries(const Ibis& root, const MSel& selector) {
+    return std::ranges::all_of(selector.entries, [&root](const MSelEntry& entry) {
+        const Mdl* const model = root.models.find(entry.model_name);
+        return model == nullptr || mayBeSeries(*model);
+    });
+}
+
+/// What the whole file says about a model name.
+enum class SeriesModel : std::uint8_t { series, undefined, other };
+
+SeriesModel resolve(Run& run, const Ibis& root, std::string_view name) {
+    if (const Mdl* const model = referenceMdl(run, name)) {
+        return mayBeSeries(*model) ? SeriesModel::series : SeriesModel::other;
+    }
+    const MSel* const selector = root.model_selectors.find(name);
+    if (selector == nullptr) return SeriesModel::undefined;
+    return mayBeSeries(root, *selector) ? SeriesModel::series : SeriesModel::other;
+}
+
+/// The rows that bring a new model name, each with what it stands for. Marks the models.
+std::vector<std::pair<const SPin*, SeriesModel>> resolveModels(Run& run, const Ibis& root, const Cmpnt& component) {
+    std::vector<std::pair<const SPin*, SeriesModel>> models;
+    std::unordered_set<std::string_view> done;
+    for (const SPin& row : component.series_pins) {
+        if (row.model_name.empty() || !done.insert(row.model_name).second) continue;
+        models.emplace_back(&row, resolve(run, root, row.model_name));
+    }
+    return models;
+}
+
+void checkModels(Run& run, const Ibis& root, const Cmpnt& component) {
+    const auto models = resolveModels(run, root, component);
+    for (const auto& [row, kind] : models) {
+        if (row->model_reported || kind != SeriesModel::undefined) continue;
+        error(run.diagnostics, 2611, row->model_name, component.name);
+    }
+    for (const auto& [row, kind] : models) {
+        if (row->model_reported || kind != SeriesModel::other) continue;
+        error(run.diagnostics, 2612, row->model_name, component.name);
+    }
+}
+
+/// Holds the rows to the groups that "[Series Switch Groups]" switches.
+void checkGroups(Run& run, const Ibis& root, const Cmpnt& component) {
+    for (const SPin& row : component.series_pins) {
+        if (!row.group.empty() || row.pin_2.empty()) continue;
+        const Mdl* const model = root.models.find(row.model_name);
+        if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
+        warning(run.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
+    }
+    std::unordered_set<std::string_view> known(component.reported_groups.begin(), component.reported_groups.end());
+    for (const SwitchState& state : component.switch_states) {
+        known.insert(state.on.begin(), state.on.end());
+        known.insert(state.off.begin(), state.off.end());
+    }
+    for (const SPin& row : component.series_pins) {
+        if (row.group.empty() || !known.insert(row.group).second) continue;
+        warning(run.diagnostics, 2614, row.group, component.name);
+    }
+}
+
+} // namespace
+
+void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text) {
+    if (component.series_pin_columns.seen()) {
+        errorAtLine(run.diagnostics, 2602);
+        return;
+    }
+    readTableHeader(run, kHeader, component.series_pin_columns, text);
+}
+
+void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
+    Diagnostics& diagnostics = run.diagnostics;
+    const ItemList items = splitItems(run, text, kRowColumns.back());
+    const RowFit fit = fitRow(component.series_pin_columns, kRowColumns, items.count);
+    if (fit == RowFit::notAllowed) {
+        errorAtLine(diagnostics, 2603, items.count);
+        dropRow(run, component, items);
+        return;
+    }
+    if (fit == RowFit::notNamed) errorAtLine(diagnostics, 2604);
+
+    SPin row;
+    const IbisVersion version = run.parse.version;
+    row.pin_1_reported = !storeName(diagnostics, row.pin_1, items[0], pinNameLimit(version), 2605);
+    row.pin_2_reported = !storeName(diagnostics, row.pin_2, items[1], pinNameLimit(version), 2605);
+    row.model_reported = !storeName(diagnostics, row.model_name, items[2], modelNameLimit(version), 2606);
+    const bool group_fits = storeName(diagnostics, row.group, items[3], modelNameLimit(version), 2607);
+    if (!group_fits) component.reported_groups.insert(row.group);
+    const bool pin_reported = row.pin_1_reported || row.pin_2_reported;
+    if (row.pin_1 == row.pin_2 && !pin_reported) errorAtLine(diagnostics, 2608, row.pin_1);
+    if (isReservedWord(row.model_name)) {
+        errorAtLine(diagnostics, 2609, row.model_name);
+        return;
+    }
+    component.series_pins.push_back(std::move(row));
+}
+
+void checkSeriesPins(Run& run, const Cmpnt& component) {
+    const Ibis* const root = currentRoot(run);
+    if (root == nullptr) return;
+    if (!component.pins.empty()) {
+        for (const SPin& row : component.series_pins) {
+            checkPinName(run, component, row.pin_1, row.pin_1_reported);
+            checkPinName(run, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
+        }
+    }
+    checkModels(run, *root, component);
+    if (component.switch_groups_seen) checkGroups(run, *root, component);
+}
+
+} // namespace kestrel

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+struct Run;
+struct Cmpnt;
+
+/// One row of "[Series Pin Mapping]". A row of a wrong number of columns keeps nothing but its model name, so that the
+/// model counts as used.
+struct SPin {
+    std::string pin_1;
+    std::string pin_2;
+    std::string model_name;
+    std::string group; ///< function table group, empty when the column is absent
+    bool pin_1_reported = false;
+    bool pin_2_reported = false;
+    bool model_reported = false;
+};
+
+/// Reads the header words behind "[Series Pin Mapping]". Reports 2602 and 528 to 532.
+void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text);
+
+/// Reads one row. Reports 2603 to 2609.
+void seriesPinLine(Run& run, Cmpnt& component, std::string_view text);
+
+/// Looks up pins, models and groups of the rows, marks the models found and reports 2610 to 2614 (no line).
+void checkSeriesPins(Run& run, const Cmpnt& component);
+
+} // namespace kestrel

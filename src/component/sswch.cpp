@@ -1,0 +1,96 @@
+#include "component/sswch.hpp"
+
+#include "ibis/run.hpp"
+
+#include <unordered_set>
+
+namespace kestrel {
+
+namespace {
+
+using List = SwitchReader::List;
+
+/// The list that a word of a state opens.
+List listOf(std::string_view word) {
+    if (word == "On") return List::on;
+    if (word == "Off") return List::off;
+    return List::none;
+}
+
+void groupName(Run& run, Cmpnt& component, std::string_view text) {
+    SwitchReader& reader = run.cmpnt.switches;
+    std::string name;
+    const bool fits = storeName(run.diagnostics, name, text, modelNameLimit(run.parse.version), 2506);
+    if (!fits) component.reported_groups.insert(name);
+    const auto at = reader.groups.try_emplace(name, reader.list).first;
+    List& first = at->second;
+    if (first != List::none && first != reader.list) {
+        if (fits) errorAtLine(run.diagnostics, 2507, name);
+        first = List::none; // told once
+    }
+    SwitchState& state = component.switch_states.back();
+    (reader.list == List::on ? state.on : state.off).push_back(std::move(name));
+}
+
+/// Reads one word of a state; false when no state is open and the word opens none.
+bool stateWord(Run& run, Cmpnt& component, std::string_view word) {
+    SwitchReader& reader = run.cmpnt.switches;
+    const List list = listOf(word);
+    if (reader.list == List::none) {
+        if (list == List::none) return false;
+        component.switch_states.emplace_back();
+        reader.groups = TextMap<List>(); // "= {}" would keep and clear the room of the largest state
+    }
+    if (list == List::none) {
+        groupName(run, component, word);
+    } else {
+        reader.list = list;
+    }
+    return true;
+}
+
+void endState(Run& run, const Cmpnt& component) {
+    run.cmpnt.switches.list = List::none;
+    const SwitchState& state = component.switch_states.back();
+    if (state.on.empty() && state.off.empty()) warningAtLine(run.diagnostics, 2505);
+}
+
+} // namespace
+
+void switchGroupsHeader(Run& run, Cmpnt& component, std::string_view text) {
+    if (component.switch_groups_seen) errorAtLine(run.diagnostics, 2501);
+    component.switch_groups_seen = true;
+    const int count = splitItems(run, text, 0).count;
+    if (count > 0) errorAtLine(run.diagnostics, 2502, count + 1, "Series_Switch_Groups", 1);
+}
+
+void switchGroupsLine(Run& run, Cmpnt& component, std::string_view text) {
+    SwitchReader& reader = run.cmpnt.switches;
+    for (std::string_view item = takeItem(run, text); !item.empty(); item = takeItem(run, text)) {
+        const bool ends = item.back() == '/';
+        const std::string_view word = item.substr(0, item.size() - (ends ? 1 : 0));
+        const bool reads = word.empty() ? reader.list != List::none : stateWord(run, component, word);
+        if (!reads) {
+            errorAtLine(run.diagnostics, 2503, item);
+            break;
+        }
+        if (ends) endState(run, component);
+    }
+    run.parse.continuation_pending = reader.list != List::none;
+}
+
+void checkSwitchGroups(Run& run, const Cmpnt& component) {
+    std::unordered_set<std::string_view> known(component.reported_groups.begin(), component.reported_groups.end());
+    for (const SPin& row : component.series_pins) {
+        known.insert(row.group);
+    }
+    for (const SwitchState& state : component.switch_states) {
+        for (const std::vector<std::string>* const list : {&state.on, &state.off}) {
+            for (const std::string& group : *list) {
+                if (known.insert(group).second) warning(run.diagnostics, 2508, group, component.name);
+            }
+        }
+    }
+}
+
+} // namespace kestrel

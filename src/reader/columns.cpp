@@ -1,0 +1,72 @@
+#include "reader/columns.hpp"
+
+#include "ibis/run.hpp"
+
+#include <algorithm>
+
+namespace kestrel {
+
+namespace {
+
+/// Reads the `place`th word of the optional ones.
+void optionalHeader(Run& run, const TableHeader& header, TableColumns& columns, int place, std::string_view word) {
+    const auto* const first = header.optional.data();
+    const auto* const last = first + header.optional.size();
+    const auto* const found =
+        std::find_if(first, last, [word](std::string_view name) { return equalsNoCase(name, word); });
+    const auto column = static_cast<std::uint8_t>(found - first);
+    if (std::ranges::find(columns.optional, column) != columns.optional.end()) {
+        errorAtLine(run.diagnostics, 531, word);
+        columns.faulty = true;
+    } else if (found == last || (!header.any_order && column != place)) {
+        errorAtLine(run.diagnostics, 530, word);
+        columns.faulty = true;
+    } else {
+        columns.optional[static_cast<std::size_t>(place)] = column;
+    }
+}
+
+} // namespace
+
+ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& columns, std::string_view text, int most) {
+    const ItemList words = splitItems(run, text, most);
+    columns.count = 1 + words.kept;
+    if (words.kept == 0) {
+        errorAtLine(run.diagnostics, 528, keyword);
+        columns.faulty = true;
+    }
+    return words;
+}
+
+bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::string_view expected) {
+    if (equalsNoCase(word, expected)) return true;
+    errorAtLine(run.diagnostics, 529, expected);
+    columns.faulty = true;
+    return false;
+}
+
+void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text) {
+    const int required = static_cast<int>(header.required.size());
+    const int all = required + static_cast<int>(header.optional.size());
+    // One word too many is counted, but not looked at.
+    const ItemList words = readHeaderWords(run, header.keyword, columns, text, all + 1);
+    if (words.kept == 0) return;
+    if (words.kept != required && words.kept != all) {
+        errorAtLine(run.diagnostics, 532, header.keyword, 1 + required, 1 + all, columns.count);
+        columns.faulty = true;
+    }
+    for (int place = 0; place < required; ++place) {
+        expectHeader(run, columns, words[place], header.required[static_cast<std::size_t>(place)]);
+    }
+    for (int place = 0; required + place < all && words.has(required + place); ++place) {
+        optionalHeader(run, header, columns, place, words[required + place]);
+    }
+}
+
+RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int count) {
+    if (columns.faulty) return RowFit::fits;
+    if (std::ranges::find(allowed, count) == allowed.end()) return RowFit::notAllowed;
+    return count > columns.count ? RowFit::notNamed : RowFit::fits;
+}
+
+} // namespace kestrel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace kestrel {
+
+struct Run;
+struct ItemList;
+
+/// Most optional columns that a table may name.
+inline constexpr int kMaxOptionalColumns = 3;
+
+/// What the keyword line of a table said about its columns.
+struct TableColumns {
+    int count = 0;       ///< columns named, the first, which has no header, included; 0 until the keyword line
+    bool faulty = false; ///< the line was reported, so rows are not held to it
+    std::array<std::optional<std::uint8_t>, kMaxOptionalColumns> optional{}; ///< which optional header stands where
+
+    [[nodiscard]] bool seen() const { return count != 0; }
+};
+
+/// The column headers that stand behind the keyword of a table, without case.
+struct TableHeader {
+    std::string_view keyword; ///< as messages name it
+    std::span<const std::string_view> required;
+    std::span<const std::string_view> optional; ///< all of them or none
+    bool any_order = false;                     ///< of the optional ones
+};
+
+/// Cuts the words of a header line, up to `most`, and counts their columns. Reports a line without words (528).
+ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& columns, std::string_view text, int most);
+
+/// True when `word` is the expected header; otherwise reports 529.
+bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::string_view expected);
+
+/// Reads a whole header line. Reports 528 to 532.
+void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text);
+
+/// How the columns of a row agree with its table.
+enum class RowFit : std::uint8_t {
+    fits,
+    notAllowed, ///< no row of this kind has so many
+    notNamed    ///< more than the keyword line names
+};
+
+/// Judges a row by its number of columns; under a faulty header line every row fits.
+[[nodiscard]] RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int count);
+
+} // namespace kestrel
