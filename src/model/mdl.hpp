@@ -87,11 +87,11 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
+    std::unique_ptr<ExtCkt> external_model; ///< from its keyword line on
     // Keywords whose lines are not stored: that they were there matters to the checks of the model.
     bool model_spec = false;
     bool receiver_thresholds = false;
-    std::unique_ptr<ExtCkt> external_model; ///< from its keyword line on
-    bool referenced = false;                ///< some pin, selector, schedule or series pin mapping names this model
+    bool referenced = false; ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.
