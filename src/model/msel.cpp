@@ -58,7 +58,7 @@ void entryLine(Run& run, MSel& selector, std::string_view text) {
     MSelEntry& entry = selector.entries.emplace_back();
     entry.model_name = entryName(run, items[0]);
     entry.description = entryDescription(run, trim(text.substr(name_end)), entry.model_name.size());
-    if (!selector.entry_names.insert(entry.model_name).second) {
+    if (!run.msel.entry_names.insert(entry.model_name).second) {
         errorAtLine(run.diagnostics, 4025, entry.model_name);
     }
 }
@@ -109,6 +109,7 @@ void openMSel(Run& run) {
         programBugAtLine(run.diagnostics, 4000, mark.file, mark.line);
         return;
     }
+    run.msel.entry_names.clear();
     run.msel.current = &root->model_selectors.add(std::make_unique<MSel>());
 }
 

@@ -21,15 +21,15 @@ struct MSelEntry {
 
 /// One "[Model Selector]".
 struct MSel {
-    std::string name;                            ///< at most 20 or 40 characters, by version
-    std::vector<MSelEntry> entries;              ///< in file order
-    std::unordered_set<std::string> entry_names; ///< for the test of repeated names
-    std::optional<bool> single_ended;            ///< kind of the first entry, set by the final checks
+    std::string name;                 ///< at most 20 or 40 characters, by version
+    std::vector<MSelEntry> entries;   ///< in file order
+    std::optional<bool> single_ended; ///< kind of the first entry, set by the final checks
 };
 
-/// The selector being read, null outside one.
+/// The selector being read, null outside one, and what is remembered of it.
 struct MSelState {
     MSel* current = nullptr;
+    std::unordered_set<std::string> entry_names; ///< of the current one, for the test of repeated names
 };
 
 /// Opens a selector at "[Model Selector]".

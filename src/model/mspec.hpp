@@ -57,7 +57,7 @@ void openMSpec(Run& run, Mdl& model, std::string_view text);
 /// Reads one line of it. Reports 3805 to 3808, 3810 and what the range reader reports.
 void mSpecLine(Run& run, Mdl& model, std::string_view text);
 
-/// Ends the spec: what is missing beside what is given, what contradicts itself or the model's type (3809, 3811 to
+/// Ends the block: what is missing beside what is given, what contradicts itself or the model's type (3809, 3811 to
 /// 3816). Warnings without line.
 void closeMSpec(Run& run, const Mdl& model);
 

@@ -45,7 +45,7 @@ void sMosLine(Run& run, SMos& mosfet, std::string_view text) {
     std::string_view rest = text;
     const std::string_view first = takeItem(run, rest, '=');
     if (first != kVds) {
-        if (beginsRow(first)) {
+        if (readFirstCell(first).beginsRow()) {
             crvLine(run, mosfet.table, CurveKind::seriesMosfet, text);
         } else {
             errorAtLine(run.diagnostics, 2810);

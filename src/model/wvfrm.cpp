@@ -46,8 +46,9 @@ std::size_t rowLimit(IbisVersion version, WaveformForm form) {
 }
 
 /// Reads a row of time and values to the end of `rows`.
-void timeRow(Run& run, std::vector<TableRow>& rows, std::string_view text, std::string_view label, std::size_t limit) {
-    const TableRow row = readRow(run, text, label, "Time");
+void timeRow(Run& run, std::vector<TableRow>& rows, std::string_view text, const FirstCell& first,
+             std::string_view label, std::size_t limit) {
+    const TableRow row = readRow(run, text, label, "Time", first);
     const std::size_t count = appendRow(run.diagnostics, rows, row);
     if (count > limit) errorAtLine(run.diagnostics, 2018, static_cast<std::int32_t>(limit), label);
     if (row.state[kFirst] == CellState::na) errorAtLine(run.diagnostics, 2019, "Time");
@@ -140,11 +141,12 @@ void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::strin
         }
         return;
     }
-    if (!beginsRow(first)) {
+    const FirstCell cell = readFirstCell(first);
+    if (!cell.beginsRow()) {
         errorAtLine(run.diagnostics, 2011, label.rows);
         return;
     }
-    timeRow(run, waveform.rows, text, label.rows, rowLimit(run.parse.version, label.form));
+    timeRow(run, waveform.rows, text, cell, label.rows, rowLimit(run.parse.version, label.form));
 }
 
 void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {

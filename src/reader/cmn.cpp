@@ -11,7 +11,7 @@ namespace kestrel {
 namespace {
 
 /// Most white space that may stand between two items.
-constexpr std::size_t kMaxSkip = 120;
+constexpr std::ptrdiff_t kMaxSkip = 120;
 
 /// Most characters that a text kept whole may have.
 constexpr std::size_t kMaxWholeText = 1024;
@@ -21,17 +21,26 @@ constexpr std::uint32_t kMaxPrintedLimit = 2176;
 
 constexpr std::array<std::string_view, 5> kReservedWords{"GND", "NC", "POWER", "CIRCUITCALL", "NA"};
 
-/// Length of the item at the front of `text`, which is not empty. The split character counts as an item of length 1.
-std::size_t itemLength(std::string_view text, char split) {
-    std::size_t length = 0;
-    while (length < text.size()) {
-        const char c = text[length];
-        if (c == ' ' || c == '\t' || c == split) {
-            break;
-        }
-        ++length;
+/// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
+/// mode.
+const char* skipSpaces(const Run& run, const char* at, const char* end) {
+    const char* const begin = at;
+    while (at != end && isSpace(*at)) {
+        ++at;
     }
-    return length == 0 ? 1 : length;
+    if (at - begin > kMaxSkip && !run.parse.long_lines) {
+        assertionFailed(run.out, here());
+    }
+    return at;
+}
+
+/// Where the item that begins at `at`, which is not the end, ends. The split character is an item of length 1.
+const char* itemEnd(const char* at, const char* end, char split) {
+    const char* const begin = at;
+    while (at != end && *at != ' ' && *at != '\t' && *at != split) {
+        ++at;
+    }
+    return at == begin ? at + 1 : at;
 }
 
 /// Without a split character the blank stands in for it: it ends an item anyway and never begins one.
@@ -43,15 +52,12 @@ struct Scan {
     bool out_of_range = false;
 };
 
-/// Length of a leading "+" that a digit follows, or a period where `point` admits one; from_chars takes none.
-std::size_t plusLength(std::string_view text, bool point) {
-    const bool plus = text.size() > 1 && text[0] == '+' && (isDigit(text[1]) || (point && text[1] == '.'));
-    return plus ? 1 : 0;
-}
+/// Length of a leading "+" that a digit follows; from_chars takes none.
+std::size_t plusLength(std::string_view text) { return text.size() > 1 && text[0] == '+' && isDigit(text[1]) ? 1 : 0; }
 
 /// Reads base-10 digits; what the type cannot hold becomes its nearest end.
 template <class Integer> Scan scanInteger(std::string_view text, Integer& value) {
-    const std::size_t plus = plusLength(text, false);
+    const std::size_t plus = plusLength(text);
     const auto [end, code] = std::from_chars(text.data() + plus, text.data() + text.size(), value);
     if (code == std::errc::invalid_argument) {
         return {};
@@ -78,25 +84,23 @@ bool isHuge(std::string_view number) {
 
 /// Reads a decimal number with an optional exponent; an incomplete exponent is no part of it.
 Scan scanDecimal(std::string_view text, double& value) {
-    const std::size_t plus = plusLength(text, true);
-    const bool negative = !text.empty() && text[0] == '-';
-    const std::string_view number = text.substr(negative ? 1 : plus);
+    const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
     // from_chars takes words such as "inf" for numbers.
-    if (number.empty() || (!isDigit(number[0]) && number[0] != '.')) {
+    if (text.size() == sign || (!isDigit(text[sign]) && text[sign] != '.')) {
         return {};
     }
-    double magnitude = 0.0;
-    const auto [end, code] = std::from_chars(number.data(), number.data() + number.size(), magnitude);
+    const std::size_t plus = text[0] == '+' ? 1 : 0;
+    const auto [end, code] = std::from_chars(text.data() + plus, text.data() + text.size(), value);
     if (code == std::errc::invalid_argument) {
         return {};
     }
-    const bool out_of_range = code == std::errc::result_out_of_range;
-    if (out_of_range) {
-        const auto length = static_cast<std::size_t>(end - number.data());
-        magnitude = isHuge(number.substr(0, length)) ? std::numeric_limits<double>::infinity() : 0.0;
+    const auto length = static_cast<std::size_t>(end - text.data());
+    if (code == std::errc{}) {
+        return {length, false};
     }
-    value = negative ? -magnitude : magnitude;
-    return {static_cast<std::size_t>(end - text.data()), out_of_range};
+    const double magnitude = isHuge(text.substr(sign, length - sign)) ? std::numeric_limits<double>::infinity() : 0.0;
+    value = text[0] == '-' ? -magnitude : magnitude;
+    return {length, true};
 }
 
 ReadResult resultOf(Scan scan, std::string_view text) {
@@ -152,14 +156,8 @@ bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_v
 } // namespace
 
 std::string_view skipWhiteSpace(const Run& run, std::string_view text) {
-    std::size_t skipped = 0;
-    while (skipped < text.size() && isSpace(text[skipped])) {
-        ++skipped;
-    }
-    if (skipped > kMaxSkip && !run.parse.long_lines) {
-        assertionFailed(run.out, here());
-    }
-    return text.substr(skipped);
+    const char* const end = text.data() + text.size();
+    return {skipSpaces(run, text.data(), end), end};
 }
 
 std::string_view stripTrailing(std::string_view text) {
@@ -189,14 +187,15 @@ void upperCase(std::string& text) { std::ranges::transform(text, text.begin(), t
 
 ItemList splitItems(const Run& run, std::string_view text, int max, char split) {
     const char stop = stopFor(split);
+    const char* const end = text.data() + text.size();
     ItemList list;
-    for (text = skipWhiteSpace(run, text); !text.empty(); text = skipWhiteSpace(run, text)) {
-        const std::size_t length = itemLength(text, stop);
+    for (const char* at = skipSpaces(run, text.data(), end); at != end; at = skipSpaces(run, at, end)) {
+        const char* const item = at;
+        at = itemEnd(item, end, stop);
         if (list.kept < max) {
-            list.items[static_cast<std::size_t>(list.kept++)] = text.substr(0, length);
+            list.items[static_cast<std::size_t>(list.kept++)] = std::string_view(item, at);
         }
         ++list.count;
-        text.remove_prefix(length);
     }
     return list;
 }
@@ -206,7 +205,8 @@ std::string_view takeItem(const Run& run, std::string_view& text, char split) {
     if (text.empty()) {
         return text;
     }
-    const std::string_view item = text.substr(0, itemLength(text, stopFor(split)));
+    const char* const end = text.data() + text.size();
+    const std::string_view item(text.data(), itemEnd(text.data(), end, stopFor(split)));
     text.remove_prefix(item.size());
     return item;
 }
@@ -226,11 +226,15 @@ ReadResult readDouble(std::string_view text, double& value) { return resultOf(sc
 ReadResult readScaled(std::string_view text, double& value) {
     double number = 0.0;
     const Scan scan = scanDecimal(text, number);
+    if (scan.length != 0 && scan.length == text.size()) {
+        value = number;
+        return ReadResult::number;
+    }
     const std::string_view scale = text.substr(scan.length);
-    if (scan.length == 0 || (!scale.empty() && !isAlpha(scale.front()))) {
+    if (scan.length == 0 || !isAlpha(scale.front())) {
         return ReadResult::noNumber;
     }
-    value = scale.empty() ? number : number * scaleFactor(scale.front());
+    value = number * scaleFactor(scale.front());
     return std::ranges::any_of(scale, isDigit) ? ReadResult::numberAndText : ReadResult::number;
 }
 

@@ -21,23 +21,30 @@ void reportCount(Diagnostics& diagnostics, int count, std::string_view table) {
 
 } // namespace
 
-bool beginsRow(std::string_view item) {
-    double value = 0.0;
+FirstCell readFirstCell(std::string_view item) {
+    FirstCell first{.item = item};
     bool na = false;
-    return readValueOrNa(item, value, na) != ReadResult::noNumber;
+    first.result = readValueOrNa(item, first.cell.value, na);
+    first.cell.state = na ? CellState::na : CellState::number;
+    return first;
 }
 
-TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label) {
+TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label,
+                 const FirstCell& first) {
     const ItemList items = splitItems(run, text, kItems);
     if (items.count != kItems) {
         reportCount(run.diagnostics, items.count, table);
     }
     const std::array<std::string_view, kColumns> labels{first_label, "Typical", "Minimum", "Maximum"};
+    // Where the line was split at more than blanks, the item read ahead is but a part of the row's.
+    const bool is_read = first.result == ReadResult::number && first.item.size() == items[0].size();
     TableRow row;
     for (int column = 0; column < kItems; ++column) {
         const auto at = static_cast<std::size_t>(column);
-        Cell cell;
-        readCell(run.diagnostics, items[column], items.has(column), table, labels[at], cell);
+        Cell cell = first.cell;
+        if (column > 0 || !is_read) {
+            readCell(run.diagnostics, items[column], items.has(column), table, labels[at], cell);
+        }
         row.value[at] = cell.value;
         row.state[at] = cell.state;
     }

@@ -23,16 +23,27 @@ struct TableRow {
 /// How often each first-column value stands in a table; only for tables that forbid repeats.
 using RepeatIndex = std::unordered_map<double, std::uint32_t>;
 
+/// The first item of a line, read ahead to tell whether the line is a row.
+struct FirstCell {
+    std::string_view item;
+    ReadResult result = ReadResult::noNumber;
+    Cell cell{};
+
+    /// "NA" begins a row, too, if a bad one.
+    [[nodiscard]] bool beginsRow() const { return result != ReadResult::noNumber; }
+};
+
+/// Reads the first item of a line and reports nothing.
+[[nodiscard]] FirstCell readFirstCell(std::string_view item);
+
 /// Reads one line of a table. Reports 1401 (missing columns), 1402 (number of items) and what readCell reports; a row
 /// is made whatever its cells hold, callers go by their states.
-[[nodiscard]] TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label);
+[[nodiscard]] TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label,
+                               const FirstCell& first = {});
 
 /// Appends the row and returns the number of rows. With `repeats`, every earlier row of the same first-column value
 /// gives error 1403.
 std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
                       RepeatIndex* repeats = nullptr);
-
-/// True for the first item of a row. "NA" is one, if a bad one.
-[[nodiscard]] bool beginsRow(std::string_view item);
 
 } // namespace kestrel
