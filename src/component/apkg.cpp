@@ -15,13 +15,16 @@ void open(Run& run, Cmpnt& component, std::string_view text) {
     component.alternates_seen = true;
 }
 
-/// Reads a name, which may hold blanks. One that is reported is not looked for later.
+/// Reads a name, which may hold blanks. One that is reported as cut or reserved is not looked for later.
 void line(Run& run, Cmpnt& component, std::string_view text) {
     run.cmpnt.alternate_listed = true;
     std::string name;
-    if (!storeName(run.diagnostics, name, trim(text), kLongNameLimit, 535)) return;
+    const bool fits = storeName(run.diagnostics, name, trim(text), kLongNameLimit, 535);
     if (!checkNotReserved(run.diagnostics, name)) return;
-    if (name == component.package_model || !component.alternates.add(name)) {
+    const bool is_new = name != component.package_model && component.alternates.add(name);
+    if (!fits) {
+        component.cut_alternates.insert(name);
+    } else if (!is_new) {
         warningAtLine(run.diagnostics, 536, name, component.name);
     }
 }
@@ -46,7 +49,8 @@ const Block<Cmpnt> kAlternatePackages{
 
 void checkAlternatePackages(Run& run, const Cmpnt& component) {
     for (const std::string& name : component.alternates.names) {
-        if (name != component.package_model) findPackageModel(run, name, component.name);
+        if (name == component.package_model || component.cut_alternates.contains(name)) continue;
+        findPackageModel(run, name, component.name);
     }
 }
 

@@ -57,6 +57,8 @@ void checkConverterPorts(Run& run, const ExtCkt& circuit, const ExtOwner& owner)
 void checkDigitalSide(Run& run, const ExtCkt& circuit, const Mdl& model) {
     if (circuit.language != ExtLanguage::spice && circuit.language != ExtLanguage::ibisIss) return;
     const auto serves = [&circuit](bool to_analog, std::string_view port) {
+        if (circuit.converter_reported[to_analog ? 1 : 0])
+            return true; // its line was reported, and may have meant this port
         return std::ranges::any_of(circuit.converters, [to_analog, port](const Converter& converter) {
             return converter.to_analog == to_analog && converter.d_port == port;
         });
@@ -88,7 +90,7 @@ void closeModel(Run& run, Mdl& model) {
 
 ExtOwner ownerOf(const ExtCkt& circuit) { return {kCircuitKind, circuit.name, nullptr}; }
 
-/// Reads the name behind "[External Circuit]"; a cut name is judged like any other.
+/// Reads the name behind "[External Circuit]". A cut name is not reported again as one given before.
 void readCircuitName(Run& run, ExtCkt& circuit, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, 1);
@@ -97,11 +99,12 @@ void readCircuitName(Run& run, ExtCkt& circuit, std::string_view text) {
         return;
     }
     if (items.count > 1) errorAtLine(diagnostics, 1803, items.count, kCircuitKind, 1);
-    if (items[0].size() > kLongNameLimit) errorAtLine(diagnostics, 1804, kLongNameLimit);
+    const bool fits = items[0].size() <= kLongNameLimit;
+    if (!fits) errorAtLine(diagnostics, 1804, kLongNameLimit);
     circuit.name = items[0].substr(0, kLongNameLimit);
     if (isReservedWord(circuit.name)) errorAtLine(diagnostics, 1805, circuit.name);
     auto& circuits = currentRoot(run)->external_circuits;
-    if (circuits.find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
+    if (fits && circuits.find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
     circuits.enterName(circuit, circuit.name);
 }
 
@@ -149,8 +152,10 @@ void checkExtCkt(Run& run, const ExtCkt& circuit, const ExtOwner& owner) {
     Diagnostics& diagnostics = run.diagnostics;
     checkNamedValues(run, circuit);
     if (circuit.language == ExtLanguage::notGiven) error(diagnostics, 1823, owner.kind, owner.name);
-    if (!circuit.corners[static_cast<std::size_t>(ExtCorner::typ)]) error(diagnostics, 1824, owner.kind, owner.name);
-    if (circuit.ports.names.empty()) error(diagnostics, 1825, owner.kind, owner.name);
+    if (!circuit.corners[static_cast<std::size_t>(ExtCorner::typ)] && !circuit.corner_reported) {
+        error(diagnostics, 1824, owner.kind, owner.name);
+    }
+    if (!circuit.ports_seen) error(diagnostics, 1825, owner.kind, owner.name);
     const std::string_view language = extLanguageText(circuit.language);
     if (isMixedSignal(circuit.language) && !circuit.converters.empty()) {
         error(diagnostics, 1826, owner.kind, owner.name, language);

@@ -64,7 +64,10 @@ struct ExtCkt {
     std::vector<Converter> converters; ///< in file order
     TextSet converter_keys;            ///< kind, d_port and corner of each, for the test of repeated ones
     std::vector<NamedValue> named_values;
-    bool used = false; ///< a circuit call names it
+    std::array<bool, 2> converter_reported{}; ///< by to_analog: a line was reported for its items or its digital port
+    bool corner_reported = false;             ///< a "Corner" line was reported for its corner
+    bool ports_seen = false;                  ///< a "Ports" line was there, with or without names
+    bool used = false;                        ///< a circuit call names it
 };
 
 /// A "Port_map" line.
@@ -83,7 +86,7 @@ struct CircuitCall {
     std::array<std::string, 2> pins; ///< the second is empty for a signal pin
     std::vector<PortMap> port_map;   ///< in file order
     TextSet mapped_ports;
-    std::vector<std::string> dropped_names; ///< of lines that were reported and dropped
+    TextSet dropped_names; ///< of lines that were reported and dropped
     bool port_map_seen = false;
 };
 

@@ -29,7 +29,7 @@ std::string_view pinLineName(CallPins kind) {
 
 void dropLine(CircuitCall& call, const ItemList& items) {
     for (int place = 0; items.has(place); ++place) {
-        call.dropped_names.emplace_back(items[place]);
+        call.dropped_names.emplace(items[place]);
     }
 }
 
@@ -40,12 +40,12 @@ void pinLine(Run& run, CircuitCall& call, const PinLine& line, std::string_view 
         dropLine(call, items);
         return;
     }
-    call.kind = line.kind;
     if (items.count != line.pins) {
         errorAtLine(run.diagnostics, 1835, line.name, items.count, line.pins);
         dropLine(call, items);
         return;
     }
+    call.kind = line.kind;
     const auto limit = static_cast<std::size_t>(pinNameLimit(run.parse.version));
     for (int place = 0; place < line.pins; ++place) {
         call.pins[static_cast<std::size_t>(place)] = items[place].substr(0, limit);
@@ -61,7 +61,11 @@ void portMapLine(Run& run, CircuitCall& call, std::string_view text) {
         dropLine(call, items);
         return;
     }
-    if (!call.mapped_ports.emplace(items[0]).second) errorAtLine(run.diagnostics, 1837, items[0]);
+    if (!call.mapped_ports.emplace(items[0]).second) {
+        errorAtLine(run.diagnostics, 1837, items[0]);
+        dropLine(call, items);
+        return;
+    }
     call.port_map.push_back({std::string(items[0]), std::string(items[1])});
 }
 
@@ -102,7 +106,7 @@ std::string_view pinOfNode(std::string_view node) { return node.substr(0, node.f
 void checkPorts(Run& run, const Cmpnt& component, const CircuitCall& call, const ExtCkt& circuit) {
     if (circuit.ports.names.empty()) return; // its own block has been reported
     for (const PortMap& map : call.port_map) {
-        if (circuit.ports.has(map.port) || map.port == kGround) continue;
+        if (circuit.ports.has(map.port)) continue;
         error(run.diagnostics, 1839, call.circuit, component.name, map.port);
     }
 }
@@ -129,8 +133,9 @@ void checkNodesOf(Run& run, const Cmpnt& component, const CircuitCall& call) {
 void checkUnmapped(Run& run, const Cmpnt& component, const CircuitCall& call, const ExtCkt& circuit) {
     if (call.port_map.empty()) return; // reported
     const auto& ports = circuit.ports.names;
-    const auto missing = std::ranges::find_if(
-        ports, [&call](const std::string& port) { return port != kGround && !call.mapped_ports.contains(port); });
+    const auto missing = std::ranges::find_if(ports, [&call](const std::string& port) {
+        return port != kGround && !call.mapped_ports.contains(port) && !call.dropped_names.contains(port);
+    });
     if (missing != ports.end()) warning(run.diagnostics, 1843, call.circuit, component.name, *missing);
 }
 

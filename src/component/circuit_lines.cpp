@@ -80,7 +80,7 @@ void languageLine(const Reading& reading, std::string_view text) {
     Diagnostics& diagnostics = reading.run.diagnostics;
     const ItemList items = splitItems(reading.run, text, 1);
     ExtLanguage& language = reading.circuit.language;
-    if (language != ExtLanguage::notGiven) {
+    if (!extLanguageText(language).empty()) {
         errorAtLine(diagnostics, 1808, "Language", reading.owner.kind, reading.owner.name);
         return;
     }
@@ -115,9 +115,12 @@ void cornerLine(const Reading& reading, std::string_view text) {
     const int more = splitItems(reading.run, text, 0).count;
     const int count = 1 + (corner_name.empty() ? 0 : 1) + (file.empty() ? 0 : 1) + (circuit.empty() ? 0 : 1) + more;
     if (count != 4) errorAtLine(diagnostics, 1811, count, "Corner", "4");
-    if (corner_name.empty()) return;
-    const std::optional<ExtCorner> corner = readCorner(reading.run, corner_name, "Corner");
-    if (!corner) return;
+    std::optional<ExtCorner> corner;
+    if (!corner_name.empty()) corner = readCorner(reading.run, corner_name, "Corner");
+    if (!corner) {
+        reading.circuit.corner_reported = true;
+        return;
+    }
     auto& stored = reading.circuit.corners[static_cast<std::size_t>(*corner)];
     if (stored) {
         errorAtLine(diagnostics, 1813, cornerText(*corner), reading.owner.kind, reading.owner.name);
@@ -126,35 +129,46 @@ void cornerLine(const Reading& reading, std::string_view text) {
     stored = ExtFile{std::string(file), std::string(circuit)};
 }
 
-/// Reads names, each of which may be followed by "=" and a value, and tells `each` of them. Reports a line without any.
+/// What may stand behind the names of a line.
+enum class NameValues : bool { none, allowed };
+
+/// From version 5 on a parameter may be given a value.
+NameValues parameterValues(const Reading& reading) {
+    return reading.run.parse.version >= IbisVersion::v5 ? NameValues::allowed : NameValues::none;
+}
+
+/// Reads names, each of which may be followed by "=" and a value where that is allowed, and tells `each` of them.
+/// Reports a line without any.
 template <class Each>
-void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, Each each) {
+void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Run& run = reading.run;
-    std::string_view name = takeItem(run, text, '=');
+    const char split = values == NameValues::allowed ? '=' : '\0';
+    std::string_view name = takeItem(run, text, split);
     if (name.empty()) errorAtLine(reading.run.diagnostics, 1814, line_name);
     while (!name.empty()) {
         each(name);
-        name = takeItem(run, text, '=');
-        if (name != "=") continue;
+        name = takeItem(run, text, split);
+        if (values == NameValues::none || name != "=") continue;
         static_cast<void>(takeItem(run, text)); // the value
-        name = takeItem(run, text, '=');
+        name = takeItem(run, text, split);
     }
 }
 
 void parametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Parameters", text, [&reading](std::string_view name) {
+    nameLine(reading, "Parameters", text, parameterValues(reading), [&reading](std::string_view name) {
         if (reading.circuit.parameters.add(name)) return;
         warningAtLine(reading.run.diagnostics, 1818, name, reading.owner.kind, reading.owner.name);
     });
 }
 
 void converterParametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Converter_Parameters", text,
+    nameLine(reading, "Converter_Parameters", text, parameterValues(reading),
              [&reading](std::string_view name) { reading.circuit.converter_parameters.add(name); });
 }
 
 void portsLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Ports", text, [&reading](std::string_view name) {
+    reading.circuit.ports_seen = true;
+    nameLine(reading, "Ports", text, NameValues::none, [&reading](std::string_view name) {
         Diagnostics& diagnostics = reading.run.diagnostics;
         if (!reading.circuit.ports.add(name)) {
             errorAtLine(diagnostics, 1815, name, reading.owner.kind, reading.owner.name);
@@ -204,13 +218,20 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     const bool too_few = items.count < without_corner;
     if (too_few || items.count > without_corner + 1) errorAtLine(diagnostics, 1811, count, form.name, form.expected);
-    if (too_few) return;
+    bool& reported = reading.circuit.converter_reported[form.to_analog ? 1 : 0];
+    if (too_few) {
+        reported = true;
+        return;
+    }
 
     converter.port1 = items[0];
     converter.port2 = items[1];
     const bool known_port =
         form.to_analog ? contains(kDrivenPorts, converter.d_port) : contains(kReceivingPorts, converter.d_port);
-    if (reading.owner.model != nullptr && !known_port) errorAtLine(diagnostics, 1822, converter.d_port, form.name);
+    if (reading.owner.model != nullptr && !known_port) {
+        errorAtLine(diagnostics, 1822, converter.d_port, form.name);
+        reported = true;
+    }
     for (std::size_t i = 0; i < form.values; ++i) {
         readValue(reading, form, converter, kValues[i], items[kPorts + static_cast<int>(i)]);
     }

@@ -49,6 +49,7 @@ struct Cmpnt {
     TextSet reported_groups;      ///< function table groups of lines that were reported
     bool alternates_seen = false; ///< "[Alternate Package Models]" was there
     NameList alternates;          ///< package models of at most 40 characters
+    TextSet cut_alternates;       ///< those that were reported as longer
     bool nodes_seen = false;      ///< "[Node Declarations]" was there
     NameList nodes;
     std::vector<CircuitCall> circuit_calls;

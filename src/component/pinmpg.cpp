@@ -101,6 +101,7 @@ std::vector<SupplyRow> supplyRows(const Cmpnt& component) {
 
 void checkSupplies(Run& run, const Cmpnt& component, const std::vector<SupplyRow>& supplies) {
     for (const auto& [row, is_ground] : supplies) {
+        if (component.pin_map_index.find(component.pin_maps, row.pin) != &row) continue; // reported as repeated
         if (is_ground && !isNoConnection(row.label(BusColumn::pullupRef))) {
             error(run.diagnostics, 712, row.pin, component.name);
         }

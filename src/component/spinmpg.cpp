@@ -130,6 +130,7 @@ void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     if (row.pin_1 == row.pin_2 && !pin_reported) errorAtLine(diagnostics, 2608, row.pin_1);
     if (isReservedWord(row.model_name)) {
         errorAtLine(diagnostics, 2609, row.model_name);
+        if (!row.group.empty()) component.reported_groups.insert(row.group);
         return;
     }
     component.series_pins.push_back(std::move(row));

@@ -36,6 +36,7 @@ void finalChecks(Run& run) {
     if (root->components.empty()) {
         error(run.diagnostics, 4101);
     } else {
+        checkComponentCurrents(run);
         checkCmpnts(run);
     }
     checkPkgMdls(run);

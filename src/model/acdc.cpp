@@ -59,6 +59,16 @@ bool hasCompositeCurrent(const Mdl& model) {
     });
 }
 
+/// True when a pin's model, or one that its selector offers, has a composite current.
+bool leadsToCompositeCurrent(const Ibis& root, std::string_view name) {
+    if (const Mdl* const model = root.models.find(name)) return hasCompositeCurrent(*model);
+    const MSel* const selector = root.model_selectors.find(name);
+    return selector != nullptr && std::ranges::any_of(selector->entries, [&root](const MSelEntry& entry) {
+               const Mdl* const model = root.models.find(entry.model_name);
+               return model != nullptr && hasCompositeCurrent(*model);
+           });
+}
+
 bool sameTimes(const Wvfrm& a, const Wvfrm& b) {
     return std::ranges::equal(a.rows, b.rows, [](const TableRow& one, const TableRow& other) {
         return one.state[kFirst] == other.state[kFirst] && one.value[kFirst] == other.value[kFirst];
@@ -186,6 +196,16 @@ void checkCompositeCurrents(Run& run) {
         if (run.diagnostics.silence_cautions) continue;
         checkRampTimes(run, model);
         checkTimePoints(run, model);
+    }
+}
+
+void checkComponentCurrents(Run& run) {
+    const Ibis* const root = currentRoot(run);
+    if (root == nullptr || run.diagnostics.silence_cautions) return;
+    for (const Cmpnt& component : root->components.newestFirst()) {
+        const auto leads = [root](const Pin& pin) { return leadsToCompositeCurrent(*root, pin.model_name); };
+        if (component.pin_map_columns.seen() || std::ranges::none_of(component.pins, leads)) continue;
+        caution(run.diagnostics, 1708, component.name);
     }
 }
 

@@ -24,4 +24,8 @@ void checkIsso(Run& run, const Mdl& model);
 /// waveforms (caution 1709), time points of composite currents (caution 2021). No line.
 void checkCompositeCurrents(Run& run);
 
+/// Once the file is read: components without "[Pin Mapping]" whose models have composite currents (caution 1708, no
+/// line).
+void checkComponentCurrents(Run& run);
+
 } // namespace kestrel

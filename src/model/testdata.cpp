@@ -83,8 +83,12 @@ void readSubparameter(Run& run, TestData& data, const DataRow& row, std::string_
         errorAtLine(run.diagnostics, 2311, row.name, data.name);
         return;
     }
-    const bool read = std::visit([&](auto field) { return readInto(run, row, rest, data.*field); }, row.field);
-    if (!read) data.refused.add(static_cast<std::size_t>(&row - kRows.data()));
+    const auto place = static_cast<std::size_t>(&row - kRows.data());
+    if (std::visit([&](auto field) { return readInto(run, row, rest, data.*field); }, row.field)) {
+        data.refused.remove(place);
+    } else {
+        data.refused.add(place);
+    }
 }
 
 /// A line under the keyword of a table: a row, or a subparameter that comes late.
@@ -201,7 +205,9 @@ void checkTestData(Run& run) {
     if (root == nullptr) return;
     for (const TestData& data : root->test_data.newestFirst()) {
         checkDriver(run, *root, data, kDriver, data.driver_model);
-        checkDriver(run, *root, data, kDriverInv, data.driver_model_inv);
+        // A model that drives both sides is reported once.
+        if (data.driver_model_inv != data.driver_model)
+            checkDriver(run, *root, data, kDriverInv, data.driver_model_inv);
         checkLoad(run, *root, data);
     }
 }

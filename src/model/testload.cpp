@@ -130,14 +130,20 @@ void dataLine(Run& run, TestLoad& load, std::string_view text) {
         errorAtLine(run.diagnostics, 2211, row->name, load.name);
         return;
     }
-    const bool read = std::visit([&](auto field) { return readInto(run, *row, text, rest, load.*field); }, row->field);
-    if (!read) load.refused.add(placeOf(row->name));
+    if (std::visit([&](auto field) { return readInto(run, *row, text, rest, load.*field); }, row->field)) {
+        load.refused.remove(placeOf(row->name));
+    } else {
+        load.refused.add(placeOf(row->name));
+    }
 }
 
 void closeTestLoad(Run& run, const TestLoad& load) {
     Diagnostics& diagnostics = run.diagnostics;
     if (!hasLine(load, kTypeName)) error(diagnostics, 2222, load.name);
-    if (hasLine(load, "Td") != hasLine(load, "Zo")) warning(diagnostics, 2223, load.name);
+    const auto alone = [&load](std::string_view one, std::string_view other) {
+        return has(load, one) && !hasLine(load, other);
+    };
+    if (alone("Td", "Zo") || alone("Zo", "Td")) warning(diagnostics, 2223, load.name);
     for (const Termination& termination : kTerminations) {
         if (hasLine(load, termination.voltage)) continue;
         const auto* const given =
@@ -204,7 +210,10 @@ void checkTestLoads(Run& run) {
     if (root == nullptr) return;
     for (const TestLoad& load : root->test_loads.newestFirst()) {
         checkReceiver(run, *root, load, kReceiver, load.receiver_model);
-        checkReceiver(run, *root, load, kReceiverInv, load.receiver_model_inv);
+        // A model that receives both sides is reported once.
+        if (load.receiver_model_inv != load.receiver_model) {
+            checkReceiver(run, *root, load, kReceiverInv, load.receiver_model_inv);
+        }
         // Of loads of one name, which has been reported, only the newest can be used.
         if (load.used || root->test_loads.find(load.name) != &load) continue;
         warning(run.diagnostics, 2230, load.name);

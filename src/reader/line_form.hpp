@@ -44,6 +44,8 @@ auto takeSubparameter(Run& run, const Rows& rows, std::string_view& text, Checke
 class RefusedLines {
 public:
     constexpr void add(std::size_t place) { bits_ |= bitOf(place); }
+    /// A later line for it was read after all.
+    constexpr void remove(std::size_t place) { bits_ &= ~bitOf(place); }
     [[nodiscard]] constexpr bool has(std::size_t place) const { return (bits_ & bitOf(place)) != 0; }
     [[nodiscard]] constexpr bool any() const { return bits_ != 0; }
 

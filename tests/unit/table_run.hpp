@@ -29,7 +29,8 @@ struct TableRun {
     [[nodiscard]] std::string printed() const {
         std::string text = out.text();
         for (std::size_t at = text.find("\n    "); at != std::string::npos; at = text.find("\n    ")) {
-            text.replace(at, 5, " ");
+            text.erase(at, 4);
+            text[at] = ' ';
         }
         for (std::size_t at = text.find("(line  "); at != std::string::npos; at = text.find("(line  ")) {
             text.erase(at + 5, 1);
