@@ -125,7 +125,7 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
                                         "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
         extCktLine(test.run, circuit, owner, line);
     }
-    EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1808@ E1811@ E1819@");
+    EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
 }
 
 } // namespace
