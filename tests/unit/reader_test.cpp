@@ -212,7 +212,7 @@ std::string readExample(const std::string& name) {
 TEST(BadInput, everyTruncationOfASampleEndsInASummary) {
     const std::string sample = readExample("board.ibs");
     ASSERT_GT(sample.size(), 4000U);
-    for (std::size_t size = 0; size < sample.size() - 6; size += size < 600 ? 1 : 3) {
+    for (std::size_t size = 0; size < sample.size() - 6; ++size) {
         EXPECT_NE(checkText(sample.substr(0, size), FileKind::ibs, "board.ibs").find("\nFile Failed\n"),
                   std::string::npos)
             << size;
