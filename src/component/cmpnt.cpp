@@ -86,13 +86,6 @@ void componentData(Run& run, Cmpnt& component, std::string_view text) {
 
 constexpr std::array<const Block<Cmpnt>*, 3> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall};
 
-/// The block that a keyword begins or ends, or null.
-const Block<Cmpnt>* blockOf(KeywordCode code) {
-    const auto* const at = std::ranges::find_if(
-        kBlocks, [code](const Block<Cmpnt>* block) { return block->begin == code || block->end == code; });
-    return at == kBlocks.end() ? nullptr : *at;
-}
-
 void blockData(Run& run, Cmpnt& component, const Block<Cmpnt>& block, const Line& line) {
     if (line.key == block.begin) {
         block.line(run, component, line.text);
@@ -113,7 +106,7 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
     default:
-        if (const Block<Cmpnt>* const block = blockOf(line.key)) {
+        if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key)) {
             blockKeywordLine(run, component, *block, run.cmpnt.block, line);
         }
         break;
@@ -134,7 +127,8 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
     default:
-        if (const Block<Cmpnt>* const block = blockOf(line.key)) blockData(run, component, *block, line);
+        if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key))
+            blockData(run, component, *block, line);
         break;
     }
 }

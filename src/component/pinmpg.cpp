@@ -28,16 +28,6 @@ Allowed allowedColumns(IbisVersion version) {
     return {std::span(kColumns).first(2), "3 or 5"};
 }
 
-/// Reports the first header that is missing or not the expected one, and a word that no column can have.
-void checkHeaderWords(Run& run, TableColumns& columns, const ItemList& words, int most) {
-    for (int place = 0; place < most && (place < kRequiredHeaders || words.has(place)); ++place) {
-        if (!expectHeader(run, columns, words[place], kHeaders[static_cast<std::size_t>(place)])) break;
-    }
-    if (!words.has(most)) return;
-    errorAtLine(run.diagnostics, 530, words[most]);
-    columns.faulty = true;
-}
-
 void readLabel(Run& run, PinMap& row, std::size_t column, std::string_view text) {
     std::string& label = row.labels[column];
     row.label_reported[column] = !storeName(run.diagnostics, label, text, kBusLabelLimit, 707);
@@ -142,7 +132,7 @@ void pinMapHeader(Run& run, Cmpnt& component, std::string_view text) {
         errorAtLine(run.diagnostics, 703, columns.count, allowed.text);
         columns.faulty = true;
     }
-    checkHeaderWords(run, columns, words, most);
+    expectHeaders(run, columns, words, std::span(kHeaders).first(static_cast<std::size_t>(most)), kRequiredHeaders);
 }
 
 void pinMapLine(Run& run, Cmpnt& component, std::string_view text) {

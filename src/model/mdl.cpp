@@ -4,6 +4,7 @@
 #include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
+#include <array>
 #include <unordered_set>
 #include <utility>
 
@@ -22,7 +23,7 @@ enum class Form : std::uint8_t {
     addSubmodel,
     modelSpec,
     receiverThresholds,
-    externalModel,
+    block,
     seriesSection,
     seriesRange,
     seriesCurrent,
@@ -63,7 +64,7 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::modelSpec: return Form::modelSpec;
     case KeywordCode::receiverThresholds: return Form::receiverThresholds;
     case KeywordCode::externalModel:
-    case KeywordCode::endExternalModel: return Form::externalModel;
+    case KeywordCode::endExternalModel: return Form::block;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -113,6 +114,16 @@ struct WaveformField {
 constexpr WaveformField waveformField(KeywordCode code) {
     if (code == KeywordCode::risingWaveform) return {kRisingWaveform, &Mdl::rising_waveforms};
     return {kFallingWaveform, &Mdl::falling_waveforms};
+}
+
+constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel});
+
+void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
+    if (line.key == block.begin) {
+        block.line(run, model, line.text);
+    } else {
+        errorAtLine(run.diagnostics, 121);
+    }
 }
 
 void shouldNotBeHere(Run& run, SourceMark mark) { programBugAtLine(run.diagnostics, 122, mark.file, mark.line); }
@@ -176,7 +187,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         checkReceiverThresholdsOrder(run, model);
         openRcvTh(run, model, line.text);
         break;
-    case Form::externalModel: blockKeywordLine(run, model, kExternalModel, run.mdl.block, line); break;
+    case Form::block: blockKeywordLine(run, model, *blockOf<Mdl>(kBlocks, line.key), run.mdl.block, line); break;
     case Form::seriesSection: openSeriesSection(run, model, line); break;
     case Form::seriesRange:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
@@ -230,13 +241,7 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::modelSpec: mSpecLine(run, model, line.text); break;
     case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
     case Form::unread: break;
-    case Form::externalModel:
-        if (line.key == kExternalModel.begin) {
-            kExternalModel.line(run, model, line.text);
-        } else {
-            errorAtLine(run.diagnostics, 121);
-        }
-        break;
+    case Form::block: blockData(run, model, *blockOf<Mdl>(kBlocks, line.key), line); break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
 }

@@ -2,6 +2,8 @@
 
 #include "reader/keyword.hpp"
 
+#include <algorithm>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -21,12 +23,22 @@ template <class Owner> struct Block {
     void (*text_behind_end)(Run& run, std::string_view text);
     void (*not_ended)(Run& run);
     void (*no_begin)(Run& run);
+    std::span<const KeywordCode> inner{}; ///< keywords that may stand within; the owner reads them
 };
+
+/// The block of the list that a keyword begins or ends, or null.
+template <class Owner>
+[[nodiscard]] const Block<Owner>* blockOf(std::span<const Block<Owner>* const> blocks, KeywordCode code) {
+    const auto at = std::ranges::find_if(
+        blocks, [code](const Block<Owner>* block) { return block->begin == code || block->end == code; });
+    return at == blocks.end() ? nullptr : *at;
+}
 
 /// Told of every keyword: one that is not the block's own closes it.
 template <class Owner>
 void blockKeywordSeen(Run& run, Owner& owner, const Block<Owner>*& open_block, KeywordCode code) {
     if (open_block == nullptr || code == open_block->end) return;
+    if (std::ranges::find(open_block->inner, code) != open_block->inner.end()) return;
     const Block<Owner>& block = *std::exchange(open_block, nullptr);
     block.not_ended(run);
     block.close(run, owner);

@@ -45,6 +45,17 @@ bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::s
     return false;
 }
 
+void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
+                   int required) {
+    const int most = static_cast<int>(expected.size());
+    for (int place = 0; place < most && (place < required || words.has(place)); ++place) {
+        if (!expectHeader(run, columns, words[place], expected[static_cast<std::size_t>(place)])) break;
+    }
+    if (!words.has(most)) return;
+    errorAtLine(run.diagnostics, 530, words[most]);
+    columns.faulty = true;
+}
+
 void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text) {
     const int required = static_cast<int>(header.required.size());
     const int all = required + static_cast<int>(header.optional.size());

@@ -37,6 +37,11 @@ ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& colum
 /// True when `word` is the expected header; otherwise reports 529.
 bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::string_view expected);
 
+/// Holds the words to `expected`, in this order, of which the first `required` must be there. Reports the first that is
+/// missing or another one (529), and a word behind the last (530), for which readHeaderWords() must have left room.
+void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
+                   int required);
+
 /// Reads a whole header line. Reports 528 to 532.
 void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text);
 
