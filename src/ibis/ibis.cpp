@@ -32,6 +32,7 @@ void finalChecks(Run& run) {
     checkRcvThs(run);
     checkCompositeCurrents(run);
     checkDrvShs(run);
+    checkAlgMods(run);
     checkMSels(run);
     if (root->components.empty()) {
         error(run.diagnostics, 4101);

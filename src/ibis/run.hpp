@@ -35,6 +35,7 @@ struct Run {
     CmpntState cmpnt;
     CircuitState circuit;
     MdlState mdl;
+    AlgModState algmod;
     MSelState msel;
     SubMdlState submdl;
     TestDataState testdata;

@@ -64,7 +64,9 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::modelSpec: return Form::modelSpec;
     case KeywordCode::receiverThresholds: return Form::receiverThresholds;
     case KeywordCode::externalModel:
-    case KeywordCode::endExternalModel: return Form::block;
+    case KeywordCode::endExternalModel:
+    case KeywordCode::algorithmicModel:
+    case KeywordCode::endAlgorithmicModel: return Form::block;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -75,8 +77,6 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::rcSeries: return Form::seriesRange;
     case KeywordCode::seriesCurrent: return Form::seriesCurrent;
     case KeywordCode::seriesMosfet: return Form::seriesMosfet;
-    case KeywordCode::algorithmicModel:
-    case KeywordCode::endAlgorithmicModel:
     case KeywordCode::beginEmiModel:
     case KeywordCode::endEmiModel: return Form::unread;
     case KeywordCode::compositeCurrent: return Form::compositeCurrent;
@@ -116,7 +116,7 @@ constexpr WaveformField waveformField(KeywordCode code) {
     return {kFallingWaveform, &Mdl::falling_waveforms};
 }
 
-constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel});
+constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kAlgorithmicModel});
 
 void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
     if (line.key == block.begin) {

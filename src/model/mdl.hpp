@@ -1,6 +1,7 @@
 #pragma once
 
 #include "component/circuit.hpp"
+#include "model/algmod.hpp"
 #include "model/ccorner.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
@@ -83,6 +84,7 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
+    std::unique_ptr<AlgMod> algorithmic_model;
     std::unique_ptr<ExtCkt> external_model; ///< "[External Model]", from its keyword line on
     bool referenced = false;                ///< some pin, selector, schedule or series pin mapping names this model
 };

@@ -152,6 +152,7 @@ void checkModel(Run& run, const Mdl& model) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
     }
     checkCCorner(run, model);
+    checkAlgModType(run, model);
 }
 
 } // namespace kestrel

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "ibis/enum_set.hpp"
 #include "reader/enumeration.hpp"
 #include "reader/parse_state.hpp"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <span>
 #include <string_view>
 
@@ -70,29 +70,8 @@ inline constexpr std::array<EnumerationRow<SubmodelMode>, 3> kSubmodelModes{{
     {"All", SubmodelMode::all},
 }};
 
-/// A set of model types.
-class ModelTypeSet {
-public:
-    constexpr ModelTypeSet(std::initializer_list<ModelType> types) {
-        for (const ModelType type : types) {
-            bits_ |= bitOf(type);
-        }
-    }
-
-    [[nodiscard]] constexpr bool has(ModelType type) const { return (bits_ & bitOf(type)) != 0; }
-
-    /// All types that are not in this one, the two that are none included.
-    [[nodiscard]] constexpr ModelTypeSet others() const {
-        ModelTypeSet set{};
-        set.bits_ = ~bits_;
-        return set;
-    }
-
-private:
-    static constexpr std::uint32_t bitOf(ModelType type) { return std::uint32_t{1} << static_cast<unsigned>(type); }
-
-    std::uint32_t bits_ = 0;
-};
+/// A set of model types; the two that are none belong to the others of a set that does not name them.
+using ModelTypeSet = EnumSet<ModelType>;
 
 /// Types with an input threshold. The differential types have theirs elsewhere.
 inline constexpr ModelTypeSet kInputTypes{ModelType::input,      ModelType::io,           ModelType::ioOpenDrain,

@@ -3,6 +3,7 @@
 #include "ibis/diagnostics.hpp"
 #include "reader/cmn.hpp"
 
+#include <cstddef>
 #include <optional>
 #include <ranges>
 #include <string_view>
@@ -23,6 +24,15 @@ concept EnumerationTable = std::ranges::contiguous_range<Rows> && requires(std::
 };
 
 template <EnumerationTable Rows> using CodeOf = decltype(std::ranges::range_value_t<Rows>::code);
+
+/// True when each row stands at the place that its code gives, so that a table can be asked by code as well.
+template <EnumerationTable Rows> consteval bool standAtCodes(const Rows& rows) {
+    std::size_t place = 0;
+    for (const auto& row : rows) {
+        if (static_cast<std::size_t>(row.code) != place++) return false;
+    }
+    return true;
+}
 
 /// The row that a text names. `exact` is false when only the case of letters differs; without a row no spelling fits.
 template <class Code> struct EnumerationHit {

@@ -1,6 +1,7 @@
 #include "reader/parse.hpp"
 
 #include "ibis/run.hpp"
+#include "model/algmod_check.hpp"
 #include "package/pkgmdl.hpp"
 #include "reader/cmn.hpp"
 
@@ -331,13 +332,16 @@ template <class Work> void withinMemory(Run& run, const Work& work) {
     }
 }
 
-void runCompletionChecks(Run& run, FileKind kind) {
+/// `read` tells whether the file could be read; only a parameter file is not checked without that.
+void runCompletionChecks(Run& run, FileKind kind, bool read) {
     switch (kind) {
     case FileKind::ibs: finalChecks(run); break;
     // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
     case FileKind::pkg: checkPkgMdls(run); break;
     case FileKind::ebd: finalBoardChecks(run, false); break;
-    case FileKind::ami: break;
+    case FileKind::ami:
+        if (read) checkAmi(run);
+        break;
     }
 }
 
@@ -401,7 +405,7 @@ bool checkFile(Run& run, std::string_view name, FileKind kind) {
     const std::string_view path = name.substr(0, kMaxPath);
     bool read = false;
     withinMemory(run, [&] { read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind); });
-    withinMemory(run, [&] { runCompletionChecks(run, kind); });
+    withinMemory(run, [&] { runCompletionChecks(run, kind, read); });
     return read;
 }
 

@@ -1,0 +1,227 @@
+#include "model/algmod_check.hpp"
+
+#include "ibis/run.hpp"
+#include "model/algmod_reserved.hpp"
+
+#include <algorithm>
+#include <span>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace kestrel {
+
+namespace {
+
+/// What may stand in the root.
+enum class Section : std::uint8_t { reserved, specific, description };
+
+constexpr std::array<EnumerationRow<Section>, 3> kSections{{
+    {"Reserved_Parameters", Section::reserved},
+    {"Model_Specific", Section::specific},
+    {"Description", Section::description},
+}};
+static_assert(standAtCodes(kSections));
+
+constexpr std::string_view kDescription = kSections[static_cast<std::size_t>(Section::description)].text;
+
+constexpr std::array<Reserved, 2> kRequired{Reserved::initReturnsImpulse, Reserved::getWaveExists};
+
+/// The sections of a tree by what they hold, however their names are spelled.
+struct Sections {
+    std::vector<const AmiItem*> reserved;
+    std::vector<const AmiItem*> specific;
+};
+
+Sections findSections(const AmiItem& root) {
+    Sections sections;
+    for (const AmiItem& item : itemsOf(root)) {
+        const auto section = lookUpEnumeration(kSections, item.text);
+        if (item.is_node == 0 || section.row == nullptr) continue;
+        if (section.row->code == Section::reserved) sections.reserved.push_back(&item);
+        if (section.row->code == Section::specific) sections.specific.push_back(&item);
+    }
+    return sections;
+}
+
+AmiRules chooseRules(const Sections& sections) {
+    for (const AmiItem* const section : sections.reserved) {
+        for (const AmiItem& item : itemsOf(*section)) {
+            const ReservedRow* const row = item.is_node != 0 ? reservedRow(item.text) : nullptr;
+            if (row == nullptr || row->code != Reserved::amiVersion) continue;
+            return rulesOfVersion(singleValue(item));
+        }
+    }
+    AmiRules rules;
+    rules.first_version = true;
+    return rules;
+}
+
+/// Checks a whole tree.
+class TreeCheck {
+public:
+    TreeCheck(Run& run, std::string_view text, const AmiItem& root)
+        : root_(root), sections_(findSections(root)), check_{run, LineFinder(text), chooseRules(sections_)} {}
+
+    void checkAll() {
+        markRepeated(sections_.reserved);
+        markRepeated(sections_.specific);
+        for (const AmiItem& item : itemsOf(root_)) {
+            if (item.is_node != 0) {
+                checkRootChild(item);
+            } else {
+                reportAmiText(check_, item, root_);
+            }
+        }
+        if (sections_.reserved.empty()) {
+            error(check_.run.diagnostics, 4627);
+        } else {
+            checkRequired();
+        }
+    }
+
+private:
+    void checkRootChild(const AmiItem& child) {
+        const auto section = lookUpEnumeration(kSections, child.text);
+        if (section.row == nullptr) {
+            errorAtLine(at(check_, child), 4626, shown(child.text));
+            return;
+        }
+        if (!section.exact) errorAtLine(at(check_, child), 4629, shown(child.text), section.row->text);
+        bool& seen = section_seen_[static_cast<std::size_t>(section.row->code)];
+        if (std::exchange(seen, true)) errorAtLine(at(check_, child), 4628, section.row->text);
+        switch (section.row->code) {
+        case Section::reserved: walk(child, Section::reserved); break;
+        case Section::specific:
+            checkSectionOrder(child);
+            walk(child, Section::specific);
+            break;
+        case Section::description: checkAmiDescription(check_, child, root_); break;
+        }
+    }
+
+    void checkSectionOrder(const AmiItem& specific) {
+        const bool reserved_follows =
+            !sections_.reserved.empty() && !section_seen_[static_cast<std::size_t>(Section::reserved)];
+        if (check_.rules.first_version || !reserved_follows) return;
+        errorAtLine(at(check_, specific), 4656, shown(check_.rules.version));
+    }
+
+    /// Walks a section and its branches. They may be nested as deep as the file is long.
+    void walk(const AmiItem& top, Section section) {
+        std::vector<const AmiItem*> open{&top};
+        checkHoldsSomething(top);
+        const AmiItem* const end = &top + top.size;
+        for (const AmiItem* item = &top + 1; item != end;) {
+            while (item == open.back() + open.back()->size) {
+                open.pop_back();
+            }
+            if (item->is_node == 0) {
+                reportAmiText(check_, *item, *open.back());
+            } else if (item->text == kDescription) {
+                reportRepeated(*item);
+                checkAmiDescription(check_, *item, *open.back());
+            } else {
+                const bool direct = open.size() == 1;
+                reportRepeated(*item);
+                if (!isAmiLeaf(*item)) {
+                    enterBranch(*item, section, direct);
+                    open.push_back(item++);
+                    continue;
+                }
+                checkParameter(*item, section, direct);
+            }
+            item += item->size;
+        }
+    }
+
+    void enterBranch(const AmiItem& branch, Section section, bool direct) {
+        if (section == Section::specific) {
+            checkSpecificName(branch);
+        } else if (direct) {
+            errorAtLine(at(check_, branch), 4649, shown(branch.text));
+            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, branch);
+        }
+        const AmiItem* const only = &branch;
+        markRepeated(std::span(&only, 1));
+        if (section == Section::specific || !direct) checkHoldsSomething(branch);
+    }
+
+    void checkParameter(const AmiItem& node, Section section, bool direct) {
+        if (section == Section::specific) checkSpecificName(node);
+        const ReservedRow* const row =
+            section == Section::reserved && direct ? readReservedName(check_, node) : nullptr;
+        const AmiLeaf leaf = checkAmiLeaf(check_, node);
+        if (row == nullptr) return;
+        give(*row, node);
+        checkReserved(check_, *row, leaf);
+    }
+
+    void checkSpecificName(const AmiItem& node) {
+        const ReservedRow* const row = reservedRow(node.text);
+        if (row != nullptr && row->text == node.text) warningAtLine(at(check_, node), 4660, shown(node.text));
+    }
+
+    /// Notes a reserved parameter; of several the first counts.
+    void give(const ReservedRow& row, const AmiItem& node) {
+        const AmiItem*& given = given_[static_cast<std::size_t>(row.code)];
+        if (given == nullptr) given = &node;
+    }
+
+    void checkRequired() {
+        bool all_false = true;
+        for (const Reserved name : kRequired) {
+            const AmiItem* const node = given_[static_cast<std::size_t>(name)];
+            if (node == nullptr) {
+                error(check_.run.diagnostics, 4652, kReserved[static_cast<std::size_t>(name)].text);
+            }
+            const AmiItem* const value = node == nullptr ? nullptr : singleValue(*node);
+            all_false = all_false && value != nullptr && value->text == "False";
+        }
+        if (all_false) warning(check_.run.diagnostics, 4659);
+    }
+
+    void checkHoldsSomething(const AmiItem& branch) {
+        const bool empty = std::ranges::all_of(
+            itemsOf(branch), [](const AmiItem& item) { return item.is_node != 0 && item.text == kDescription; });
+        if (empty) warningAtLine(at(check_, branch), 4647, shown(branch.text));
+    }
+
+    /// Finds names that stand twice among all that the branches hold.
+    void markRepeated(std::span<const AmiItem* const> branches) {
+        std::unordered_set<std::string_view> names;
+        for (const AmiItem* const branch : branches) {
+            const AmiItems items = itemsOf(*branch);
+            // Deep nesting mostly means branches with one child.
+            if (branches.size() == 1 && !items.empty() && items.front().size + 1 == branch->size) return;
+            for (const AmiItem& item : items) {
+                if (item.is_node != 0 && !names.insert(item.text).second) repeated_.insert(&item);
+            }
+        }
+    }
+
+    void reportRepeated(const AmiItem& item) {
+        if (!repeated_.contains(&item)) return;
+        if (check_.rules.first_version) {
+            warningAtLine(at(check_, item), 4632, shown(item.text));
+        } else {
+            errorAtLine(at(check_, item), 4632, shown(item.text));
+        }
+    }
+
+    const AmiItem& root_;
+    Sections sections_;
+    AmiCheck check_;
+    std::array<bool, kSections.size()> section_seen_{};
+    std::unordered_set<const AmiItem*> repeated_;
+    std::array<const AmiItem*, kReservedCount> given_{}; ///< by Reserved
+};
+
+} // namespace
+
+void checkAmi(Run& run) {
+    const std::vector<AmiItem> tree = readAmiTree(run, run.parse.ami_text);
+    if (!tree.empty()) TreeCheck(run, run.parse.ami_text, tree.front()).checkAll();
+}
+
+} // namespace kestrel

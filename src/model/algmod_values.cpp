@@ -1,0 +1,250 @@
+#include "ibis/run.hpp"
+#include "model/algmod_leaf.hpp"
+
+#include <algorithm>
+#include <vector>
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::array<EnumerationRow<bool>, 2> kBooleans{{{"True", true}, {"False", false}}};
+
+const AmiFormatRow& rowOf(AmiFormat format) { return kAmiFormats[static_cast<std::size_t>(format)]; }
+
+std::string_view nameOf(AmiType type) { return kAmiTypes[static_cast<std::size_t>(type)].text; }
+
+constexpr std::string_view kDefault = kAmiParts[static_cast<std::size_t>(AmiPart::initial)].text;
+
+bool isWholeNumber(std::string_view text) {
+    if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
+    return !text.empty() && std::ranges::all_of(text, isDigit);
+}
+
+/// What stands in some items, taken together.
+struct Contents {
+    int texts = 0;
+    bool has_nodes = false;
+};
+
+Contents contentsOf(AmiItems items) {
+    Contents contents;
+    for (const AmiItem& item : items) {
+        if (item.is_node != 0) {
+            contents.has_nodes = true;
+        } else {
+            ++contents.texts;
+        }
+    }
+    return contents;
+}
+
+void reportNodes(AmiCheck& check, const AmiLeaf& leaf, AmiItems items) {
+    for (const AmiItem& item : items) {
+        if (item.is_node != 0) reportUnknownAmiItem(check, leaf, item);
+    }
+}
+
+/// True when `value` is one of the type; otherwise it is reported. `part` tells where it stands.
+bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiItem& value, std::string_view part) {
+    double number = 0.0;
+    switch (type) {
+    case AmiType::text: return true;
+    case AmiType::boolean: {
+        const auto hit = lookUpEnumeration(kBooleans, value.text);
+        if (value.quoted != 0 || hit.row == nullptr) break;
+        if (hit.exact) return true;
+        errorAtLine(at(check, value), 4636, leaf.name(), part, shown(value.text), hit.row->text);
+        return false;
+    }
+    case AmiType::integer:
+        if (value.quoted == 0 && isWholeNumber(value.text)) return true;
+        break;
+    case AmiType::real:
+    case AmiType::tap:
+    case AmiType::unitInterval:
+        if (value.quoted == 0 && readScaled(value.text, number) == ReadResult::number) return true;
+        break;
+    }
+    errorAtLine(at(check, value), 4638, leaf.name(), shown(value.text), nameOf(type));
+    return false;
+}
+
+/// A value that was checked to be a number.
+double numberOf(const AmiItem& value) {
+    double number = 0.0;
+    return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
+}
+
+/// The columns of a table and what they hold.
+class Table {
+public:
+    Table(const AmiLeaf& leaf, AmiItems types) : leaf_(leaf) {
+        for (const AmiItem& word : types) {
+            types_.push_back(amiType(word));
+        }
+        if (types_.size() > 1) columns_ = static_cast<int>(types_.size());
+        for (const AmiItem& row : leaf.values) {
+            if (row.is_node == 0 || isLabels(row)) continue;
+            if (columns_ == 0) columns_ = columnsOf(row);
+            ++rows_;
+        }
+    }
+
+    /// Rows with values; the labels are none.
+    [[nodiscard]] int rows() const { return rows_; }
+
+    void checkCounts(AmiCheck& check) const {
+        for (const AmiItem& row : leaf_.values) {
+            if (row.is_node == 0) {
+                reportAmiText(check, row, *leaf_[AmiPart::format].word);
+                continue;
+            }
+            const AmiItems items = itemsOf(row);
+            reportNodes(check, leaf_, items);
+            const int columns = columnsOf(row) - (isLabels(row) ? 1 : 0);
+            if (contentsOf(items).has_nodes || columns == columns_) continue;
+            errorAtLine(at(check, row), 4646, leaf_.name(), columns, columns_);
+        }
+    }
+
+    [[nodiscard]] bool checkValues(AmiCheck& check) const {
+        return std::ranges::all_of(leaf_.values, [&](const AmiItem& row) {
+            return row.is_node == 0 || isLabels(row) || checkRow(check, row);
+        });
+    }
+
+private:
+    [[nodiscard]] bool isLabels(const AmiItem& row) const {
+        return &row == &leaf_.values.front() && row.text == "Labels" && row.quoted == 0;
+    }
+
+    static int columnsOf(const AmiItem& row) { return contentsOf(itemsOf(row)).texts + (row.hasName() ? 1 : 0); }
+
+    [[nodiscard]] bool checkRow(AmiCheck& check, const AmiItem& row) const {
+        std::size_t column = 0;
+        const auto checkCell = [&](const AmiItem& cell) {
+            const std::size_t at = types_.size() == 1 ? 0 : column++;
+            // A row that is longer than the list of types was reported.
+            return at >= types_.size() || checkValue(check, leaf_, types_[at], cell, rowOf(AmiFormat::table).text);
+        };
+        if (row.hasName() && !checkCell(row)) return false;
+        return std::ranges::all_of(itemsOf(row),
+                                   [&](const AmiItem& cell) { return cell.is_node != 0 || checkCell(cell); });
+    }
+
+    const AmiLeaf& leaf_;
+    std::vector<AmiType> types_; ///< one for all columns, or one for each
+    int columns_ = 0;
+    int rows_ = 0;
+};
+
+/// True when the format may have values of the type; a parameter without one of the two counts as right.
+bool checkFormatType(AmiCheck& check, const AmiLeaf& leaf) {
+    if (!leaf.format) return true;
+    const AmiFormatRow& row = rowOf(*leaf.format);
+    for (const AmiItem& word : typesOf(leaf)) {
+        if (row.types.has(amiType(word))) continue;
+        errorAtLine(at(check, *leaf[AmiPart::format].word), 4639, leaf.name(), row.text, word.text);
+        return false;
+    }
+    return true;
+}
+
+/// Only the columns of a table may have types of their own.
+void checkTypeCount(AmiCheck& check, const AmiLeaf& leaf) {
+    if (leaf.type_node == nullptr || leaf.format == AmiFormat::table || leaf[AmiPart::format].refused) return;
+    for (const AmiItem& word : itemsOf(*leaf.type_node)) {
+        if (word.is_node == 0 && &word != leaf[AmiPart::type].word) reportAmiText(check, word, *leaf.type_node);
+    }
+}
+
+/// True when the format has as many values as it needs.
+bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf) {
+    if (!leaf.format) return false;
+    const AmiFormatRow& row = rowOf(*leaf.format);
+    Contents contents = contentsOf(leaf.values);
+    bool at_least = *leaf.format == AmiFormat::list;
+    if (*leaf.format == AmiFormat::table) {
+        const Table table(leaf, typesOf(leaf));
+        table.checkCounts(check);
+        contents = {.texts = table.rows()};
+        at_least = true;
+    } else {
+        reportNodes(check, leaf, leaf.values);
+    }
+    if (contents.has_nodes) return false;
+    const bool pair = *leaf.format == AmiFormat::corner && check.rules.first_version && contents.texts == 2;
+    if (pair || contents.texts == row.values || (at_least && contents.texts > row.values)) return true;
+    errorAtLine(at(check, *leaf[AmiPart::format].word), 4637, leaf.name(), row.text, contents.texts, row.values);
+    return false;
+}
+
+/// Stops at the first value that is none of the type.
+bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf) {
+    if (!leaf.format) return true;
+    if (*leaf.format == AmiFormat::table) {
+        const AmiItems types = typesOf(leaf);
+        return types.empty() || Table(leaf, types).checkValues(check);
+    }
+    return !leaf.type || std::ranges::all_of(leaf.values, [&](const AmiItem& value) {
+        return value.is_node != 0 || checkValue(check, leaf, *leaf.type, value, rowOf(*leaf.format).text);
+    });
+}
+
+/// The formats that begin with typical value, minimum and maximum.
+constexpr AmiFormatSet kOrdered{AmiFormat::range, AmiFormat::increment, AmiFormat::steps};
+
+struct Bounds {
+    double min;
+    double max;
+};
+
+/// Checks the order of a complete list of numbers; without a fault in it, returns the bounds.
+std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf) {
+    AmiItems::Iterator value = leaf.values.begin();
+    const double typ = numberOf(*value++);
+    const double min = numberOf(*value++);
+    const double max = numberOf(*value++);
+    const std::string_view format = rowOf(*leaf.format).text;
+    const bool ordered = min <= typ && typ <= max;
+    if (!ordered) errorAtLine(at(check, *leaf[AmiPart::format].word), 4643, leaf.name(), format);
+    if (value != leaf.values.end() && numberOf(*value) <= 0.0) {
+        const std::string_view what = leaf.format == AmiFormat::steps ? "count" : "delta";
+        errorAtLine(at(check, *value), 4644, leaf.name(), what, format);
+    }
+    return ordered ? std::optional(Bounds{min, max}) : std::nullopt;
+}
+
+bool isMember(AmiItems list, const AmiItem& value) {
+    return std::ranges::any_of(list, [&](const AmiItem& item) { return item.text == value.text; });
+}
+
+} // namespace
+
+void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
+    const bool serves = checkFormatType(check, leaf);
+    checkTypeCount(check, leaf);
+    const bool complete = checkValueCount(check, leaf) && serves;
+    leaf.good_values = !serves || checkFormatValues(check, leaf);
+
+    const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
+    std::optional<Bounds> bounds;
+    if (has_numbers && kOrdered.has(*leaf.format)) bounds = checkOrder(check, leaf);
+
+    const AmiItem* const initial = leaf[AmiPart::initial].word;
+    if (initial == nullptr) return;
+    if (leaf.format == AmiFormat::value && !check.rules.first_version) {
+        warningAtLine(at(check, *initial), 4648, leaf.name());
+    }
+    if (!leaf.good_values || !leaf.type) return;
+    leaf.good_values = checkValue(check, leaf, *leaf.type, *initial, kDefault);
+    if (!leaf.good_values) return;
+    const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
+                         (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
+    if (outside) {
+        warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
+    }
+}
+
+} // namespace kestrel
