@@ -64,7 +64,9 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::modelSpec: return Form::modelSpec;
     case KeywordCode::receiverThresholds: return Form::receiverThresholds;
     case KeywordCode::externalModel:
-    case KeywordCode::endExternalModel: return Form::block;
+    case KeywordCode::endExternalModel:
+    case KeywordCode::beginEmiModel:
+    case KeywordCode::endEmiModel: return Form::block;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -76,9 +78,7 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::seriesCurrent: return Form::seriesCurrent;
     case KeywordCode::seriesMosfet: return Form::seriesMosfet;
     case KeywordCode::algorithmicModel:
-    case KeywordCode::endAlgorithmicModel:
-    case KeywordCode::beginEmiModel:
-    case KeywordCode::endEmiModel: return Form::unread;
+    case KeywordCode::endAlgorithmicModel: return Form::unread;
     case KeywordCode::compositeCurrent: return Form::compositeCurrent;
     case KeywordCode::cCompCorner: return Form::cCompCorner;
     default: return Form::foreign;
@@ -116,7 +116,7 @@ constexpr WaveformField waveformField(KeywordCode code) {
     return {kFallingWaveform, &Mdl::falling_waveforms};
 }
 
-constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel});
+constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kEmiModel});
 
 void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
     if (line.key == block.begin) {
