@@ -84,7 +84,8 @@ void componentData(Run& run, Cmpnt& component, std::string_view text) {
     locationLine(run, component, *row, text);
 }
 
-constexpr std::array<const Block<Cmpnt>*, 3> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall};
+constexpr std::array<const Block<Cmpnt>*, 4> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall,
+                                                     &kEmiComponent};
 
 void blockData(Run& run, Cmpnt& component, const Block<Cmpnt>& block, const Line& line) {
     if (line.key == block.begin) {
@@ -105,6 +106,8 @@ void keywordLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::diffPin: diffPinHeader(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
+    case KeywordCode::pinEmi: pinEmiHeader(run, component, line.text); break;
+    case KeywordCode::pinDomainEmi: pinDomainEmiHeader(run, component, line.text); break;
     default:
         if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key)) {
             blockKeywordLine(run, component, *block, run.cmpnt.block, line);
@@ -126,6 +129,8 @@ void dataLine(Run& run, Cmpnt& component, const Line& line) {
     case KeywordCode::diffPin: diffPinLine(run, component, line.text); break;
     case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
     case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
+    case KeywordCode::pinEmi: pinEmiLine(run, component, line.text); break;
+    case KeywordCode::pinDomainEmi: pinDomainEmiLine(run, component, line.text); break;
     default:
         if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key))
             blockData(run, component, *block, line);
@@ -245,6 +250,7 @@ void checkCmpnts(Run& run) {
         checkSwitchGroups(run, component);
         checkNodes(run, component);
         checkCircuitCalls(run, component);
+        checkPinEmi(run, component);
     }
     checkExtCkts(run);
 }

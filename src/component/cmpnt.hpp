@@ -1,6 +1,7 @@
 #pragma once
 
 #include "component/circuit.hpp"
+#include "component/cmpntemi.hpp"
 #include "component/difpin.hpp"
 #include "component/name_list.hpp"
 #include "component/pin.hpp"
@@ -55,6 +56,7 @@ struct Cmpnt {
     std::vector<CircuitCall> circuit_calls;
     Location si_location = Location::notGiven;
     Location timing_location = Location::notGiven;
+    std::optional<CmpntEmi> emi; ///< "[Begin EMI Component]", from its keyword line on
 };
 
 /// The component being read, null outside one, and what of it is open.

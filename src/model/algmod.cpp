@@ -72,10 +72,12 @@ std::string pathOf(const Run& run, const std::string& name) {
     return in_folder && !is_absolute ? run.parse.directory + name : name;
 }
 
-bool exists(Run& run, const std::string& path) {
-    if (path.size() >= kMaxPath) return false;
+/// Opens a file to learn under which spelling of its name it stands on the disk; empty when it is not there.
+std::string findFile(Run& run, const std::string& path) {
+    if (path.size() >= kMaxPath) return {};
     const SilencedErrors silenced(run.diagnostics);
-    return openSource(run, path, FileKind::ami).has_value();
+    const std::optional<Source> source = openSource(run, path, FileKind::ami);
+    return source ? source->path : std::string();
 }
 
 /// Puts the reader back to where it was, whatever happens meanwhile.
@@ -95,12 +97,13 @@ void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
     const KeptReader kept(run.parse);
     const std::string directory = run.parse.directory;
     const std::string path = pathOf(run, name);
-    if (!exists(run, path)) {
+    const std::string found = findFile(run, path);
+    if (found.empty()) {
         warning(run.diagnostics, 4610, name, model.name);
         return;
     }
-    // Finding the file may have left the directory in another case.
-    run.parse.directory = directory;
+    if (!run.algmod.paths.insert(found).second) return;
+    run.parse.directory = directory; // the search may have left it in another case
     run.parse.kind = FileKind::ami;
     if (collectAmi(run, path)) checkAmi(run);
 }
@@ -132,7 +135,7 @@ void checkAlgMods(Run& run) {
         for (const AlgExecutable& executable : model.algorithmic_model->executables) {
             const std::string& name = executable.parameter_file;
             // One of another kind was reported with its line.
-            if (kindOfName(name) != FileKind::ami || !run.algmod.looked_for.insert(name).second) continue;
+            if (kindOfName(name) != FileKind::ami || !run.algmod.names.insert(name).second) continue;
             checkParameterFile(run, model, name);
         }
     }

@@ -27,7 +27,8 @@ struct AlgMod {
 
 /// The algorithmic models of a run.
 struct AlgModState {
-    TextSet looked_for; ///< parameter files, as the lines name them
+    TextSet names; ///< of the parameter files looked for, as the lines give them
+    TextSet paths; ///< of those found
 };
 
 /// "[Algorithmic Model]" to its end. Reports 4601 to 4607 at the line, 4608 without one.

@@ -30,7 +30,6 @@ enum class Form : std::uint8_t {
     seriesMosfet,
     cCompCorner,
     compositeCurrent,
-    unread, ///< a model's own, but its lines are not looked at
     foreign ///< not a keyword of a model
 };
 
@@ -66,7 +65,9 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::externalModel:
     case KeywordCode::endExternalModel:
     case KeywordCode::algorithmicModel:
-    case KeywordCode::endAlgorithmicModel: return Form::block;
+    case KeywordCode::endAlgorithmicModel:
+    case KeywordCode::beginEmiModel:
+    case KeywordCode::endEmiModel: return Form::block;
     case KeywordCode::on:
     case KeywordCode::off: return Form::seriesSection;
     case KeywordCode::rSeries:
@@ -77,8 +78,6 @@ constexpr Form formOf(KeywordCode code) {
     case KeywordCode::rcSeries: return Form::seriesRange;
     case KeywordCode::seriesCurrent: return Form::seriesCurrent;
     case KeywordCode::seriesMosfet: return Form::seriesMosfet;
-    case KeywordCode::beginEmiModel:
-    case KeywordCode::endEmiModel: return Form::unread;
     case KeywordCode::compositeCurrent: return Form::compositeCurrent;
     case KeywordCode::cCompCorner: return Form::cCompCorner;
     default: return Form::foreign;
@@ -116,7 +115,7 @@ constexpr WaveformField waveformField(KeywordCode code) {
     return {kFallingWaveform, &Mdl::falling_waveforms};
 }
 
-constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kAlgorithmicModel});
+constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kAlgorithmicModel, &kEmiModel});
 
 void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
     if (line.key == block.begin) {
@@ -202,7 +201,6 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         break;
     case Form::compositeCurrent: openCompositeCurrent(run, line.text); break;
     case Form::cCompCorner: openCCorner(run, model, line.text); break;
-    case Form::unread: break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
 }
@@ -240,7 +238,6 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
     case Form::modelSpec: mSpecLine(run, model, line.text); break;
     case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
-    case Form::unread: break;
     case Form::block: blockData(run, model, *blockOf<Mdl>(kBlocks, line.key), line); break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }

@@ -5,6 +5,7 @@
 #include "model/ccorner.hpp"
 #include "model/crv.hpp"
 #include "model/drvsh.hpp"
+#include "model/mdlemi.hpp"
 #include "model/mspec.hpp"
 #include "model/ramp.hpp"
 #include "model/rcvth.hpp"
@@ -84,9 +85,10 @@ struct Mdl {
     std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
     std::optional<Crv> isso_pu;
     std::optional<Crv> isso_pd;
-    std::unique_ptr<AlgMod> algorithmic_model;
-    std::unique_ptr<ExtCkt> external_model; ///< "[External Model]", from its keyword line on
-    bool referenced = false;                ///< some pin, selector, schedule or series pin mapping names this model
+    std::unique_ptr<AlgMod> algorithmic_model; ///< "[Algorithmic Model]", from its keyword line on
+    std::unique_ptr<MdlEmi> emi_model;         ///< "[Begin EMI Model]", likewise
+    std::unique_ptr<ExtCkt> external_model;    ///< "[External Model]", likewise
+    bool referenced = false;                   ///< some pin, selector, schedule or series pin mapping names this model
 };
 
 /// The model being read, null outside one, and what of it is open.

@@ -147,6 +147,7 @@ void checkModel(Run& run, const Mdl& model) {
     if (isDifferential(model) && !model.external_model) {
         caution(run.diagnostics, 1829, model.name, modelTypeText(model.model_type));
     }
+    checkMdlEmi(run, model);
     checkIsso(run, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);

@@ -69,7 +69,7 @@ constexpr auto kSupplyKeywords = std::to_array({
 
 constexpr ValueLineMessages kValueMessages{
     3208, 3204, 3209, ScaleMessage(3210), ValueGiven::whenRead, TooMany::whenComplete};
-constexpr WordLineMessages kWordMessages{3211, 3204};
+constexpr WordLineMessages kWordMessages{CheckedMessage<ArgKind::text>(3211), 3204};
 constexpr EnumerationMessages kEnumerationMessages{3212, 3213};
 
 constexpr std::array<std::string_view, 5> kDifferential{"Vcross_low", "Vcross_high", "Vdiff_ac", "Vdiff_dc",

@@ -32,7 +32,7 @@ constexpr auto kRows = std::to_array({
 enum Place : std::size_t { kDriver = 1, kDriverInv = 2, kLoad = 3 }; // in kRows
 
 constexpr BlockNameMessages kNameMessages{2305, 2306, 2307, 2308, 2309};
-constexpr BlockWordMessages kWordMessages{{2312, 2313}, {2314, 2315}, 2316, 2317};
+constexpr BlockWordMessages kWordMessages{{CheckedMessage<ArgKind::text>(2312), 2313}, {2314, 2315}, 2316, 2317};
 
 constexpr WaveformLabel golden(std::string_view label) { return {label, label, WaveformForm::golden}; }
 

@@ -58,7 +58,7 @@ constexpr auto kRows = std::to_array({
 });
 
 constexpr BlockNameMessages kNameMessages{2205, 2206, 2207, 2208, 2209};
-constexpr BlockWordMessages kWordMessages{{2212, 2214}, {2215, 2216}, 2220, 2221};
+constexpr BlockWordMessages kWordMessages{{CheckedMessage<ArgKind::text>(2212), 2214}, {2215, 2216}, 2220, 2221};
 constexpr ValueLineMessages kValueMessages{
     2213, 2214, 2217, ScaleMessage(2218), ValueGiven::whenRead, TooMany::whenComplete};
 constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(2219), true};

@@ -52,7 +52,8 @@ std::optional<std::string_view> readWordLine(Run& run, std::string_view rest, st
     const int sign = items[0] == "=" ? 1 : 0;
     const int count = items.count - sign + 1;
     if (count < kItems) {
-        errorAtLine(run.diagnostics, messages.missing, name);
+        if (!messages.missing) return std::string_view();
+        errorAtLine(run.diagnostics, *messages.missing, name);
         return std::nullopt;
     }
     if (count > kItems) errorAtLine(run.diagnostics, messages.wrong_count, count, name, kItems);

@@ -110,8 +110,9 @@ bool readValueLine(Run& run, std::string_view text, const ValueLineMessages& mes
 
 /// What the lines "name word" of one block report.
 struct WordLineMessages {
-    CheckedMessage<ArgKind::text> missing; ///< no word: the name
-    CountMessage wrong_count;              ///< more than one: the items, the name, 2
+    /// No word: the name. Without it an empty word is returned, for the caller's look-up to report.
+    std::optional<CheckedMessage<ArgKind::text>> missing;
+    CountMessage wrong_count; ///< more than one: the items, the name, 2
 };
 
 /// The word of a line "name word", of which `rest` is what follows the name. A "=" before the word is passed over and

@@ -492,5 +492,15 @@ TEST(Model, linesOutsideAModel) {
               "E3901@ E3901@ E0188 E0188 E0188 E0188 E0102@");
 }
 
+TEST(EmiModels, keepTheFirstWords) {
+    Reading reading(V::v5);
+    reading.read(
+        "[Model] M\n[Begin EMI Model]\nModel_emi_type Ferite\nModel_emi_type Not_a_ferrite\n"
+        "[End EMI Model]\n[Begin EMI Model]\nModel_emi_type Ferrite\nModel_Domain Analog");
+    ASSERT_TRUE(reading.newest().emi_model);
+    EXPECT_EQ(reading.newest().emi_model->type, EmiType::notFerrite);
+    EXPECT_EQ(reading.newest().emi_model->domain, EmiDomain::analog);
+}
+
 } // namespace
 } // namespace kestrel

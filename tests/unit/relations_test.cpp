@@ -128,5 +128,29 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
     EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
 }
 
+TEST(EmiComponents, keepTheirValuesAndTables) {
+    Relations test;
+    test.read(K::beginEmiComponent, "",
+              {"Domain Mixed", "Cpd NA 5p 7p", "Cpd = 6p 5p 7p", "C_Heatsink_gnd = 3.7pF", "C_Heatsink_float = none"});
+    test.read(K::pinEmi, "domain_name clock_div", {"123456789 MEM 0.5", "2 na NA", "3 IO 0"});
+    test.read(K::pinDomainEmi, "percentage", {"MEM 40", "IO all"});
+    const auto& emi = test.component().emi;
+    ASSERT_TRUE(emi);
+    EXPECT_EQ(emi->domain, EmiDomain::other);
+    EXPECT_DOUBLE_EQ(emi->cpd.value_or(0.0), 6e-12);
+    EXPECT_DOUBLE_EQ(emi->c_heatsink_gnd.value_or(0.0), 3.7e-12);
+    EXPECT_EQ(emi->c_heatsink_float, std::nullopt);
+    ASSERT_EQ(emi->pins.size(), 3U);
+    EXPECT_EQ(emi->pins[0].pin, "12345678");
+    EXPECT_EQ(emi->pins[0].domain, "MEM");
+    EXPECT_EQ(emi->pins[0].clock_div, 0.5);
+    EXPECT_EQ(emi->pins[1].domain, "");
+    EXPECT_EQ(emi->pins[1].clock_div, 1.0);
+    EXPECT_EQ(emi->pins[2].clock_div, 0.0);
+    ASSERT_EQ(emi->pin_domains.size(), 2U);
+    EXPECT_EQ(emi->pin_domains[0].percentage, 40.0);
+    EXPECT_EQ(emi->pin_domains[1].name, "IO");
+}
+
 } // namespace
 } // namespace kestrel

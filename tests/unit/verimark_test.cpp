@@ -25,7 +25,9 @@ protected:
     Verimark() {
         std::string pattern = (fs::temp_directory_path() / "verimark_XXXXXX").string();
         folder_ = mkdtemp(pattern.data());
-        write("good.ami", "(good)\n");
+        write("good.ami",
+              "(good (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value True))"
+              "(GetWave_Exists (Usage Info) (Type Boolean) (Value True))))\n");
         write("bad.ami", "(\"bad)\n");
         write("empty.ibs", "");
         write("v1.ibs", "[IBIS Ver] 1.1\n[End]\n");

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "component/pinemi.hpp"
+#include "ibis/text_hash.hpp"
+#include "reader/block.hpp"
+#include "reader/columns.hpp"
+#include "reader/enumeration.hpp"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace kestrel {
+
+struct Run;
+struct Cmpnt;
+
+/// Whether a part works with digital or analog signals.
+enum class EmiDomain : std::uint8_t { notGiven = 0, digital = 1, analog = 2, mixed = 3, other = 4 };
+
+/// Their spellings in the file, the mixed one last, which a single model cannot have.
+inline constexpr std::array<EnumerationRow<EmiDomain>, 3> kEmiDomains{{
+    {"Digital", EmiDomain::digital},
+    {"Analog", EmiDomain::analog},
+    {"Digital_analog", EmiDomain::mixed},
+}};
+
+/// What "[Begin EMI Component]" gives. Farads; tables are in file order.
+struct CmpntEmi {
+    EmiDomain domain = EmiDomain::notGiven;
+    std::optional<double> cpd; ///< the typical one of a range
+    std::optional<double> c_heatsink_gnd;
+    std::optional<double> c_heatsink_float;
+    TableColumns pin_columns; ///< of "[Pin EMI]"
+    std::vector<PinEmi> pins;
+    PinEmiIndex pin_index;       ///< of their pins
+    TableColumns domain_columns; ///< of "[Pin Domain EMI]"
+    std::vector<PinDomainEmi> pin_domains;
+    PinDomainEmiIndex domain_index;    ///< of their names
+    TextSet dropped_domains;           ///< of rows that were reported and dropped
+    double percentages = 0.0;          ///< sum of those that were not reported
+    bool percentages_reported = false; ///< their sum was
+};
+
+/// "[Begin EMI Component]" to its end. Reports 4701 to 4713 and 4715 at the line, and 4910 without one.
+extern const Block<Cmpnt> kEmiComponent;
+
+} // namespace kestrel

@@ -1,0 +1,242 @@
+// Parameter files of algorithmic models: brackets, sections, parameters and the reserved ones.
+
+#include "codes.hpp"
+#include "ibis/run.hpp"
+#include "model/algmod_check.hpp"
+
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace kestrel {
+namespace {
+
+/// What the text of a parameter file, its comments gone, is answered with.
+std::string printedFor(std::string_view text, bool coded) {
+    Output out;
+    kestrel::Run run(out);
+    run.diagnostics.coded_form = coded;
+    run.parse.ami_text = text;
+    checkAmi(run);
+    return out.text();
+}
+
+std::string codesFor(std::string_view text) { return codesOf(printedFor(text, true)); }
+
+constexpr std::string_view kVersion51 = "(AMI_Version (Usage Info) (Type String) (Value \"5.1\"))";
+constexpr std::string_view kRequired =
+    "(Init_Returns_Impulse (Usage Info) (Type Boolean) (Value True))"
+    "(GetWave_Exists (Usage Info) (Type Boolean) (Value False))";
+
+/// A whole file without a fault of its own.
+std::string file(std::string_view version, std::string_view reserved, std::string_view specific) {
+    std::string text("(m (Reserved_Parameters ");
+    text.append(version).append(kRequired).append(reserved).append(")");
+    if (!specific.empty()) text.append("(Model_Specific ").append(specific).append(")");
+    return text.append(")");
+}
+
+struct Row {
+    std::string_view text;
+    std::string_view codes;
+};
+
+TEST(AmiBrackets, areReportedAndEndTheChecks) {
+    const std::initializer_list<Row> rows{
+        {"", "E4620"},
+        {" \n\t\n", "E4620"},
+        {"word (m)", "E4621@"},
+        {"\"text\"", "E4621@"},
+        {") (m)", "E4621@"},
+        {"(m", "E4624"},
+        {"(m (Reserved_Parameters (a", "E4624"},
+        {"(", "E4624"},
+        {"(m))", "E4625@"},
+        {"(m) word (more) words", "E4625@"},
+        {"(m ())", "E4622@"},
+        {"(m ((a)))", "E4622@"},
+        {"(m () (", "E4622@ E4624"},
+        {"(m (Reserved_Parameters (a (Table (1 (2)) () ((3))", "E4624"}, // only the rows themselves go without a name
+        {"(m (Table (1 (()))))", "E4622@ E4622@"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(codesFor(row.text), row.codes) << row.text;
+    }
+    EXPECT_EQ(printedFor("\n(m\n (Reserved_Parameters\n", false),
+              "ERROR - 2 closing ')' missing, the first unclosed '(' is on line 2\n");
+}
+
+TEST(AmiSections, areFoundInAnyOrderOnce) {
+    const std::string reserved = file(kVersion51, "", "");
+    const std::string inside = reserved.substr(3, reserved.size() - 4);
+    const std::string first(kRequired);
+    const std::initializer_list<std::pair<std::string, std::string_view>> rows{
+        {reserved, ""},
+        {"(\"any name\" (Description \"text\") " + inside + ")", ""},
+        {"(m)", "E4627"},
+        {"(m (Description text) word (Other) " + inside + ")", "E4631@ E4630@ E4626@"},
+        {"(m (Description \"a\") (Description \"b\") " + inside + ")", "E4628@"},
+        {"(m (model_specific) " + inside + ")", "E4629@ E4656@ W4647@"},
+        {"(m (Model_Specific (b (Description \"only\"))) " + inside + ")", "E4656@ W4647@"},
+        {"(m (Model_Specific (p (Usage Out) (Type Float))) (Reserved_Parameters " + first + "))", ""},
+        {"(m " + inside + "(Model_Specific (p (Usage Out) (Type Float))) (Model_Specific (p (Usage Out) (Type UI))))",
+         "E4628@ E4632@"},
+        {"(m (Reserved_Parameters))", "W4647@ E4652 E4652"},
+    };
+    for (const auto& [text, codes] : rows) {
+        EXPECT_EQ(codesFor(text), codes) << text;
+    }
+}
+
+TEST(AmiParameters, areCheckedByThemselves) {
+    const std::initializer_list<Row> rows{
+        {"(Usage In) (Type Integer) (List 6 0 2 4) (Default 6)", ""},
+        {"(Usage InOut) (Type Tap) (Format Range 0.1 -0.1 0.2) (Default 0.1) (Description \"text\")", ""},
+        // children
+        {"(Usage in) (Type Float) (Value 1)", "E4636@"},
+        {"(Usage Both) (Type float) (Value 1)", "E4635@ E4636@"},
+        {"(Usage In Out) (Type Float Integer) (Value 1)", "E4630@ E4630@"},
+        {"(Usage) (Type) (Value 1)", "E4633@ E4633@"},
+        {"(usage In) (Type Float) (Value 1)", "E4645@"},
+        {"(Usage In) (Usage Out) (Type Float) (Type UI) (Value 1)", "E4634@ E4634@"},
+        {"(Usage In) (Type Float) (Value 1) (Range 1 0 2) (Format List 1)", "E4634@ E4634@"},
+        {"(Usage In) (Type Float) (Default 1) (Default 2)", "E4634@"},
+        {"(Usage In) (Type Float)", "W4641@"},
+        {"(Usage Out) (Type Float)", ""},
+        {"(Usage in) (Type Float)", "E4636@"},
+        {"(Usage In) (Type Float) (Format Span 1) (Default 1)", "E4635@"},
+        {"(Usage In) (Type Float) (Format) ", "E4635@"},
+        {"(Usage In) (Type Float) (range 1 0 2)", "E4636@"},
+        {"(Usage In) (Type Float) (Value 1) (Tip 1) word \"text\"", "E4645@ E4630@ E4630@"},
+        {"(Usage In) (Type Float) (Value 1) (Description text)", "E4631@"},
+        {"(Usage In) (Type Float) (Value 1) (Description \"a\" \"b\")", "E4631@"},
+        {"(Usage In) (Type Float) (Value 1) (Description \"a\") (Description \"b\")", "E4634@"},
+        {"(Usage (In)) (Type Float) (Value (1))", "E4645@ E4645@"},
+        // numbers of values
+        {"(Usage In) (Type Float) (Value)", "E4637@"},
+        {"(Usage In) (Type Float) (Value 1 2)", "E4637@"},
+        {"(Usage In) (Type Float) (Range 1 0)", "E4637@"},
+        {"(Usage In) (Type Float) (Corner 1 0)", "E4637@"},
+        {"(Usage In) (Type Float) (List)", "E4637@"},
+        {"(Usage In) (Type Float) (Increment 1 0 2)", "E4637@"},
+        {"(Usage In) (Type Float) (Format Gaussian 1)", "E4637@"},
+        {"(Usage In) (Type Float) (Default)", "E4637@"},
+        {"(Usage In) (Type Float) (Default 1 2)", "E4630@"},
+        // types
+        {"(Usage In) (Type Integer) (List -3 +4 99999999999999999999)", ""},
+        {"(Usage In) (Type Integer) (Value 1.5)", "E4638@"},
+        {"(Usage In) (Type Float) (List 1.5n -2e-3 3ps)", ""},
+        {"(Usage In) (Type Float) (List 1n5 x)", "E4638@"}, // the first ends the checks
+        {"(Usage In) (Type UI) (Value \"1\")", "E4638@"},
+        {"(Usage In) (Type UI) (Value inf)", "E4638@"},
+        {"(Usage In) (Type Boolean) (Default true)", "E4636@"},
+        {"(Usage In) (Type Boolean) (Value \"True\")", "E4638@"},
+        {"(Usage In) (Type String) (List \"a b\" c)", ""},
+        {"(Usage In) (Type String) (Range 1 0 2)", "E4639@"},
+        {"(Usage In) (Type Boolean) (Range 1 0 2) (Default 1)", "E4639@ E4638@"},
+        {"(Usage In) (Type Integer) (Gaussian 0 1)", "E4639@"},
+        // order and default
+        {"(Usage In) (Type Float) (Range 1 2 3)", "E4643@"},
+        {"(Usage In) (Type Float) (Range 1 2 0) (Default 5)", "E4643@"},
+        {"(Usage In) (Type Float) (Increment 1 0 2 0)", "E4644@"},
+        {"(Usage In) (Type Integer) (Steps 3 0 2 -1)", "E4643@ E4644@"},
+        {"(Usage In) (Type Float) (Range 1 0 2) (Default 3)", "W4642@"},
+        {"(Usage In) (Type Integer) (Steps 1 0 2 4) (Default 2)", ""},
+        {"(Usage In) (Type Float) (List 1 2) (Default 1.0)", "W4642@"},
+        {"(Usage In) (Type Float) (Value 1) (Default 1)", "W4648@"},
+        {"(Usage In) (Type Float) (Range 1 0 x) (Default 3)", "E4638@"},
+        // tables
+        {"(Usage In) (Type Float) (Format Table (Labels \"t\" p) (1 2) (3 4))", ""},
+        {"(Usage In) (Type Float) (Table (1 2) (3) ())", "E4646@ E4646@"},
+        {"(Usage In) (Type Float) (Table (Labels a b c) (1 2))", "E4646@"},
+        {"(Usage In) (Type Float) (Table (1 2) (Labels a))", "E4638@"},
+        {"(Usage In) (Type Integer String) (Table (1 \"a\") (2 b))", ""},
+        {"(Usage In) (Type Integer String) (Table (a 1))", "E4638@"},
+        {"(Usage In) (Type Integer String UI) (Table (1 a))", "E4646@"},
+        {"(Usage In) (Type Float) (Table 1 (2))", "E4630@"},
+        {"(Usage In) (Type Float) (Table (Labels a))", "E4646@ E4637@"},
+        {"(Usage In) (Type Float) (Table)", "E4637@"},
+        {"(Usage In) (Type Tap) (Table (1 2))", "E4639@"},
+    };
+    for (const Row& row : rows) {
+        const std::string leaf = "(p " + std::string(row.text) + ")";
+        EXPECT_EQ(codesFor(file(kVersion51, "", leaf)), row.codes) << row.text;
+    }
+}
+
+TEST(AmiParameters, standInBranches) {
+    const std::initializer_list<Row> rows{
+        {"(b)", "W4647@"},
+        {"(b word)", "E4630@"},
+        {"(b (c) (Description \"text\"))", "W4647@"},
+        {"(b (c (p (Usage Out) (Type UI))) (p (Usage Out) (Type UI)))", ""},
+        {"(b (p (Usage Out) (Type UI)) (p) (p (Usage Out) (Type UI)))", "E4632@ W4647@ E4632@"},
+        {"(b (Range (Usage Out) (Type UI)) (Table (Usage Out) (Type UI)) (Type (Usage Out) (Type UI)))", ""},
+        {"(Tx_Jitter (Usage Out) (Type UI)) (b (GetWave_Exists (Usage Out) (Type UI)))", "W4660@ W4660@"},
+        {"(b (Table (Labels a) (1)))", "E4633@ E4633@"}, // nothing but a parameter holds a table
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(codesFor(file(kVersion51, "", row.text)), row.codes) << row.text;
+    }
+}
+
+TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
+    const std::initializer_list<Row> rows{
+        {"(Ignore_Bits (Usage Out) (Type Integer) (Range 3 0 5))", ""},
+        {"(Ignore_Bits (Usage In) (Type Float) (Table (1)))", "E4653@ E4654@ W4655@"},
+        {"(Tx_Jitter (Usage Info) (Type UI) (Value 1))", "W4655@"},
+        {"(Tx_Jitter (Usage Info) (Type UI) (Default 1))", "W4655@"},
+        {"(Rx_Clock_PDF (Usage Info) (Type Float) (Table (-1 0.5) (1 0.5)))", ""},
+        {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1))", "E4661@"},
+        {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1.5))", "E4638@"},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (List -1 2))", ""},
+        {"(Use_Init_Output (Usage Info) (Type Boolean) (Value True))", "W4658@"},
+        {"(ignore_bits (Usage In) (Type Integer) (Value 1))", "E4662@ E4653@"},
+        {"(Tx_Rj (Usage In) (Type Float) (Value x))", "W4651@ E4638@"},
+        {"(Mine (Usage In) (Type Float) (Value 1))", "E4650@"},
+        {"(b (Mine (Usage In) (Type Float) (Value 1)))", "E4649@"},
+        {"(GetWave_Exists (Usage Info) (Type Boolean) (Value True))", "E4632@"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(codesFor(file(kVersion51, row.text, "")), row.codes) << row.text;
+    }
+    EXPECT_EQ(codesFor("(m (Reserved_Parameters (GetWave_Exists (x (Usage Out) (Type UI)))))"), "E4649@ E4652");
+    EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value False))"
+                       "(GetWave_Exists (Usage Info) (Type Boolean) (Format Value False))))"),
+              "W4659");
+}
+
+TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
+    constexpr std::string_view kLater = "(ami_version (Usage Info) (Type String) (Value 6.0))";
+    constexpr std::string_view kOdd = "(AMI_Version (Usage Info) (Type String) (Value \"4.2\"))";
+    constexpr std::string_view kWords = "(p (Usage New) (Type Float) (Tip 1) (Value 1))";
+    constexpr std::string_view kOldWays =
+        "(p (Usage In) (Type Float) (Corner 1 2)) (p (Usage In) (Type Float) (Value 1)"
+        "(Default 1))";
+    EXPECT_EQ(codesFor(file("", "(Use_Init_Output (Usage Info) (Type Boolean) (Value True))", kOldWays)), "W4632@");
+    EXPECT_EQ(codesFor(file(kVersion51, "", kOldWays)), "E4637@ E4632@ W4648@");
+    EXPECT_EQ(codesFor(file(kLater, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "E4662@ W4657@");
+    EXPECT_EQ(codesFor(file(kOdd, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "W4657@ E4650@ E4635@ E4645@");
+}
+
+TEST(AmiTree, takesAnyDepthAndLength) {
+    constexpr std::size_t kDepth = 200000;
+    std::string deep;
+    for (std::size_t i = 0; i < kDepth; ++i) {
+        deep.append("(b ");
+    }
+    EXPECT_EQ(codesFor(file(kVersion51, "", deep + std::string(kDepth, ')'))), "W4647@");
+    EXPECT_EQ(printedFor(deep, false), "ERROR - 200000 closing ')' missing, the first unclosed '(' is on line 1\n");
+
+    // A long name is shown in part, and a string as far as its line goes.
+    const std::string name(100000, 'n');
+    EXPECT_EQ(printedFor(file(kVersion51, "", "(" + name + " word)"), false),
+              "ERROR (line    1) - Unexpected text 'word' in '" + name.substr(0, 120) + "'\n");
+    EXPECT_EQ(printedFor(file(kVersion51, "", "\"two\nlines\"\n(b)"), false),
+              "ERROR (line    1) - Unexpected text 'two' in 'Model_Specific'\n"
+              "WARNING (line    3) - 'b' holds no parameters\n");
+}
+
+} // namespace
+} // namespace kestrel
