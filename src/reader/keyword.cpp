@@ -217,9 +217,11 @@ std::optional<KeywordCode> findKeyword(std::string_view name, IbisVersion versio
 
 Owner ownerOf(KeywordCode code) { return kKeywords[static_cast<std::size_t>(code)].owner; }
 
+std::string_view tableName(KeywordCode code) { return kKeywords[static_cast<std::size_t>(code)].name; }
+
 std::string_view keywordName(Diagnostics& diagnostics, KeywordCode code) {
     const KeywordRow& row = kKeywords[static_cast<std::size_t>(code)];
-    if ((row.versions & 1) != 0) return row.name;
+    if ((row.versions & 1) != 0) return tableName(code);
     programBugAtLine(diagnostics, 904);
     return "Unknown enumerated keyword code";
 }

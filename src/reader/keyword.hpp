@@ -173,7 +173,10 @@ inline constexpr std::size_t kMaxKeywordName = 117;
 /// The module that owns `code`.
 [[nodiscard]] Owner ownerOf(KeywordCode code);
 
-/// The table name of `code` ("PIN_MAPPING"); a code that the oldest table does not hold reports program bug 904 and is
+/// The name of `code` in the tables that hold it ("PIN_MAPPING").
+[[nodiscard]] std::string_view tableName(KeywordCode code);
+
+/// The same for messages; a code that the oldest table does not hold reports program bug 904 and is
 /// named "Unknown enumerated keyword code".
 [[nodiscard]] std::string_view keywordName(Diagnostics& diagnostics, KeywordCode code);
 
