@@ -3,7 +3,9 @@
 #include "codes.hpp"
 #include "ibis/run.hpp"
 #include "model/algmod_check.hpp"
+#include "reader/parse.hpp"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -236,6 +238,38 @@ TEST(AmiTree, takesAnyDepthAndLength) {
     EXPECT_EQ(printedFor(file(kVersion51, "", "\"two\nlines\"\n(b)"), false),
               "ERROR (line    1) - Unexpected text 'two' in 'Model_Specific'\n"
               "WARNING (line    3) - 'b' holds no parameters\n");
+}
+
+TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
+    Output out;
+    kestrel::Run run(out);
+    const auto put = [&run](const std::string& path, std::string_view text) {
+        run.sources.texts[path] = std::make_shared<const std::string>(text);
+    };
+    put("folder/board.ibs",
+        "[IBIS Ver] 5.1\n[Comment Char] #_char\n[Model] M\n[Algorithmic Model]\n"
+        "Executable Linux_gcc_64 a.so inner/p.ami # in a folder\n"
+        "Executable Linux_gcc_32 a.so inner/../q.ami\n"
+        "Executable Linux_gcc_32 a.so Q.AMI\n[End Algorithmic Model]\n[End]\n");
+    put("folder/inner/p.ami", "(p | not a root\n");
+    put("folder/q.ami", "\n\n\"open | string\n");
+    checkFile(run, "folder/board.ibs", FileKind::ibs);
+    const std::string& printed = out.text();
+    EXPECT_NE(printed.find("\nChecking folder/inner/p.ami for IBIS 5.1 Compatibility...\n\nERROR - 1 closing"),
+              std::string::npos);
+    EXPECT_NE(printed.find("WARNING - Parameter file 'inner/../q.ami' of Model 'M' was not found"), std::string::npos);
+    EXPECT_NE(printed.find("\nChecking Q.AMI for IBIS 5.1 Compatibility...\n\n"
+                           "ERROR - Unterminated string detected. Possibly started at line 3\n"
+                           "ERROR (line    3) - Expecting '(' , found 'open | string'\n"),
+              std::string::npos);
+    EXPECT_EQ(run.parse.directory, "folder/");
+    EXPECT_EQ(run.parse.file_name, "board.ibs");
+    EXPECT_EQ(run.parse.line, 9U);
+    EXPECT_EQ(run.parse.kind, FileKind::ibs);
+    EXPECT_EQ(run.parse.comment, '#');
+    EXPECT_FALSE(run.parse.long_lines);
+    EXPECT_FALSE(run.parse.in_string);
+    EXPECT_EQ(run.parse.ami_text, "");
 }
 
 } // namespace
