@@ -17,10 +17,10 @@ constexpr std::array<int, 2> kRowColumns{3, 4};
 
 /// Of a row that was reported the model counts as used and the group as mapped, both silently.
 void dropRow(Run& run, Cmpnt& component, const ItemList& items) {
-    const auto limit = static_cast<std::size_t>(modelNameLimit(run.parse.version));
+    const int limit = modelNameLimit(run.parse.version);
     SPin& row = component.series_pins.emplace_back();
-    row.group = items[3].substr(0, limit);
-    if (!isReservedWord(items[2])) row.model_name = items[2].substr(0, limit);
+    row.group = cutName(items[3], limit);
+    if (!isReservedWord(items[2])) row.model_name = cutName(items[2], limit);
     row.model_reported = true;
 }
 

@@ -19,10 +19,10 @@ List listOf(std::string_view word) {
 
 /// The names of a line that was reported are not missed again.
 void dropNames(Run& run, Cmpnt& component, std::string_view text) {
-    const auto limit = static_cast<std::size_t>(modelNameLimit(run.parse.version));
+    const int limit = modelNameLimit(run.parse.version);
     for (std::string_view item = takeItem(run, text); !item.empty(); item = takeItem(run, text)) {
         if (item.back() == '/') item.remove_suffix(1);
-        if (listOf(item) == List::none) component.dropped_groups.emplace(item.substr(0, limit));
+        if (listOf(item) == List::none) component.dropped_groups.emplace(cutName(item, limit));
     }
 }
 

@@ -22,9 +22,9 @@ struct TextRow {
 };
 
 constexpr std::array<TextRow, 4> kTexts{{
-    {KeywordCode::definePackageModel, &PkgMdl::name, "Define Package Model", 40},
-    {KeywordCode::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", 40},
-    {KeywordCode::oem, &PkgMdl::oem, "OEM", 40},
+    {KeywordCode::definePackageModel, &PkgMdl::name, "Define Package Model", kLongNameLimit},
+    {KeywordCode::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", kLongNameLimit},
+    {KeywordCode::oem, &PkgMdl::oem, "OEM", kLongNameLimit},
     {KeywordCode::description, &PkgMdl::description, "Description", 60},
 }};
 

@@ -15,9 +15,6 @@ namespace kestrel {
 
 struct Run;
 
-/// Most characters that the name of a package pin keeps.
-inline constexpr std::size_t kMaxPackagePin = 5;
-
 /// One "[Define Package Model]".
 struct PkgMdl {
     std::string name;                     ///< at most 40 characters
