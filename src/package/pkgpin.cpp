@@ -34,11 +34,10 @@ bool storePin(Run& run, PkgMdl& package, const PinName& name) {
         return false;
     }
     package.pin_names.push_back(name.text);
-    const auto place = static_cast<std::uint32_t>(package.pin_names.size());
-    if (!package.pin_index.try_emplace(name.text, place).second) {
+    if (!package.pin_index.enterLast(package.pin_names)) {
         errorAtLine(run.diagnostics, 3437, name.text);
     } else if (name.fits) {
-        package.own_pins.push_back(place - 1);
+        package.own_pins.push_back(static_cast<std::uint32_t>(package.pin_names.size() - 1));
     }
     return true;
 }
