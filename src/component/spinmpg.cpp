@@ -100,23 +100,16 @@ void checkGroups(Run& run, const Ibis& root, const Cmpnt& component) {
 } // namespace
 
 void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.series_pin_columns.seen()) {
-        errorAtLine(run.diagnostics, 2602);
-        return;
-    }
-    readTableHeader(run, kHeader, component.series_pin_columns, text);
+    readTableHeader(run, kHeader, component.series_pin_columns, text, 2602);
 }
 
 void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kRowColumns.back());
-    const RowFit fit = fitRow(component.series_pin_columns, kRowColumns, items.count);
-    if (fit == RowFit::notAllowed) {
-        errorAtLine(diagnostics, 2603, items.count);
+    if (fitRow(run, component.series_pin_columns, kRowColumns, items.count, 2603, 2604) == RowFit::notAllowed) {
         dropRow(run, component, items);
         return;
     }
-    if (fit == RowFit::notNamed) errorAtLine(diagnostics, 2604);
 
     SPin row;
     const IbisVersion version = run.parse.version;
