@@ -99,9 +99,7 @@ void readCircuitName(Run& run, ExtCkt& circuit, std::string_view text) {
         return;
     }
     if (items.count > 1) errorAtLine(diagnostics, 1803, items.count, kCircuitKind, 1);
-    const bool fits = items[0].size() <= kLongNameLimit;
-    if (!fits) errorAtLine(diagnostics, 1804, kLongNameLimit);
-    circuit.name = items[0].substr(0, kLongNameLimit);
+    const bool fits = storeName(diagnostics, circuit.name, items[0], kLongNameLimit, 1804);
     if (isReservedWord(circuit.name)) errorAtLine(diagnostics, 1805, circuit.name);
     auto& circuits = currentRoot(run)->external_circuits;
     if (fits && circuits.find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);

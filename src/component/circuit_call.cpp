@@ -46,9 +46,9 @@ void pinLine(Run& run, CircuitCall& call, const PinLine& line, std::string_view 
         return;
     }
     call.kind = line.kind;
-    const auto limit = static_cast<std::size_t>(pinNameLimit(run.parse.version));
+    const int limit = pinNameLimit(run.parse.version);
     for (int place = 0; place < line.pins; ++place) {
-        call.pins[static_cast<std::size_t>(place)] = items[place].substr(0, limit);
+        call.pins[static_cast<std::size_t>(place)] = cutName(items[place], limit);
     }
 }
 
@@ -74,7 +74,7 @@ void open(Run& run, Cmpnt& component, std::string_view text) {
     const ItemList items = splitItems(run, text, 1);
     if (items.count == 0) errorAtLine(run.diagnostics, 1833);
     if (items.count > 1) errorAtLine(run.diagnostics, 1803, items.count, kKind, 1);
-    call.circuit = items[0].substr(0, kLongNameLimit);
+    call.circuit = cutName(items[0], kLongNameLimit);
 }
 
 void line(Run& run, Cmpnt& component, std::string_view text) {
@@ -122,8 +122,8 @@ void checkPin(Run& run, const Cmpnt& component, const CircuitCall& call, std::st
 }
 
 void checkNodesOf(Run& run, const Cmpnt& component, const CircuitCall& call) {
-    const auto limit = static_cast<std::size_t>(pinNameLimit(run.parse.version));
-    const auto is_pin = [&](std::string_view name) { return findPin(component, name.substr(0, limit)) != nullptr; };
+    const int limit = pinNameLimit(run.parse.version);
+    const auto is_pin = [&](std::string_view name) { return findPin(component, cutName(name, limit)) != nullptr; };
     for (const PortMap& map : call.port_map) {
         if (component.nodes.has(map.node) || is_pin(map.node) || is_pin(pinOfNode(map.node))) continue;
         error(run.diagnostics, 1841, call.circuit, component.name, map.node);
@@ -172,9 +172,7 @@ const Block<Cmpnt> kCircuitCall{
 
 std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component, int limit) {
     std::unordered_set<std::string_view> names;
-    const auto add = [&names, limit](std::string_view name) {
-        names.insert(name.substr(0, static_cast<std::size_t>(limit)));
-    };
+    const auto add = [&names, limit](std::string_view name) { names.insert(cutName(name, limit)); };
     for (const CircuitCall& call : component.circuit_calls) {
         std::ranges::for_each(call.pins, add);
         std::ranges::for_each(call.dropped_names, add);

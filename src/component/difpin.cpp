@@ -94,22 +94,14 @@ bool isInDiffPin(const Cmpnt& component, std::string_view pin) {
 }
 
 void diffPinHeader(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.diff_pin_columns.seen()) {
-        errorAtLine(run.diagnostics, 802);
-        return;
-    }
-    readTableHeader(run, kHeader, component.diff_pin_columns, text);
+    readTableHeader(run, kHeader, component.diff_pin_columns, text, 802);
 }
 
 void diffPinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kRowColumns.back());
-    const RowFit fit = fitRow(component.diff_pin_columns, kRowColumns, items.count);
-    if (fit == RowFit::notAllowed) {
-        errorAtLine(diagnostics, 803, items.count);
-        return;
-    }
-    if (fit == RowFit::notNamed) errorAtLine(diagnostics, 804);
+    const RowFit fit = fitRow(run, component.diff_pin_columns, kRowColumns, items.count, 803, 804);
+    if (fit == RowFit::notAllowed) return;
 
     DifPin row;
     const int limit = pinNameLimit(run.parse.version);

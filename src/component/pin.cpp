@@ -82,23 +82,14 @@ bool isUnmodeledPinName(std::string_view model_name) {
 }
 
 void pinHeader(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.pin_columns.seen()) {
-        errorAtLine(run.diagnostics, 523);
-        return;
-    }
-    readTableHeader(run, kHeader, component.pin_columns, text);
+    readTableHeader(run, kHeader, component.pin_columns, text, 523);
 }
 
 void pinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kAllColumns);
-    const RowFit fit = fitRow(component.pin_columns, kRowColumns, items.count);
-    if (fit == RowFit::notAllowed) {
-        errorAtLine(diagnostics, 602, items.count);
-        if (items.count < kNameColumns) return;
-    } else if (fit == RowFit::notNamed) {
-        errorAtLine(diagnostics, 603);
-    }
+    const RowFit fit = fitRow(run, component.pin_columns, kRowColumns, items.count, 602, 603);
+    if (fit == RowFit::notAllowed && items.count < kNameColumns) return;
 
     Pin& pin = component.pins.emplace_back();
     const IbisVersion version = run.parse.version;

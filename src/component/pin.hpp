@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/row_index.hpp"
+#include "ibis/row_index.hpp"
 #include "reader/cmn.hpp"
 #include "reader/names.hpp"
 

@@ -42,9 +42,9 @@ void correctLabel(Run& run, std::string& label) {
 
 /// What a dropped row names is not reported as missing elsewhere.
 void dropRow(Cmpnt& component, const ItemList& items, IbisVersion version) {
-    component.dropped_map_names.emplace(items[0].substr(0, static_cast<std::size_t>(pinNameLimit(version))));
+    component.dropped_map_names.emplace(cutName(items[0], pinNameLimit(version)));
     for (int place = 1; items.has(place); ++place) {
-        component.dropped_map_names.emplace(items[place].substr(0, kBusLabelLimit));
+        component.dropped_map_names.emplace(cutName(items[place], kBusLabelLimit));
     }
 }
 

@@ -15,14 +15,12 @@ constexpr std::array<std::string_view, 1> kOptional{"function_table_group"};
 constexpr TableHeader kHeader{"Series_Pin_Mapping", kRequired, kOptional};
 constexpr std::array<int, 2> kRowColumns{3, 4};
 
-/// Of a row that cannot be read the model counts as used and the group as known, both silently.
+/// Of a row that was reported the model counts as used and the group as mapped, both silently.
 void dropRow(Run& run, Cmpnt& component, const ItemList& items) {
-    const auto limit = static_cast<std::size_t>(modelNameLimit(run.parse.version));
-    if (items.has(3)) component.reported_groups.emplace(items[3].substr(0, limit));
-    const std::string_view model = items[2];
-    if (model.empty() || isReservedWord(model)) return;
+    const int limit = modelNameLimit(run.parse.version);
     SPin& row = component.series_pins.emplace_back();
-    row.model_name = model.substr(0, limit);
+    row.group = cutName(items[3], limit);
+    if (!isReservedWord(items[2])) row.model_name = cutName(items[2], limit);
     row.model_reported = true;
 }
 
@@ -88,12 +86,13 @@ void checkGroups(Run& run, const Ibis& root, const Cmpnt& component) {
         warning(run.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
     }
     std::unordered_set<std::string_view> known(component.reported_groups.begin(), component.reported_groups.end());
+    known.insert(component.dropped_groups.begin(), component.dropped_groups.end());
     for (const SwitchState& state : component.switch_states) {
         known.insert(state.on.begin(), state.on.end());
         known.insert(state.off.begin(), state.off.end());
     }
     for (const SPin& row : component.series_pins) {
-        if (row.group.empty() || !known.insert(row.group).second) continue;
+        if (row.group.empty() || row.pin_2.empty() || !known.insert(row.group).second) continue;
         warning(run.diagnostics, 2614, row.group, component.name);
     }
 }
@@ -101,23 +100,16 @@ void checkGroups(Run& run, const Ibis& root, const Cmpnt& component) {
 } // namespace
 
 void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.series_pin_columns.seen()) {
-        errorAtLine(run.diagnostics, 2602);
-        return;
-    }
-    readTableHeader(run, kHeader, component.series_pin_columns, text);
+    readTableHeader(run, kHeader, component.series_pin_columns, text, 2602);
 }
 
 void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kRowColumns.back());
-    const RowFit fit = fitRow(component.series_pin_columns, kRowColumns, items.count);
-    if (fit == RowFit::notAllowed) {
-        errorAtLine(diagnostics, 2603, items.count);
+    if (fitRow(run, component.series_pin_columns, kRowColumns, items.count, 2603, 2604) == RowFit::notAllowed) {
         dropRow(run, component, items);
         return;
     }
-    if (fit == RowFit::notNamed) errorAtLine(diagnostics, 2604);
 
     SPin row;
     const IbisVersion version = run.parse.version;
@@ -130,7 +122,7 @@ void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     if (row.pin_1 == row.pin_2 && !pin_reported) errorAtLine(diagnostics, 2608, row.pin_1);
     if (isReservedWord(row.model_name)) {
         errorAtLine(diagnostics, 2609, row.model_name);
-        if (!row.group.empty()) component.reported_groups.insert(row.group);
+        dropRow(run, component, items);
         return;
     }
     component.series_pins.push_back(std::move(row));

@@ -8,8 +8,8 @@ namespace kestrel {
 struct Run;
 struct Cmpnt;
 
-/// One row of "[Series Pin Mapping]". A row of a wrong number of columns keeps nothing but its model name, so that the
-/// model counts as used.
+/// One row of "[Series Pin Mapping]". A row that was dropped keeps nothing but its model name and its group, so that
+/// the model counts as used and the group as mapped.
 struct SPin {
     std::string pin_1;
     std::string pin_2;

@@ -17,6 +17,15 @@ List listOf(std::string_view word) {
     return List::none;
 }
 
+/// The names of a line that was reported are not missed again.
+void dropNames(Run& run, Cmpnt& component, std::string_view text) {
+    const int limit = modelNameLimit(run.parse.version);
+    for (std::string_view item = takeItem(run, text); !item.empty(); item = takeItem(run, text)) {
+        if (item.back() == '/') item.remove_suffix(1);
+        if (listOf(item) == List::none) component.dropped_groups.emplace(cutName(item, limit));
+    }
+}
+
 void groupName(Run& run, Cmpnt& component, std::string_view text) {
     SwitchReader& reader = run.cmpnt.switches;
     std::string name;
@@ -61,20 +70,25 @@ void switchGroupsHeader(Run& run, Cmpnt& component, std::string_view text) {
     if (component.switch_groups_seen) errorAtLine(run.diagnostics, 2501);
     component.switch_groups_seen = true;
     const int count = splitItems(run, text, 0).count;
-    if (count > 0) errorAtLine(run.diagnostics, 2502, count + 1, "Series_Switch_Groups", 1);
+    if (count == 0) return;
+    errorAtLine(run.diagnostics, 2502, count + 1, "Series_Switch_Groups", 1);
+    dropNames(run, component, text);
 }
 
 void switchGroupsLine(Run& run, Cmpnt& component, std::string_view text) {
     SwitchReader& reader = run.cmpnt.switches;
-    for (std::string_view item = takeItem(run, text); !item.empty(); item = takeItem(run, text)) {
+    std::string_view rest = text;
+    for (std::string_view item = takeItem(run, rest); !item.empty(); item = takeItem(run, rest)) {
         const bool ends = item.back() == '/';
         const std::string_view word = item.substr(0, item.size() - (ends ? 1 : 0));
         const bool reads = word.empty() ? reader.list != List::none : stateWord(run, component, word);
         if (!reads) {
             errorAtLine(run.diagnostics, 2503, item);
+            dropNames(run, component, text);
             break;
         }
         if (ends) endState(run, component);
+        text = rest;
     }
     run.parse.continuation_pending = reader.list != List::none;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ibis/object_list.hpp"
+#include "ibis/text_hash.hpp"
 
 #include <memory>
 #include <vector>
@@ -36,7 +37,8 @@ struct Ibis {
     ObjectList<MSel> model_selectors;
     ObjectList<TestData> test_data;
     ObjectList<TestLoad> test_loads;
-    std::vector<bool> package_files; ///< by place in the run's list of .pkg files: read into this root
+    std::vector<bool> package_files;      ///< by place in the run's list of .pkg files: read into this root
+    TextMap<bool> package_names_searched; ///< names looked for in .pkg files, and whether some file had such a name
 };
 
 /// The roots of a run: the last is the current one, beneath it wait the roots of the parses that it is nested in.

@@ -56,7 +56,7 @@ void cCornerLine(Run& run, Mdl& model, std::string_view text) {
     if (value) {
         errorAtLine(run.diagnostics, 5006, row->name, model.name);
     } else if (!readRangeLine(run, text, row->name, kRangeRules, value)) {
-        corner.refused.add(static_cast<std::size_t>(row - kRows.data()));
+        corner.refused.add(rowPlace(kRows, row->name, &CornerRow::name));
     } else if (anyBelowZero(*value)) {
         warningAtLine(run.diagnostics, 5008, row->name);
     }

@@ -14,11 +14,7 @@ constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelTy
 /// Stores the name, cut to its limit, and judges what is stored.
 void setModelName(Run& run, const Mdl& model, std::string_view name, DrvShEntry& entry) {
     Diagnostics& diagnostics = run.diagnostics;
-    const int limit = modelNameLimit(run.parse.version);
-    if (name.size() > static_cast<std::size_t>(limit)) {
-        errorAtLine(diagnostics, 4212, limit);
-    }
-    entry.model_name = name.substr(0, static_cast<std::size_t>(limit));
+    storeName(diagnostics, entry.model_name, name, modelNameLimit(run.parse.version), 4212);
     if (entry.model_name == model.name) {
         errorAtLine(diagnostics, 4213, entry.model_name);
     } else if (isReservedWord(entry.model_name)) {

@@ -9,9 +9,6 @@ namespace kestrel {
 
 namespace {
 
-/// Longest name of a submodel, in characters.
-constexpr int kMaxSubmodelName = 40;
-
 /// What "[Model Spec]" should precede; "[Receiver Thresholds]" only has to precede the first of them.
 constexpr std::array<Presence, 24> kLaterKeywords{
     isPresent<&Mdl::temperature_range>,
@@ -51,15 +48,6 @@ constexpr ModelTypeSet kNeverDriving{ModelType::input, ModelType::inputEcl, Mode
 constexpr ModelTypeSet kAlwaysDriving{ModelType::output, ModelType::openDrain, ModelType::openSink,
                                       ModelType::openSource, ModelType::outputEcl};
 
-std::string readSubmodelName(Run& run, std::string_view name) {
-    if (name.size() > kMaxSubmodelName) {
-        errorAtLine(run.diagnostics, 212, kMaxSubmodelName);
-    } else if (isReservedWord(name)) {
-        errorAtLine(run.diagnostics, 213, name);
-    }
-    return std::string(name.substr(0, kMaxSubmodelName));
-}
-
 SubmodelMode readSubmodelMode(Run& run, ModelType type, std::string_view text) {
     const SubmodelMode mode = readEnumeration(run.diagnostics, kSubmodelModes, "Add Submodel Mode", text, kModeMessages)
                                   .value_or(SubmodelMode::none);
@@ -78,15 +66,10 @@ void readModelName(Run& run, Mdl& model, std::string_view text) {
         models.enterName(model, model.name);
         return;
     }
-    const std::string_view name = items[0];
-    const int limit = modelNameLimit(run.parse.version);
-    if (name.size() > static_cast<std::size_t>(limit)) {
-        errorAtLine(run.diagnostics, 129, limit);
-    } else {
-        if (isReservedWord(name)) errorAtLine(run.diagnostics, 130, name);
-        if (models.find(name) != nullptr) errorAtLine(run.diagnostics, 131, name);
+    if (storeName(run.diagnostics, model.name, items[0], modelNameLimit(run.parse.version), 129)) {
+        if (isReservedWord(model.name)) errorAtLine(run.diagnostics, 130, model.name);
+        if (models.find(model.name) != nullptr) errorAtLine(run.diagnostics, 131, model.name);
     }
-    model.name = name.substr(0, static_cast<std::size_t>(limit));
     models.enterName(model, model.name);
 }
 
@@ -115,7 +98,8 @@ void readAddSubmodel(Run& run, Mdl& model, std::string_view text) {
     }
     if (items.count > kItems) errorAtLine(run.diagnostics, 210);
     AddSubmodel& row = model.add_submodels.emplace_back();
-    row.name = readSubmodelName(run, items[0]);
+    const bool fits = storeName(run.diagnostics, row.name, items[0], kLongNameLimit, 212);
+    if (fits && isReservedWord(row.name)) errorAtLine(run.diagnostics, 213, row.name);
     if (items.count < kItems) {
         errorAtLine(run.diagnostics, 215);
         return;

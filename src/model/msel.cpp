@@ -23,20 +23,11 @@ void nameLine(Run& run, MSel& selector, std::string_view text) {
         return;
     }
     if (items.count > 1) errorAtLine(diagnostics, 4011, items.count, kKeyword, 1);
-    const int limit = modelNameLimit(run.parse.version);
-    if (items[0].size() > static_cast<std::size_t>(limit)) errorAtLine(diagnostics, 4012, limit);
-    selector.name = items[0].substr(0, static_cast<std::size_t>(limit));
+    storeName(diagnostics, selector.name, items[0], modelNameLimit(run.parse.version), 4012);
     if (isReservedWord(selector.name)) errorAtLine(diagnostics, 4013, selector.name);
     auto& selectors = currentRoot(run)->model_selectors;
     if (selectors.find(selector.name) != nullptr) errorAtLine(diagnostics, 4014, selector.name);
     selectors.enterName(selector, selector.name);
-}
-
-std::string_view entryName(Run& run, std::string_view text) {
-    const int limit = modelNameLimit(run.parse.version);
-    if (text.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 4017, limit);
-    if (equalsNoCase(text, "NA")) errorAtLine(run.diagnostics, 4018);
-    return text.substr(0, static_cast<std::size_t>(limit));
 }
 
 std::string_view entryDescription(Run& run, std::string_view text, std::size_t name_length) {
@@ -56,7 +47,8 @@ void entryLine(Run& run, MSel& selector, std::string_view text) {
     if (items.count < kItems) errorAtLine(run.diagnostics, 4011, items.count, kKeyword, kItems);
     const auto name_end = static_cast<std::size_t>(items[0].data() + items[0].size() - text.data());
     MSelEntry& entry = selector.entries.emplace_back();
-    entry.model_name = entryName(run, items[0]);
+    storeName(run.diagnostics, entry.model_name, items[0], modelNameLimit(run.parse.version), 4017);
+    if (equalsNoCase(entry.model_name, "NA")) errorAtLine(run.diagnostics, 4018);
     entry.description = entryDescription(run, trim(text.substr(name_end)), entry.model_name.size());
     if (!run.msel.entry_names.insert(entry.model_name).second) {
         errorAtLine(run.diagnostics, 4025, entry.model_name);

@@ -67,12 +67,7 @@ constexpr auto kRows = std::to_array({
 
 constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(3807), true};
 
-constexpr std::size_t placeOf(Field field) {
-    std::size_t place = 0;
-    while (kRows[place].value != field)
-        ++place;
-    return place;
-}
+constexpr std::size_t placeOf(Field field) { return rowPlace(kRows, field, &SpecRow::value); }
 
 constexpr std::string_view nameOf(Field field) { return kRows[placeOf(field)].name; }
 

@@ -76,12 +76,7 @@ constexpr std::array<std::string_view, 5> kDifferential{"Vcross_low", "Vcross_hi
                                                         "Tdiffslew_ac"};
 constexpr std::array<std::string_view, 6> kSingleEnded{"Vth", "Vinh_ac", "Vinh_dc", "Vinl_ac", "Vinl_dc", "Tslew_ac"};
 
-constexpr std::size_t placeOf(std::string_view name) {
-    std::size_t place = 0;
-    while (kRows[place].name != name)
-        ++place;
-    return place;
-}
+constexpr std::size_t placeOf(std::string_view name) { return rowPlace(kRows, name, &ThresholdRow::name); }
 
 bool has(const RcvTh& thresholds, const Field& field) {
     if (const auto* const value = std::get_if<ValueField>(&field)) return (thresholds.**value).has_value();

@@ -34,12 +34,7 @@ constexpr std::array<SeriesElement, 6> kElements{{
     {KeywordCode::lcSeries, "[Lc Series]", &SeriesBlock::lc_series},
 }};
 
-constexpr std::size_t placeOf(Field field) {
-    std::size_t place = 0;
-    while (kElements[place].field != field)
-        ++place;
-    return place;
-}
+constexpr std::size_t placeOf(Field field) { return rowPlace(kElements, field, &SeriesElement::field); }
 
 /// An element that stands in series with another one.
 struct Companion {

@@ -15,7 +15,6 @@ namespace {
 constexpr std::string_view kKeyword = "Sub Model";
 constexpr std::string_view kOwner = "Submodel";
 constexpr std::string_view kTypeName = "Submodel_type";
-constexpr int kNameLimit = 40;
 
 constexpr std::array<EnumerationRow<SubmodelType>, 3> kTypes{{
     {"Dynamic_clamp", SubmodelType::dynamicClamp},
@@ -40,11 +39,8 @@ struct NameSection {
             return;
         }
         if (items.count > 1) errorAtLine(diagnostics, 2411, items.count, kKeyword, 1);
-        submodel.name = items[0].substr(0, kNameLimit);
         auto& submodels = currentRoot(run)->submodels;
-        if (items[0].size() > kNameLimit) {
-            errorAtLine(diagnostics, 2412, kNameLimit);
-        } else {
+        if (storeName(diagnostics, submodel.name, items[0], kLongNameLimit, 2412)) {
             if (isReservedWord(submodel.name)) errorAtLine(diagnostics, 2413, submodel.name);
             if (submodels.find(submodel.name) != nullptr) errorAtLine(diagnostics, 2414, submodel.name);
         }

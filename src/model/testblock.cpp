@@ -12,16 +12,13 @@ BlockName readBlockName(Run& run, std::string_view text, std::string_view keywor
         return {};
     }
     if (items.count > 1) errorAtLine(diagnostics, messages.wrong_count, items.count, keyword, 1);
-    const std::string_view name = items[0];
-    if (name.size() > kTestNameLimit) {
-        errorAtLine(diagnostics, messages.length, static_cast<std::int32_t>(kTestNameLimit));
-        return {std::string(name.substr(0, kTestNameLimit)), false};
+    BlockName name;
+    name.is_new = storeName(diagnostics, name.text, items[0], kLongNameLimit, messages.length);
+    if (name.is_new && isReservedWord(name.text)) {
+        errorAtLine(diagnostics, messages.reserved, name.text);
+        name.is_new = false;
     }
-    if (isReservedWord(name)) {
-        errorAtLine(diagnostics, messages.reserved, name);
-        return {std::string(name), false};
-    }
-    return {std::string(name), true};
+    return name;
 }
 
 void reportRepeatedName(Run& run, const BlockNameMessages& messages, std::string_view name) {
@@ -41,9 +38,9 @@ bool readReferredName(Run& run, std::string_view rest, std::string_view name, co
                       std::string& referred) {
     const std::optional<std::string_view> word = readWordLine(run, rest, name, messages.word);
     if (!word) return false;
-    referred = word->substr(0, kTestNameLimit);
-    if (word->size() > kTestNameLimit) {
-        errorAtLine(run.diagnostics, messages.length, name, static_cast<std::int32_t>(kTestNameLimit));
+    referred = cutName(*word, kLongNameLimit);
+    if (referred.size() < word->size()) {
+        errorAtLine(run.diagnostics, messages.length, name, kLongNameLimit);
         return false;
     }
     if (isReservedWord(*word)) {

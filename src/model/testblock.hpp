@@ -3,6 +3,7 @@
 #include "ibis/object_list.hpp"
 #include "reader/enumeration.hpp"
 #include "reader/line_form.hpp"
+#include "reader/names.hpp"
 
 #include <array>
 #include <cstddef>
@@ -24,16 +25,13 @@ inline constexpr std::array<EnumerationRow<TestType>, 2> kTestTypes{{
     {"Differential", TestType::differential},
 }};
 
-/// Longest name of test data, test loads and, in the versions that have them, of models, in characters.
-inline constexpr std::size_t kTestNameLimit = 40;
-
 /// What the keyword line of a named block reports.
 struct BlockNameMessages {
     CheckedMessage<> missing;
-    CountMessage wrong_count;                ///< items, the keyword, 1
-    CheckedMessage<ArgKind::integer> length; ///< the limit
-    CheckedMessage<ArgKind::text> reserved;  ///< the name
-    CheckedMessage<ArgKind::text> repeated;  ///< the name
+    CountMessage wrong_count; ///< items, the keyword, 1
+    NameTooLong length;
+    CheckedMessage<ArgKind::text> reserved; ///< the name
+    CheckedMessage<ArgKind::text> repeated; ///< the name
 };
 
 /// Reads the name behind a keyword, cut to its limit; empty when there is none. `is_new` tells whether it may still be

@@ -78,12 +78,7 @@ constexpr std::array<std::string_view, 3> kDifferentialOnly{"R_diff_near", "R_di
 constexpr ModelTypeSet kPairReceivers{ModelType::inputDiff, ModelType::ioDiff, ModelType::terminator};
 constexpr ModelTypeSet kUntyped{ModelType::notGiven, ModelType::noType};
 
-constexpr std::size_t placeOf(std::string_view name) {
-    std::size_t place = 0;
-    while (kRows[place].name != name)
-        ++place;
-    return place;
-}
+constexpr std::size_t placeOf(std::string_view name) { return rowPlace(kRows, name, &LoadRow::name); }
 
 bool has(const TestLoad& load, std::string_view name) {
     const auto given = [&load](auto field) {

@@ -87,10 +87,10 @@ void checkReference(Run& run, const Ibis& read, IbisVersion version, FileKind ki
     const std::string& name = reference.entry->component;
     const std::string& file_name = reference.entry->file_name;
     Target target;
-    std::size_t limit = kMaxBoardPin;
+    int limit = kBoardPinLimit;
     if (kind == FileKind::ibs) {
         target.component = read.components.find(name);
-        limit = static_cast<std::size_t>(pinNameLimit(version));
+        limit = pinNameLimit(version);
     } else {
         target.board = read.board_descriptions.find(name);
     }
@@ -99,7 +99,7 @@ void checkReference(Run& run, const Ibis& read, IbisVersion version, FileKind ki
         return;
     }
     for (const std::string_view pin : reference.pins->texts) {
-        if (pin.size() > limit) {
+        if (std::cmp_greater(pin.size(), limit)) {
             error(run.diagnostics, 4393, pin, name);
         } else if (!target.hasPin(pin)) {
             error(run.diagnostics, 4389, pin, name, file_name);

@@ -15,26 +15,23 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::uint32_t kMaxName = 40;
-constexpr std::size_t kMaxSignalName = 20;
-
 constexpr NumberMessages kNumberOfPins{4310, 4311, 4312, 4313, 4314};
 
 /// Stores a name; a cut may have left blanks at its end.
-void storeName(Run& run, std::string& name, std::string_view text, std::string_view label) {
-    if (setTextOnce(run.diagnostics, name, text, kMaxName, label)) {
+void storeNameOnce(Run& run, std::string& name, std::string_view text, std::string_view label) {
+    if (setTextOnce(run.diagnostics, name, text, kLongNameLimit, label)) {
         name.resize(stripTrailing(name).size());
     }
 }
 
 void nameKeyword(Run& run, EbdMdl& board, std::string_view text) {
-    storeName(run, board.name, text, "Define Ebd Model");
+    storeNameOnce(run, board.name, text, "Define Ebd Model");
     currentRoot(run)->board_descriptions.enterName(board, board.name);
     setContext(run.diagnostics, board.name);
 }
 
 void manufacturerKeyword(Run& run, EbdMdl& board, std::string_view text) {
-    storeName(run, board.manufacturer, text, "Manufacturer");
+    storeNameOnce(run, board.manufacturer, text, "Manufacturer");
 }
 
 void numberOfPinsKeyword(Run& run, EbdMdl& board, std::string_view text) {
@@ -70,7 +67,7 @@ void pathDescriptionKeyword(Run& run, EbdMdl& board, std::string_view text) {
     }
     state.cursor = {};
     EbdPath& path = board.paths.emplace_back();
-    storeName(run, path.name, text, "Path Description");
+    storeNameOnce(run, path.name, text, "Path Description");
     if (!state.path_names.insert(path.name).second) {
         errorAtLine(run.diagnostics, 4354, path.name);
     }
@@ -102,9 +99,8 @@ void pinRow(Run& run, EbdMdl& board, std::string_view text) {
         errorAtLine(run.diagnostics, 4316);
         return;
     }
-    if (items[0].size() > kMaxBoardPin) {
-        errorAtLine(run.diagnostics, 4317);
-    }
+    EbdPin pin;
+    storeName(run.diagnostics, pin.name, items[0], kBoardPinLimit, 4317);
     if (board.number_of_pins == 0) {
         errorAtLine(run.diagnostics, 4318);
         return;
@@ -113,20 +109,17 @@ void pinRow(Run& run, EbdMdl& board, std::string_view text) {
         errorAtLine(run.diagnostics, 4320);
         return;
     }
-    const EbdPin& pin = board.pins.emplace_back(EbdPin{.name = std::string(items[0].substr(0, kMaxBoardPin)),
-                                                       .signal_name = std::string(items[1].substr(0, kMaxSignalName))});
     if (!board.pin_names.insert(pin.name).second) {
         errorAtLine(run.diagnostics, 4322, pin.name);
     }
     if (!items.has(1)) {
         errorAtLine(run.diagnostics, 4323);
     }
-    if (items[1].size() > kMaxSignalName) {
-        errorAtLine(run.diagnostics, 4324);
-    }
+    storeName(run.diagnostics, pin.signal_name, items[1], kBoardSignalLimit, 4324);
     if (items.count > 2) {
         errorAtLine(run.diagnostics, 4325);
     }
+    board.pins.push_back(std::move(pin));
 }
 
 void pathRow(Run& run, EbdMdl& board, std::string_view text) { pathLine(run, board.paths.back(), text); }

@@ -48,11 +48,8 @@ void pinToken(PathReader& reader, std::string_view) {
         errorAtLine(run.diagnostics, 4349);
         return;
     }
-    if (name.size() > kMaxBoardPin) {
-        errorAtLine(run.diagnostics, 4361);
-    }
+    storeName(run.diagnostics, reader.path.pins.emplace_back(), name, kBoardPinLimit, 4361);
     warnOfName(run, name, kPinWarnings);
-    reader.path.pins.emplace_back(name.substr(0, kMaxBoardPin));
     reader.attachNewest(ElementKind::pin, reader.path.pins);
 }
 
@@ -114,15 +111,15 @@ void readNode(PathReader& reader, std::string_view text) {
     }
     const std::string_view designator = text.substr(0, period);
     const std::string_view pin = text.substr(period + 1);
-    if (designator.size() > kMaxDesignator) {
+    if (designator.size() > kDesignatorLimit) {
         error(run.diagnostics, 4369);
     }
-    if (pin.size() > kMaxBoardPin) {
+    if (pin.size() > kBoardPinLimit) {
         error(run.diagnostics, 4370);
     }
     warnOfName(run, text, kNodeWarnings);
-    reader.path.nodes.push_back({.designator = std::string(designator.substr(0, kMaxDesignator)),
-                                 .pin = std::string(pin.substr(0, kMaxBoardPin))});
+    reader.path.nodes.push_back({.designator = std::string(cutName(designator, kDesignatorLimit)),
+                                 .pin = std::string(cutName(pin, kBoardPinLimit))});
     reader.attachNewest(ElementKind::node, reader.path.nodes);
 }
 

@@ -11,11 +11,6 @@ namespace kestrel {
 
 struct Run;
 
-/// Most characters of a board's pin name, also where a path names it, and of the pin of a node.
-inline constexpr std::size_t kMaxBoardPin = 8;
-/// Most characters of a reference designator.
-inline constexpr std::size_t kMaxDesignator = 10;
-
 /// A pin of a mounted component.
 struct EbdNode {
     std::string designator; ///< at most 10 characters

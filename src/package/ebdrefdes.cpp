@@ -9,17 +9,6 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::size_t kMaxComponent = 40;
-
-/// Stores a text cut to its limit and reports one that is longer.
-void storeCut(Run& run, std::string& destination, std::string_view text, std::size_t limit,
-              CheckedMessage<ArgKind::text> too_long) {
-    if (text.size() > limit) {
-        errorAtLine(run.diagnostics, too_long, text);
-    }
-    destination = text.substr(0, limit);
-}
-
 void checkExtension(Run& run, std::string_view name) {
     const std::size_t period = name.rfind('.');
     if (period == std::string_view::npos) {
@@ -55,18 +44,18 @@ void refDesLine(Run& run, EbdMdl& board, std::string_view text) {
         return;
     }
     EbdRefDes& entry = board.refdes_map.emplace_back();
-    storeCut(run, entry.designator, items[0], kMaxDesignator, 4375);
+    storeName(run.diagnostics, entry.designator, items[0], kDesignatorLimit, 4375);
     if (!run.ebdmdl.designators.insert(entry.designator).second) {
         errorAtLine(run.diagnostics, 4376, entry.designator);
     }
     if (items.has(1)) {
-        storeCut(run, entry.file_name, items[1], run.parse.version < IbisVersion::v4 ? 24 : 44, 4378);
+        storeName(run.diagnostics, entry.file_name, items[1], fileNameLimit(run.parse.version), 4378);
         checkFileName(run, items[1]);
     } else {
         errorAtLine(run.diagnostics, 4379);
     }
     if (items.has(2)) {
-        storeCut(run, entry.component, items[2], kMaxComponent, 4380);
+        storeName(run.diagnostics, entry.component, items[2], kLongNameLimit, 4380);
     } else {
         errorAtLine(run.diagnostics, 4383);
     }

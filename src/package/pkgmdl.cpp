@@ -22,9 +22,9 @@ struct TextRow {
 };
 
 constexpr std::array<TextRow, 4> kTexts{{
-    {KeywordCode::definePackageModel, &PkgMdl::name, "Define Package Model", 40},
-    {KeywordCode::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", 40},
-    {KeywordCode::oem, &PkgMdl::oem, "OEM", 40},
+    {KeywordCode::definePackageModel, &PkgMdl::name, "Define Package Model", kLongNameLimit},
+    {KeywordCode::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", kLongNameLimit},
+    {KeywordCode::oem, &PkgMdl::oem, "OEM", kLongNameLimit},
     {KeywordCode::description, &PkgMdl::description, "Description", 60},
 }};
 
@@ -271,8 +271,8 @@ void checkPkgMdl(Run& run, const PkgMdl& package) {
 } // namespace
 
 std::uint32_t pinIndex(const PkgMdl& package, std::string_view name) {
-    const auto at = package.pin_index.find(name);
-    return at == package.pin_index.end() ? 0 : at->second;
+    const std::string* const pin = package.pin_index.find(package.pin_names, name);
+    return pin == nullptr ? 0 : static_cast<std::uint32_t>(pin - package.pin_names.data() + 1);
 }
 
 void openPkgMdl(Run& run) {

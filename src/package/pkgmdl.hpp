@@ -1,11 +1,12 @@
 #pragma once
 
-#include "ibis/text_hash.hpp"
+#include "ibis/row_index.hpp"
 #include "package/mtx.hpp"
 #include "package/sect.hpp"
 #include "reader/keyword.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,9 +15,6 @@
 namespace kestrel {
 
 struct Run;
-
-/// Most characters that the name of a package pin keeps.
-inline constexpr std::size_t kMaxPackagePin = 5;
 
 /// One "[Define Package Model]".
 struct PkgMdl {
@@ -33,7 +31,7 @@ struct PkgMdl {
     std::optional<Mtx> capacitance;
     std::vector<std::uint32_t>
         own_pins; ///< 0-based places of the pins that a component should have: not repeated, not cut
-    TextMap<std::uint32_t> pin_index; ///< 1-based place of the first pin of each name
+    RowIndex<std::string, std::identity{}> pin_index; ///< of pin_names
 };
 
 /// The 1-based place of a pin among those of the package model, or 0.

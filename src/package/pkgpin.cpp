@@ -11,8 +11,20 @@ constexpr std::string_view kLen = "Len";
 
 constexpr NameWarnings kPinWarnings{3445, 3446, 3447};
 
-/// Stores a pin name, cut; false when it was reported that there is no room for it.
-bool storePin(Run& run, PkgMdl& package, std::string_view name) {
+/// The name of a pin, cut.
+struct PinName {
+    std::string text;
+    bool fits;
+};
+
+PinName readPinName(Run& run, std::string_view text) {
+    PinName name;
+    name.fits = storeName(run.diagnostics, name.text, text, kPackagePinLimit, 3432);
+    return name;
+}
+
+/// Stores a pin; false when it was reported that there is no room for it.
+bool storePin(Run& run, PkgMdl& package, const PinName& name) {
     if (package.number_of_pins == 0) {
         errorAtLine(run.diagnostics, 3433);
         return false;
@@ -21,22 +33,13 @@ bool storePin(Run& run, PkgMdl& package, std::string_view name) {
         errorAtLine(run.diagnostics, 3435);
         return false;
     }
-    const bool cut = name.size() > kMaxPackagePin;
-    name = name.substr(0, kMaxPackagePin);
-    package.pin_names.emplace_back(name);
-    const auto place = static_cast<std::uint32_t>(package.pin_names.size());
-    if (!package.pin_index.try_emplace(std::string(name), place).second) {
-        errorAtLine(run.diagnostics, 3437, name);
-    } else if (!cut) {
-        package.own_pins.push_back(place - 1);
+    package.pin_names.push_back(name.text);
+    if (!package.pin_index.enterLast(package.pin_names)) {
+        errorAtLine(run.diagnostics, 3437, name.text);
+    } else if (name.fits) {
+        package.own_pins.push_back(static_cast<std::uint32_t>(package.pin_names.size() - 1));
     }
     return true;
-}
-
-void checkLength(Run& run, std::string_view name) {
-    if (name.size() > kMaxPackagePin) {
-        errorAtLine(run.diagnostics, 3432);
-    }
 }
 
 /// The chain of the pin read last.
@@ -96,9 +99,9 @@ void newPinLine(Run& run, PkgMdl& package, std::string_view text) {
         errorAtLine(run.diagnostics, 3444, name);
         cursor.forks.clear();
     }
-    checkLength(run, name);
+    const PinName stored = readPinName(run, name);
     warnOfName(run, name, kPinWarnings);
-    if (storePin(run, package, name)) {
+    if (storePin(run, package, stored)) {
         readSections(run, package, text);
     }
 }
@@ -106,9 +109,7 @@ void newPinLine(Run& run, PkgMdl& package, std::string_view text) {
 } // namespace
 
 void plainPinLine(Run& run, PkgMdl& package, std::string_view text) {
-    text = skipBlanks(text);
-    checkLength(run, text);
-    storePin(run, package, text);
+    storePin(run, package, readPinName(run, skipBlanks(text)));
 }
 
 void sectionPinLine(Run& run, PkgMdl& package, std::string_view text) {

@@ -106,8 +106,11 @@ void markRead(Ibis& root, std::uint32_t file) {
 
 /// Reads the files in which some name begins with the wanted one, in byte order of the files' names; true when there
 /// are any. What the root has read for another component is not read again: that would only define its package models
-/// twice.
+/// twice, and a name that was looked for before has nothing left to read.
 bool readMatchingFiles(Run& run, Ibis& root, std::string_view wanted) {
+    if (const auto known = root.package_names_searched.find(wanted); known != root.package_names_searched.end()) {
+        return known->second;
+    }
     const ParseState outer = run.parse;
     const std::vector<PkgName>& names = searchedDirectory(run).names;
     std::vector<std::uint32_t> unread;
@@ -128,6 +131,7 @@ bool readMatchingFiles(Run& run, Ibis& root, std::string_view wanted) {
         }
     }
     run.parse = outer;
+    root.package_names_searched.emplace(wanted, matched);
     return matched;
 }
 

@@ -31,8 +31,8 @@ struct PkgSearch {
 
 /// Looks up the package model that a component names: among those of the current root, then in the .pkg files of the
 /// directory of the file being checked. Every file with a name that begins with the wanted one is read into the root,
-/// but none twice. The reader's state is put back. False after reporting 516 (no line); true does not promise that the
-/// root holds the name: a matching file may have been refused.
+/// but none twice, and no name is looked for twice. The reader's state is put back. False after reporting 516 (no
+/// line); true does not promise that the root holds the name: a matching file may have been refused.
 bool findPackageModel(Run& run, std::string_view name, std::string_view component);
 
 } // namespace kestrel

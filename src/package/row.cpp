@@ -204,10 +204,10 @@ void beginRow(Run& run, Mtx& mtx, const PkgMdl& package, std::string_view name) 
         errorAtLine(run.diagnostics, 3120);
         return;
     }
-    if (name.size() > kMaxPackagePin) {
+    if (name.size() > kPackagePinLimit) {
         errorAtLine(run.diagnostics, 3121);
     }
-    name = trim(name.substr(0, kMaxPackagePin));
+    name = trim(cutName(name, kPackagePinLimit));
     if (*columns == 0) {
         errorAtLine(run.diagnostics, 3122);
         return;

@@ -56,7 +56,12 @@ void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::
     columns.faulty = true;
 }
 
-void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text) {
+void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text,
+                     CheckedMessage<> repeated) {
+    if (columns.seen()) {
+        errorAtLine(run.diagnostics, repeated);
+        return;
+    }
     const int required = static_cast<int>(header.required.size());
     const int all = required + static_cast<int>(header.optional.size());
     // One word too many is counted, but not looked at.
@@ -78,6 +83,14 @@ RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int cou
     if (columns.faulty) return RowFit::fits;
     if (std::ranges::find(allowed, count) == allowed.end()) return RowFit::notAllowed;
     return count > columns.count ? RowFit::notNamed : RowFit::fits;
+}
+
+RowFit fitRow(Run& run, const TableColumns& columns, std::span<const int> allowed, int count,
+              CheckedMessage<ArgKind::integer> not_allowed, CheckedMessage<> not_named) {
+    const RowFit fit = fitRow(columns, allowed, count);
+    if (fit == RowFit::notAllowed) errorAtLine(run.diagnostics, not_allowed, count);
+    if (fit == RowFit::notNamed) errorAtLine(run.diagnostics, not_named);
+    return fit;
 }
 
 } // namespace kestrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ibis/message.hpp"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -42,8 +44,9 @@ bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::s
 void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
                    int required);
 
-/// Reads a whole header line. Reports 528 to 532.
-void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text);
+/// Reads a whole header line, unless it is a repeated one, which is reported so. Reports 528 to 532.
+void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text,
+                     CheckedMessage<> repeated);
 
 /// How the columns of a row agree with its table.
 enum class RowFit : std::uint8_t {
@@ -54,5 +57,9 @@ enum class RowFit : std::uint8_t {
 
 /// Judges a row by its number of columns; under a faulty header line every row fits.
 [[nodiscard]] RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int count);
+
+/// The same, and reports at the line a row that does not fit; one that is not allowed with its number of columns.
+[[nodiscard]] RowFit fitRow(Run& run, const TableColumns& columns, std::span<const int> allowed, int count,
+                            CheckedMessage<ArgKind::integer> not_allowed, CheckedMessage<> not_named);
 
 } // namespace kestrel

@@ -103,12 +103,12 @@ void checkFileName(Diagnostics& diagnostics, std::string_view name) {
 
 void storeFileName(Run& run, Hdr& header, std::string_view text) {
     constexpr std::string_view kName = "File_name";
+    const auto limit = static_cast<std::uint32_t>(fileNameLimit(run.parse.version));
     if (run.parse.version < IbisVersion::v3) {
-        setTextOnce(run.diagnostics, header.file_name, text, 12, kName);
-        return;
+        setTextOnce(run.diagnostics, header.file_name, text, limit, kName);
+    } else {
+        setWholeTextOnce(run.diagnostics, header.file_name, text, limit, kName);
     }
-    const std::uint32_t limit = run.parse.version == IbisVersion::v3 ? 24 : 44;
-    setWholeTextOnce(run.diagnostics, header.file_name, text, limit, kName);
 }
 
 void fileNameLine(Run& run, Hdr& header, std::string_view text) {

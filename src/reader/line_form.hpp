@@ -4,6 +4,7 @@
 #include "reader/cmn.hpp"
 #include "reader/rng.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -37,6 +38,12 @@ auto takeSubparameter(Run& run, const Rows& rows, std::string_view& text, Checke
     }
     reportUnknownLine(run, unknown);
     return decltype(row){nullptr};
+}
+
+/// The place in a table of the row of which `member` is `value`; there must be one.
+template <class Rows, class Value, class Member>
+constexpr std::size_t rowPlace(const Rows& rows, const Value& value, Member member) {
+    return static_cast<std::size_t>(std::ranges::find(rows, value, member) - std::ranges::begin(rows));
 }
 
 /// The subparameters of a block of which a line was refused, by their places in its table. They have been reported, so

@@ -3,6 +3,8 @@
 #include "ibis/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,15 +16,57 @@ namespace kestrel {
 /// Most characters of the names of models, selectors, signals and function table groups.
 [[nodiscard]] constexpr int modelNameLimit(IbisVersion version) { return version < IbisVersion::v4 ? 20 : 40; }
 
+/// Most characters of the name of a file.
+[[nodiscard]] constexpr int fileNameLimit(IbisVersion version) {
+    return version < IbisVersion::v3 ? 12 : version < IbisVersion::v4 ? 24 : 44;
+}
+
 /// Most characters of a bus label.
 inline constexpr int kBusLabelLimit = 15;
 
-/// Most characters of the names that did not grow with the versions: components, package models, external circuits.
+/// Most characters of the names that did not grow with the versions: components, package models, external circuits,
+/// submodels, test data, test loads, boards and their paths.
 inline constexpr int kLongNameLimit = 40;
 
-/// Stores a name cut to its limit; false when it was over it, which is reported at the line with the text and the
-/// limit.
-bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit,
-               CheckedMessage<ArgKind::text, ArgKind::integer> too_long);
+/// Most characters of the name of a package pin.
+inline constexpr int kPackagePinLimit = 5;
+
+/// Most characters of a board's pin name, also where a path names it, and of the pin of a node.
+inline constexpr int kBoardPinLimit = 8;
+
+/// Most characters of a signal name of a board.
+inline constexpr int kBoardSignalLimit = 20;
+
+/// Most characters of a reference designator.
+inline constexpr int kDesignatorLimit = 10;
+
+/// What is kept of a name.
+[[nodiscard]] constexpr std::string_view cutName(std::string_view text, int limit) {
+    return text.substr(0, static_cast<std::size_t>(limit));
+}
+
+/// A message of an overlong name. It shows the name, the limit, both in this order, or neither, as its text has it.
+struct NameTooLong {
+    consteval NameTooLong(MessageCode code) {
+        const std::string_view text = kCatalog[catalogIndex(code)].text;
+        shows_name = text.find("%s") != std::string_view::npos;
+        shows_limit = text.find("%d") != std::string_view::npos;
+        if (shows_name && shows_limit) {
+            row = CheckedMessage<ArgKind::text, ArgKind::integer>(code).row;
+        } else if (shows_name) {
+            row = CheckedMessage<ArgKind::text>(code).row;
+        } else if (shows_limit) {
+            row = CheckedMessage<ArgKind::integer>(code).row;
+        } else {
+            row = CheckedMessage<>(code).row;
+        }
+    }
+    std::uint16_t row = 0;
+    bool shows_name = false;
+    bool shows_limit = false;
+};
+
+/// Stores a name cut to its limit; false when it was over it, which is reported at the line.
+bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long);
 
 } // namespace kestrel

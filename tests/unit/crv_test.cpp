@@ -2,6 +2,7 @@
 
 #include "model/crv.hpp"
 
+#include "model/smos.hpp"
 #include "table_run.hpp"
 
 #include <optional>
@@ -202,6 +203,21 @@ TEST(Crv, sortedRowsLeaveOutRowsWithoutVoltage) {
     for (const TableRow& row : sortedRows(*table.slot))
         typical.push_back(row.value[kTyp]);
     EXPECT_EQ(typical, (std::vector{3.0, 1.0, 4.0}));
+}
+
+TEST(SMos, tablesPastTheHundredthAreKept) {
+    TableRun table;
+    std::vector<SMos> list;
+    for (int i = 0; i < 102; ++i) {
+        ++table.run.parse.line;
+        openSMos(table.run, list, i == 101 ? "one" : "");
+    }
+    EXPECT_EQ(list.size(), 102U);
+    EXPECT_EQ(list.back().begin_line, 102U);
+    EXPECT_EQ(table.printed(),
+              "E2811 (line 101) - More than 100 Series MOSFET tables are defined\n"
+              "E2811 (line 102) - More than 100 Series MOSFET tables are defined\n"
+              "E2801 (line 102) - Incorrect Number of Line Items (2) For Series MOSFET: Expecting 1\n");
 }
 
 } // namespace

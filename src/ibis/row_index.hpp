@@ -4,16 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace kestrel {
 
-/// Finds the rows of a list by one of their names. It holds places in the list, so that a row costs no allocation of
-/// its own.
-template <class Row, std::string Row::*Name> class RowIndex {
+/// Finds the rows of a list by one of their names, which `Name`, a member or a function, gives. It holds places in the
+/// list, so that a row costs no allocation of its own.
+template <class Row, auto Name> class RowIndex {
 public:
     /// The first row of exactly this name, or null.
     [[nodiscard]] const Row* find(const std::vector<Row>& rows, std::string_view name) const {
@@ -25,7 +24,7 @@ public:
     /// Enters the last row of the list; false when its name is there already, which then keeps its first row.
     bool enterLast(const std::vector<Row>& rows) {
         if (2 * (taken_ + 1) > slots_.size()) grow();
-        const std::string_view name = rows.back().*Name;
+        const std::string_view name = std::invoke(Name, rows.back());
         const std::uint32_t hash = hashOf(name);
         Slot& slot = slots_[slotOf(rows, name, hash)];
         if (slot.place != 0) return false;
@@ -33,6 +32,9 @@ public:
         ++taken_;
         return true;
     }
+
+    /// How many different names were entered.
+    [[nodiscard]] std::size_t size() const { return taken_; }
 
 private:
     struct Slot {
@@ -48,7 +50,8 @@ private:
     [[nodiscard]] std::size_t slotOf(const std::vector<Row>& rows, std::string_view name, std::uint32_t hash) const {
         const std::size_t mask = slots_.size() - 1;
         std::size_t at = hash & mask;
-        while (slots_[at].place != 0 && (slots_[at].hash != hash || rows[slots_[at].place - 1].*Name != name)) {
+        while (slots_[at].place != 0 &&
+               (slots_[at].hash != hash || std::invoke(Name, rows[slots_[at].place - 1]) != name)) {
             at = (at + 1) & mask;
         }
         return at;
