@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/row_index.hpp"
+#include "ibis/row_index.hpp"
 
 #include <string>
 #include <string_view>
