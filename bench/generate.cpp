@@ -30,6 +30,8 @@ constexpr std::array kKinds{
     SampleKind{"schedules", "driver schedules of 10 entries", 10000, false, writeSchedules},
     SampleKind{"full_matrix", "pins of a package model with full matrices", 2000, true, writeFullMatrices},
     SampleKind{"sparse_matrix", "pins of a package model, 10 entries a row", 100000, false, writeSparseMatrices},
+    SampleKind{"parameters", "branches of 20 parameters of an algorithmic model", 20000, false, writeParameters,
+               ".ami"},
 };
 
 } // namespace
@@ -43,9 +45,10 @@ const SampleKind* findSampleKind(std::string_view name) {
 
 Sample makeSample(const SampleKind& kind, std::size_t count, std::string_view file_name) {
     TextWriter writer;
-    writeHeader(writer, file_name);
+    const bool is_ibis = kind.extension == ".ibs";
+    if (is_ibis) writeHeader(writer, file_name);
     kind.write(writer, count);
-    writeLine(writer, {"[End]"});
+    if (is_ibis) writeLine(writer, {"[End]"});
     return {std::move(writer.text), writer.contents};
 }
 

@@ -9,7 +9,7 @@
 
 namespace kestrel::bench {
 
-/// A generated IBIS file in which nothing is wrong.
+/// A generated file in which nothing is wrong.
 struct Sample {
     std::string text;
     Contents contents;
@@ -22,6 +22,7 @@ struct SampleKind {
     std::size_t usual_count;  ///< of a large file of this kind
     bool quadratic;           ///< the size grows with the square of the count
     void (*write)(TextWriter& writer, std::size_t count);
+    std::string_view extension = ".ibs";
 };
 
 [[nodiscard]] std::span<const SampleKind> sampleKinds();

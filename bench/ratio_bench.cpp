@@ -48,7 +48,7 @@ void require(bool holds, const std::string& what) {
 void checkOnly(const SampleFile& file) {
     kestrel::Output out;
     kestrel::Run run(out);
-    kestrel::checkFile(run, file.path, kestrel::FileKind::ibs);
+    kestrel::checkFile(run, file.path, *kestrel::kindOfName(file.path));
     benchmark::DoNotOptimize(run.diagnostics.errors);
 }
 
@@ -73,14 +73,14 @@ constexpr Task kDump{"dump -m -t", FloorWork::print, dumpTables};
 void requireChecked(const SampleFile& file) {
     kestrel::Output out;
     kestrel::Run run(out);
-    kestrel::checkFile(run, file.path, kestrel::FileKind::ibs);
+    kestrel::checkFile(run, file.path, *kestrel::kindOfName(file.path));
     const kestrel::Diagnostics& found = run.diagnostics;
     require(found.errors == 0 && found.bugs == 0 && found.warnings == 0, "diagnostics:\n" + out.text().substr(0, 2000));
     require(contentsOf(*currentRoot(run)) == file.contents, file.path + " was not read whole");
 }
 
 const SampleFile& sampleOf(Samples& samples, const SampleKind& kind, std::size_t megabytes) {
-    const std::string name = numbered(kind.name, megabytes, 4) + "mb.ibs";
+    const std::string name = numbered(kind.name, megabytes, 4) + "mb" + std::string(kind.extension);
     const auto [at, is_new] = samples.files.try_emplace(name);
     if (is_new) {
         requireWholeFloor(kind);

@@ -27,4 +27,7 @@ void writeSchedules(TextWriter& writer, std::size_t count);
 void writeFullMatrices(TextWriter& writer, std::size_t pins);
 void writeSparseMatrices(TextWriter& writer, std::size_t pins);
 
+/// A parameter file with branches of 20 parameters.
+void writeParameters(TextWriter& writer, std::size_t count);
+
 } // namespace kestrel::bench
