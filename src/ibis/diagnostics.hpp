@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace kestrel {
 
@@ -113,20 +112,6 @@ void resetCounts(Diagnostics& diagnostics);
 
 /// Sets or clears the saved context text.
 void setContext(Diagnostics& diagnostics, std::optional<std::string_view> text);
-
-/// Holds errors back while it lasts.
-class SilencedErrors {
-public:
-    explicit SilencedErrors(Diagnostics& diagnostics)
-        : diagnostics_(diagnostics), before_(std::exchange(diagnostics.silence_errors, true)) {}
-    SilencedErrors(const SilencedErrors&) = delete;
-    SilencedErrors& operator=(const SilencedErrors&) = delete;
-    ~SilencedErrors() { diagnostics_.silence_errors = before_; }
-
-private:
-    Diagnostics& diagnostics_;
-    bool before_;
-};
 
 /// Prints the counts by class and "File Passed" or "File Failed".
 void printSummary(Diagnostics& diagnostics);

@@ -5,8 +5,9 @@
 #include "reader/line_form.hpp"
 #include "reader/parse.hpp"
 
-#include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <utility>
 
 namespace kestrel {
 
@@ -46,7 +47,7 @@ void line(Run& run, Mdl& model, std::string_view text) {
     AlgMod& algorithmic = *model.algorithmic_model;
     if (items.count != kItems) errorAtLine(run.diagnostics, 4602, items.count, kExecutable, kItems);
     if (items.count < kItems) {
-        algorithmic.line_refused = true;
+        algorithmic.reported = true;
         return;
     }
     if (!isPlatform(items[1])) warningAtLine(run.diagnostics, 4604, items[1]);
@@ -57,8 +58,8 @@ void line(Run& run, Mdl& model, std::string_view text) {
 }
 
 void close(Run& run, Mdl& model) {
-    const AlgMod& algorithmic = *model.algorithmic_model;
-    if (!algorithmic.executables.empty() || algorithmic.line_refused) return;
+    AlgMod& algorithmic = *model.algorithmic_model;
+    if (!algorithmic.executables.empty() || std::exchange(algorithmic.reported, true)) return;
     error(run.diagnostics, 4608, model.name);
 }
 
@@ -70,14 +71,6 @@ std::string pathOf(const Run& run, const std::string& name) {
     const bool in_folder = name.find_first_of(kSeparators) != std::string::npos;
     const bool is_absolute = kSeparators.find(name.front()) != std::string_view::npos;
     return in_folder && !is_absolute ? run.parse.directory + name : name;
-}
-
-/// Opens a file to learn under which spelling of its name it stands on the disk; empty when it is not there.
-std::string findFile(Run& run, const std::string& path) {
-    if (path.size() >= kMaxPath) return {};
-    const SilencedErrors silenced(run.diagnostics);
-    const std::optional<Source> source = openSource(run, path, FileKind::ami);
-    return source ? source->path : std::string();
 }
 
 /// Puts the reader back to where it was, whatever happens meanwhile.
@@ -97,14 +90,17 @@ void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
     const KeptReader kept(run.parse);
     const std::string directory = run.parse.directory;
     const std::string path = pathOf(run, name);
-    const std::string found = findFile(run, path);
-    if (found.empty()) {
-        warning(run.diagnostics, 4610, name, model.name);
+    const std::int32_t errors = run.diagnostics.errors;
+    // Opened here to learn whether it is there and under which spelling; its text then waits for the reader.
+    std::optional<Source> source;
+    if (path.size() < kMaxPath) source = openSource(run, path, FileKind::ami, WhenAbsent::leave);
+    if (!source) {
+        if (run.diagnostics.errors == errors) warning(run.diagnostics, 4610, name, model.name);
         return;
     }
+    const std::string found = std::filesystem::path(source->path).lexically_normal().string();
     if (!run.algmod.paths.insert(found).second) return;
     run.parse.directory = directory; // the search may have left it in another case
-    run.parse.kind = FileKind::ami;
     if (collectAmi(run, path)) checkAmi(run);
 }
 

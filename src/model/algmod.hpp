@@ -22,7 +22,7 @@ struct AlgExecutable {
 struct AlgMod {
     std::vector<AlgExecutable> executables; ///< in file order
     TextSet platforms;
-    bool line_refused = false; ///< an "Executable" line was reported and dropped
+    bool reported = false; ///< an "Executable" line was dropped, or that there is none was told
 };
 
 /// The algorithmic models of a run.

@@ -64,8 +64,8 @@ public:
         : root_(root), sections_(findSections(root)), check_{run, LineFinder(text), chooseRules(sections_)} {}
 
     void checkAll() {
-        markRepeated(sections_.reserved);
-        markRepeated(sections_.specific);
+        markRepeated(sections_.reserved, Section::reserved);
+        markRepeated(sections_.specific, Section::specific);
         for (const AmiItem& item : itemsOf(root_)) {
             if (item.is_node != 0) {
                 checkRootChild(item);
@@ -81,6 +81,12 @@ public:
     }
 
 private:
+    /// A reserved parameter of the file.
+    struct Given {
+        bool seen = false;
+        bool is_false = false;
+    };
+
     void checkRootChild(const AmiItem& child) {
         const auto section = lookUpEnumeration(kSections, child.text);
         if (section.row == nullptr) {
@@ -103,7 +109,7 @@ private:
     void checkSectionOrder(const AmiItem& specific) {
         const bool reserved_follows =
             !sections_.reserved.empty() && !section_seen_[static_cast<std::size_t>(Section::reserved)];
-        if (check_.rules.first_version || !reserved_follows) return;
+        if (check_.rules.first_version || !reserved_follows || &specific != sections_.specific.front()) return;
         errorAtLine(at(check_, specific), 4656, shown(check_.rules.version));
     }
 
@@ -118,6 +124,8 @@ private:
             }
             if (item->is_node == 0) {
                 reportAmiText(check_, *item, *open.back());
+            } else if (!item->hasName()) {
+                reportNamelessAmiNode(check_, *item);
             } else if (item->text == kDescription) {
                 reportRepeated(*item);
                 checkAmiDescription(check_, *item, *open.back());
@@ -140,10 +148,10 @@ private:
             checkSpecificName(branch);
         } else if (direct) {
             errorAtLine(at(check_, branch), 4649, shown(branch.text));
-            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, branch);
+            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, branch, false);
         }
         const AmiItem* const only = &branch;
-        markRepeated(std::span(&only, 1));
+        markRepeated(std::span(&only, 1), Section::specific);
         if (section == Section::specific || !direct) checkHoldsSomething(branch);
     }
 
@@ -153,7 +161,7 @@ private:
             section == Section::reserved && direct ? readReservedName(check_, node) : nullptr;
         const AmiLeaf leaf = checkAmiLeaf(check_, node);
         if (row == nullptr) return;
-        give(*row, node);
+        give(*row, node, leaf.good_values && leaf.good_default);
         checkReserved(check_, *row, leaf);
     }
 
@@ -162,22 +170,21 @@ private:
         if (row != nullptr && row->text == node.text) warningAtLine(at(check_, node), 4660, shown(node.text));
     }
 
-    /// Notes a reserved parameter; of several the first counts.
-    void give(const ReservedRow& row, const AmiItem& node) {
-        const AmiItem*& given = given_[static_cast<std::size_t>(row.code)];
-        if (given == nullptr) given = &node;
+    /// Notes a reserved parameter; of several the first counts. `good` tells that no value of it was reported.
+    void give(const ReservedRow& row, const AmiItem& node, bool good) {
+        Given& given = given_[static_cast<std::size_t>(row.code)];
+        if (std::exchange(given.seen, true)) return;
+        const AmiItem* const value = good ? singleValue(node) : nullptr;
+        given.is_false = value != nullptr && value->text == "False";
     }
 
     void checkRequired() {
-        bool all_false = true;
         for (const Reserved name : kRequired) {
-            const AmiItem* const node = given_[static_cast<std::size_t>(name)];
-            if (node == nullptr) {
-                error(check_.run.diagnostics, 4652, kReserved[static_cast<std::size_t>(name)].text);
-            }
-            const AmiItem* const value = node == nullptr ? nullptr : singleValue(*node);
-            all_false = all_false && value != nullptr && value->text == "False";
+            if (given_[static_cast<std::size_t>(name)].seen) continue;
+            error(check_.run.diagnostics, 4652, kReserved[static_cast<std::size_t>(name)].text);
         }
+        const bool all_false = std::ranges::all_of(
+            kRequired, [this](Reserved name) { return given_[static_cast<std::size_t>(name)].is_false; });
         if (all_false) warning(check_.run.diagnostics, 4659);
     }
 
@@ -188,16 +195,24 @@ private:
     }
 
     /// Finds names that stand twice among all that the branches hold.
-    void markRepeated(std::span<const AmiItem* const> branches) {
-        std::unordered_set<std::string_view> names;
+    void markRepeated(std::span<const AmiItem* const> branches, Section section) {
+        names_.clear();
         for (const AmiItem* const branch : branches) {
-            const AmiItems items = itemsOf(*branch);
-            // Deep nesting mostly means branches with one child.
-            if (branches.size() == 1 && !items.empty() && items.front().size + 1 == branch->size) return;
-            for (const AmiItem& item : items) {
-                if (item.is_node != 0 && !names.insert(item.text).second) repeated_.insert(&item);
+            for (const AmiItem& item : itemsOf(*branch)) {
+                if (item.is_node != 0 && item.hasName()) names_.push_back({nameMeant(item, section), &item});
             }
         }
+        // Names of equal text stay in the order of the file.
+        std::ranges::sort(names_);
+        for (std::size_t i = 1; i < names_.size(); ++i) {
+            if (names_[i].first == names_[i - 1].first) repeated_.insert(names_[i].second);
+        }
+    }
+
+    /// A reserved parameter may be spelled in the wrong case.
+    static std::string_view nameMeant(const AmiItem& item, Section section) {
+        const ReservedRow* const row = section == Section::reserved ? reservedRow(item.text) : nullptr;
+        return row == nullptr ? item.text : row->text;
     }
 
     void reportRepeated(const AmiItem& item) {
@@ -214,7 +229,8 @@ private:
     AmiCheck check_;
     std::array<bool, kSections.size()> section_seen_{};
     std::unordered_set<const AmiItem*> repeated_;
-    std::array<const AmiItem*, kReservedCount> given_{}; ///< by Reserved
+    std::vector<std::pair<std::string_view, const AmiItem*>> names_; ///< of the branch just entered; kept for its room
+    std::array<Given, kReservedCount> given_{};                      ///< by Reserved
 };
 
 } // namespace

@@ -17,6 +17,8 @@ constexpr std::array<EnumerationRow<AmiUsage>, 4> kUsages{{
 
 constexpr std::string_view nameOf(AmiPart part) { return kAmiParts[static_cast<std::size_t>(part)].text; }
 
+bool isFormatWord(const AmiItem& node) { return lookUpEnumeration(kAmiFormats, node.text).row != nullptr; }
+
 /// The code of the word that gives a part; one that is not in the table is reported.
 template <class Rows>
 std::optional<CodeOf<Rows>> readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const Rows& rows,
@@ -40,7 +42,7 @@ const AmiItem* firstWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const Ami
     const AmiItem* first = nullptr;
     for (const AmiItem& item : itemsOf(child)) {
         if (item.is_node != 0) {
-            leaf[part].refused = true;
+            leaf[part].refused = !check.rules.later; // then it is reported
             reportUnknownAmiItem(check, leaf, item);
         } else if (first == nullptr) {
             first = &item;
@@ -57,14 +59,38 @@ void readUsage(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     if (word != nullptr) leaf.usage = readWord(check, leaf, AmiPart::usage, kUsages, *word);
 }
 
+/// How many types a parameter may have: the columns of a table may have their own, and who knows what a format that is
+/// not known needs.
+Words typeWords(const AmiItem& node) {
+    for (const AmiItem& child : itemsOf(node)) {
+        if (child.is_node == 0) continue;
+        const AmiItem* word = &child;
+        if (child.text == nameOf(AmiPart::format)) {
+            if (child.size == 1) return Words::one;
+            word = &itemsOf(child).front();
+        } else if (!isFormatWord(child)) {
+            continue;
+        }
+        const auto format = lookUpEnumeration(kAmiFormats, word->text);
+        return format.row == nullptr || format.row->code == AmiFormat::table ? Words::several : Words::one;
+    }
+    return Words::one;
+}
+
 void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
-    firstWord(check, leaf, AmiPart::type, child, Words::several);
-    leaf.type_node = &child;
-    int count = 0;
-    for (const AmiItem& word : itemsOf(child)) {
+    const Words words = typeWords(*leaf.node);
+    const AmiItem* const first = firstWord(check, leaf, AmiPart::type, child, words);
+    if (first == nullptr) return;
+    if (words == Words::one) {
+        leaf.types = {first, first + first->size};
+        leaf.type = readWord(check, leaf, AmiPart::type, kAmiTypes, *first);
+        return;
+    }
+    leaf.types = itemsOf(child);
+    for (const AmiItem& word : leaf.types) {
         if (word.is_node != 0) continue;
         const std::optional<AmiType> type = readWord(check, leaf, AmiPart::type, kAmiTypes, word);
-        leaf.type = ++count == 1 ? type : std::nullopt;
+        leaf.type = &word == first ? type : std::nullopt;
     }
 }
 
@@ -112,8 +138,6 @@ void readPart(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child
     }
 }
 
-bool isFormatWord(const AmiItem& node) { return lookUpEnumeration(kAmiFormats, node.text).row != nullptr; }
-
 /// Reads a node in a parameter.
 void readChild(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     if (isFormatWord(child)) { // in the right case or not
@@ -125,15 +149,18 @@ void readChild(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
         readPart(check, leaf, part.row->code, child);
         return;
     }
-    if (part.row != nullptr) leaf[part.row->code].refused = true;
+    if (part.row != nullptr) leaf[part.row->code].misspelled = !check.rules.later; // then it is reported
     reportUnknownAmiItem(check, leaf, child);
 }
 
 void checkRequired(AmiCheck& check, const AmiLeaf& leaf) {
     for (const AmiPart part : {AmiPart::usage, AmiPart::type}) {
-        if (!leaf[part].seen()) errorAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
+        if (leaf[part].seen() || leaf[part].misspelled) continue;
+        errorAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
     }
-    if (leaf[AmiPart::format].seen() || leaf[AmiPart::initial].seen()) return;
+    for (const AmiPart part : {AmiPart::format, AmiPart::initial}) {
+        if (leaf[part].seen() || leaf[part].misspelled) return;
+    }
     if (leaf.usage == AmiUsage::out || leaf[AmiPart::usage].refused) return;
     warningAtLine(at(check, *leaf.node), 4641, leaf.name());
 }
@@ -148,10 +175,10 @@ bool holdsOnlyTexts(const AmiItem& node) {
     return std::ranges::none_of(itemsOf(node), [](const AmiItem& item) { return item.is_node != 0; });
 }
 
-/// True when a table's nodes are its rows and not the parts of a parameter that is called so.
+/// True when a table's nodes can be its rows; they are none in a parameter or a branch that is called so.
 bool holdsRows(const AmiItem& table) {
-    return std::ranges::none_of(itemsOf(table), [](const AmiItem& item) {
-        return item.is_node != 0 && namesPart(item) && holdsOnlyTexts(item);
+    return std::ranges::all_of(itemsOf(table), [](const AmiItem& item) {
+        return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item));
     });
 }
 
@@ -190,36 +217,45 @@ void checkAmiDescription(AmiCheck& check, const AmiItem& description, const AmiI
 
 bool isAmiLeaf(const AmiItem& node) { return std::ranges::any_of(itemsOf(node), marksLeaf); }
 
-AmiItems typesOf(const AmiLeaf& leaf) {
-    const bool known = leaf.type_node != nullptr && !leaf[AmiPart::type].refused;
-    return known ? itemsOf(*leaf.type_node) : AmiItems{};
-}
+void reportNamelessAmiNode(AmiCheck& check, const AmiItem& node) { errorAtLine(at(check, node), 4622); }
+
+AmiItems typesOf(const AmiLeaf& leaf) { return leaf[AmiPart::type].refused ? AmiItems{} : leaf.types; }
 
 AmiType amiType(const AmiItem& word) { return lookUpEnumeration(kAmiTypes, word.text).row->code; }
 
 const AmiItem* singleValue(const AmiItem& node) {
     constexpr std::string_view kValue = kAmiFormats[static_cast<std::size_t>(AmiFormat::value)].text;
     const AmiItem* initial = nullptr;
+    const AmiItem* format = nullptr; // of several the first counts
     for (const AmiItem& child : itemsOf(node)) {
-        AmiItems items = itemsOf(child);
-        if (child.is_node == 0 || items.empty() || items.front().is_node != 0) continue;
-        if (child.text == nameOf(AmiPart::initial) && initial == nullptr) initial = &items.front();
-        if (child.text == kValue) return &items.front();
-        if (child.text != nameOf(AmiPart::format) || items.front().text != kValue) continue;
-        items = items.withoutFirst();
-        if (!items.empty() && items.front().is_node == 0) return &items.front();
+        if (child.is_node == 0) continue;
+        if (child.text == nameOf(AmiPart::initial)) {
+            if (initial == nullptr) initial = &child;
+        } else if (format == nullptr && (child.text == nameOf(AmiPart::format) || isFormatWord(child))) {
+            format = &child;
+        }
     }
-    return initial;
+    const auto first = [](AmiItems items) {
+        return items.empty() || items.front().is_node != 0 ? nullptr : &items.front();
+    };
+    if (format != nullptr && format->text == kValue) return first(itemsOf(*format));
+    const AmiItem* const word = format == nullptr ? nullptr : first(itemsOf(*format));
+    if (word != nullptr && word->text == kValue && format->text == nameOf(AmiPart::format)) {
+        return first(itemsOf(*format).withoutFirst());
+    }
+    return initial == nullptr ? nullptr : first(itemsOf(*initial));
 }
 
 AmiLeaf checkAmiLeaf(AmiCheck& check, const AmiItem& node) {
     AmiLeaf leaf;
     leaf.node = &node;
     for (const AmiItem& item : itemsOf(node)) {
-        if (item.is_node != 0) {
-            readChild(check, leaf, item);
-        } else {
+        if (item.is_node == 0) {
             reportAmiText(check, item, node);
+        } else if (!item.hasName()) {
+            reportNamelessAmiNode(check, item);
+        } else {
+            readChild(check, leaf, item);
         }
     }
     checkRequired(check, leaf);

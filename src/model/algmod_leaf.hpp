@@ -94,18 +94,21 @@ struct AmiLeaf {
     /// Whether and how one part was given.
     struct Given {
         const AmiItem* word = nullptr; ///< usage, type, format word or value; of a description its name
-        bool refused = false;          ///< it was there, but was reported
+        bool refused = false;          ///< it was there, but cannot be used
+        bool misspelled = false;       ///< reported as an unknown item, being in the wrong case
         [[nodiscard]] bool seen() const { return word != nullptr || refused; }
     };
 
     const AmiItem* node = nullptr;
     std::array<Given, kAmiParts.size()> parts{}; ///< by AmiPart
     std::optional<AmiUsage> usage;
-    std::optional<AmiType> type;        ///< absent as well when there are several
-    const AmiItem* type_node = nullptr; ///< holds more than one word when the columns of a table have their own types
+    std::optional<AmiType> type; ///< absent as well when there are several
+    AmiItems types;              ///< the words that give it; several when the columns of a table have their own types
     std::optional<AmiFormat> format;
-    AmiItems values;         ///< of the format
-    bool good_values = true; ///< none of them, nor the default, was reported as not being of the type
+    AmiItems values;          ///< of the format
+    bool format_fits = true;  ///< it may have values of the type
+    bool good_values = true;  ///< none of them was reported
+    bool good_default = true; ///< nor the default
 
     [[nodiscard]] Given& operator[](AmiPart part) { return parts[static_cast<std::size_t>(part)]; }
     [[nodiscard]] const Given& operator[](AmiPart part) const { return parts[static_cast<std::size_t>(part)]; }
@@ -133,6 +136,9 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf);
 
 /// Reports a word or string that does not belong where it is (4630): in `place`.
 void reportAmiText(AmiCheck& check, const AmiItem& text, const AmiItem& place);
+
+/// Reports a node without a name (4622) where it needs one.
+void reportNamelessAmiNode(AmiCheck& check, const AmiItem& node);
 
 /// Reports a node in a parameter that is none of its parts, nor one of their values (4645).
 void reportUnknownAmiItem(AmiCheck& check, const AmiLeaf& leaf, const AmiItem& item);

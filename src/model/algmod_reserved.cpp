@@ -61,19 +61,26 @@ void checkReservedFormat(AmiCheck& check, const ReservedRow& row, const AmiLeaf&
     const AmiItem* const initial = leaf[AmiPart::initial].word;
     if (leaf.format) {
         const AmiItem& word = *leaf[AmiPart::format].word;
-        if (!row.formats.has(*leaf.format)) warningAtLine(at(check, word), 4655, row.text, word.text);
+        if (leaf.format_fits && !row.formats.has(*leaf.format))
+            warningAtLine(at(check, word), 4655, row.text, word.text);
     } else if (initial != nullptr && !leaf[AmiPart::format].refused && !row.formats.has(AmiFormat::value)) {
         warningAtLine(at(check, *initial), 4655, row.text, kAmiFormats.front().text);
     }
 }
 
+bool isNegative(const AmiItem& value) {
+    double number = 0.0;
+    return value.is_node == 0 && readDouble(value.text, number) == ReadResult::number && number < 0.0;
+}
+
+/// Looks at the single value and at the default, as far as they were not reported.
 void checkNotNegative(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
-    if (!leaf.good_values) return;
-    const bool has_value = leaf.format == AmiFormat::value && !leaf.values.empty();
-    for (const AmiItem* const value : {has_value ? &leaf.values.front() : nullptr, leaf[AmiPart::initial].word}) {
-        double number = 0.0;
-        if (value == nullptr || readDouble(value->text, number) != ReadResult::number || number >= 0.0) continue;
-        errorAtLine(at(check, *value), 4661, row.text);
+    const bool has_value = leaf.format == AmiFormat::value && !leaf.values.empty() && leaf.good_values;
+    const AmiItem* const initial = leaf.good_default ? leaf[AmiPart::initial].word : nullptr;
+    if (has_value && isNegative(leaf.values.front())) {
+        errorAtLine(at(check, leaf.values.front()), 4661, row.text);
+    } else if (initial != nullptr && isNegative(*initial)) {
+        errorAtLine(at(check, *initial), 4661, row.text);
     }
 }
 

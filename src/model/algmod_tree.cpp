@@ -123,7 +123,7 @@ private:
 
     /// Reads the name of a node, too, and returns the token behind.
     Token openNode(const Token& bracket) {
-        const bool may_be_nameless = depth_ > 0 && inTable();
+        const bool may_be_nameless = inTable();
         const std::size_t place = items_.size();
         const Token name = scanner_.next();
         if (isText(name)) {
@@ -153,9 +153,11 @@ private:
         node.size = size & kMask;
     }
 
-    /// True right behind "(Table" and "(Format Table", and behind their rows.
+    /// True right behind "(Table" and "(Format Table" of a parameter, and behind their rows.
     [[nodiscard]] bool inTable() const {
         constexpr std::string_view kTable = "Table";
+        constexpr std::int64_t kLeastDepth = 4; // root, section, parameter and table
+        if (depth_ < kLeastDepth) return false;
         if (items_[open_].text == kTable) return true;
         const std::size_t inside = open_ + 1;
         return items_[open_].text == "Format" && inside < items_.size() && items_[inside].is_node == 0 &&
@@ -186,7 +188,8 @@ std::uint32_t LineFinder::lineOf(std::string_view part) {
 
 std::string_view shown(std::string_view text) {
     constexpr std::size_t kMost = 120;
-    return text.substr(0, std::min(kMost, text.find('\n')));
+    text = text.substr(0, kMost);
+    return text.substr(0, text.find('\n'));
 }
 
 std::vector<AmiItem> readAmiTree(Run& run, std::string_view text) { return TreeBuilder(run, text).build(); }

@@ -85,9 +85,13 @@ public:
         }
         if (types_.size() > 1) columns_ = static_cast<int>(types_.size());
         for (const AmiItem& row : leaf.values) {
-            if (row.is_node == 0 || isLabels(row)) continue;
-            if (columns_ == 0) columns_ = columnsOf(row);
-            ++rows_;
+            if (row.is_node == 0) continue;
+            if (first_ == nullptr) first_ = &row;
+            if (isLabels(row)) continue;
+            const bool has_nodes = contentsOf(itemsOf(row)).has_nodes;
+            const int columns = columnsOf(row);
+            if (columns_ == 0 && !has_nodes) columns_ = columns;
+            if (columns > 0 || has_nodes) ++rows_;
         }
     }
 
@@ -103,7 +107,7 @@ public:
             const AmiItems items = itemsOf(row);
             reportNodes(check, leaf_, items);
             const int columns = columnsOf(row) - (isLabels(row) ? 1 : 0);
-            if (contentsOf(items).has_nodes || columns == columns_) continue;
+            if (contentsOf(items).has_nodes || columns == columns_ || columns_ == 0) continue;
             errorAtLine(at(check, row), 4646, leaf_.name(), columns, columns_);
         }
     }
@@ -115,8 +119,9 @@ public:
     }
 
 private:
+    /// The first row may name the columns.
     [[nodiscard]] bool isLabels(const AmiItem& row) const {
-        return &row == &leaf_.values.front() && row.text == "Labels" && row.quoted == 0;
+        return &row == first_ && row.text == "Labels" && row.quoted == 0;
     }
 
     static int columnsOf(const AmiItem& row) { return contentsOf(itemsOf(row)).texts + (row.hasName() ? 1 : 0); }
@@ -134,7 +139,8 @@ private:
     }
 
     const AmiLeaf& leaf_;
-    std::vector<AmiType> types_; ///< one for all columns, or one for each
+    std::vector<AmiType> types_;     ///< one for all columns, or one for each
+    const AmiItem* first_ = nullptr; ///< of the rows
     int columns_ = 0;
     int rows_ = 0;
 };
@@ -149,14 +155,6 @@ bool checkFormatType(AmiCheck& check, const AmiLeaf& leaf) {
         return false;
     }
     return true;
-}
-
-/// Only the columns of a table may have types of their own.
-void checkTypeCount(AmiCheck& check, const AmiLeaf& leaf) {
-    if (leaf.type_node == nullptr || leaf.format == AmiFormat::table || leaf[AmiPart::format].refused) return;
-    for (const AmiItem& word : itemsOf(*leaf.type_node)) {
-        if (word.is_node == 0 && &word != leaf[AmiPart::type].word) reportAmiText(check, word, *leaf.type_node);
-    }
 }
 
 /// True when the format has as many values as it needs.
@@ -223,10 +221,9 @@ bool isMember(AmiItems list, const AmiItem& value) {
 } // namespace
 
 void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
-    const bool serves = checkFormatType(check, leaf);
-    checkTypeCount(check, leaf);
-    const bool complete = checkValueCount(check, leaf) && serves;
-    leaf.good_values = !serves || checkFormatValues(check, leaf);
+    leaf.format_fits = checkFormatType(check, leaf);
+    const bool complete = checkValueCount(check, leaf) && leaf.format_fits;
+    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf);
 
     const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
     std::optional<Bounds> bounds;
@@ -238,11 +235,12 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
         warningAtLine(at(check, *initial), 4648, leaf.name());
     }
     if (!leaf.good_values || !leaf.type) return;
-    leaf.good_values = checkValue(check, leaf, *leaf.type, *initial, kDefault);
-    if (!leaf.good_values) return;
+    leaf.good_default = checkValue(check, leaf, *leaf.type, *initial, kDefault);
+    if (!leaf.good_default) return;
     const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
                          (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
     if (outside) {
+        leaf.good_default = false;
         warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
     }
 }

@@ -300,7 +300,9 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
 void collectAmiLine(Run& run, std::string_view line) {
     const std::string_view kept = cutAmiComment(run.parse, line);
     try {
-        run.parse.ami_text.append(kept).push_back('\n');
+        std::string& text = run.parse.ami_text;
+        text.reserve(text.size() + kept.size() + 1); // so that the line is added whole or not at all
+        text.append(kept).push_back('\n');
     } catch (const std::bad_alloc&) {
         const SourceMark mark = here();
         error(run.diagnostics, 922, mark.file, mark.line);
@@ -376,6 +378,7 @@ bool collectAmi(Run& run, std::string_view name) {
     announce(run, name, "5.1");
     const bool long_lines = parse.long_lines;
     parse.long_lines = true;
+    parse.kind = FileKind::ami;
     parse.line = 0;
     parse.in_string = false;
     parse.comment = '|';

@@ -172,7 +172,7 @@ std::optional<FileKind> kindOfName(std::string_view name) {
     return std::nullopt;
 }
 
-std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind) {
+std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind, WhenAbsent absent) {
     if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) assertionFailed(run.out, here());
     const std::string& directory = run.parse.directory;
     Source source;
@@ -185,7 +185,7 @@ std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind)
     source.path = directory + source.bare_name;
     try {
         if (loadInAnyCase(run, source)) return source;
-        error(run.diagnostics, 1905, directory, source.bare_name);
+        if (absent == WhenAbsent::report) error(run.diagnostics, 1905, directory, source.bare_name);
     } catch (const std::bad_alloc&) {
         reportNoMemory(run.diagnostics, source.path);
     } catch (const std::length_error&) {

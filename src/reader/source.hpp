@@ -42,10 +42,14 @@ struct Source {
 /// The kind whose extension `name` has, in any case; nothing for a name with another extension or none.
 [[nodiscard]] std::optional<FileKind> kindOfName(std::string_view name);
 
+/// Whether a file that is not there is an error (1905).
+enum class WhenAbsent : bool { report, leave };
+
 /// Completes, validates and opens `name`: adds a missing extension, tries the path as it is, then in lower, then in
-/// upper case. Keeps the directory part for companion files. Reports 1900 to 1905 and 1924 (no line) and returns
+/// upper case. Keeps the directory part for companion files. Reports 1900 to 1906 and 1924 (no line) and returns
 /// nothing on failure.
-[[nodiscard]] std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind);
+[[nodiscard]] std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind,
+                                               WhenAbsent absent = WhenAbsent::report);
 
 /// Reads the lines of a source one by one.
 struct LineReader {

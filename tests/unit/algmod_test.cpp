@@ -59,8 +59,10 @@ TEST(AmiBrackets, areReportedAndEndTheChecks) {
         {"(m ())", "E4622@"},
         {"(m ((a)))", "E4622@"},
         {"(m () (", "E4622@ E4624"},
-        {"(m (Reserved_Parameters (a (Table (1 (2)) () ((3))", "E4624"}, // only the rows themselves go without a name
-        {"(m (Table (1 (()))))", "E4622@ E4622@"},
+        {"(m (s (a (Table (1) () ((2)))) (", "E4624"}, // only the rows of a table go without a name
+        {"(m (s (a (Table (1 (()))))))", "E4622@ E4622@"},
+        {"(m (Table ()))", "E4622@"},
+        {"(m (s (Table ())))", "E4622@"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(codesFor(row.text), row.codes) << row.text;
@@ -84,6 +86,7 @@ TEST(AmiSections, areFoundInAnyOrderOnce) {
         {"(m (Model_Specific (p (Usage Out) (Type Float))) (Reserved_Parameters " + first + "))", ""},
         {"(m " + inside + "(Model_Specific (p (Usage Out) (Type Float))) (Model_Specific (p (Usage Out) (Type UI))))",
          "E4628@ E4632@"},
+        {"(m (Model_Specific) (Model_Specific) " + inside + ")", "E4656@ W4647@ E4628@ W4647@"},
         {"(m (Reserved_Parameters))", "W4647@ E4652 E4652"},
     };
     for (const auto& [text, codes] : rows) {
@@ -101,6 +104,10 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage In Out) (Type Float Integer) (Value 1)", "E4630@ E4630@"},
         {"(Usage) (Type) (Value 1)", "E4633@ E4633@"},
         {"(usage In) (Type Float) (Value 1)", "E4645@"},
+        {"(usage In) (Usage Out) (Type String) (type UI) (Range 1 0 2)", "E4645@ E4645@ E4639@"},
+        {"(Usage In) (Type Float) (default 1)", "E4645@"},
+        {"(Usage In) (Type Float Foo) (Value x)", "E4630@ E4638@"}, // the first type counts
+        {"(Usage In) (Type Float String) (Range 1 0 2)", "E4630@"},
         {"(Usage In) (Usage Out) (Type Float) (Type UI) (Value 1)", "E4634@ E4634@"},
         {"(Usage In) (Type Float) (Value 1) (Range 1 0 2) (Format List 1)", "E4634@ E4634@"},
         {"(Usage In) (Type Float) (Default 1) (Default 2)", "E4634@"},
@@ -157,7 +164,10 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage In) (Type Integer String) (Table (a 1))", "E4638@"},
         {"(Usage In) (Type Integer String UI) (Table (1 a))", "E4646@"},
         {"(Usage In) (Type Float) (Table 1 (2))", "E4630@"},
-        {"(Usage In) (Type Float) (Table (Labels a))", "E4646@ E4637@"},
+        {"(Usage In) (Type Float) (Table (Labels a))", "E4637@"},
+        {"(Usage In) (Type Float) (Table ())", "E4637@"},
+        {"(Usage In) (Type Float) (Table x (Labels a) (1) (2))", "E4630@"},
+        {"(Usage In) (Type Float) (Table (1 (2)) (1 2) (3 4))", "E4645@"},
         {"(Usage In) (Type Float) (Table)", "E4637@"},
         {"(Usage In) (Type Tap) (Table (1 2))", "E4639@"},
     };
@@ -176,7 +186,9 @@ TEST(AmiParameters, standInBranches) {
         {"(b (p (Usage Out) (Type UI)) (p) (p (Usage Out) (Type UI)))", "E4632@ W4647@ E4632@"},
         {"(b (Range (Usage Out) (Type UI)) (Table (Usage Out) (Type UI)) (Type (Usage Out) (Type UI)))", ""},
         {"(Tx_Jitter (Usage Out) (Type UI)) (b (GetWave_Exists (Usage Out) (Type UI)))", "W4660@ W4660@"},
+        {"(b (Table (q (Usage Out) (Type UI))))", ""},
         {"(b (Table (Labels a) (1)))", "E4633@ E4633@"}, // nothing but a parameter holds a table
+        {"(b (Table (q (Usage Out) (Type UI)) ()))", "E4622@"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(codesFor(file(kVersion51, "", row.text)), row.codes) << row.text;
@@ -193,6 +205,13 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
         {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1))", "E4661@"},
         {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1.5))", "E4638@"},
         {"(Ignore_Bits (Usage Info) (Type Integer) (List -1 2))", ""},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (Value (-1)))", "E4645@"},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (Range 1 0 2) (Default -1))", "W4642@"},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (Value -1) (Default x))", "W4648@ E4638@ E4661@"},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (Gaussian 0 1))", "E4639@"},
+        {"(Tx_DCD (Usage Info) (Type UI String) (Table (1 a)))", "E4654@ W4655@"},
+        {"(Tx_DCD (Usage Info) (Type UI) (Value 1)) (tx_dcd (Usage Info) (Type UI) (Value 1))", "E4632@ E4662@"},
+        {"(Max_Init_Aggressors (Usage Out) (Type Integer) (Value 1))", "E4653@"},
         {"(Use_Init_Output (Usage Info) (Type Boolean) (Value True))", "W4658@"},
         {"(ignore_bits (Usage In) (Type Integer) (Value 1))", "E4662@ E4653@"},
         {"(Tx_Rj (Usage In) (Type Float) (Value x))", "W4651@ E4638@"},
@@ -207,6 +226,9 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
     EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value False))"
                        "(GetWave_Exists (Usage Info) (Type Boolean) (Format Value False))))"),
               "W4659");
+    EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value \"False\"))"
+                       "(GetWave_Exists (Usage Info) (Type Boolean) (Value False))))"),
+              "E4638@");
 }
 
 TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
@@ -219,6 +241,10 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
     EXPECT_EQ(codesFor(file("", "(Use_Init_Output (Usage Info) (Type Boolean) (Value True))", kOldWays)), "W4632@");
     EXPECT_EQ(codesFor(file(kVersion51, "", kOldWays)), "E4637@ E4632@ W4648@");
     EXPECT_EQ(codesFor(file(kLater, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "E4662@ W4657@");
+    EXPECT_EQ(codesFor(file(kLater, "", "(p (usage In) (Type (Float)) (Value 1))")), "E4662@ W4657@ E4633@ E4633@");
+    EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (List \"5.0\") (Value \"6.0\"))", "",
+                            "(p (Usage New) (Type Float) (Value 1))")),
+              "E4634@ W4655@ E4635@");
     EXPECT_EQ(codesFor(file(kOdd, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "W4657@ E4650@ E4635@ E4645@");
 }
 
@@ -230,6 +256,13 @@ TEST(AmiTree, takesAnyDepthAndLength) {
     }
     EXPECT_EQ(codesFor(file(kVersion51, "", deep + std::string(kDepth, ')'))), "W4647@");
     EXPECT_EQ(printedFor(deep, false), "ERROR - 200000 closing ')' missing, the first unclosed '(' is on line 1\n");
+
+    // Faults of things with a long name, and many names in one branch.
+    std::string many = "(" + std::string(100000, 'n');
+    for (int i = 0; i < 20000; ++i) {
+        many.append(" w (b").append(std::to_string(i)).append(" w)");
+    }
+    EXPECT_EQ(codesFor(file(kVersion51, "", many + ")")).size(), 40000 * std::string_view("E4630@ ").size() - 1);
 
     // A long name is shown in part, and a string as far as its line goes.
     const std::string name(100000, 'n');
