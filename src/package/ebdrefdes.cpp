@@ -49,6 +49,7 @@ void refDesLine(Run& run, EbdMdl& board, std::string_view text) {
         errorAtLine(run.diagnostics, 4376, entry.designator);
     }
     if (items.has(1)) {
+        // The short limit of the oldest headers plays no part: boards came with version 3.
         storeName(run.diagnostics, entry.file_name, items[1], fileNameLimit(run.parse.version), 4378);
         checkFileName(run, items[1]);
     } else {

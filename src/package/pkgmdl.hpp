@@ -56,7 +56,7 @@ struct PkgMdlState {
 void openPkgMdl(Run& run);
 
 /// Told of every keyword: one that is not a package model's own closes the package model and reports what it lacks
-/// (3411 to 3467, no line).
+/// (3411 to 3467, no line), its matrix included (3116 to 3118 and 3717, at the line).
 void pkgmdlKeywordSeen(Run& run, KeywordCode code);
 
 /// Reads a keyword line of a package model or a data line under it.

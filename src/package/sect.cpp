@@ -11,20 +11,20 @@ namespace kestrel {
 
 namespace {
 
-/// The items that need a "Len" before them.
+/// An item of a section.
 struct ItemRow {
     std::string_view name;
     std::optional<double> Sect::*value;
-    CheckedMessage<> without_len;
+    std::optional<CheckedMessage<>> without_len; ///< for the items that need a "Len" before them
     CheckedMessage<> duplicate;
     CheckedMessage<> negative;
 };
 
 constexpr std::array<ItemRow, 4> kItems{{
-    {"Len", &Sect::len, 3000, 3000, 3001}, // nothing has to stand before it
-    {"R", &Sect::r, 3002, 3003, 3004},
-    {"L", &Sect::l, 3005, 3006, 3007},
-    {"C", &Sect::c, 3008, 3009, 3010},
+    {"Len", &Sect::len, std::nullopt, 3000, 3001},
+    {"R", &Sect::r, CheckedMessage<>(3002), 3003, 3004},
+    {"L", &Sect::l, CheckedMessage<>(3005), 3006, 3007},
+    {"C", &Sect::c, CheckedMessage<>(3008), 3009, 3010},
 }};
 
 /// Takes a name or number off the front of `text`, which does not begin with a blank, "=" or "/".
@@ -84,8 +84,8 @@ bool readItem(Run& run, std::string_view& text, Sect& sect) {
         return false;
     }
     std::optional<double>& place = sect.*(item->value);
-    if (item->value != &Sect::len && !sect.len) {
-        errorAtLine(run.diagnostics, item->without_len);
+    if (item->without_len && !sect.len) {
+        errorAtLine(run.diagnostics, *item->without_len);
     }
     if (place) {
         errorAtLine(run.diagnostics, item->duplicate);

@@ -96,6 +96,10 @@ TEST(Matrix, bandwidth) {
         // Behind a repeated matrix keyword the old band may be narrowed, which no row made before it can follow.
         {3, "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Capacitance Matrix] Full_matrix\n[Bandwidth] 1\n[Row]\n9",
          "E3462@ E3120@ B3108@ E3717@"},
+        {5,
+         "Banded_matrix\n[Bandwidth] 2\n[Row] A\n1 2 3\n[Capacitance Matrix] Full_matrix\n[Bandwidth] 1\n"
+         "[Row] B\n1 2\n[Row] C\n1 2\n[Row] D\n1 2\n[Row] E\n1 2",
+         "E3462@ B3109@"},
     });
 }
 
