@@ -1,10 +1,13 @@
 // Parameter files of algorithmic models: brackets, sections, parameters and the reserved ones.
 
+#include "check_text.hpp"
 #include "codes.hpp"
 #include "ibis/run.hpp"
 #include "model/algmod_check.hpp"
 #include "reader/parse.hpp"
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -246,6 +249,21 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
                             "(p (Usage New) (Type Float) (Value 1))")),
               "E4634@ W4655@ E4635@");
     EXPECT_EQ(codesFor(file(kOdd, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "W4657@ E4650@ E4635@ E4645@");
+}
+
+TEST(AmiTree, takesAnyPieceOfTheExample) {
+    std::ifstream file(std::string(KESTREL_EXAMPLES_DIR) + "/receiver.ami");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const auto check = [](std::string_view piece) { return testing::checkText(piece, FileKind::ami, "piece.ami"); };
+    ASSERT_TRUE(check(text).ends_with("File Passed\n"));
+    for (std::size_t size = 0; size < text.rfind(')'); ++size) {
+        EXPECT_TRUE(check(text.substr(0, size)).ends_with("File Failed\n")) << size;
+        std::string changed(text);
+        changed.replace(size, 1 + size % 7, 1 + size % 3, "()\"x "[size % 5]);
+        const std::string printed = check(changed);
+        EXPECT_EQ(printed.find("BUG"), std::string::npos) << changed;
+        EXPECT_TRUE(printed.ends_with("File Passed\n") || printed.ends_with("File Failed\n")) << changed;
+    }
 }
 
 TEST(AmiTree, takesAnyDepthAndLength) {
