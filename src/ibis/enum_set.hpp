@@ -16,6 +16,13 @@ public:
 
     [[nodiscard]] constexpr bool has(Code code) const { return (bits_ & bitOf(code)) != 0; }
 
+    /// The codes of this one and those of `codes`.
+    [[nodiscard]] constexpr EnumSet with(std::initializer_list<Code> codes) const {
+        EnumSet set(codes);
+        set.bits_ |= bits_;
+        return set;
+    }
+
     /// All codes that are not in this one.
     [[nodiscard]] constexpr EnumSet others() const {
         EnumSet set{};

@@ -21,12 +21,12 @@ PinCounts classifyPins(const Cmpnt& component) {
     PinCounts counts;
     for (const Pin& pin : component.pins) {
         ++counts.total;
-        if (equalsNoCase(pin.model_name, "POWER") || equalsNoCase(pin.model_name, "GND")) {
-            ++counts.supply;
+        if (!isUnmodeledPinName(pin.model_name)) {
+            ++counts.modeled;
         } else if (equalsNoCase(pin.model_name, "NC")) {
             ++counts.other;
         } else {
-            ++counts.modeled;
+            ++counts.supply;
         }
     }
     return counts;

@@ -16,7 +16,7 @@ constexpr std::size_t kMaxRows = 100;
 constexpr double kZeroCurrent = 1e-6; // amperes; no larger current counts as zero
 
 constexpr TableEndsMessages kEndsMessages{1108, 1109};
-constexpr std::array<std::string_view, kColumns> kTraceWords{"Voltage", "Typical", "Minimum", "Maximum"};
+constexpr std::string_view kFirstWord = "Voltage";
 
 /// A kind of table: its label, the direction of its current by the family of the model's type, and whether its current
 /// has to pass through zero.
@@ -88,10 +88,11 @@ bool turnsBack(CrvState::Trace& trace, double value) {
 }
 
 void followColumns(Run& run, const TableRow& row, std::string_view label) {
-    for (std::size_t column = 0; column < kColumns; ++column) {
+    for (const Column column : {kFirst, kTyp, kMin, kMax}) {
         CrvState::Trace& trace = run.mdl.crv.traces[column];
-        if (row.state[column] != CellState::number || trace.seen == CrvState::Seen::nonMonotonic) continue;
-        if (turnsBack(trace, row.value[column])) noteAtLine(run.diagnostics, 1110, label, kTraceWords[column]);
+        if (!row.isNumber(column) || trace.seen == CrvState::Seen::nonMonotonic) continue;
+        if (!turnsBack(trace, row.value[column])) continue;
+        noteAtLine(run.diagnostics, 1110, label, column == kFirst ? kFirstWord : columnWord(column));
     }
 }
 
@@ -157,7 +158,7 @@ void beginCrv(Run& run) {
 
 void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
-    const TableRow row = readRow(run, text, label, "Voltage");
+    const TableRow row = readRow(run, text, label, kFirstWord);
     const std::size_t count = appendRow(run.diagnostics, curve.rows, row);
     followColumns(run, row, label);
     if (row.state[kFirst] == CellState::na) errorAtLine(run.diagnostics, 1106);

@@ -2,6 +2,7 @@
 
 #include "ibis/run.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 

@@ -2,8 +2,9 @@
 
 #include "ibis/run.hpp"
 
-#include <algorithm>
 #include <memory>
+#include <string_view>
+#include <unordered_set>
 
 namespace kestrel {
 
@@ -101,14 +102,14 @@ void openMSel(Run& run) {
         programBugAtLine(run.diagnostics, 4000, mark.file, mark.line);
         return;
     }
-    run.msel.entry_names.clear();
     run.msel.current = &root->model_selectors.add(std::make_unique<MSel>());
 }
 
 void mselKeywordSeen(Run& run, KeywordCode /*code*/) {
     const MSel* selector = run.msel.current;
     if (selector == nullptr) return;
-    run.msel.current = nullptr;
+    // A set that is only cleared keeps, and clears each time, the room of the largest selector.
+    run.msel = MSelState{};
     if (selector->entries.empty()) {
         error(run.diagnostics, 4005, selector->name);
     } else if (selector->entries.size() == 1) {
@@ -152,7 +153,10 @@ void checkMSels(Run& run) {
     // Gathered once: there may be as many selectors as pins.
     const std::unordered_set<std::string_view> used = usedModelNames(*root);
     for (MSel& selector : root->model_selectors.newestFirst()) {
-        if (referenceMdl(run, selector.name) != nullptr) error(run.diagnostics, 4021, selector.name);
+        // Names that are missing have been reported and are not each other's.
+        if (!selector.name.empty() && referenceMdl(run, selector.name) != nullptr) {
+            error(run.diagnostics, 4021, selector.name);
+        }
         if (!root->components.empty() && !used.contains(selector.name)) {
             warning(run.diagnostics, 4026, selector.name);
         }

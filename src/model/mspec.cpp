@@ -108,11 +108,6 @@ constexpr auto kCompanions = std::to_array({
     Companion{{&MSpec::vmeas_falling}, &MSpec::vmeas_rising},
 });
 
-/// Types that receive. Besides those with thresholds of their own, two of the differential ones.
-constexpr bool receives(ModelType type) {
-    return kInputTypes.has(type) || type == ModelType::inputDiff || type == ModelType::ioDiff;
-}
-
 bool has(const MSpec& spec, Field field) { return (spec.*field).has_value(); }
 
 /// True when a line for it was there; one that was refused has been reported.
@@ -164,7 +159,7 @@ void reportMisplaced(Run& run, const MSpec& spec, const Mdl& model, std::span<co
 void checkType(Run& run, const MSpec& spec, const Mdl& model) {
     const ModelType type = model.model_type;
     if (type == ModelType::notGiven || type == ModelType::noType || isSeries(model)) return;
-    if (!receives(type)) reportMisplaced(run, spec, model, kThresholdRows);
+    if (!kReceivingTypes.has(type)) reportMisplaced(run, spec, model, kThresholdRows);
     if (kNoTestLoadTypes.has(type)) reportMisplaced(run, spec, model, kTestLoadRows);
 }
 

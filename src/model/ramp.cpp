@@ -10,8 +10,7 @@ namespace kestrel {
 
 namespace {
 
-constexpr int kCorners = 3;
-constexpr std::array<std::string_view, kCorners> kCornerWords{"Typical", "Minimum", "Maximum"};
+constexpr int kCorners = static_cast<int>(kCornerWords.size());
 
 /// A line that gives an edge rate.
 struct RateLine {
@@ -49,8 +48,10 @@ RampCorner readCorner(Run& run, std::string_view cell, std::string_view name, st
 }
 
 void reportCellCount(Diagnostics& diagnostics, int count, std::string_view name) {
-    if (count == 1) errorAtLine(diagnostics, 1308, "minimum", name);
-    if (count == 1 || count == 2) errorAtLine(diagnostics, 1308, "maximum", name);
+    // Of a line without any the typical one is missed when the ramp ends.
+    for (int corner = count; count > 0 && corner < kCorners; ++corner) {
+        errorAtLine(diagnostics, 1308, kMissingCornerWords[static_cast<std::size_t>(corner)], name);
+    }
     if (count > kCorners) errorAtLine(diagnostics, 1304, count, name, kCorners);
 }
 

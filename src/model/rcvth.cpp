@@ -74,7 +74,10 @@ constexpr EnumerationMessages kEnumerationMessages{3212, 3213};
 
 constexpr std::array<std::string_view, 5> kDifferential{"Vcross_low", "Vcross_high", "Vdiff_ac", "Vdiff_dc",
                                                         "Tdiffslew_ac"};
+/// What a single-ended input has to give. Its other names, the supply excepted, begin the set as well.
 constexpr std::array<std::string_view, 6> kSingleEnded{"Vth", "Vinh_ac", "Vinh_dc", "Vinl_ac", "Vinl_dc", "Tslew_ac"};
+
+constexpr bool isOfPair(std::string_view name) { return std::ranges::find(kDifferential, name) != kDifferential.end(); }
 
 constexpr std::size_t placeOf(std::string_view name) { return rowPlace(kRows, name, &ThresholdRow::name); }
 
@@ -141,9 +144,12 @@ void checkThresholds(Run& run, const RcvTh& thresholds, std::string_view model) 
     // Of a set that was begun only with lines that were refused nothing is asked.
     const auto given_one = [&](std::string_view name) { return isGiven(thresholds, name); };
     const auto line_of_one = [&](std::string_view name) { return hasLine(thresholds, name); };
+    const auto begins_single_ended = [&](const ThresholdRow& row) {
+        return !isOfPair(row.name) && row.name != kReferenceName && has(thresholds, row.field);
+    };
     if (std::ranges::any_of(kDifferential, given_one)) {
         requireAll(run, thresholds, model, kDifferential);
-    } else if (std::ranges::any_of(kSingleEnded, given_one) || std::ranges::none_of(kDifferential, line_of_one)) {
+    } else if (std::ranges::any_of(kRows, begins_single_ended) || std::ranges::none_of(kDifferential, line_of_one)) {
         requireAll(run, thresholds, model, kSingleEnded);
     }
     checkSensitivity(run, thresholds, model);

@@ -31,7 +31,7 @@ void checkTableEnds(Diagnostics& diagnostics, std::span<const TableRow> rows, co
     const auto line = static_cast<std::int32_t>(begin_line);
     if (rows.size() < 2) error(diagnostics, messages.too_few, label, line);
     for (const EndFault& fault : findEndFaults(rows)) {
-        error(diagnostics, messages.na_at_end, fault.row, kColumnWords[fault.column], label, line);
+        error(diagnostics, messages.na_at_end, fault.row, columnWord(fault.column), label, line);
     }
 }
 

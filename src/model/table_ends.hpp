@@ -11,9 +11,6 @@
 
 namespace kestrel {
 
-/// The column names of messages about values, by Column; the first column goes by its own name.
-inline constexpr std::array<std::string_view, kColumns> kColumnWords{"", "Typical", "Minimum", "Maximum"};
-
 /// The columns that hold values.
 inline constexpr auto kValueColumns = std::to_array({kTyp, kMin, kMax});
 

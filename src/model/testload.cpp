@@ -75,8 +75,9 @@ constexpr std::array<Termination, 2> kTerminations{{
 
 constexpr std::array<std::string_view, 3> kDifferentialOnly{"R_diff_near", "R_diff_far", kReceiverInv};
 
-constexpr ModelTypeSet kPairReceivers{ModelType::inputDiff, ModelType::ioDiff, ModelType::terminator};
-constexpr ModelTypeSet kUntyped{ModelType::notGiven, ModelType::noType};
+/// Types that a load may end at; a model without a type has been reported.
+constexpr ModelTypeSet kReceivers =
+    kReceivingTypes.with({ModelType::terminator, ModelType::notGiven, ModelType::noType});
 
 constexpr std::size_t placeOf(std::string_view name) { return rowPlace(kRows, name, &LoadRow::name); }
 
@@ -162,9 +163,7 @@ void checkReceiver(Run& run, const Ibis& root, const TestLoad& load, std::string
         if (!load.refused.has(placeOf(subparameter))) error(run.diagnostics, 2228, name, load.name);
         return;
     }
-    const ModelType type = model->model_type;
-    if (kInputTypes.has(type) || kPairReceivers.has(type) || kUntyped.has(type)) return;
-    warning(run.diagnostics, 2229, name, load.name);
+    if (!kReceivers.has(model->model_type)) warning(run.diagnostics, 2229, name, load.name);
 }
 
 } // namespace

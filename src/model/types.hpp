@@ -78,6 +78,9 @@ inline constexpr ModelTypeSet kInputTypes{ModelType::input,      ModelType::io, 
                                           ModelType::ioOpenSink, ModelType::ioOpenSource, ModelType::inputEcl,
                                           ModelType::ioEcl};
 
+/// Types that receive: those with thresholds, and the differential ones that have theirs elsewhere.
+inline constexpr ModelTypeSet kReceivingTypes = kInputTypes.with({ModelType::inputDiff, ModelType::ioDiff});
+
 /// Types that drive nothing and so have no timing test load.
 inline constexpr ModelTypeSet kNoTestLoadTypes{ModelType::input,      ModelType::inputDiff, ModelType::inputEcl,
                                                ModelType::terminator, ModelType::series,    ModelType::seriesSwitch};

@@ -84,7 +84,7 @@ void checkEnds(Run& run, const Wvfrm& waveform, const WaveformLabel& label) {
     const auto line = static_cast<std::int32_t>(begin_line);
     if (waveform.rows.size() < 2) error(run.diagnostics, 1705, line);
     for (const EndFault& fault : findEndFaults(waveform.rows)) {
-        error(run.diagnostics, 1706, fault.row, kColumnWords[fault.column], line);
+        error(run.diagnostics, 1706, fault.row, columnWord(fault.column), line);
     }
 }
 
@@ -95,7 +95,7 @@ void checkSameEnds(Run& run, const Wvfrm& waveform, std::string_view label, std:
     const TableRow& last = waveform.rows.back();
     for (const Column column : kValueColumns) {
         if (!first.isNumber(column) || !last.isNumber(column) || first.value[column] == last.value[column]) continue;
-        error(run.diagnostics, 2007, kColumnWords[column], label, line);
+        error(run.diagnostics, 2007, columnWord(column), label, line);
     }
 }
 
@@ -110,7 +110,7 @@ void checkOffsets(Run& run, const Wvfrm& waveform, const WaveformLabel& label, s
             return row.isNumber(column) && (below ? row.value[column] < 0.0 : row.value[column] > 0.0);
         });
         if (!found) continue;
-        warning(run.diagnostics, message, label.open, kColumnWords[column], line);
+        warning(run.diagnostics, message, label.open, columnWord(column), line);
     }
 }
 

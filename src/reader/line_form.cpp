@@ -4,6 +4,16 @@
 
 namespace kestrel {
 
+namespace {
+
+/// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
+std::string_view withoutEqualsSign(const Run& run, std::string_view text) {
+    std::string_view behind = text;
+    return takeItem(run, behind, '=') == "=" ? behind : text;
+}
+
+} // namespace
+
 void expectNoText(Run& run, std::string_view text, std::string_view keyword, CountMessage message) {
     const int count = splitItems(run, text, 0).count;
     if (count > 0) errorAtLine(run.diagnostics, message, count + 1, keyword, 1);
@@ -48,26 +58,22 @@ bool readValueLine(Run& run, std::string_view text, const ValueLineMessages& mes
 std::optional<std::string_view> readWordLine(Run& run, std::string_view rest, std::string_view name,
                                              const WordLineMessages& messages) {
     constexpr int kItems = 2; // name and word
-    const ItemList items = splitItems(run, rest, kItems, '=');
-    const int sign = items[0] == "=" ? 1 : 0;
-    const int count = items.count - sign + 1;
+    const ItemList words = splitItems(run, withoutEqualsSign(run, rest), 1);
+    const int count = words.count + 1;
     if (count < kItems) {
         if (!messages.missing) return std::string_view();
         errorAtLine(run.diagnostics, *messages.missing, name);
         return std::nullopt;
     }
     if (count > kItems) errorAtLine(run.diagnostics, messages.wrong_count, count, name, kItems);
-    return items[sign];
+    return words[0];
 }
 
 bool readRangeLine(Run& run, std::string_view rest, std::string_view name, const RangeLineRules& rules,
                    std::optional<Rng>& value) {
-    if (rules.admits_equals_sign) {
-        std::string_view behind = rest;
-        if (takeItem(run, behind, '=') == "=") rest = behind;
-    }
+    const std::string_view values = rules.admits_equals_sign ? withoutEqualsSign(run, rest) : rest;
     Rng range;
-    if (!readRange(run, rest, name, range, OrderCheck::off)) return false;
+    if (!readRange(run, values, name, range, OrderCheck::off)) return false;
     value = range;
     if (range.typ.state != CellState::na) return true;
     if (const auto* const named = std::get_if<CheckedMessage<ArgKind::text>>(&rules.typ_na)) {

@@ -122,8 +122,8 @@ struct WordLineMessages {
     CountMessage wrong_count; ///< more than one: the items, the name, 2
 };
 
-/// The word of a line "name word", of which `rest` is what follows the name. A "=" before the word is passed over and
-/// not counted; of several words the first is used. Reports at the line.
+/// The word of a line "name word", of which `rest` is what follows the name. One "=" before the word is passed over and
+/// not counted, one inside it is part of it; of several words the first is used. Reports at the line.
 [[nodiscard]] std::optional<std::string_view> readWordLine(Run& run, std::string_view rest, std::string_view name,
                                                            const WordLineMessages& messages);
 

@@ -96,6 +96,8 @@ KeywordCode inContext(const ParseState& parse, KeywordCode code) {
         if (isBetween(parse.current, K::beginBoardDescription, K::boardManufacturer)) return K::boardManufacturer;
         return code;
     }
+    // Whatever the version: the oldest table, which also serves a version that was refused, lacks the board's keyword,
+    // and the program bug that handOn makes of it is meant.
     if (code == K::numberOfPins && parse.kind == FileKind::ebd) return K::boardNumberOfPins;
     if (!parse.submodel_context) return code;
     switch (code) {

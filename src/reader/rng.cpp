@@ -13,11 +13,8 @@ void reportCount(Diagnostics& diagnostics, int count, std::string_view quantity)
         errorAtLine(diagnostics, 3902, count, quantity, kCells);
         return;
     }
-    if (count < 2) {
-        errorAtLine(diagnostics, 3901, "minimum", quantity);
-    }
-    if (count < 3) {
-        errorAtLine(diagnostics, 3901, "maximum", quantity);
+    for (auto corner = static_cast<std::size_t>(count); corner < kMissingCornerWords.size(); ++corner) {
+        errorAtLine(diagnostics, 3901, kMissingCornerWords[corner], quantity);
     }
 }
 
@@ -36,9 +33,9 @@ bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& 
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kCells);
     reportCount(diagnostics, items.count, quantity);
-    const bool typ = readCell(diagnostics, items[0], items.has(0), quantity, "Typical", range.typ);
-    const bool min = readCell(diagnostics, items[1], items.has(1), quantity, "Minimum", range.min);
-    const bool max = readCell(diagnostics, items[2], items.has(2), quantity, "Maximum", range.max);
+    const bool typ = readCell(diagnostics, items[0], items.has(0), quantity, kCornerWords[0], range.typ);
+    const bool min = readCell(diagnostics, items[1], items.has(1), quantity, kCornerWords[1], range.min);
+    const bool max = readCell(diagnostics, items[2], items.has(2), quantity, kCornerWords[2], range.max);
     if (check == OrderCheck::on && typOutside(range)) {
         warningAtLine(diagnostics, 3903);
     }

@@ -2,7 +2,14 @@
 
 #include "reader/cmn.hpp"
 
+#include <array>
+#include <string_view>
+
 namespace kestrel {
+
+/// The words for typical, minimum and maximum: of values that stand in the file, and of values that are missing.
+inline constexpr std::array<std::string_view, 3> kCornerWords{"Typical", "Minimum", "Maximum"};
+inline constexpr std::array<std::string_view, 3> kMissingCornerWords{"typical", "minimum", "maximum"};
 
 /// Typical, minimum and maximum of one quantity, in its own unit.
 struct Rng {

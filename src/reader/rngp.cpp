@@ -13,9 +13,8 @@ void reportCount(Diagnostics& diagnostics, int count, std::string_view table) {
         errorAtLine(diagnostics, 1402, count, table, kItems);
         return;
     }
-    constexpr std::array<std::string_view, kColumns> kNames{"", "typical", "minimum", "maximum"};
     for (auto column = static_cast<std::size_t>(count); column < kColumns; ++column) {
-        errorAtLine(diagnostics, 1401, kNames[column], table);
+        errorAtLine(diagnostics, 1401, kMissingCornerWords[column - kTyp], table);
     }
 }
 
@@ -35,7 +34,6 @@ TableRow readRow(Run& run, std::string_view text, std::string_view table, std::s
     if (items.count != kItems) {
         reportCount(run.diagnostics, items.count, table);
     }
-    const std::array<std::string_view, kColumns> labels{first_label, "Typical", "Minimum", "Maximum"};
     // Where the line was split at more than blanks, the item read ahead is but a part of the row's.
     const bool is_read = first.result == ReadResult::number && first.item.size() == items[0].size();
     TableRow row;
@@ -43,7 +41,8 @@ TableRow readRow(Run& run, std::string_view text, std::string_view table, std::s
         const auto at = static_cast<std::size_t>(column);
         Cell cell = first.cell;
         if (column > 0 || !is_read) {
-            readCell(run.diagnostics, items[column], items.has(column), table, labels[at], cell);
+            const std::string_view label = column == kFirst ? first_label : columnWord(static_cast<Column>(column));
+            readCell(run.diagnostics, items[column], items.has(column), table, label, cell);
         }
         row.value[at] = cell.value;
         row.state[at] = cell.state;

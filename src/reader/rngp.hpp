@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/cmn.hpp"
+#include "reader/rng.hpp"
 
 #include <array>
 #include <unordered_map>
@@ -11,6 +11,9 @@ namespace kestrel {
 /// The columns of an I-V or V-t table.
 enum Column : std::uint8_t { kFirst = 0, kTyp = 1, kMin = 2, kMax = 3 };
 inline constexpr std::size_t kColumns = 4;
+
+/// The word for a column in messages about its values; the first column goes by the table's own word.
+[[nodiscard]] constexpr std::string_view columnWord(Column column) { return kCornerWords[column - kTyp]; }
 
 /// One line of an I-V or V-t table: the voltage or time, then typical, minimum and maximum.
 struct TableRow {

@@ -486,6 +486,44 @@ TEST(Model, rampsAndCurrentsAgainstWaveforms) {
     }
 }
 
+TEST(Model, currentsGoToTheLastWaveformWhateverStandsBetween) {
+    const std::string wave = "R_fixture = 50\nV_fixture = 0\n0 0 NA NA\n1n 1 NA NA\n";
+    Reading reading(V::v5);
+    reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p")
+        .read("[Rising Waveform]\n" + wave + "[Falling Waveform]\n" + wave + "[Ramp]\ndV/dt_r 1/1n NA NA")
+        .read("dV/dt_f 1/1n NA NA\n[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n[Rising Waveform]\n" + wave +
+              "[Voltage Range] 3 NA NA")
+        .read("[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n2n 1m NA NA");
+    EXPECT_EQ(reading.codes(), "");
+    const Mdl& model = reading.newest();
+    EXPECT_EQ(model.rising_waveforms.at(0)->composite_current, nullptr);
+    ASSERT_TRUE(model.falling_waveforms.at(0)->composite_current);
+    EXPECT_EQ(model.falling_waveforms[0]->composite_current->rows.size(), 2U);
+    ASSERT_TRUE(model.rising_waveforms.at(1)->composite_current);
+    EXPECT_EQ(model.rising_waveforms[1]->composite_current->rows.size(), 3U);
+}
+
+TEST(Model, thresholdsThatBeginASet) {
+    constexpr std::string_view kSix = " E3216 E3216 E3216 E3216 E3216 E3216";
+    const struct {
+        std::string_view lines;
+        std::string codes;
+    } rows[] = {
+        // the line of the pair is refused, so that only the others tell what is meant
+        {"Vcross_low 1\nReference_supply Ext_ref", "E3208@ W3218"},
+        {"Vcross_low 1\nVth_min = 1", "E3208@"s.append(kSix)},
+        {"Vcross_low 1\nVth_max = 1", "E3208@"s.append(kSix)},
+        {"Vcross_low 1\nReference_supply=Ext_ref\nThreshold_sensitivity = 1", "E3208@"s.append(kSix)},
+        {"Vcross_low = 1\nVth_min = 1", "E3216 E3216 E3216 E3216"},
+    };
+    for (const auto& row : rows) {
+        Reading reading(V::v4);
+        reading.read("[Model] m\nModel_type Input\n[Receiver Thresholds]").read(row.lines);
+        checkRcvThs(reading.run);
+        EXPECT_EQ(reading.codes(), row.codes) << row.lines;
+    }
+}
+
 TEST(Model, linesOutsideAModel) {
     EXPECT_EQ(Reading(V::v4).read("[Pullup]\n0 0 0 0").codes(), "E0102@ E0107@");
     EXPECT_EQ(Reading(V::v4).read("[Model] m\nModel_type Terminator\nC_comp 1\n[Component] c\n[Ramp]").codes(),

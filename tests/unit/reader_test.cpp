@@ -1,4 +1,5 @@
 #include "check_text.hpp"
+#include "codes.hpp"
 #include "reader/cmn.hpp"
 
 #include <csignal>
@@ -199,6 +200,55 @@ TEST(Reader, everyKeywordIsKnownInItsVersionsAndHarmlessInAll) {
         for (std::size_t i = 0; i < 4; ++i) {
             EXPECT_EQ(isKnown(row.keyword, versions[i]), row.known[i] == 'y') << row.keyword << " in " << versions[i];
         }
+    }
+}
+
+TEST(Reader, keywordsAreNamedByTheOldestTable) {
+    Output out;
+    kestrel::Run run(out);
+    run.diagnostics.coded_form = true;
+    EXPECT_EQ(keywordName(run.diagnostics, KeywordCode::component), "COMPONENT");
+    EXPECT_EQ(keywordName(run.diagnostics, KeywordCode::packageManufacturer), "MANUFACTURER");
+    EXPECT_EQ(keywordName(run.diagnostics, KeywordCode::notKey), "NOT_KEY");
+    EXPECT_EQ(codesOf(out.text()), "");
+    EXPECT_EQ(keywordName(run.diagnostics, KeywordCode::modelSpec), "Unknown enumerated keyword code");
+    EXPECT_EQ(codesOf(out.text()), "B0904@");
+}
+
+TEST(Reader, keywordsThatComeInTheMiddle) {
+    const std::string header = "[IBIS Ver] 4.2\n[File Name] test.ibs\n[File Rev] 1\n";
+    const std::string model = "[Model] M\nModel_type Terminator\n[Voltage Range] 3 NA NA\n[GND Clamp]\n0 0 NA NA\n";
+    const struct {
+        std::string_view label;
+        std::string text;
+        std::string_view codes;
+        FileKind kind = FileKind::ibs;
+        std::string name = "test.ibs";
+    } rows[] = {
+        {"an unknown keyword ends the data and closes nothing",
+         header + model + "[Nonsense]\n0 0 NA NA\n[POWER Clamp]\n0 0 NA NA\n1 0 NA NA\n[End]\n",
+         "E0916@ E0907@ E1108 E0181 E4101 W0219"},
+        {"the end of the file closes a table, then its model", header + model, "E0903 E1108 E0181 E4101 W0219"},
+        {"a keyword of a model ends a submodel",
+         header + "[Submodel] S\nSubmodel_type Dynamic_clamp\n[GND Clamp]\n-1 -1 NA NA\n0 0 NA NA\n"
+                  "[Voltage Range] 3 NA NA\n[Pulldown]\n0 0 NA NA\n[End]\n",
+         "E0102@ E2402@ E2403@ E4101 W0220"},
+        {"the end of the file ends a state without its slash",
+         header + "[Component] C\n[Manufacturer] M\n[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n"
+                  "[Pin] signal_name model_name\n1 A POWER\n[Series Switch Groups]\nOn\n",
+         "E0903 E0909@"},
+        {"the oldest table has no keyword for a board's pins",
+         "[IBIS Ver] 3.9\n[File Name] e.ebd\n[File Rev] 1\n[Begin Board Description] b\n[Manufacturer] m\n"
+         "[Number Of Pins] 5\ndata\n[Pin List] signal_name\n[End]\n",
+         "E1008@ E0916@ B0908@ B0908@ E0916@", FileKind::ebd, "e.ebd"},
+    };
+    for (const auto& row : rows) {
+        Output out;
+        kestrel::Run run(out);
+        run.diagnostics.coded_form = true;
+        run.sources.texts[row.name] = std::make_shared<const std::string>(row.text);
+        checkFile(run, row.name, row.kind);
+        EXPECT_EQ(codesOf(out.text()), row.codes) << row.label << "\n" << out.text();
     }
 }
 
