@@ -199,7 +199,7 @@ private:
         names_.clear();
         for (const AmiItem* const branch : branches) {
             for (const AmiItem& item : itemsOf(*branch)) {
-                if (item.is_node != 0 && item.hasName()) names_.push_back({nameMeant(item, section), &item});
+                if (item.is_node != 0 && item.hasName()) names_.emplace_back(nameMeant(item, section), &item);
             }
         }
         // Names of equal text stay in the order of the file.

@@ -221,7 +221,9 @@ void reportNamelessAmiNode(AmiCheck& check, const AmiItem& node) { errorAtLine(a
 
 AmiItems typesOf(const AmiLeaf& leaf) { return leaf[AmiPart::type].refused ? AmiItems{} : leaf.types; }
 
-AmiType amiType(const AmiItem& word) { return lookUpEnumeration(kAmiTypes, word.text).row->code; }
+AmiType amiType(const AmiItem& word) {
+    return std::ranges::find(kAmiTypes, word.text, &EnumerationRow<AmiType>::text)->code;
+}
 
 const AmiItem* singleValue(const AmiItem& node) {
     constexpr std::string_view kValue = kAmiFormats[static_cast<std::size_t>(AmiFormat::value)].text;

@@ -29,8 +29,8 @@ public:
 
     class Iterator {
     public:
-        using value_type = AmiItem;
-        using difference_type = std::ptrdiff_t;
+        using value_type = AmiItem;             // NOLINT(readability-identifier-naming): the library's name
+        using difference_type = std::ptrdiff_t; // NOLINT(readability-identifier-naming): the library's name
 
         Iterator() = default;
         explicit Iterator(const AmiItem* at) : at_(at) {}

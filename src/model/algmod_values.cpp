@@ -128,14 +128,14 @@ private:
 
     [[nodiscard]] bool checkRow(AmiCheck& check, const AmiItem& row) const {
         std::size_t column = 0;
-        const auto checkCell = [&](const AmiItem& cell) {
+        const auto check_cell = [&](const AmiItem& cell) {
             const std::size_t at = types_.size() == 1 ? 0 : column++;
             // A row that is longer than the list of types was reported.
             return at >= types_.size() || checkValue(check, leaf_, types_[at], cell, rowOf(AmiFormat::table).text);
         };
-        if (row.hasName() && !checkCell(row)) return false;
+        if (row.hasName() && !check_cell(row)) return false;
         return std::ranges::all_of(itemsOf(row),
-                                   [&](const AmiItem& cell) { return cell.is_node != 0 || checkCell(cell); });
+                                   [&](const AmiItem& cell) { return cell.is_node != 0 || check_cell(cell); });
     }
 
     const AmiLeaf& leaf_;
