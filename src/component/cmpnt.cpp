@@ -236,6 +236,7 @@ void checkCmpnts(Run& run) {
     if (root == nullptr) return;
     checkDuplicates(run, *root);
     PinModels models;
+    SeriesModels series_models;
     for (const Cmpnt& component : root->components.newestFirst()) {
         const PkgMdl* const package = resolvePackage(run, *root, component);
         if (component.pins.empty()) {
@@ -246,7 +247,7 @@ void checkCmpnts(Run& run) {
         }
         checkPinMaps(run, component);
         checkDiffPins(run, component);
-        checkSeriesPins(run, component);
+        checkSeriesPins(run, component, series_models);
         checkSwitchGroups(run, component);
         checkNodes(run, component);
         checkCircuitCalls(run, component);

@@ -47,7 +47,7 @@ struct Cmpnt {
     std::vector<SPin> series_pins;
     bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
     std::vector<SwitchState> switch_states;
-    TextSet reported_groups;      ///< function table groups that were reported as too long
+    NameList switch_groups;       ///< groups of the states, but for those that were reported as too long
     TextSet dropped_groups;       ///< those of "[Series Switch Groups]" lines that were reported and dropped
     bool alternates_seen = false; ///< "[Alternate Package Models]" was there
     NameList alternates;          ///< package models of at most 40 characters
