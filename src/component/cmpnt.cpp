@@ -179,7 +179,7 @@ const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component)
 void checkPackagePins(Run& run, const Cmpnt& component, const PkgMdl& package) {
     for (const std::uint32_t place : package.own_pins) {
         const std::string& name = package.pin_names[place];
-        if (findPin(component, name) != nullptr) continue;
+        if (isKnownPin(component, name)) continue;
         warning(run.diagnostics, 613, package.name, name, component.name);
         return;
     }

@@ -25,7 +25,7 @@ void dropRow(Run& run, Cmpnt& component, const ItemList& items) {
 }
 
 void checkPinName(Run& run, const Cmpnt& component, std::string_view pin, bool reported) {
-    if (pin.empty() || reported || findPin(component, pin) != nullptr) return;
+    if (pin.empty() || reported || isKnownPin(component, pin)) return;
     error(run.diagnostics, 2610, pin, component.name);
 }
 
