@@ -56,9 +56,9 @@ void portMapLine(Run& run, CircuitCall& call, std::string_view text) {
     const ItemList items = splitItems(run, text, kNames);
     if (items.count != kNames) {
         errorAtLine(run.diagnostics, 1836, items.count);
-        if (items.has(0)) call.dropped_ports.emplace(items[0]);
-        // A lone name may as well be the node.
-        if (items.has(0)) call.dropped_nodes.emplace(items[items.kept - 1]);
+        if (items.kept == 0) return;
+        call.dropped_ports.emplace(items[0]);
+        call.dropped_nodes.emplace(items[items.kept - 1]); // a lone name may as well be the node
         return;
     }
     if (!call.mapped_ports.emplace(items[0]).second) {
