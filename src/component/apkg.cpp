@@ -2,6 +2,8 @@
 
 #include "ibis/run.hpp"
 
+#include <utility>
+
 namespace kestrel {
 
 namespace {
@@ -10,12 +12,13 @@ constexpr std::string_view kBegin = "Alternate_Package_Models";
 constexpr std::string_view kEnd = "End_Alternate_Package_Models";
 
 void open(Run& run, Cmpnt& component, std::string_view text) {
-    if (!text.empty()) errorAtLine(run.diagnostics, 533, kBegin);
     if (component.alternates_seen) errorAtLine(run.diagnostics, 534, kBegin);
     component.alternates_seen = true;
+    if (!text.empty()) errorAtLine(run.diagnostics, 533, kBegin);
 }
 
-/// Reads a name, which may hold blanks. One that is reported as cut or reserved is not looked for later.
+/// Reads a name, which may hold blanks. One that is reported as cut or reserved is not looked for later, unless another
+/// line has it whole.
 void line(Run& run, Cmpnt& component, std::string_view text) {
     run.cmpnt.alternate_listed = true;
     std::string name;
@@ -23,14 +26,15 @@ void line(Run& run, Cmpnt& component, std::string_view text) {
     if (!checkNotReserved(run.diagnostics, name)) return;
     const bool is_new = name != component.package_model && component.alternates.add(name);
     if (!fits) {
-        component.cut_alternates.insert(name);
-    } else if (!is_new) {
-        warningAtLine(run.diagnostics, 536, name, component.name);
+        if (is_new) component.cut_alternates.insert(name);
+        return;
     }
+    component.cut_alternates.erase(name);
+    if (!is_new) warningAtLine(run.diagnostics, 536, name, component.name);
 }
 
 void close(Run& run, Cmpnt& component) {
-    if (!run.cmpnt.alternate_listed) warning(run.diagnostics, 539, component.name);
+    if (!std::exchange(run.cmpnt.alternate_listed, true)) warning(run.diagnostics, 539, component.name);
 }
 
 } // namespace

@@ -16,9 +16,6 @@ constexpr std::string_view kCircuitKind = "External Circuit";
 constexpr std::string_view kModelKeyword = "External_Model";
 constexpr std::string_view kCircuitKeyword = "External_Circuit";
 
-/// A port that needs no mention: the simulator's own ground.
-constexpr std::string_view kGround = "A_gnd";
-
 constexpr ModelTypeSet kDiffReceivers{ModelType::ioDiff, ModelType::inputDiff};
 
 /// Counts the items of a text where none should stand.
@@ -44,9 +41,10 @@ bool isMixedSignal(ExtLanguage language) {
 
 void checkConverterPorts(Run& run, const ExtCkt& circuit, const ExtOwner& owner) {
     if (circuit.ports.names.empty()) return;
+    std::unordered_set<std::string_view> reported;
     for (const Converter& converter : circuit.converters) {
         for (const std::string_view port : {std::string_view(converter.port1), std::string_view(converter.port2)}) {
-            if (port == kGround || circuit.ports.has(port)) continue;
+            if (port == kGroundPort || circuit.ports.has(port) || !reported.insert(port).second) continue;
             const std::string_view line_name = converter.to_analog ? "D_to_A" : "A_to_D";
             error(run.diagnostics, 1821, owner.kind, owner.name, port, line_name);
         }
@@ -57,23 +55,22 @@ void checkConverterPorts(Run& run, const ExtCkt& circuit, const ExtOwner& owner)
 void checkDigitalSide(Run& run, const ExtCkt& circuit, const Mdl& model) {
     if (circuit.language != ExtLanguage::spice && circuit.language != ExtLanguage::ibisIss) return;
     const auto serves = [&circuit](bool to_analog, std::string_view port) {
-        if (circuit.converter_reported[to_analog ? 1 : 0])
-            return true; // its line was reported, and may have meant this port
+        if (circuit.converter_reported[to_analog ? 1 : 0]) return true;
         return std::ranges::any_of(circuit.converters, [to_analog, port](const Converter& converter) {
             return converter.to_analog == to_analog && converter.d_port == port;
         });
     };
     const bool receives = kInputTypes.has(model.model_type) || kDiffReceivers.has(model.model_type);
-    if (kDiffLoadTypes.has(model.model_type) && !serves(true, "D_drive")) warning(run.diagnostics, 1830, model.name);
-    if (receives && !serves(false, "D_receive")) warning(run.diagnostics, 1831, model.name);
+    if (kDiffLoadTypes.has(model.model_type) && !serves(true, kDrivePort)) warning(run.diagnostics, 1830, model.name);
+    if (receives && !serves(false, kReceivePort)) warning(run.diagnostics, 1831, model.name);
 }
 
 ExtOwner ownerOf(const Mdl& model) { return {kModelKind, model.name, &model}; }
 
 void openModel(Run& run, Mdl& model, std::string_view text) {
-    extraText(run, kModelKind, text);
     const bool repeated = model.external_model != nullptr;
     if (repeated) reportAlreadyDefined(run, model, "[External_Model]");
+    extraText(run, kModelKind, text);
     auto& place = repeated ? run.mdl.repeated_external : model.external_model;
     place = std::make_unique<ExtCkt>();
     run.mdl.external = place.get();
@@ -90,7 +87,7 @@ void closeModel(Run& run, Mdl& model) {
 
 ExtOwner ownerOf(const ExtCkt& circuit) { return {kCircuitKind, circuit.name, nullptr}; }
 
-/// Reads the name behind "[External Circuit]". A cut name is not reported again as one given before.
+/// Reads the name behind "[External Circuit]". A cut or reserved name is not reported again as one given before.
 void readCircuitName(Run& run, ExtCkt& circuit, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, 1);
@@ -100,9 +97,10 @@ void readCircuitName(Run& run, ExtCkt& circuit, std::string_view text) {
     }
     if (items.count > 1) errorAtLine(diagnostics, 1803, items.count, kCircuitKind, 1);
     const bool fits = storeName(diagnostics, circuit.name, items[0], kLongNameLimit, 1804);
-    if (isReservedWord(circuit.name)) errorAtLine(diagnostics, 1805, circuit.name);
+    const bool reserved = isReservedWord(circuit.name);
+    if (reserved) errorAtLine(diagnostics, 1805, circuit.name);
     auto& circuits = currentRoot(run)->external_circuits;
-    if (fits && circuits.find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
+    if (fits && !reserved && circuits.find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
     circuits.enterName(circuit, circuit.name);
 }
 

@@ -22,6 +22,13 @@ struct Mdl;
 /// "Language" of an external file.
 enum class ExtLanguage : std::uint8_t { notGiven = 0, notKnown, spice, vhdlAms, verilogAms, vhdlA, verilogA, ibisIss };
 
+/// The simulator's own ground, a port that needs no mention.
+inline constexpr std::string_view kGroundPort = "A_gnd";
+
+/// The ports that converters of a model that drives and of one that receives serve.
+inline constexpr std::string_view kDrivePort = "D_drive";
+inline constexpr std::string_view kReceivePort = "D_receive";
+
 /// Corners of an external file.
 enum class ExtCorner : std::uint8_t { typ = 0, min = 1, max = 2 };
 inline constexpr std::size_t kExtCorners = 3;
@@ -64,8 +71,8 @@ struct ExtCkt {
     std::vector<Converter> converters; ///< in file order
     TextSet converter_keys;            ///< kind, d_port and corner of each, for the test of repeated ones
     std::vector<NamedValue> named_values;
-    std::array<bool, 2> converter_reported{}; ///< by to_analog: a line was reported for its items or its digital port
-    bool corner_reported = false;             ///< a "Corner" line was reported for its corner
+    std::array<bool, 2> converter_reported{}; ///< by to_analog: a reported line may have meant the required port
+    bool corner_reported = false;             ///< a reported "Corner" line may have meant the typical one
     bool ports_seen = false;                  ///< a "Ports" line was there, with or without names
     bool used = false;                        ///< a circuit call names it
 };
@@ -83,10 +90,11 @@ enum class CallPins : std::uint8_t { none, signal, diff, series };
 struct CircuitCall {
     std::string circuit; ///< at most 40 characters, empty when it was missing
     CallPins kind = CallPins::none;
-    std::array<std::string, 2> pins; ///< the second is empty for a signal pin
+    std::array<std::string, 2> pins; ///< as written, the second empty for a signal pin
     std::vector<PortMap> port_map;   ///< in file order
     TextSet mapped_ports;
-    TextSet dropped_names; ///< of lines that were reported and dropped
+    TextSet dropped_ports; ///< of lines that were reported and dropped
+    TextSet dropped_nodes; ///< pins and nodes of such lines
     bool port_map_seen = false;
 };
 
@@ -125,8 +133,9 @@ void circuitLine(Run& run, const Line& line);
 /// "[Circuit Call]" to its end. Reports 1803, 1807, 1827, 1828 and 1833 to 1837 at the line, 1842 without one.
 extern const Block<Cmpnt> kCircuitCall;
 
-/// The names of pins in all circuit calls of a component, cut to `limit`, also in lines that were reported.
-[[nodiscard]] std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component, int limit);
+/// What may be names of pins in all circuit calls of a component, as the list has them, also in lines that were
+/// reported.
+[[nodiscard]] std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component);
 
 /// Looks up circuits, ports, pins and nodes of the calls and marks the circuits. Reports 1838 to 1841, 1843 and 1845
 /// (no line).

@@ -9,7 +9,6 @@ namespace {
 
 constexpr std::string_view kKind = "Circuit Call";
 constexpr std::string_view kKeyword = "Circuit_Call";
-constexpr std::string_view kGround = "A_gnd"; ///< the port that need not be mapped
 
 /// A line that names pins.
 struct PinLine {
@@ -27,9 +26,9 @@ std::string_view pinLineName(CallPins kind) {
     return line == kPinLines.end() ? std::string_view() : line->name;
 }
 
-void dropLine(CircuitCall& call, const ItemList& items) {
+void dropPins(CircuitCall& call, const ItemList& items) {
     for (int place = 0; items.has(place); ++place) {
-        call.dropped_names.emplace(items[place]);
+        call.dropped_nodes.emplace(items[place]);
     }
 }
 
@@ -37,18 +36,17 @@ void pinLine(Run& run, CircuitCall& call, const PinLine& line, std::string_view 
     const ItemList items = splitItems(run, text, static_cast<int>(call.pins.size()));
     if (call.kind != CallPins::none) {
         errorAtLine(run.diagnostics, 1834, line.name, pinLineName(call.kind));
-        dropLine(call, items);
+        dropPins(call, items);
         return;
     }
     if (items.count != line.pins) {
         errorAtLine(run.diagnostics, 1835, line.name, items.count, line.pins);
-        dropLine(call, items);
+        dropPins(call, items);
         return;
     }
     call.kind = line.kind;
-    const int limit = pinNameLimit(run.parse.version);
     for (int place = 0; place < line.pins; ++place) {
-        call.pins[static_cast<std::size_t>(place)] = cutName(items[place], limit);
+        call.pins[static_cast<std::size_t>(place)] = items[place];
     }
 }
 
@@ -58,12 +56,14 @@ void portMapLine(Run& run, CircuitCall& call, std::string_view text) {
     const ItemList items = splitItems(run, text, kNames);
     if (items.count != kNames) {
         errorAtLine(run.diagnostics, 1836, items.count);
-        dropLine(call, items);
+        if (items.kept == 0) return;
+        call.dropped_ports.emplace(items[0]);
+        call.dropped_nodes.emplace(items[items.kept - 1]); // a lone name may as well be the node
         return;
     }
     if (!call.mapped_ports.emplace(items[0]).second) {
         errorAtLine(run.diagnostics, 1837, items[0]);
-        dropLine(call, items);
+        call.dropped_nodes.emplace(items[1]);
         return;
     }
     call.port_map.push_back({std::string(items[0]), std::string(items[1])});
@@ -111,22 +111,38 @@ void checkPorts(Run& run, const Cmpnt& component, const CircuitCall& call, const
     }
 }
 
-void checkPin(Run& run, const Cmpnt& component, const CircuitCall& call, std::string_view name) {
+/// What was reported for the calls of a component; other calls do not report it again.
+struct Reported {
+    std::unordered_set<std::string_view> circuits;
+    std::unordered_set<const Pin*> pins;
+};
+
+void checkPin(Run& run, const Cmpnt& component, const CircuitCall& call, std::string_view name, Reported& reported) {
     if (name.empty()) return;
-    const Pin* const pin = findPin(component, name);
+    const std::string_view listed = listedPinName(component, name);
+    const Pin* const pin = findPin(component, listed);
     if (pin == nullptr) {
-        error(run.diagnostics, 1840, call.circuit, component.name, name);
-    } else if (!equalsNoCase(pin->model_name, "CIRCUITCALL")) {
-        warning(run.diagnostics, 1845, name, component.name);
+        if (!isKnownPin(component, listed)) error(run.diagnostics, 1840, call.circuit, component.name, name);
+        return;
     }
+    if (equalsNoCase(pin->model_name, "CIRCUITCALL") || pin->model_reported) return;
+    if (reported.pins.insert(pin).second) warning(run.diagnostics, 1845, pin->name, component.name);
+}
+
+void checkPins(Run& run, const Cmpnt& component, const CircuitCall& call, Reported& reported) {
+    const auto& [first, second] = call.pins;
+    checkPin(run, component, call, first, reported);
+    if (second != first) checkPin(run, component, call, second, reported);
 }
 
 void checkNodesOf(Run& run, const Cmpnt& component, const CircuitCall& call) {
-    const int limit = pinNameLimit(run.parse.version);
-    const auto is_pin = [&](std::string_view name) { return findPin(component, cutName(name, limit)) != nullptr; };
+    const auto is_pin = [&](std::string_view name) { return isKnownPin(component, listedPinName(component, name)); };
+    std::unordered_set<std::string_view> missing;
     for (const PortMap& map : call.port_map) {
         if (component.nodes.has(map.node) || is_pin(map.node) || is_pin(pinOfNode(map.node))) continue;
-        error(run.diagnostics, 1841, call.circuit, component.name, map.node);
+        if (missing.insert(map.node).second) {
+            error(run.diagnostics, 1841, call.circuit, component.name, map.node);
+        }
     }
 }
 
@@ -134,23 +150,21 @@ void checkUnmapped(Run& run, const Cmpnt& component, const CircuitCall& call, co
     if (call.port_map.empty()) return; // reported
     const auto& ports = circuit.ports.names;
     const auto missing = std::ranges::find_if(ports, [&call](const std::string& port) {
-        return port != kGround && !call.mapped_ports.contains(port) && !call.dropped_names.contains(port);
+        return port != kGroundPort && !call.mapped_ports.contains(port) && !call.dropped_ports.contains(port);
     });
     if (missing != ports.end()) warning(run.diagnostics, 1843, call.circuit, component.name, *missing);
 }
 
-void checkCall(Run& run, const Cmpnt& component, const CircuitCall& call) {
+void checkCall(Run& run, const Cmpnt& component, const CircuitCall& call, Reported& reported) {
     ExtCkt* const circuit = currentRoot(run)->external_circuits.find(call.circuit);
     if (circuit != nullptr) {
         circuit->used = true;
         checkPorts(run, component, call, *circuit);
-    } else if (!call.circuit.empty()) {
+    } else if (!call.circuit.empty() && reported.circuits.insert(call.circuit).second) {
         error(run.diagnostics, 1838, call.circuit, component.name);
     }
     if (!component.pins.empty()) {
-        for (const std::string& pin : call.pins) {
-            checkPin(run, component, call, pin);
-        }
+        checkPins(run, component, call, reported);
         checkNodesOf(run, component, call);
     }
     if (circuit != nullptr) checkUnmapped(run, component, call, *circuit);
@@ -170,12 +184,12 @@ const Block<Cmpnt> kCircuitCall{
     .no_begin = [](Run& run) { errorAtLine(run.diagnostics, 1828, kKeyword, kKeyword); },
 };
 
-std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component, int limit) {
+std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component) {
     std::unordered_set<std::string_view> names;
-    const auto add = [&names, limit](std::string_view name) { names.insert(cutName(name, limit)); };
+    const auto add = [&](std::string_view name) { names.insert(listedPinName(component, name)); };
     for (const CircuitCall& call : component.circuit_calls) {
         std::ranges::for_each(call.pins, add);
-        std::ranges::for_each(call.dropped_names, add);
+        std::ranges::for_each(call.dropped_nodes, add);
         for (const PortMap& map : call.port_map) {
             add(map.node);
             add(pinOfNode(map.node));
@@ -185,8 +199,9 @@ std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component, int
 }
 
 void checkCircuitCalls(Run& run, const Cmpnt& component) {
+    Reported reported;
     for (const CircuitCall& call : component.circuit_calls) {
-        checkCall(run, component, call);
+        checkCall(run, component, call, reported);
     }
 }
 

@@ -24,8 +24,8 @@ constexpr std::array<EnumerationRow<ExtCorner>, kExtCorners> kCorners{
 constexpr std::array<std::string_view, 15> kModelPorts{
     "D_drive",  "D_enable", "D_receive",    "D_switch",     "A_puref", "A_pdref", "A_pcref", "A_gcref",
     "A_extref", "A_signal", "A_signal_pos", "A_signal_neg", "A_pos",   "A_neg",   "A_gnd"};
-constexpr std::array<std::string_view, 3> kDrivenPorts{"D_drive", "D_enable", "D_switch"};
-constexpr std::array<std::string_view, 1> kReceivingPorts{"D_receive"};
+constexpr std::array<std::string_view, 3> kDrivenPorts{kDrivePort, "D_enable", "D_switch"};
+constexpr std::array<std::string_view, 1> kReceivingPorts{kReceivePort};
 
 template <class Names> bool contains(const Names& names, std::string_view name) {
     return std::ranges::find(names, name) != std::ranges::end(names);
@@ -47,12 +47,13 @@ constexpr std::array<ConverterValue, 4> kValues{{{"vlow", &Converter::vlow, fals
 struct ConverterForm {
     std::string_view name;
     bool to_analog;
-    std::size_t values;        ///< so many of kValues
-    std::string_view expected; ///< numbers of items, name included
+    std::string_view required_port; ///< that a model of its direction has to have served
+    std::size_t values;             ///< so many of kValues
+    std::string_view expected;      ///< numbers of items, name included
 };
 
-constexpr ConverterForm kToAnalog{"D_to_A", true, 4, "8 or 9"};
-constexpr ConverterForm kToDigital{"A_to_D", false, 2, "6 or 7"};
+constexpr ConverterForm kToAnalog{"D_to_A", true, kDrivePort, 4, "8 or 9"};
+constexpr ConverterForm kToDigital{"A_to_D", false, kReceivePort, 2, "6 or 7"};
 
 /// A block being read.
 struct Reading {
@@ -118,7 +119,8 @@ void cornerLine(const Reading& reading, std::string_view text) {
     std::optional<ExtCorner> corner;
     if (!corner_name.empty()) corner = readCorner(reading.run, corner_name, "Corner");
     if (!corner) {
-        reading.circuit.corner_reported = true;
+        const auto meant = lookUpEnumeration(kCorners, corner_name);
+        if (meant.row == nullptr || meant.row->code == ExtCorner::typ) reading.circuit.corner_reported = true;
         return;
     }
     auto& stored = reading.circuit.corners[static_cast<std::size_t>(*corner)];
@@ -130,39 +132,37 @@ void cornerLine(const Reading& reading, std::string_view text) {
 }
 
 /// What may stand behind the names of a line.
-enum class NameValues : bool { none, allowed };
+enum class NameValues : bool { none, passedOver };
 
-/// From version 5 on a parameter may be given a value.
-NameValues parameterValues(const Reading& reading) {
-    return reading.run.parse.version >= IbisVersion::v5 ? NameValues::allowed : NameValues::none;
-}
-
-/// Reads names, each of which may be followed by "=" and a value where that is allowed, and tells `each` of them.
-/// Reports a line without any.
+/// Reads names and tells `each` of them, but not of an "=" and the value behind it where those are passed over. Reports
+/// a line without any.
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Run& run = reading.run;
-    const char split = values == NameValues::allowed ? '=' : '\0';
-    std::string_view name = takeItem(run, text, split);
-    if (name.empty()) errorAtLine(reading.run.diagnostics, 1814, line_name);
-    while (!name.empty()) {
+    const char split = values == NameValues::passedOver ? '=' : '\0';
+    std::string_view rest = text;
+    if (takeItem(run, rest, split) == "=" && split == '=') text = rest; // as in "Parameters = low high"
+    bool found = false;
+    for (std::string_view name = takeItem(run, text, split); !name.empty(); name = takeItem(run, text, split)) {
+        if (split == '=' && name == "=") {
+            static_cast<void>(takeItem(run, text)); // the value
+            continue;
+        }
         each(name);
-        name = takeItem(run, text, split);
-        if (values == NameValues::none || name != "=") continue;
-        static_cast<void>(takeItem(run, text)); // the value
-        name = takeItem(run, text, split);
+        found = true;
     }
+    if (!found) errorAtLine(reading.run.diagnostics, 1814, line_name);
 }
 
 void parametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Parameters", text, parameterValues(reading), [&reading](std::string_view name) {
+    nameLine(reading, "Parameters", text, NameValues::passedOver, [&reading](std::string_view name) {
         if (reading.circuit.parameters.add(name)) return;
         warningAtLine(reading.run.diagnostics, 1818, name, reading.owner.kind, reading.owner.name);
     });
 }
 
 void converterParametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Converter_Parameters", text, parameterValues(reading),
+    nameLine(reading, "Converter_Parameters", text, NameValues::passedOver,
              [&reading](std::string_view name) { reading.circuit.converter_parameters.add(name); });
 }
 
@@ -206,21 +206,26 @@ std::string_view takePolarity(const Reading& reading, const ConverterForm& form,
     return last;
 }
 
+/// Of a line that was reported: unless it plainly served another port, the required one is not missed.
+void noteReported(const Reading& reading, const ConverterForm& form, const Converter& converter) {
+    if (converter.d_port != form.required_port && contains(kModelPorts, converter.d_port)) return;
+    reading.circuit.converter_reported[form.to_analog ? 1 : 0] = true;
+}
+
 void converterLine(const Reading& reading, const ConverterForm& form, std::string_view text) {
     Diagnostics& diagnostics = reading.run.diagnostics;
     Converter converter;
     converter.to_analog = form.to_analog;
     converter.d_port = takeItem(reading.run, text);
     ItemList items = splitItems(reading.run, text, kMaxItems); // behind the name and the digital port
+    const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     const std::string_view polarity = takePolarity(reading, form, items);
     constexpr int kPorts = 2;
     const int without_corner = kPorts + static_cast<int>(form.values);
-    const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     const bool too_few = items.count < without_corner;
     if (too_few || items.count > without_corner + 1) errorAtLine(diagnostics, 1811, count, form.name, form.expected);
-    bool& reported = reading.circuit.converter_reported[form.to_analog ? 1 : 0];
     if (too_few) {
-        reported = true;
+        noteReported(reading, form, converter);
         return;
     }
 
@@ -230,7 +235,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
         form.to_analog ? contains(kDrivenPorts, converter.d_port) : contains(kReceivingPorts, converter.d_port);
     if (reading.owner.model != nullptr && !known_port) {
         errorAtLine(diagnostics, 1822, converter.d_port, form.name);
-        reported = true;
+        noteReported(reading, form, converter);
     }
     for (std::size_t i = 0; i < form.values; ++i) {
         readValue(reading, form, converter, kValues[i], items[kPorts + static_cast<int>(i)]);

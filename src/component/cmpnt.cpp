@@ -179,7 +179,7 @@ const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component)
 void checkPackagePins(Run& run, const Cmpnt& component, const PkgMdl& package) {
     for (const std::uint32_t place : package.own_pins) {
         const std::string& name = package.pin_names[place];
-        if (findPin(component, name) != nullptr) continue;
+        if (isKnownPin(component, name)) continue;
         warning(run.diagnostics, 613, package.name, name, component.name);
         return;
     }
@@ -236,6 +236,7 @@ void checkCmpnts(Run& run) {
     if (root == nullptr) return;
     checkDuplicates(run, *root);
     PinModels models;
+    SeriesModels series_models;
     for (const Cmpnt& component : root->components.newestFirst()) {
         const PkgMdl* const package = resolvePackage(run, *root, component);
         if (component.pins.empty()) {
@@ -246,7 +247,7 @@ void checkCmpnts(Run& run) {
         }
         checkPinMaps(run, component);
         checkDiffPins(run, component);
-        checkSeriesPins(run, component);
+        checkSeriesPins(run, component, series_models);
         checkSwitchGroups(run, component);
         checkNodes(run, component);
         checkCircuitCalls(run, component);

@@ -34,12 +34,14 @@ struct Cmpnt {
     std::optional<Pkg> package;
     TableColumns pin_columns; ///< of "[Pin]"
     std::vector<Pin> pins;
-    PinIndex pin_index;           ///< of their names
-    TableColumns pin_map_columns; ///< of "[Pin Mapping]"
+    PinIndex pin_index;            ///< of their names
+    TextSet dropped_pins;          ///< those of rows that were reported and dropped, cut and as written
+    TextMap<std::string> cut_pins; ///< names as written that were too long, with what the list has
+    TableColumns pin_map_columns;  ///< of "[Pin Mapping]"
     std::vector<PinMap> pin_maps;
-    PinMapIndex pin_map_index;     ///< of their pins
-    TextSet dropped_map_names;     ///< pins and labels of rows that were reported and dropped
-    TableColumns diff_pin_columns; ///< of "[Diff Pin]"
+    PinMapIndex pin_map_index;            ///< of their pins
+    std::vector<PinMap> dropped_pin_maps; ///< rows that were reported and dropped
+    TableColumns diff_pin_columns;        ///< of "[Diff Pin]"
     std::vector<DifPin> diff_pins;
     DifPinIndex diff_pin_index;      ///< of their non-inverting pins
     InvPinIndex inv_pin_index;       ///< of their inverting pins
@@ -47,11 +49,11 @@ struct Cmpnt {
     std::vector<SPin> series_pins;
     bool switch_groups_seen = false; ///< "[Series Switch Groups]" was there
     std::vector<SwitchState> switch_states;
-    TextSet reported_groups;      ///< function table groups that were reported as too long
+    NameList switch_groups;       ///< groups of the states, but for those that were reported as too long
     TextSet dropped_groups;       ///< those of "[Series Switch Groups]" lines that were reported and dropped
     bool alternates_seen = false; ///< "[Alternate Package Models]" was there
     NameList alternates;          ///< package models of at most 40 characters
-    TextSet cut_alternates;       ///< those that were reported as longer
+    TextSet cut_alternates;       ///< those that no line has but cut, which was reported
     bool nodes_seen = false;      ///< "[Node Declarations]" was there
     NameList nodes;
     std::vector<CircuitCall> circuit_calls;
@@ -66,7 +68,7 @@ struct CmpntState {
     const Block<Cmpnt>* block = nullptr; ///< the construct that waits for its end keyword
     bool manufacturer_seen = false;
     bool package_model_seen = false;
-    bool alternate_listed = false; ///< an "[Alternate Package Models]" had a line
+    bool alternate_listed = false; ///< an "[Alternate Package Models]" had a line, or the lack of any was reported
     SwitchReader switches;
 };
 

@@ -65,7 +65,9 @@ void readValues(Run& run, DifPin& row, const ItemList& items, int columns) {
 const Mdl* checkPinName(Run& run, const Ibis& root, const Cmpnt& component, std::string_view name, bool reported) {
     const Pin* const pin = name.empty() ? nullptr : findPin(component, name);
     if (pin == nullptr) {
-        if (!name.empty() && !reported) error(run.diagnostics, 811, name, component.name);
+        if (!name.empty() && !reported && !isKnownPin(component, name)) {
+            error(run.diagnostics, 811, name, component.name);
+        }
         return nullptr;
     }
     if (isUnmodeledPinName(pin->model_name)) {

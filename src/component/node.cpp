@@ -42,7 +42,8 @@ const Block<Cmpnt> kNodeDeclarations{
 
 void checkNodes(Run& run, const Cmpnt& component) {
     for (const std::string& node : component.nodes.names) {
-        if (findPin(component, node) != nullptr) error(run.diagnostics, 1604, node, component.name);
+        if (findPin(component, listedPinName(component, node)) != nullptr)
+            error(run.diagnostics, 1604, node, component.name);
     }
 }
 

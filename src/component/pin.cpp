@@ -77,6 +77,15 @@ const Pin* findPin(const Cmpnt& component, std::string_view name) {
     return component.pin_index.find(component.pins, name);
 }
 
+bool isKnownPin(const Cmpnt& component, std::string_view name) {
+    return findPin(component, name) != nullptr || component.dropped_pins.contains(name);
+}
+
+std::string_view listedPinName(const Cmpnt& component, std::string_view written) {
+    const auto at = component.cut_pins.find(written);
+    return at == component.cut_pins.end() ? written : std::string_view(at->second);
+}
+
 bool isUnmodeledPinName(std::string_view model_name) {
     return equalsNoCase(model_name, "POWER") || equalsNoCase(model_name, "GND") || equalsNoCase(model_name, "NC");
 }
@@ -89,11 +98,16 @@ void pinLine(Run& run, Cmpnt& component, std::string_view text) {
     Diagnostics& diagnostics = run.diagnostics;
     const ItemList items = splitItems(run, text, kAllColumns);
     const RowFit fit = fitRow(run, component.pin_columns, kRowColumns, items.count, 602, 603);
-    if (fit == RowFit::notAllowed && items.count < kNameColumns) return;
+    const IbisVersion version = run.parse.version;
+    if (fit == RowFit::notAllowed && items.count < kNameColumns) {
+        component.dropped_pins.emplace(items[0]);
+        component.dropped_pins.emplace(cutName(items[0], pinNameLimit(version)));
+        return;
+    }
 
     Pin& pin = component.pins.emplace_back();
-    const IbisVersion version = run.parse.version;
     const bool name_fits = storeName(diagnostics, pin.name, items[0], pinNameLimit(version), 604);
+    if (!name_fits) component.cut_pins.try_emplace(std::string(items[0]), pin.name);
     const int long_limit = modelNameLimit(version); // signal names have the same
     storeName(diagnostics, pin.signal_name, items[1], long_limit, 605);
     const bool model_fits = storeName(diagnostics, pin.model_name, items[2], long_limit, 606);
@@ -109,11 +123,12 @@ void checkPins(Run& run, const Cmpnt& component, PinModels& models) {
     const Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
     const IbisVersion version = run.parse.version;
-    const auto called = circuitCallPins(component, pinNameLimit(version));
+    const auto called = circuitCallPins(component);
     for (const Pin& pin : component.pins) {
         if (needsNoModel(pin)) continue;
         if (isCircuitCallPin(pin, version)) {
-            if (!called.contains(pin.name)) error(run.diagnostics, 611, pin.name, component.name);
+            const bool repeated = findPin(component, pin.name) != &pin; // judged with the first of its name
+            if (!repeated && !called.contains(pin.name)) error(run.diagnostics, 611, pin.name, component.name);
             continue;
         }
         const auto [at, is_new] = models.try_emplace(pin.model_name);

@@ -31,6 +31,12 @@ using PinIndex = RowIndex<Pin, &Pin::name>;
 /// The pin of exactly this name, or null; of repeated names the first.
 [[nodiscard]] const Pin* findPin(const Cmpnt& component, std::string_view name);
 
+/// True for a pin of the component, also one whose row was reported and dropped.
+[[nodiscard]] bool isKnownPin(const Cmpnt& component, std::string_view name);
+
+/// The name under which the list holds a pin, by the name as the file has it: names that were too long are cut there.
+[[nodiscard]] std::string_view listedPinName(const Cmpnt& component, std::string_view written);
+
 /// True for model names that stand for a supply or no connection: "POWER", "GND", "NC" in any case.
 [[nodiscard]] bool isUnmodeledPinName(std::string_view model_name);
 

@@ -50,7 +50,9 @@ void readHeader(Run& run, Cmpnt& component, const EmiTable& table, std::string_v
         errorAtLine(run.diagnostics, 4911, table.keyword, table.column_count, columns.count);
         columns.faulty = true;
     }
-    expectHeaders(run, columns, words, table.headers, table.column_count - 1);
+    const int headers = table.column_count - 1;
+    expectHeaders(run, columns, words, table.headers, headers, WrongHeaders::each);
+    expectNoMoreHeaders(run, columns, words, headers);
 }
 
 /// Under a good header line every row has all columns.
@@ -86,7 +88,7 @@ bool readPercentage(Run& run, PinDomainEmi& row, std::string_view text) {
 
 void checkPins(Run& run, const Cmpnt& component, const CmpntEmi& emi) {
     for (const PinEmi& row : emi.pins) {
-        if (row.repeated || findPin(component, row.pin) != nullptr) continue;
+        if (row.repeated || isKnownPin(component, row.pin)) continue;
         error(run.diagnostics, 4908, row.pin, component.name);
     }
 }
@@ -114,7 +116,7 @@ void pinEmiLine(Run& run, Cmpnt& component, std::string_view text) {
     const ItemList items = splitItems(run, text, kPinTable.column_count);
     if (!hasAllColumns(run, kPinTable, emi->pin_columns, items.count)) return;
     PinEmi& row = emi->pins.emplace_back();
-    row.pin = items[0].substr(0, static_cast<std::size_t>(pinNameLimit(run.parse.version)));
+    row.pin = cutName(items[0], pinNameLimit(run.parse.version));
     row.repeated = !emi->pin_index.enterLast(emi->pins);
     if (row.repeated) errorAtLine(run.diagnostics, 4903, row.pin);
     if (!equalsNoCase(items[1], "NA")) row.domain = items[1];

@@ -42,9 +42,10 @@ void correctLabel(Run& run, std::string& label) {
 
 /// What a dropped row names is not reported as missing elsewhere.
 void dropRow(Cmpnt& component, const ItemList& items, IbisVersion version) {
-    component.dropped_map_names.emplace(cutName(items[0], pinNameLimit(version)));
+    PinMap& row = component.dropped_pin_maps.emplace_back();
+    row.pin = cutName(items[0], pinNameLimit(version));
     for (int place = 1; items.has(place); ++place) {
-        component.dropped_map_names.emplace(cutName(items[place], kBusLabelLimit));
+        row.labels[static_cast<std::size_t>(place - 1)] = cutName(items[place], kBusLabelLimit);
     }
 }
 
@@ -57,20 +58,28 @@ bool needsRow(const Pin& pin) {
 
 void checkRowPins(Run& run, const Cmpnt& component) {
     for (const PinMap& row : component.pin_maps) {
-        if (row.pin_reported || findPin(component, row.pin) != nullptr) continue;
+        if (row.pin_reported || isKnownPin(component, row.pin)) continue;
         error(run.diagnostics, 710, row.pin, component.name);
     }
 }
 
 void checkPinRows(Run& run, const Cmpnt& component) {
+    std::unordered_set<std::string_view> dropped;
+    for (const PinMap& row : component.dropped_pin_maps) {
+        dropped.insert(row.pin);
+    }
     for (const Pin& pin : component.pins) {
         // A repeated pin is judged with the first of its name.
         if (!needsRow(pin) || findPin(component, pin.name) != &pin) continue;
         if (component.pin_map_index.find(component.pin_maps, pin.name) != nullptr) continue;
-        if (component.dropped_map_names.contains(pin.name)) continue;
+        if (dropped.contains(pin.name)) continue;
         error(run.diagnostics, 711, pin.name, component.name);
     }
 }
+
+bool isGround(const Pin& pin) { return equalsNoCase(pin.model_name, "GND"); }
+
+bool isSupply(const Pin& pin) { return isGround(pin) || equalsNoCase(pin.model_name, "POWER"); }
 
 /// The rows whose pin is in the list and supplies a bus.
 struct SupplyRow {
@@ -82,9 +91,7 @@ std::vector<SupplyRow> supplyRows(const Cmpnt& component) {
     std::vector<SupplyRow> rows;
     for (const PinMap& row : component.pin_maps) {
         const Pin* const pin = findPin(component, row.pin);
-        if (pin == nullptr) continue;
-        const bool is_ground = equalsNoCase(pin->model_name, "GND");
-        if (is_ground || equalsNoCase(pin->model_name, "POWER")) rows.push_back({row, is_ground});
+        if (pin != nullptr && isSupply(*pin)) rows.push_back({row, isGround(*pin)});
     }
     return rows;
 }
@@ -101,11 +108,27 @@ void checkSupplies(Run& run, const Cmpnt& component, const std::vector<SupplyRow
     }
 }
 
-void checkLabels(Run& run, const Cmpnt& component, const std::vector<SupplyRow>& supplies) {
-    std::unordered_set<std::string_view> known(component.dropped_map_names.begin(), component.dropped_map_names.end());
+/// The labels of supplies, and those that may be: of dropped rows, unless their pin is known to be none, and of rows
+/// whose pin was dropped.
+std::unordered_set<std::string_view> supplyLabels(const Cmpnt& component, const std::vector<SupplyRow>& supplies) {
+    std::unordered_set<std::string_view> labels;
+    const auto add = [&labels](const PinMap& row) { labels.insert(row.labels.begin(), row.labels.end()); };
     for (const SupplyRow& supply : supplies) {
-        known.insert(supply.row.labels.begin(), supply.row.labels.end());
+        add(supply.row);
     }
+    for (const PinMap& row : component.dropped_pin_maps) {
+        const Pin* const pin = findPin(component, row.pin);
+        if (pin == nullptr || isSupply(*pin)) add(row);
+    }
+    if (component.dropped_pins.empty()) return labels;
+    for (const PinMap& row : component.pin_maps) {
+        if (findPin(component, row.pin) == nullptr && isKnownPin(component, row.pin)) add(row);
+    }
+    return labels;
+}
+
+void checkLabels(Run& run, const Cmpnt& component, const std::vector<SupplyRow>& supplies) {
+    std::unordered_set<std::string_view> known = supplyLabels(component, supplies);
     for (const PinMap& row : component.pin_maps) {
         for (std::size_t column = 0; column < kBusColumns; ++column) {
             const std::string& label = row.labels[column];
@@ -132,7 +155,9 @@ void pinMapHeader(Run& run, Cmpnt& component, std::string_view text) {
         errorAtLine(run.diagnostics, 703, columns.count, allowed.text);
         columns.faulty = true;
     }
-    expectHeaders(run, columns, words, std::span(kHeaders).first(static_cast<std::size_t>(most)), kRequiredHeaders);
+    const std::span headers = std::span(kHeaders).first(static_cast<std::size_t>(most));
+    expectHeaders(run, columns, words, headers, kRequiredHeaders, WrongHeaders::first);
+    expectNoMoreHeaders(run, columns, words, most);
 }
 
 void pinMapLine(Run& run, Cmpnt& component, std::string_view text) {

@@ -25,7 +25,7 @@ void dropRow(Run& run, Cmpnt& component, const ItemList& items) {
 }
 
 void checkPinName(Run& run, const Cmpnt& component, std::string_view pin, bool reported) {
-    if (pin.empty() || reported || findPin(component, pin) != nullptr) return;
+    if (pin.empty() || reported || isKnownPin(component, pin)) return;
     error(run.diagnostics, 2610, pin, component.name);
 }
 
@@ -42,39 +42,36 @@ bool mayBeSeries(const Ibis& root, const MSel& selector) {
     });
 }
 
-/// What the whole file says about a model name.
-enum class SeriesModel : std::uint8_t { series, undefined, other };
-
-SeriesModel resolve(Run& run, const Ibis& root, std::string_view name) {
+/// What `name` stands for in the whole file; a model found is marked as referenced.
+SeriesModelKind resolve(Run& run, const Ibis& root, std::string_view name) {
     if (const Mdl* const model = referenceMdl(run, name)) {
-        return mayBeSeries(*model) ? SeriesModel::series : SeriesModel::other;
+        return mayBeSeries(*model) ? SeriesModelKind::series : SeriesModelKind::other;
     }
     const MSel* const selector = root.model_selectors.find(name);
-    if (selector == nullptr) return SeriesModel::undefined;
-    return mayBeSeries(root, *selector) ? SeriesModel::series : SeriesModel::other;
+    if (selector == nullptr) return SeriesModelKind::undefined;
+    return mayBeSeries(root, *selector) ? SeriesModelKind::series : SeriesModelKind::other;
 }
 
-/// The rows that bring a new model name, each with what it stands for. Marks the models.
-std::vector<std::pair<const SPin*, SeriesModel>> resolveModels(Run& run, const Ibis& root, const Cmpnt& component) {
-    std::vector<std::pair<const SPin*, SeriesModel>> models;
-    std::unordered_set<std::string_view> done;
+/// Reports the names of one kind, each at its first row that was not reported for it.
+void reportModels(Run& run, const Cmpnt& component, SeriesModels& models, SeriesModelKind kind,
+                  CheckedMessage<ArgKind::text, ArgKind::text> message) {
     for (const SPin& row : component.series_pins) {
-        if (row.model_name.empty() || !done.insert(row.model_name).second) continue;
-        models.emplace_back(&row, resolve(run, root, row.model_name));
+        if (row.model_name.empty() || row.model_reported) continue;
+        SeriesModel& model = models[row.model_name];
+        if (model.kind != kind || model.reported_for == &component) continue;
+        error(run.diagnostics, message, row.model_name, component.name);
+        model.reported_for = &component;
     }
-    return models;
 }
 
-void checkModels(Run& run, const Ibis& root, const Cmpnt& component) {
-    const auto models = resolveModels(run, root, component);
-    for (const auto& [row, kind] : models) {
-        if (row->model_reported || kind != SeriesModel::undefined) continue;
-        error(run.diagnostics, 2611, row->model_name, component.name);
+void checkModels(Run& run, const Ibis& root, const Cmpnt& component, SeriesModels& models) {
+    for (const SPin& row : component.series_pins) {
+        if (row.model_name.empty()) continue;
+        const auto [at, is_new] = models.try_emplace(row.model_name);
+        if (is_new) at->second.kind = resolve(run, root, row.model_name);
     }
-    for (const auto& [row, kind] : models) {
-        if (row->model_reported || kind != SeriesModel::other) continue;
-        error(run.diagnostics, 2612, row->model_name, component.name);
-    }
+    reportModels(run, component, models, SeriesModelKind::undefined, 2611);
+    reportModels(run, component, models, SeriesModelKind::other, 2612);
 }
 
 /// Holds the rows to the groups that "[Series Switch Groups]" switches.
@@ -85,14 +82,13 @@ void checkGroups(Run& run, const Ibis& root, const Cmpnt& component) {
         if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
         warning(run.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
     }
-    std::unordered_set<std::string_view> known(component.reported_groups.begin(), component.reported_groups.end());
-    known.insert(component.dropped_groups.begin(), component.dropped_groups.end());
+    std::unordered_set<std::string_view> known(component.dropped_groups.begin(), component.dropped_groups.end());
     for (const SwitchState& state : component.switch_states) {
         known.insert(state.on.begin(), state.on.end());
         known.insert(state.off.begin(), state.off.end());
     }
     for (const SPin& row : component.series_pins) {
-        if (row.group.empty() || row.pin_2.empty() || !known.insert(row.group).second) continue;
+        if (row.group.empty() || row.group_reported || row.pin_2.empty() || !known.insert(row.group).second) continue;
         warning(run.diagnostics, 2614, row.group, component.name);
     }
 }
@@ -116,8 +112,7 @@ void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     row.pin_1_reported = !storeName(diagnostics, row.pin_1, items[0], pinNameLimit(version), 2605);
     row.pin_2_reported = !storeName(diagnostics, row.pin_2, items[1], pinNameLimit(version), 2605);
     row.model_reported = !storeName(diagnostics, row.model_name, items[2], modelNameLimit(version), 2606);
-    const bool group_fits = storeName(diagnostics, row.group, items[3], modelNameLimit(version), 2607);
-    if (!group_fits) component.reported_groups.insert(row.group);
+    row.group_reported = !storeName(diagnostics, row.group, items[3], modelNameLimit(version), 2607);
     const bool pin_reported = row.pin_1_reported || row.pin_2_reported;
     if (row.pin_1 == row.pin_2 && !pin_reported) errorAtLine(diagnostics, 2608, row.pin_1);
     if (isReservedWord(row.model_name)) {
@@ -128,7 +123,7 @@ void seriesPinLine(Run& run, Cmpnt& component, std::string_view text) {
     component.series_pins.push_back(std::move(row));
 }
 
-void checkSeriesPins(Run& run, const Cmpnt& component) {
+void checkSeriesPins(Run& run, const Cmpnt& component, SeriesModels& models) {
     const Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
     if (!component.pins.empty()) {
@@ -137,7 +132,7 @@ void checkSeriesPins(Run& run, const Cmpnt& component) {
             checkPinName(run, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
         }
     }
-    checkModels(run, *root, component);
+    checkModels(run, *root, component, models);
     if (component.switch_groups_seen) checkGroups(run, *root, component);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace kestrel {
 
@@ -18,7 +20,20 @@ struct SPin {
     bool pin_1_reported = false;
     bool pin_2_reported = false;
     bool model_reported = false;
+    bool group_reported = false;
 };
+
+/// What a model name of "[Series Pin Mapping]" stands for.
+enum class SeriesModelKind : std::uint8_t { undefined, series, other };
+
+/// A model name that rows use, and the component that it was last reported for.
+struct SeriesModel {
+    SeriesModelKind kind = SeriesModelKind::undefined;
+    const Cmpnt* reported_for = nullptr;
+};
+
+/// The model names of all rows of a file, so that each is looked up once. The names are views of the rows' own.
+using SeriesModels = std::unordered_map<std::string_view, SeriesModel>;
 
 /// Reads the header words behind "[Series Pin Mapping]". Reports 2602 and 528 to 532.
 void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text);
@@ -27,6 +42,6 @@ void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text);
 void seriesPinLine(Run& run, Cmpnt& component, std::string_view text);
 
 /// Looks up pins, models and groups of the rows, marks the models found and reports 2610 to 2614 (no line).
-void checkSeriesPins(Run& run, const Cmpnt& component);
+void checkSeriesPins(Run& run, const Cmpnt& component, SeriesModels& models);
 
 } // namespace kestrel

@@ -22,20 +22,21 @@ void dropNames(Run& run, Cmpnt& component, std::string_view text) {
     const int limit = modelNameLimit(run.parse.version);
     for (std::string_view item = takeItem(run, text); !item.empty(); item = takeItem(run, text)) {
         if (item.back() == '/') item.remove_suffix(1);
-        if (listOf(item) == List::none) component.dropped_groups.emplace(cutName(item, limit));
+        if (!item.empty() && listOf(item) == List::none) component.dropped_groups.emplace(cutName(item, limit));
     }
 }
 
 void groupName(Run& run, Cmpnt& component, std::string_view text) {
     SwitchReader& reader = run.cmpnt.switches;
     std::string name;
-    const bool fits = storeName(run.diagnostics, name, text, modelNameLimit(run.parse.version), 2506);
-    if (!fits) component.reported_groups.insert(name);
-    const auto at = reader.groups.try_emplace(name, reader.list).first;
-    List& first = at->second;
-    if (first != List::none && first != reader.list) {
-        if (fits) errorAtLine(run.diagnostics, 2507, name);
-        first = List::none; // told once
+    // A name that had to be cut may have meant another group, so it is not compared with the names around it.
+    if (storeName(run.diagnostics, name, text, modelNameLimit(run.parse.version), 2506)) {
+        List& first = reader.groups.try_emplace(name, reader.list).first->second;
+        if (first != List::none && first != reader.list) {
+            errorAtLine(run.diagnostics, 2507, name);
+            first = List::none; // told once
+        }
+        component.switch_groups.add(name);
     }
     SwitchState& state = component.switch_states.back();
     (reader.list == List::on ? state.on : state.off).push_back(std::move(name));
@@ -94,16 +95,12 @@ void switchGroupsLine(Run& run, Cmpnt& component, std::string_view text) {
 }
 
 void checkSwitchGroups(Run& run, const Cmpnt& component) {
-    std::unordered_set<std::string_view> known(component.reported_groups.begin(), component.reported_groups.end());
+    std::unordered_set<std::string_view> mapped;
     for (const SPin& row : component.series_pins) {
-        known.insert(row.group);
+        mapped.insert(row.group);
     }
-    for (const SwitchState& state : component.switch_states) {
-        for (const std::vector<std::string>* const list : {&state.on, &state.off}) {
-            for (const std::string& group : *list) {
-                if (known.insert(group).second) warning(run.diagnostics, 2508, group, component.name);
-            }
-        }
+    for (const std::string& group : component.switch_groups.names) {
+        if (!mapped.contains(group)) warning(run.diagnostics, 2508, group, component.name);
     }
 }
 

@@ -23,7 +23,7 @@ struct SwitchReader {
     enum class List : std::uint8_t { none, on, off };
 
     List list = List::none; ///< where names go; none between states
-    TextMap<List> groups;   ///< the names of the state and where each stood first; none once it was told
+    TextMap<List> groups;   ///< the names of the state that fit and where each stood first; none once it was told
 };
 
 /// Opens the table at "[Series Switch Groups]". Reports 2501 and 2502.

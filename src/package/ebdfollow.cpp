@@ -37,7 +37,7 @@ struct Target {
 
     [[nodiscard]] bool found() const { return component != nullptr || board != nullptr; }
     [[nodiscard]] bool hasPin(std::string_view pin) const {
-        return component != nullptr ? findPin(*component, pin) != nullptr : board->pin_names.contains(pin);
+        return component != nullptr ? isKnownPin(*component, pin) : board->pin_names.contains(pin);
     }
 };
 

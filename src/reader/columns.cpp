@@ -38,19 +38,19 @@ ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& colum
     return words;
 }
 
-bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::string_view expected) {
-    if (equalsNoCase(word, expected)) return true;
-    errorAtLine(run.diagnostics, 529, expected);
-    columns.faulty = true;
-    return false;
-}
-
 void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
-                   int required) {
+                   int required, WrongHeaders told) {
     const int most = static_cast<int>(expected.size());
     for (int place = 0; place < most && (place < required || words.has(place)); ++place) {
-        if (!expectHeader(run, columns, words[place], expected[static_cast<std::size_t>(place)])) break;
+        const std::string_view header = expected[static_cast<std::size_t>(place)];
+        if (equalsNoCase(words[place], header)) continue;
+        errorAtLine(run.diagnostics, 529, header);
+        columns.faulty = true;
+        if (told == WrongHeaders::first) break;
     }
+}
+
+void expectNoMoreHeaders(Run& run, TableColumns& columns, const ItemList& words, int most) {
     if (!words.has(most)) return;
     errorAtLine(run.diagnostics, 530, words[most]);
     columns.faulty = true;
@@ -71,9 +71,7 @@ void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns,
         errorAtLine(run.diagnostics, 532, header.keyword, 1 + required, 1 + all, columns.count);
         columns.faulty = true;
     }
-    for (int place = 0; place < required; ++place) {
-        expectHeader(run, columns, words[place], header.required[static_cast<std::size_t>(place)]);
-    }
+    expectHeaders(run, columns, words, header.required, required, WrongHeaders::each);
     for (int place = 0; required + place < all && words.has(required + place); ++place) {
         optionalHeader(run, header, columns, place, words[required + place]);
     }

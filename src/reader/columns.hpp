@@ -36,13 +36,15 @@ struct TableHeader {
 /// Cuts the words of a header line, up to `most`, and counts their columns. Reports a line without words (528).
 ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& columns, std::string_view text, int most);
 
-/// True when `word` is the expected header; otherwise reports 529.
-bool expectHeader(Run& run, TableColumns& columns, std::string_view word, std::string_view expected);
+/// Which of the words that are missing or other ones are reported.
+enum class WrongHeaders : bool { first, each };
 
-/// Holds the words to `expected`, in this order, of which the first `required` must be there. Reports the first that is
-/// missing or another one (529), and a word behind the last (530), for which readHeaderWords() must have left room.
+/// Holds the words to `expected`, in this order, of which the first `required` must be there. Reports 529.
 void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
-                   int required);
+                   int required, WrongHeaders told);
+
+/// Reports a word behind the first `most` (530), for which readHeaderWords() must have left room.
+void expectNoMoreHeaders(Run& run, TableColumns& columns, const ItemList& words, int most);
 
 /// Reads a whole header line, unless it is a repeated one, which is reported so. Reports 528 to 532.
 void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text,

@@ -78,13 +78,17 @@ TEST(SwitchStates, runOverLinesUntilTheirSlash) {
 
 TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
     Relations test;
+    test.read(K::pin, "signal_name model_name", {"123456789 A CIRCUITCALL"});
     test.read(K::circuitCall, "Net",
-              {"Diff_signal_pins 1 2", "Signal_pin 3", "Port_map a 4.pad", "Port_map 5", "Port_map b 123456789"});
-    const auto pins = circuitCallPins(test.component(), 8);
-    for (const std::string_view pin : {"1", "2", "3", "4", "5", "12345678"}) {
+              {"Diff_signal_pins 1 2", "Signal_pin 3", "Port_map a 4.pad", "Port_map 5", "Port_map b 123456789",
+               "Port_map b 6", "Port_map c 7 8 9", "Port_map d abcdefghi"});
+    const auto pins = circuitCallPins(test.component());
+    for (const std::string_view pin : {"1", "2", "3", "4", "5", "12345678", "6", "7"}) {
         EXPECT_TRUE(pins.contains(pin)) << pin;
     }
-    EXPECT_FALSE(pins.contains("123456789"));
+    for (const std::string_view other : {"c", "123456789", "abcdefgh"}) { // a port, and two that are not listed so
+        EXPECT_FALSE(pins.contains(other)) << other;
+    }
 }
 
 TEST(ExternalCircuits, keepFilesNamesAndConverters) {
