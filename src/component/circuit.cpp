@@ -16,8 +16,6 @@ constexpr std::string_view kCircuitKind = "External Circuit";
 constexpr std::string_view kModelKeyword = "External_Model";
 constexpr std::string_view kCircuitKeyword = "External_Circuit";
 
-constexpr ModelTypeSet kDiffReceivers{ModelType::ioDiff, ModelType::inputDiff};
-
 /// Counts the items of a text where none should stand.
 void extraText(Run& run, std::string_view keyword, std::string_view text) {
     const int count = splitItems(run, text, 0).count;
@@ -60,7 +58,7 @@ void checkDigitalSide(Run& run, const ExtCkt& circuit, const Mdl& model) {
             return converter.to_analog == to_analog && converter.d_port == port;
         });
     };
-    const bool receives = kInputTypes.has(model.model_type) || kDiffReceivers.has(model.model_type);
+    const bool receives = kReceivingTypes.has(model.model_type);
     if (kDiffLoadTypes.has(model.model_type) && !serves(true, kDrivePort)) warning(run.diagnostics, 1830, model.name);
     if (receives && !serves(false, kReceivePort)) warning(run.diagnostics, 1831, model.name);
 }

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kestrel {
 
@@ -112,6 +113,26 @@ void resetCounts(Diagnostics& diagnostics);
 
 /// Sets or clears the saved context text.
 void setContext(Diagnostics& diagnostics, std::optional<std::string_view> text);
+
+/// Holds errors and warnings back while it lasts.
+class Silence {
+public:
+    explicit Silence(Diagnostics& diagnostics)
+        : diagnostics_(diagnostics),
+          errors_before_(std::exchange(diagnostics.silence_errors, true)),
+          warnings_before_(std::exchange(diagnostics.silence_warnings, true)) {}
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+    ~Silence() {
+        diagnostics_.silence_errors = errors_before_;
+        diagnostics_.silence_warnings = warnings_before_;
+    }
+
+private:
+    Diagnostics& diagnostics_;
+    bool errors_before_;
+    bool warnings_before_;
+};
 
 /// Prints the counts by class and "File Passed" or "File Failed".
 void printSummary(Diagnostics& diagnostics);

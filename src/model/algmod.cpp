@@ -88,10 +88,8 @@ private:
 
 void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
     const KeptReader kept(run.parse);
-    const std::string directory = run.parse.directory;
     const std::string path = pathOf(run, name);
     const std::int32_t errors = run.diagnostics.errors;
-    // Opened here to learn whether it is there and under which spelling; its text then waits for the reader.
     std::optional<Source> source;
     if (path.size() < kMaxPath) source = openSource(run, path, FileKind::ami, WhenAbsent::leave);
     if (!source) {
@@ -100,8 +98,7 @@ void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
     }
     const std::string found = std::filesystem::path(source->path).lexically_normal().string();
     if (!run.algmod.paths.insert(found).second) return;
-    run.parse.directory = directory; // the search may have left it in another case
-    if (collectAmi(run, path)) checkAmi(run);
+    if (collectAmi(run, path, &*source)) checkAmi(run);
 }
 
 } // namespace

@@ -44,12 +44,11 @@ Sections findSections(const AmiItem& root) {
     return sections;
 }
 
-AmiRules chooseRules(const Sections& sections) {
+AmiRules chooseRules(AmiCheck& check, const Sections& sections) {
     for (const AmiItem* const section : sections.reserved) {
         for (const AmiItem& item : itemsOf(*section)) {
             const ReservedRow* const row = item.is_node != 0 ? reservedRow(item.text) : nullptr;
-            if (row == nullptr || row->code != Reserved::amiVersion) continue;
-            return rulesOfVersion(singleValue(item));
+            if (row != nullptr && row->code == Reserved::amiVersion) return readAmiVersion(check, item);
         }
     }
     AmiRules rules;
@@ -57,15 +56,20 @@ AmiRules chooseRules(const Sections& sections) {
     return rules;
 }
 
+/// How names in a branch are compared.
+enum class Names : bool { exact, reserved };
+
 /// Checks a whole tree.
 class TreeCheck {
 public:
     TreeCheck(Run& run, std::string_view text, const AmiItem& root)
-        : root_(root), sections_(findSections(root)), check_{run, LineFinder(text), chooseRules(sections_)} {}
+        : root_(root), sections_(findSections(root)), check_{run, LineFinder(text), {}} {
+        check_.rules = chooseRules(check_, sections_);
+    }
 
     void checkAll() {
-        markRepeated(sections_.reserved, Section::reserved);
-        markRepeated(sections_.specific, Section::specific);
+        markRepeated(sections_.reserved, Names::reserved);
+        markRepeated(sections_.specific, Names::exact);
         for (const AmiItem& item : itemsOf(root_)) {
             if (item.is_node != 0) {
                 checkRootChild(item);
@@ -124,8 +128,6 @@ private:
             }
             if (item->is_node == 0) {
                 reportAmiText(check_, *item, *open.back());
-            } else if (!item->hasName()) {
-                reportNamelessAmiNode(check_, *item);
             } else if (item->text == kDescription) {
                 reportRepeated(*item);
                 checkAmiDescription(check_, *item, *open.back());
@@ -148,10 +150,10 @@ private:
             checkSpecificName(branch);
         } else if (direct) {
             errorAtLine(at(check_, branch), 4649, shown(branch.text));
-            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, branch, false);
+            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, nullptr);
         }
         const AmiItem* const only = &branch;
-        markRepeated(std::span(&only, 1), Section::specific);
+        markRepeated(std::span(&only, 1), Names::exact);
         if (section == Section::specific || !direct) checkHoldsSomething(branch);
     }
 
@@ -161,7 +163,7 @@ private:
             section == Section::reserved && direct ? readReservedName(check_, node) : nullptr;
         const AmiLeaf leaf = checkAmiLeaf(check_, node);
         if (row == nullptr) return;
-        give(*row, node, leaf.good_values && leaf.good_default);
+        give(*row, singleValue(leaf));
         checkReserved(check_, *row, leaf);
     }
 
@@ -170,11 +172,10 @@ private:
         if (row != nullptr && row->text == node.text) warningAtLine(at(check_, node), 4660, shown(node.text));
     }
 
-    /// Notes a reserved parameter; of several the first counts. `good` tells that no value of it was reported.
-    void give(const ReservedRow& row, const AmiItem& node, bool good) {
+    /// Notes a reserved parameter; of several the first counts.
+    void give(const ReservedRow& row, const AmiItem* value) {
         Given& given = given_[static_cast<std::size_t>(row.code)];
         if (std::exchange(given.seen, true)) return;
-        const AmiItem* const value = good ? singleValue(node) : nullptr;
         given.is_false = value != nullptr && value->text == "False";
     }
 
@@ -194,15 +195,21 @@ private:
         if (empty) warningAtLine(at(check_, branch), 4647, shown(branch.text));
     }
 
-    /// Finds names that stand twice among all that the branches hold.
-    void markRepeated(std::span<const AmiItem* const> branches, Section section) {
+    /// Finds names that stand twice among all that the branches hold, and second descriptions of one of them.
+    void markRepeated(std::span<const AmiItem* const> branches, Names names) {
         names_.clear();
         for (const AmiItem* const branch : branches) {
+            bool described = false;
             for (const AmiItem& item : itemsOf(*branch)) {
-                if (item.is_node != 0 && item.hasName()) names_.emplace_back(nameMeant(item, section), &item);
+                if (item.is_node == 0) continue;
+                if (item.text != kDescription) {
+                    names_.emplace_back(nameMeant(item, names), &item);
+                } else if (std::exchange(described, true)) {
+                    repeated_.insert(&item);
+                }
             }
         }
-        // Names of equal text stay in the order of the file.
+        // Of equal names the first in the file comes first.
         std::ranges::sort(names_);
         for (std::size_t i = 1; i < names_.size(); ++i) {
             if (names_[i].first == names_[i - 1].first) repeated_.insert(names_[i].second);
@@ -210,8 +217,8 @@ private:
     }
 
     /// A reserved parameter may be spelled in the wrong case.
-    static std::string_view nameMeant(const AmiItem& item, Section section) {
-        const ReservedRow* const row = section == Section::reserved ? reservedRow(item.text) : nullptr;
+    static std::string_view nameMeant(const AmiItem& item, Names names) {
+        const ReservedRow* const row = names == Names::reserved ? reservedRow(item.text) : nullptr;
         return row == nullptr ? item.text : row->text;
     }
 
@@ -233,11 +240,29 @@ private:
     std::array<Given, kReservedCount> given_{};                      ///< by Reserved
 };
 
+/// Only the rows of a table go without a name. What looked like a table while the tree was read may be none (4622).
+bool allNamed(Run& run, std::string_view text, const std::vector<AmiItem>& tree) {
+    if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
+    LineFinder lines(text);
+    bool all_named = true;
+    for (const AmiItem& node : tree) {
+        if (node.is_node == 0 || isAmiTable(node)) continue;
+        for (const AmiItem& item : itemsOf(node)) {
+            if (item.is_node == 0 || item.hasName()) continue;
+            run.parse.line = lines.lineOf(item.text);
+            errorAtLine(run.diagnostics, 4622);
+            all_named = false;
+        }
+    }
+    return all_named;
+}
+
 } // namespace
 
 void checkAmi(Run& run) {
-    const std::vector<AmiItem> tree = readAmiTree(run, run.parse.ami_text);
-    if (!tree.empty()) TreeCheck(run, run.parse.ami_text, tree.front()).checkAll();
+    const std::string_view text = run.parse.ami_text;
+    const std::vector<AmiItem> tree = readAmiTree(run, text);
+    if (!tree.empty() && allNamed(run, text, tree)) TreeCheck(run, text, tree.front()).checkAll();
 }
 
 } // namespace kestrel

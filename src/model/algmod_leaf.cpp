@@ -3,6 +3,7 @@
 #include "ibis/run.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace kestrel {
 
@@ -25,7 +26,6 @@ std::optional<CodeOf<Rows>> readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart par
                                      const AmiItem& word) {
     const auto hit = lookUpEnumeration(rows, word.text);
     if (hit.exact) return hit.row->code;
-    leaf[part].refused = true;
     if (hit.row != nullptr) {
         errorAtLine(at(check, word), 4636, leaf.name(), nameOf(part), shown(word.text), hit.row->text);
     } else if (!check.rules.later) {
@@ -37,36 +37,38 @@ std::optional<CodeOf<Rows>> readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart par
 /// Whether a part holds one word or may hold several.
 enum class Words : bool { one, several };
 
-/// The first word of a part; what else stands there is reported.
-const AmiItem* firstWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child, Words words) {
-    const AmiItem* first = nullptr;
+/// Finds the first word of a part; what else stands there is reported.
+void findWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child, Words words) {
+    AmiLeaf::Given& given = leaf[part];
+    bool has_nodes = false;
     for (const AmiItem& item : itemsOf(child)) {
         if (item.is_node != 0) {
-            leaf[part].refused = !check.rules.later; // then it is reported
+            has_nodes = true;
             reportUnknownAmiItem(check, leaf, item);
-        } else if (first == nullptr) {
-            first = &item;
+        } else if (given.word == nullptr) {
+            given.word = &item;
         } else if (words == Words::one) {
             reportAmiText(check, item, child);
         }
     }
-    leaf[part].word = first;
-    return first;
+    // In a later version such nodes pass without a word, so what is missing is still to be told.
+    given.reported = has_nodes && given.word == nullptr && !check.rules.later;
 }
 
 void readUsage(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
-    const AmiItem* const word = firstWord(check, leaf, AmiPart::usage, child, Words::one);
+    findWord(check, leaf, AmiPart::usage, child, Words::one);
+    const AmiItem* const word = leaf[AmiPart::usage].word;
     if (word != nullptr) leaf.usage = readWord(check, leaf, AmiPart::usage, kUsages, *word);
 }
 
-/// How many types a parameter may have: the columns of a table may have their own, and who knows what a format that is
-/// not known needs.
+/// How many types a parameter may have: the columns of a table may have their own, and who knows what a format needs
+/// that cannot be read.
 Words typeWords(const AmiItem& node) {
     for (const AmiItem& child : itemsOf(node)) {
         if (child.is_node == 0) continue;
         const AmiItem* word = &child;
-        if (child.text == nameOf(AmiPart::format)) {
-            if (child.size == 1) return Words::one;
+        if (equalsNoCase(child.text, nameOf(AmiPart::format))) {
+            if (child.size == 1) return Words::several;
             word = &itemsOf(child).front();
         } else if (!isFormatWord(child)) {
             continue;
@@ -78,51 +80,51 @@ Words typeWords(const AmiItem& node) {
 }
 
 void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
-    const Words words = typeWords(*leaf.node);
-    const AmiItem* const first = firstWord(check, leaf, AmiPart::type, child, words);
+    const Words words = child.size > 2 ? typeWords(*leaf.node) : Words::one;
+    findWord(check, leaf, AmiPart::type, child, words);
+    const AmiItem* const first = leaf[AmiPart::type].word;
     if (first == nullptr) return;
-    if (words == Words::one) {
-        leaf.types = {first, first + first->size};
-        leaf.type = readWord(check, leaf, AmiPart::type, kAmiTypes, *first);
-        return;
-    }
-    leaf.types = itemsOf(child);
-    for (const AmiItem& word : leaf.types) {
-        if (word.is_node != 0) continue;
+    leaf.type_words = 1;
+    leaf.type = readWord(check, leaf, AmiPart::type, kAmiTypes, *first);
+    if (words == Words::one) return;
+    bool all_known = leaf.type.has_value();
+    for (const AmiItem& word : itemsOf(child)) {
+        if (word.is_node != 0 || &word == first) continue;
+        ++leaf.type_words;
+        if (leaf.type) leaf.column_types.push_back({*leaf.type, first});
+        leaf.type.reset();
         const std::optional<AmiType> type = readWord(check, leaf, AmiPart::type, kAmiTypes, word);
-        leaf.type = &word == first ? type : std::nullopt;
+        if (type) leaf.column_types.push_back({*type, &word});
+        all_known = all_known && type;
     }
+    if (!all_known) leaf.column_types.clear();
 }
 
 /// Reads "(Format Range 1 0 2)" or "(Range 1 0 2)".
 void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     AmiLeaf::Given& format = leaf[AmiPart::format];
-    format.word = &child;
     leaf.values = itemsOf(child);
-    if (child.text == nameOf(AmiPart::format)) {
-        if (leaf.values.empty() || leaf.values.front().is_node != 0) {
-            format.refused = true;
-            if (!check.rules.later) {
-                errorAtLine(at(check, child), 4635, leaf.name(), nameOf(AmiPart::format), std::string_view());
-            }
-            return;
-        }
+    if (child.text != nameOf(AmiPart::format)) {
+        format.word = &child;
+    } else if (!leaf.values.empty() && leaf.values.front().is_node == 0) {
         format.word = &leaf.values.front();
         leaf.values = leaf.values.withoutFirst();
+    } else {
+        if (check.rules.later) return;
+        errorAtLine(at(check, child), 4635, leaf.name(), nameOf(AmiPart::format), std::string_view());
+        return;
     }
     leaf.format = readWord(check, leaf, AmiPart::format, kAmiFormats, *format.word);
 }
 
 void readDefault(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
-    const AmiItem* const value = firstWord(check, leaf, AmiPart::initial, child, Words::one);
-    AmiLeaf::Given& given = leaf[AmiPart::initial];
-    if (value != nullptr || given.refused) return;
-    given.refused = true;
+    findWord(check, leaf, AmiPart::initial, child, Words::one);
+    if (child.size > 1) return; // without a word, a node was reported
     errorAtLine(at(check, child), 4637, leaf.name(), nameOf(AmiPart::initial), 0, 1);
 }
 
 void readPart(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child) {
-    if (leaf[part].seen()) {
+    if (std::exchange(leaf[part].met, true)) {
         errorAtLine(at(check, child), 4634, leaf.name(), nameOf(part));
         return;
     }
@@ -131,10 +133,7 @@ void readPart(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child
     case AmiPart::type: readType(check, leaf, child); break;
     case AmiPart::format: readFormat(check, leaf, child); break;
     case AmiPart::initial: readDefault(check, leaf, child); break;
-    case AmiPart::description:
-        leaf[part].word = &child;
-        checkAmiDescription(check, child, *leaf.node);
-        break;
+    case AmiPart::description: checkAmiDescription(check, child, *leaf.node); break;
     }
 }
 
@@ -149,20 +148,22 @@ void readChild(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
         readPart(check, leaf, part.row->code, child);
         return;
     }
-    if (part.row != nullptr) leaf[part.row->code].misspelled = !check.rules.later; // then it is reported
     reportUnknownAmiItem(check, leaf, child);
+    if (part.row != nullptr && !check.rules.later) leaf[part.row->code].reported = true;
 }
 
 void checkRequired(AmiCheck& check, const AmiLeaf& leaf) {
     for (const AmiPart part : {AmiPart::usage, AmiPart::type}) {
-        if (leaf[part].seen() || leaf[part].misspelled) continue;
+        if (leaf[part].word != nullptr || leaf[part].reported) continue;
         errorAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
     }
     for (const AmiPart part : {AmiPart::format, AmiPart::initial}) {
-        if (leaf[part].seen() || leaf[part].misspelled) return;
+        if (leaf[part].met || leaf[part].reported) return;
     }
-    if (leaf.usage == AmiUsage::out || leaf[AmiPart::usage].refused) return;
-    warningAtLine(at(check, *leaf.node), 4641, leaf.name());
+    // What the usage is may not be known, having been reported.
+    const AmiLeaf::Given& usage = leaf[AmiPart::usage];
+    const bool may_be_out = leaf.usage ? leaf.usage == AmiUsage::out : usage.word != nullptr || usage.reported;
+    if (!may_be_out) warningAtLine(at(check, *leaf.node), 4641, leaf.name());
 }
 
 bool namesPart(const AmiItem& node) {
@@ -175,23 +176,20 @@ bool holdsOnlyTexts(const AmiItem& node) {
     return std::ranges::none_of(itemsOf(node), [](const AmiItem& item) { return item.is_node != 0; });
 }
 
-/// True when a table's nodes can be its rows; they are none in a parameter or a branch that is called so.
-bool holdsRows(const AmiItem& table) {
-    return std::ranges::all_of(itemsOf(table), [](const AmiItem& item) {
-        return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item));
-    });
+/// True of "(Table ..." and "(Format Table ...".
+bool isCalledTable(const AmiItem& node) {
+    constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
+    if (node.text == kTable) return true;
+    if (node.text != nameOf(AmiPart::format) || node.size == 1) return false;
+    const AmiItem& first = itemsOf(node).front();
+    return first.is_node == 0 && first.text == kTable;
 }
 
 /// True when what holds this child can only be a parameter. A child that holds named nodes is a parameter or a branch
 /// itself.
 bool marksLeaf(const AmiItem& child) {
     if (child.is_node == 0 || child.size == 1 || !namesPart(child)) return false;
-    const AmiItem& first = itemsOf(child).front();
-    if (child.text == nameOf(AmiPart::format) && first.is_node == 0) {
-        return lookUpEnumeration(kAmiFormats, first.text).exact || holdsOnlyTexts(child);
-    }
-    constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
-    return child.text == kTable ? holdsRows(child) : holdsOnlyTexts(child);
+    return isAmiTable(child) || holdsOnlyTexts(child);
 }
 
 } // namespace
@@ -217,47 +215,35 @@ void checkAmiDescription(AmiCheck& check, const AmiItem& description, const AmiI
 
 bool isAmiLeaf(const AmiItem& node) { return std::ranges::any_of(itemsOf(node), marksLeaf); }
 
-void reportNamelessAmiNode(AmiCheck& check, const AmiItem& node) { errorAtLine(at(check, node), 4622); }
-
-AmiItems typesOf(const AmiLeaf& leaf) { return leaf[AmiPart::type].refused ? AmiItems{} : leaf.types; }
-
-AmiType amiType(const AmiItem& word) {
-    return std::ranges::find(kAmiTypes, word.text, &EnumerationRow<AmiType>::text)->code;
+bool isAmiTable(const AmiItem& node) {
+    const auto may_be_row = [](const AmiItem& item) {
+        return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item));
+    };
+    return isCalledTable(node) && std::ranges::all_of(itemsOf(node), may_be_row);
 }
 
-const AmiItem* singleValue(const AmiItem& node) {
-    constexpr std::string_view kValue = kAmiFormats[static_cast<std::size_t>(AmiFormat::value)].text;
-    const AmiItem* initial = nullptr;
-    const AmiItem* format = nullptr; // of several the first counts
-    for (const AmiItem& child : itemsOf(node)) {
-        if (child.is_node == 0) continue;
-        if (child.text == nameOf(AmiPart::initial)) {
-            if (initial == nullptr) initial = &child;
-        } else if (format == nullptr && (child.text == nameOf(AmiPart::format) || isFormatWord(child))) {
-            format = &child;
-        }
+std::optional<AmiLeaf::ColumnType> firstTypeOutside(const AmiLeaf& leaf, AmiTypeSet types) {
+    if (leaf.type && !types.has(*leaf.type)) return AmiLeaf::ColumnType{*leaf.type, leaf[AmiPart::type].word};
+    for (const AmiLeaf::ColumnType& column : leaf.column_types) {
+        if (!types.has(column.type)) return column;
     }
-    const auto first = [](AmiItems items) {
-        return items.empty() || items.front().is_node != 0 ? nullptr : &items.front();
-    };
-    if (format != nullptr && format->text == kValue) return first(itemsOf(*format));
-    const AmiItem* const word = format == nullptr ? nullptr : first(itemsOf(*format));
-    if (word != nullptr && word->text == kValue && format->text == nameOf(AmiPart::format)) {
-        return first(itemsOf(*format).withoutFirst());
-    }
-    return initial == nullptr ? nullptr : first(itemsOf(*initial));
+    return std::nullopt;
+}
+
+const AmiItem* singleValue(const AmiLeaf& leaf) {
+    if (leaf.format != AmiFormat::value) return leaf.good_default ? leaf[AmiPart::initial].word : nullptr;
+    const bool one_word = leaf.good_values && !leaf.values.empty() && leaf.values.front().is_node == 0;
+    return one_word ? &leaf.values.front() : nullptr;
 }
 
 AmiLeaf checkAmiLeaf(AmiCheck& check, const AmiItem& node) {
     AmiLeaf leaf;
     leaf.node = &node;
     for (const AmiItem& item : itemsOf(node)) {
-        if (item.is_node == 0) {
-            reportAmiText(check, item, node);
-        } else if (!item.hasName()) {
-            reportNamelessAmiNode(check, item);
-        } else {
+        if (item.is_node != 0) {
             readChild(check, leaf, item);
+        } else {
+            reportAmiText(check, item, node);
         }
     }
     checkRequired(check, leaf);

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace kestrel {
 
@@ -61,7 +62,7 @@ static_assert(standAtCodes(kAmiFormats));
 
 /// By which rules a parameter file is checked, as its "AMI_Version" chooses them.
 struct AmiRules {
-    std::string_view version;   ///< the text given; empty without one
+    std::string_view version;   ///< for messages; empty when there was none
     bool first_version = false; ///< there was no "AMI_Version"
     bool later = false;         ///< it names a version of which some words are not known here
 };
@@ -93,17 +94,22 @@ static_assert(standAtCodes(kAmiParts));
 struct AmiLeaf {
     /// Whether and how one part was given.
     struct Given {
-        const AmiItem* word = nullptr; ///< usage, type, format word or value; of a description its name
-        bool refused = false;          ///< it was there, but cannot be used
-        bool misspelled = false;       ///< reported as an unknown item, being in the wrong case
-        [[nodiscard]] bool seen() const { return word != nullptr || refused; }
+        const AmiItem* word = nullptr; ///< the first: usage, type, format word or value; null without any
+        bool met = false;              ///< it was there
+        bool reported = false;         ///< it was there, or something like it, and what is missing of it was told
+    };
+    /// The type of a table's column.
+    struct ColumnType {
+        AmiType type;
+        const AmiItem* word;
     };
 
     const AmiItem* node = nullptr;
     std::array<Given, kAmiParts.size()> parts{}; ///< by AmiPart
     std::optional<AmiUsage> usage;
-    std::optional<AmiType> type; ///< absent as well when there are several
-    AmiItems types;              ///< the words that give it; several when the columns of a table have their own types
+    std::optional<AmiType> type;          ///< of all values
+    std::vector<ColumnType> column_types; ///< in place of it, if the columns have types of their own and all are known
+    int type_words = 0;
     std::optional<AmiFormat> format;
     AmiItems values;          ///< of the format
     bool format_fits = true;  ///< it may have values of the type
@@ -118,14 +124,16 @@ struct AmiLeaf {
 /// True when a node is a parameter, false when it is a branch that holds some.
 [[nodiscard]] bool isAmiLeaf(const AmiItem& node);
 
-/// The words that give the types of a parameter; none when one of them was reported.
-[[nodiscard]] AmiItems typesOf(const AmiLeaf& leaf);
+/// True for a node in which nodes without a name may stand, being the rows of a table: that of a parameter, not a
+/// parameter or branch of the name.
+[[nodiscard]] bool isAmiTable(const AmiItem& node);
 
-/// The type that one of those words names.
-[[nodiscard]] AmiType amiType(const AmiItem& word);
+/// The first type of the parameter or of a column that is none of `types`, and its word.
+[[nodiscard]] std::optional<AmiLeaf::ColumnType> firstTypeOutside(const AmiLeaf& leaf, AmiTypeSet types);
 
-/// The one value of a parameter: that of "Value", otherwise that of "Default"; null when it has neither.
-[[nodiscard]] const AmiItem* singleValue(const AmiItem& node);
+/// The one value of a parameter: that of "Value", otherwise that of "Default"; null when it has neither, or when that
+/// was reported.
+[[nodiscard]] const AmiItem* singleValue(const AmiLeaf& leaf);
 
 /// Reads a parameter and checks it by itself, at the lines of what is reported: 4630, 4631, 4633 to 4639, 4641 to 4646
 /// and 4648.
@@ -136,9 +144,6 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf);
 
 /// Reports a word or string that does not belong where it is (4630): in `place`.
 void reportAmiText(AmiCheck& check, const AmiItem& text, const AmiItem& place);
-
-/// Reports a node without a name (4622) where it needs one.
-void reportNamelessAmiNode(AmiCheck& check, const AmiItem& node);
 
 /// Reports a node in a parameter that is none of its parts, nor one of their values (4645).
 void reportUnknownAmiItem(AmiCheck& check, const AmiLeaf& leaf, const AmiItem& item);

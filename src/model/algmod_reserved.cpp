@@ -42,28 +42,25 @@ constexpr auto kLaterReserved = std::to_array<std::string_view>({
 constexpr std::string_view kNewestVersion = "5.1";
 
 bool isLater(std::string_view version) {
+    constexpr double kNewest = 5.1;
     double number = 0.0;
-    double newest = 0.0;
-    return readDouble(version, number) == ReadResult::number &&
-           readDouble(kNewestVersion, newest) == ReadResult::number && number > newest;
+    return readDouble(version, number) == ReadResult::number && number > kNewest;
 }
 
 void checkReservedTypes(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
-    for (const AmiItem& word : typesOf(leaf)) {
-        if (row.types.has(amiType(word))) continue;
-        errorAtLine(at(check, word), 4654, row.text, word.text);
-        return;
-    }
+    const auto unfit = firstTypeOutside(leaf, row.types);
+    if (unfit) errorAtLine(at(check, *unfit->word), 4654, row.text, unfit->word->text);
 }
 
 /// A parameter that has only a default counts as one with a value.
 void checkReservedFormat(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
     const AmiItem* const initial = leaf[AmiPart::initial].word;
+    const AmiLeaf::Given& format = leaf[AmiPart::format];
     if (leaf.format) {
-        const AmiItem& word = *leaf[AmiPart::format].word;
+        const AmiItem& word = *format.word;
         if (leaf.format_fits && !row.formats.has(*leaf.format))
             warningAtLine(at(check, word), 4655, row.text, word.text);
-    } else if (initial != nullptr && !leaf[AmiPart::format].refused && !row.formats.has(AmiFormat::value)) {
+    } else if (initial != nullptr && !format.met && !format.reported && !row.formats.has(AmiFormat::value)) {
         warningAtLine(at(check, *initial), 4655, row.text, kAmiFormats.front().text);
     }
 }
@@ -84,9 +81,9 @@ void checkNotNegative(AmiCheck& check, const ReservedRow& row, const AmiLeaf& le
     }
 }
 
-void checkVersion(AmiCheck& check, const AmiItem& node) {
+void checkVersion(AmiCheck& check, const AmiLeaf& leaf) {
     constexpr std::array<std::string_view, 2> kKnown{"5.0", kNewestVersion};
-    const AmiItem* const value = singleValue(node);
+    const AmiItem* const value = singleValue(leaf);
     if (value == nullptr || std::ranges::find(kKnown, value->text) != kKnown.end()) return;
     warningAtLine(at(check, *value), 4657, shown(value->text));
 }
@@ -124,7 +121,10 @@ const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node) {
     return row;
 }
 
-AmiRules rulesOfVersion(const AmiItem* value) {
+AmiRules readAmiVersion(AmiCheck& check, const AmiItem& node) {
+    // Whatever is wrong with it is told in its turn.
+    const Silence silence(check.run.diagnostics);
+    const AmiItem* const value = singleValue(checkAmiLeaf(check, node));
     const std::string_view version = value == nullptr ? kNewestVersion : value->text;
     return {.version = version, .later = isLater(version)};
 }
@@ -137,7 +137,7 @@ void checkReserved(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf)
     checkReservedTypes(check, row, leaf);
     checkReservedFormat(check, row, leaf);
     if (kNotNegative.has(row.code)) checkNotNegative(check, row, leaf);
-    if (row.code == Reserved::amiVersion) checkVersion(check, *leaf.node);
+    if (row.code == Reserved::amiVersion) checkVersion(check, leaf);
     if (row.code == Reserved::useInitOutput && !check.rules.first_version) {
         warningAtLine(at(check, *leaf.node), 4658, shown(check.rules.version));
     }

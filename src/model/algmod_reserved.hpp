@@ -37,8 +37,8 @@ extern const std::array<ReservedRow, kReservedCount> kReserved;
 /// is reported; the last two have no row.
 const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node);
 
-/// The rules that the version text `value` chooses; without it the parameter had none.
-[[nodiscard]] AmiRules rulesOfVersion(const AmiItem* value);
+/// The rules that "AMI_Version" chooses.
+[[nodiscard]] AmiRules readAmiVersion(AmiCheck& check, const AmiItem& node);
 
 /// Checks a reserved parameter beyond what holds for every one. Reports 4653 to 4655, 4657, 4658 and 4661.
 void checkReserved(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf);

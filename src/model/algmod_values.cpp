@@ -2,7 +2,6 @@
 #include "model/algmod_leaf.hpp"
 
 #include <algorithm>
-#include <vector>
 
 namespace kestrel {
 
@@ -79,11 +78,7 @@ double numberOf(const AmiItem& value) {
 /// The columns of a table and what they hold.
 class Table {
 public:
-    Table(const AmiLeaf& leaf, AmiItems types) : leaf_(leaf) {
-        for (const AmiItem& word : types) {
-            types_.push_back(amiType(word));
-        }
-        if (types_.size() > 1) columns_ = static_cast<int>(types_.size());
+    explicit Table(const AmiLeaf& leaf) : leaf_(leaf), columns_(leaf.type_words > 1 ? leaf.type_words : 0) {
         for (const AmiItem& row : leaf.values) {
             if (row.is_node == 0) continue;
             if (first_ == nullptr) first_ = &row;
@@ -129,19 +124,23 @@ private:
     [[nodiscard]] bool checkRow(AmiCheck& check, const AmiItem& row) const {
         std::size_t column = 0;
         const auto check_cell = [&](const AmiItem& cell) {
-            const std::size_t at = types_.size() == 1 ? 0 : column++;
-            // A row that is longer than the list of types was reported.
-            return at >= types_.size() || checkValue(check, leaf_, types_[at], cell, rowOf(AmiFormat::table).text);
+            const std::optional<AmiType> type = typeOf(column++);
+            return !type || checkValue(check, leaf_, *type, cell, rowOf(AmiFormat::table).text);
         };
         if (row.hasName() && !check_cell(row)) return false;
         return std::ranges::all_of(itemsOf(row),
                                    [&](const AmiItem& cell) { return cell.is_node != 0 || check_cell(cell); });
     }
 
+    /// None for a column of unknown type, nor for one too many, which was reported.
+    [[nodiscard]] std::optional<AmiType> typeOf(std::size_t column) const {
+        if (leaf_.column_types.empty()) return leaf_.type;
+        return column < leaf_.column_types.size() ? std::optional(leaf_.column_types[column].type) : std::nullopt;
+    }
+
     const AmiLeaf& leaf_;
-    std::vector<AmiType> types_;     ///< one for all columns, or one for each
     const AmiItem* first_ = nullptr; ///< of the rows
-    int columns_ = 0;
+    int columns_;                    ///< 0: no row tells
     int rows_ = 0;
 };
 
@@ -149,24 +148,20 @@ private:
 bool checkFormatType(AmiCheck& check, const AmiLeaf& leaf) {
     if (!leaf.format) return true;
     const AmiFormatRow& row = rowOf(*leaf.format);
-    for (const AmiItem& word : typesOf(leaf)) {
-        if (row.types.has(amiType(word))) continue;
-        errorAtLine(at(check, *leaf[AmiPart::format].word), 4639, leaf.name(), row.text, word.text);
-        return false;
-    }
-    return true;
+    const auto unfit = firstTypeOutside(leaf, row.types);
+    if (unfit) errorAtLine(at(check, *leaf[AmiPart::format].word), 4639, leaf.name(), row.text, nameOf(unfit->type));
+    return !unfit;
 }
 
-/// True when the format has as many values as it needs.
-bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf) {
+/// True when the format has as many values as it needs; `table` is there if that is a table.
+bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
     if (!leaf.format) return false;
     const AmiFormatRow& row = rowOf(*leaf.format);
     Contents contents = contentsOf(leaf.values);
     bool at_least = *leaf.format == AmiFormat::list;
-    if (*leaf.format == AmiFormat::table) {
-        const Table table(leaf, typesOf(leaf));
-        table.checkCounts(check);
-        contents = {.texts = table.rows()};
+    if (table) {
+        table->checkCounts(check);
+        contents = {.texts = table->rows()};
         at_least = true;
     } else {
         reportNodes(check, leaf, leaf.values);
@@ -179,13 +174,9 @@ bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf) {
 }
 
 /// Stops at the first value that is none of the type.
-bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf) {
-    if (!leaf.format) return true;
-    if (*leaf.format == AmiFormat::table) {
-        const AmiItems types = typesOf(leaf);
-        return types.empty() || Table(leaf, types).checkValues(check);
-    }
-    return !leaf.type || std::ranges::all_of(leaf.values, [&](const AmiItem& value) {
+bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
+    if (table) return table->checkValues(check);
+    return !leaf.format || !leaf.type || std::ranges::all_of(leaf.values, [&](const AmiItem& value) {
         return value.is_node != 0 || checkValue(check, leaf, *leaf.type, value, rowOf(*leaf.format).text);
     });
 }
@@ -221,9 +212,12 @@ bool isMember(AmiItems list, const AmiItem& value) {
 } // namespace
 
 void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
+    std::optional<Table> table;
+    if (leaf.format == AmiFormat::table) table.emplace(leaf);
+
     leaf.format_fits = checkFormatType(check, leaf);
-    const bool complete = checkValueCount(check, leaf) && leaf.format_fits;
-    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf);
+    const bool complete = checkValueCount(check, leaf, table) && leaf.format_fits;
+    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf, table);
 
     const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
     std::optional<Bounds> bounds;

@@ -45,25 +45,11 @@ std::vector<std::string> listPkgFiles(const Run& run, const std::string& directo
     return files;
 }
 
-/// Holds errors back while it lasts.
-class SilencedErrors {
-public:
-    explicit SilencedErrors(Diagnostics& diagnostics)
-        : diagnostics_(diagnostics), before_(std::exchange(diagnostics.silence_errors, true)) {}
-    SilencedErrors(const SilencedErrors&) = delete;
-    SilencedErrors& operator=(const SilencedErrors&) = delete;
-    ~SilencedErrors() { diagnostics_.silence_errors = before_; }
-
-private:
-    Diagnostics& diagnostics_;
-    bool before_;
-};
-
 /// Opens a file of the directory for the scan. One that cannot be opened is none of the user's concern: no component
 /// may want it.
 std::optional<Source> openQuietly(Run& run, const std::string& directory, const std::string& file) {
     run.parse.directory = directory;
-    const SilencedErrors silenced(run.diagnostics);
+    const Silence silence(run.diagnostics);
     std::optional<Source> source = openSource(run, file, FileKind::pkg);
     // Another spelling of the name stands in the list by itself.
     if (source && source->path != directory + file) {

@@ -301,11 +301,12 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
 /// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.
 void collectAmiLine(Run& run, std::string_view line) {
     const std::string_view kept = cutAmiComment(run.parse, line);
+    std::string& text = run.parse.ami_text;
+    const std::size_t size = text.size();
     try {
-        std::string& text = run.parse.ami_text;
-        text.reserve(text.size() + kept.size() + 1); // so that the line is added whole or not at all
         text.append(kept).push_back('\n');
     } catch (const std::bad_alloc&) {
+        text.resize(size);
         const SourceMark mark = here();
         error(run.diagnostics, 922, mark.file, mark.line);
     }
@@ -375,7 +376,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
     return true;
 }
 
-bool collectAmi(Run& run, std::string_view name) {
+bool collectAmi(Run& run, std::string_view name, const Source* opened) {
     ParseState& parse = run.parse;
     announce(run, name, "5.1");
     const bool long_lines = parse.long_lines;
@@ -385,9 +386,11 @@ bool collectAmi(Run& run, std::string_view name) {
     parse.in_string = false;
     parse.comment = '|';
     parse.ami_text.clear();
-    const std::optional<Source> source = openSource(run, name, FileKind::ami);
-    if (source) {
-        LineReader reader{.text = source->text};
+    std::optional<Source> source;
+    if (opened == nullptr) source = openSource(run, name, FileKind::ami);
+    if (source) opened = &*source;
+    if (opened != nullptr) {
+        LineReader reader{.text = opened->text};
         while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
             ++parse.line;
             collectAmiLine(run, *line);
@@ -395,7 +398,7 @@ bool collectAmi(Run& run, std::string_view name) {
         if (parse.in_string) error(run.diagnostics, 924, static_cast<std::int64_t>(parse.string_line));
     }
     parse.long_lines = long_lines;
-    return source.has_value();
+    return opened != nullptr;
 }
 
 bool checkFile(Run& run, std::string_view name, FileKind kind) {

@@ -90,6 +90,10 @@ TEST(AmiSections, areFoundInAnyOrderOnce) {
         {"(m " + inside + "(Model_Specific (p (Usage Out) (Type Float))) (Model_Specific (p (Usage Out) (Type UI))))",
          "E4628@ E4632@"},
         {"(m (Model_Specific) (Model_Specific) " + inside + ")", "E4656@ W4647@ E4628@ W4647@"},
+        {"(m " + inside +
+             "(Model_Specific (Description \"a\") (p (Usage Out) (Type UI)))"
+             "(Model_Specific (Description \"b\") (q (Usage Out) (Type UI)) (Description \"c\")))",
+         "E4628@ E4632@"},
         {"(m (Reserved_Parameters))", "W4647@ E4652 E4652"},
     };
     for (const auto& [text, codes] : rows) {
@@ -106,6 +110,12 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage Both) (Type float) (Value 1)", "E4635@ E4636@"},
         {"(Usage In Out) (Type Float Integer) (Value 1)", "E4630@ E4630@"},
         {"(Usage) (Type) (Value 1)", "E4633@ E4633@"},
+        {"(Usage) (Usage Out) (Type) (Type Float)", "E4634@ E4634@ E4633@ E4633@ W4641@"},
+        {"(Usage Out) (Type Float (x)) (Table (q))", "E4645@ E4638@"},
+        {"(Usage In) (Type String (x)) (Range 1 0 2)", "E4645@ E4639@"},
+        {"(usage Out) (Type Float)", "E4645@"},
+        {"(Usage In) (Type Integer String) (format Table (1 a))", "E4645@"},
+        {"(Usage In) (Type Integer String) (Format)", "E4635@"},
         {"(usage In) (Type Float) (Value 1)", "E4645@"},
         {"(usage In) (Usage Out) (Type String) (type UI) (Range 1 0 2)", "E4645@ E4645@ E4639@"},
         {"(Usage In) (Type Float) (default 1)", "E4645@"},
@@ -166,6 +176,7 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage In) (Type Integer String) (Table (1 \"a\") (2 b))", ""},
         {"(Usage In) (Type Integer String) (Table (a 1))", "E4638@"},
         {"(Usage In) (Type Integer String UI) (Table (1 a))", "E4646@"},
+        {"(Usage In) (Type Integer Foo) (Table (1 2 3))", "E4635@ E4646@"},
         {"(Usage In) (Type Float) (Table 1 (2))", "E4630@"},
         {"(Usage In) (Type Float) (Table (Labels a))", "E4637@"},
         {"(Usage In) (Type Float) (Table ())", "E4637@"},
@@ -191,7 +202,8 @@ TEST(AmiParameters, standInBranches) {
         {"(Tx_Jitter (Usage Out) (Type UI)) (b (GetWave_Exists (Usage Out) (Type UI)))", "W4660@ W4660@"},
         {"(b (Table (q (Usage Out) (Type UI))))", ""},
         {"(b (Table (Labels a) (1)))", "E4633@ E4633@"}, // nothing but a parameter holds a table
-        {"(b (Table (q (Usage Out) (Type UI)) ()))", "E4622@"},
+        {"(b (Table (q (Usage Bad) (Type UI)) ()))", "E4622@"},
+        {"(b (Format Value (x (Usage Out) (Type UI))))", "E4630@"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(codesFor(file(kVersion51, "", row.text)), row.codes) << row.text;
@@ -204,6 +216,8 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
         {"(Ignore_Bits (Usage In) (Type Float) (Table (1)))", "E4653@ E4654@ W4655@"},
         {"(Tx_Jitter (Usage Info) (Type UI) (Value 1))", "W4655@"},
         {"(Tx_Jitter (Usage Info) (Type UI) (Default 1))", "W4655@"},
+        {"(Tx_Jitter (Usage Info) (Type UI) (format Gaussian 0 1) (Default 1))", "E4645@"},
+        {"(Ignore_Bits (Usage In (x)) (Type Float (x)) (Value 1))", "E4645@ E4645@ E4653@ E4654@"},
         {"(Rx_Clock_PDF (Usage Info) (Type Float) (Table (-1 0.5) (1 0.5)))", ""},
         {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1))", "E4661@"},
         {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1.5))", "E4638@"},
@@ -232,6 +246,9 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
     EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value \"False\"))"
                        "(GetWave_Exists (Usage Info) (Type Boolean) (Value False))))"),
               "E4638@");
+    EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value False)"
+                       "(Default x)) (GetWave_Exists (Usage Info) (Type Boolean) (Value False))))"),
+              "E4638@ W4659");
 }
 
 TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
@@ -248,6 +265,12 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (List \"5.0\") (Value \"6.0\"))", "",
                             "(p (Usage New) (Type Float) (Value 1))")),
               "E4634@ W4655@ E4635@");
+    EXPECT_EQ(
+        codesFor(file(kLater, "(Tx_DCD (Usage Info) (Type UI (x)) (Format New 1))",
+                      "(p (Usage In) (Type Float (x 1)) (Table (1 2))) (q (Usage In) (Type Float) (Default (x)))")),
+        "E4662@ W4657@");
+    EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type Boolean) (Value 5.2))", "", "")), "E4638@ E4654@");
+    EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (Default (x) 6.0))", "", "")), "W4657@");
     EXPECT_EQ(codesFor(file(kOdd, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "W4657@ E4650@ E4635@ E4645@");
 }
 
