@@ -76,7 +76,10 @@ constexpr bool isText(const Token& token) { return token.kind == TokenKind::word
 /// closed, a node's size holds the place of the node that it stands in.
 class TreeBuilder {
 public:
-    TreeBuilder(Run& run, std::string_view text) : run_(run), scanner_(text), lines_(text) {}
+    TreeBuilder(Run& run, std::string_view text) : run_(run), scanner_(text), lines_(text) {
+        constexpr std::size_t kUsualItem = 8; // characters, white space and brackets included
+        items_.reserve(text.size() / kUsualItem);
+    }
 
     std::vector<AmiItem> build() {
         Token token = scanner_.next();

@@ -298,6 +298,15 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
     return line;
 }
 
+/// Spares a text its growth. Where there is no memory for that, it grows as far as it can.
+void makeRoom(std::string& text, std::size_t size) {
+    try {
+        text.reserve(size);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
 /// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.
 void collectAmiLine(Run& run, std::string_view line) {
     const std::string_view kept = cutAmiComment(run.parse, line);
@@ -390,6 +399,7 @@ bool collectAmi(Run& run, std::string_view name, const Source* opened) {
     if (opened == nullptr) source = openSource(run, name, FileKind::ami);
     if (source) opened = &*source;
     if (opened != nullptr) {
+        makeRoom(parse.ami_text, opened->text->size() + 1);
         LineReader reader{.text = opened->text};
         while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
             ++parse.line;
