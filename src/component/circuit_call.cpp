@@ -2,6 +2,7 @@
 #include "ibis/run.hpp"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace kestrel {
 
@@ -26,9 +27,10 @@ std::string_view pinLineName(CallPins kind) {
     return line == kPinLines.end() ? std::string_view() : line->name;
 }
 
-void dropPins(CircuitCall& call, const ItemList& items) {
-    for (int place = 0; items.has(place); ++place) {
-        call.dropped_nodes.emplace(items[place]);
+/// What a line names that is not kept may be one of its pins, however many there are.
+void dropPins(const Run& run, CircuitCall& call, std::string_view text) {
+    for (std::string_view name = takeItem(run, text); !name.empty(); name = takeItem(run, text)) {
+        call.dropped_nodes.emplace(name);
     }
 }
 
@@ -36,12 +38,12 @@ void pinLine(Run& run, CircuitCall& call, const PinLine& line, std::string_view 
     const ItemList items = splitItems(run, text, static_cast<int>(call.pins.size()));
     if (call.kind != CallPins::none) {
         errorAtLine(run.diagnostics, 1834, line.name, pinLineName(call.kind));
-        dropPins(call, items);
+        dropPins(run, call, text);
         return;
     }
     if (items.count != line.pins) {
         errorAtLine(run.diagnostics, 1835, line.name, items.count, line.pins);
-        dropPins(call, items);
+        dropPins(run, call, text);
         return;
     }
     call.kind = line.kind;
@@ -147,7 +149,7 @@ void checkNodesOf(Run& run, const Cmpnt& component, const CircuitCall& call) {
 }
 
 void checkUnmapped(Run& run, const Cmpnt& component, const CircuitCall& call, const ExtCkt& circuit) {
-    if (call.port_map.empty()) return; // reported
+    if (!call.port_map_seen) return; // reported
     const auto& ports = circuit.ports.names;
     const auto missing = std::ranges::find_if(ports, [&call](const std::string& port) {
         return port != kGroundPort && !call.mapped_ports.contains(port) && !call.dropped_ports.contains(port);
@@ -189,7 +191,10 @@ std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component) {
     const auto add = [&](std::string_view name) { names.insert(listedPinName(component, name)); };
     for (const CircuitCall& call : component.circuit_calls) {
         std::ranges::for_each(call.pins, add);
-        std::ranges::for_each(call.dropped_nodes, add);
+        for (const std::string& node : call.dropped_nodes) {
+            add(node);
+            add(pinOfNode(node));
+        }
         for (const PortMap& map : call.port_map) {
             add(map.node);
             add(pinOfNode(map.node));

@@ -131,21 +131,21 @@ void cornerLine(const Reading& reading, std::string_view text) {
     stored = ExtFile{std::string(file), std::string(circuit)};
 }
 
-/// What may stand behind the names of a line.
+/// Whether names may have values, which are passed over.
 enum class NameValues : bool { none, passedOver };
 
-/// Reads names and tells `each` of them, but not of an "=" and the value behind it where those are passed over. Reports
-/// a line without any.
+/// Reads names and tells `each` of them. Reports a line without any.
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Run& run = reading.run;
-    const char split = values == NameValues::passedOver ? '=' : '\0';
-    std::string_view rest = text;
-    if (takeItem(run, rest, split) == "=" && split == '=') text = rest; // as in "Parameters = low high"
+    // Values came with version 5; before it only an "=" that stands alone is no part of a name.
+    const bool splits = values == NameValues::passedOver && run.parse.version >= IbisVersion::v5;
+    const char split = splits ? '=' : '\0';
     bool found = false;
     for (std::string_view name = takeItem(run, text, split); !name.empty(); name = takeItem(run, text, split)) {
-        if (split == '=' && name == "=") {
-            static_cast<void>(takeItem(run, text)); // the value
+        if (name == "=" && values == NameValues::passedOver) {
+            // One ahead of all names, as in "Parameters = low high", has no value.
+            if (found) static_cast<void>(takeItem(run, text));
             continue;
         }
         each(name);
@@ -218,8 +218,9 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     converter.to_analog = form.to_analog;
     converter.d_port = takeItem(reading.run, text);
     ItemList items = splitItems(reading.run, text, kMaxItems); // behind the name and the digital port
-    const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     const std::string_view polarity = takePolarity(reading, form, items);
+    // The numbers that are expected leave a polarity out.
+    const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     constexpr int kPorts = 2;
     const int without_corner = kPorts + static_cast<int>(form.values);
     const bool too_few = items.count < without_corner;

@@ -88,7 +88,7 @@ bool readPercentage(Run& run, PinDomainEmi& row, std::string_view text) {
 
 void checkPins(Run& run, const Cmpnt& component, const CmpntEmi& emi) {
     for (const PinEmi& row : emi.pins) {
-        if (row.repeated || isKnownPin(component, row.pin)) continue;
+        if (row.repeated || isKnownPin(component, listedPinName(component, row.pin))) continue;
         error(run.diagnostics, 4908, row.pin, component.name);
     }
 }
@@ -116,7 +116,7 @@ void pinEmiLine(Run& run, Cmpnt& component, std::string_view text) {
     const ItemList items = splitItems(run, text, kPinTable.column_count);
     if (!hasAllColumns(run, kPinTable, emi->pin_columns, items.count)) return;
     PinEmi& row = emi->pins.emplace_back();
-    row.pin = cutName(items[0], pinNameLimit(run.parse.version));
+    row.pin = items[0];
     row.repeated = !emi->pin_index.enterLast(emi->pins);
     if (row.repeated) errorAtLine(run.diagnostics, 4903, row.pin);
     if (!equalsNoCase(items[1], "NA")) row.domain = items[1];

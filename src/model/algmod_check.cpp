@@ -240,19 +240,36 @@ private:
     std::array<Given, kReservedCount> given_{};                      ///< by Reserved
 };
 
-/// Only the rows of a table go without a name. What looked like a table while the tree was read may be none (4622).
+/// A node being walked, in the test for names.
+struct OpenNode {
+    const AmiItem* node;
+    bool holds_rows;               ///< it is the table of a parameter
+    std::optional<bool> is_leaf{}; ///< asked for once
+};
+
+/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none (4622).
 bool allNamed(Run& run, std::string_view text, const std::vector<AmiItem>& tree) {
     if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
     LineFinder lines(text);
     bool all_named = true;
-    for (const AmiItem& node : tree) {
-        if (node.is_node == 0 || isAmiTable(node)) continue;
-        for (const AmiItem& item : itemsOf(node)) {
-            if (item.is_node == 0 || item.hasName()) continue;
+    std::vector<OpenNode> open;
+    for (const AmiItem& item : tree) {
+        while (!open.empty() && &item == open.back().node + open.back().node->size) {
+            open.pop_back();
+        }
+        if (item.is_node == 0) continue;
+        if (!item.hasName() && !open.back().holds_rows) {
             run.parse.line = lines.lineOf(item.text);
             errorAtLine(run.diagnostics, 4622);
             all_named = false;
         }
+        bool holds_rows = false;
+        if (isAmiTable(item) && !open.empty()) {
+            OpenNode& parent = open.back();
+            if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);
+            holds_rows = *parent.is_leaf;
+        }
+        open.push_back({.node = &item, .holds_rows = holds_rows});
     }
     return all_named;
 }

@@ -52,7 +52,7 @@ void findWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child
         }
     }
     // In a later version such nodes pass without a word, so what is missing is still to be told.
-    given.reported = has_nodes && given.word == nullptr && !check.rules.later;
+    if (has_nodes && given.word == nullptr && !check.rules.later) given.reported = true;
 }
 
 void readUsage(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
@@ -68,7 +68,7 @@ Words typeWords(const AmiItem& node) {
         if (child.is_node == 0) continue;
         const AmiItem* word = &child;
         if (equalsNoCase(child.text, nameOf(AmiPart::format))) {
-            if (child.size == 1) return Words::several;
+            if (child.size == 1 || itemsOf(child).front().is_node != 0) return Words::several;
             word = &itemsOf(child).front();
         } else if (!isFormatWord(child)) {
             continue;
@@ -176,20 +176,24 @@ bool holdsOnlyTexts(const AmiItem& node) {
     return std::ranges::none_of(itemsOf(node), [](const AmiItem& item) { return item.is_node != 0; });
 }
 
-/// True of "(Table ..." and "(Format Table ...".
-bool isCalledTable(const AmiItem& node) {
-    constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
-    if (node.text == kTable) return true;
-    if (node.text != nameOf(AmiPart::format) || node.size == 1) return false;
-    const AmiItem& first = itemsOf(node).front();
-    return first.is_node == 0 && first.text == kTable;
+bool isOneString(AmiItems items) {
+    return !items.empty() && items.withoutFirst().empty() && items.front().is_node == 0 && items.front().quoted != 0;
+}
+
+/// True of a table that holds nothing but rows, whether its columns fit or not; false of a parameter or a branch that
+/// is called so.
+bool holdsOnlyRows(const AmiItem& table) {
+    return std::ranges::all_of(itemsOf(table), [](const AmiItem& item) {
+        const bool describes = item.text == nameOf(AmiPart::description) && isOneString(itemsOf(item));
+        return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item) && !describes);
+    });
 }
 
 /// True when what holds this child can only be a parameter. A child that holds named nodes is a parameter or a branch
 /// itself.
 bool marksLeaf(const AmiItem& child) {
     if (child.is_node == 0 || child.size == 1 || !namesPart(child)) return false;
-    return isAmiTable(child) || holdsOnlyTexts(child);
+    return holdsOnlyTexts(child) || (isAmiTable(child) && holdsOnlyRows(child));
 }
 
 } // namespace
@@ -208,18 +212,17 @@ void reportUnknownAmiItem(AmiCheck& check, const AmiLeaf& leaf, const AmiItem& i
 }
 
 void checkAmiDescription(AmiCheck& check, const AmiItem& description, const AmiItem& owner) {
-    const AmiItems items = itemsOf(description);
-    const bool one_string = description.size == 2 && items.front().is_node == 0 && items.front().quoted != 0;
-    if (!one_string) errorAtLine(at(check, description), 4631, shown(owner.text));
+    if (!isOneString(itemsOf(description))) errorAtLine(at(check, description), 4631, shown(owner.text));
 }
 
 bool isAmiLeaf(const AmiItem& node) { return std::ranges::any_of(itemsOf(node), marksLeaf); }
 
 bool isAmiTable(const AmiItem& node) {
-    const auto may_be_row = [](const AmiItem& item) {
-        return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item));
-    };
-    return isCalledTable(node) && std::ranges::all_of(itemsOf(node), may_be_row);
+    constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
+    if (node.text == kTable) return true;
+    if (node.text != nameOf(AmiPart::format) || node.size == 1) return false;
+    const AmiItem& first = itemsOf(node).front();
+    return first.is_node == 0 && first.text == kTable;
 }
 
 std::optional<AmiLeaf::ColumnType> firstTypeOutside(const AmiLeaf& leaf, AmiTypeSet types) {
@@ -230,10 +233,18 @@ std::optional<AmiLeaf::ColumnType> firstTypeOutside(const AmiLeaf& leaf, AmiType
     return std::nullopt;
 }
 
+const AmiItem* firstValue(const AmiLeaf& leaf) {
+    if (leaf.format != AmiFormat::value || !leaf.good_values) return nullptr;
+    for (const AmiItem& item : leaf.values) {
+        if (item.is_node == 0) return &item;
+    }
+    return nullptr;
+}
+
+const AmiItem* defaultValue(const AmiLeaf& leaf) { return leaf.good_default ? leaf[AmiPart::initial].word : nullptr; }
+
 const AmiItem* singleValue(const AmiLeaf& leaf) {
-    if (leaf.format != AmiFormat::value) return leaf.good_default ? leaf[AmiPart::initial].word : nullptr;
-    const bool one_word = leaf.good_values && !leaf.values.empty() && leaf.values.front().is_node == 0;
-    return one_word ? &leaf.values.front() : nullptr;
+    return leaf.format == AmiFormat::value ? firstValue(leaf) : defaultValue(leaf);
 }
 
 AmiLeaf checkAmiLeaf(AmiCheck& check, const AmiItem& node) {

@@ -113,7 +113,7 @@ struct AmiLeaf {
     std::optional<AmiFormat> format;
     AmiItems values;          ///< of the format
     bool format_fits = true;  ///< it may have values of the type
-    bool good_values = true;  ///< none of them was reported
+    bool good_values = true;  ///< none of them was reported as not being of the type
     bool good_default = true; ///< nor the default
 
     [[nodiscard]] Given& operator[](AmiPart part) { return parts[static_cast<std::size_t>(part)]; }
@@ -124,15 +124,18 @@ struct AmiLeaf {
 /// True when a node is a parameter, false when it is a branch that holds some.
 [[nodiscard]] bool isAmiLeaf(const AmiItem& node);
 
-/// True for a node in which nodes without a name may stand, being the rows of a table: that of a parameter, not a
-/// parameter or branch of the name.
+/// True of "(Table ..." and "(Format Table ...". In a parameter these hold rows; a parameter or a branch may have the
+/// name, too.
 [[nodiscard]] bool isAmiTable(const AmiItem& node);
 
 /// The first type of the parameter or of a column that is none of `types`, and its word.
 [[nodiscard]] std::optional<AmiLeaf::ColumnType> firstTypeOutside(const AmiLeaf& leaf, AmiTypeSet types);
 
-/// The one value of a parameter: that of "Value", otherwise that of "Default"; null when it has neither, or when that
-/// was reported.
+/// What "Value" or "Default" gives; null when it was reported or is not there.
+[[nodiscard]] const AmiItem* firstValue(const AmiLeaf& leaf);
+[[nodiscard]] const AmiItem* defaultValue(const AmiLeaf& leaf);
+
+/// The one value of a parameter: that of "Value" if that is its format, otherwise that of "Default".
 [[nodiscard]] const AmiItem* singleValue(const AmiLeaf& leaf);
 
 /// Reads a parameter and checks it by itself, at the lines of what is reported: 4630, 4631, 4633 to 4639, 4641 to 4646

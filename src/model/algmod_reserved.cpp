@@ -44,7 +44,7 @@ constexpr std::string_view kNewestVersion = "5.1";
 bool isLater(std::string_view version) {
     constexpr double kNewest = 5.1;
     double number = 0.0;
-    return readDouble(version, number) == ReadResult::number && number > kNewest;
+    return readDouble(trim(version), number) != ReadResult::noNumber && number > kNewest;
 }
 
 void checkReservedTypes(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
@@ -67,17 +67,15 @@ void checkReservedFormat(AmiCheck& check, const ReservedRow& row, const AmiLeaf&
 
 bool isNegative(const AmiItem& value) {
     double number = 0.0;
-    return value.is_node == 0 && readDouble(value.text, number) == ReadResult::number && number < 0.0;
+    return readDouble(value.text, number) == ReadResult::number && number < 0.0;
 }
 
 /// Looks at the single value and at the default, as far as they were not reported.
 void checkNotNegative(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
-    const bool has_value = leaf.format == AmiFormat::value && !leaf.values.empty() && leaf.good_values;
-    const AmiItem* const initial = leaf.good_default ? leaf[AmiPart::initial].word : nullptr;
-    if (has_value && isNegative(leaf.values.front())) {
-        errorAtLine(at(check, leaf.values.front()), 4661, row.text);
-    } else if (initial != nullptr && isNegative(*initial)) {
-        errorAtLine(at(check, *initial), 4661, row.text);
+    for (const AmiItem* const value : {firstValue(leaf), defaultValue(leaf)}) {
+        if (value == nullptr || !isNegative(*value)) continue;
+        errorAtLine(at(check, *value), 4661, row.text);
+        return;
     }
 }
 

@@ -234,7 +234,6 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
                          (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
     if (outside) {
-        leaf.good_default = false;
         warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
     }
 }

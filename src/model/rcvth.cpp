@@ -141,7 +141,7 @@ void checkThresholds(Run& run, const RcvTh& thresholds, std::string_view model) 
         std::ranges::any_of(kRows, [&thresholds](const ThresholdRow& row) { return has(thresholds, row.field); });
     if (!given && !thresholds.refused.any()) warning(run.diagnostics, 3215, model);
     // Either input of a differential pair may give thresholds of its own, but it need not.
-    // Of a set that was begun only with lines that were refused nothing is asked.
+    // Of a pair that was begun only with lines that were refused nothing is asked.
     const auto given_one = [&](std::string_view name) { return isGiven(thresholds, name); };
     const auto line_of_one = [&](std::string_view name) { return hasLine(thresholds, name); };
     const auto begins_single_ended = [&](const ThresholdRow& row) {

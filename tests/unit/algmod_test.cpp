@@ -114,6 +114,9 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage Out) (Type Float (x)) (Table (q))", "E4645@ E4638@"},
         {"(Usage In) (Type String (x)) (Range 1 0 2)", "E4645@ E4639@"},
         {"(usage Out) (Type Float)", "E4645@"},
+        {"(Usage) (usage In) (Type Float) (Value 1)", "E4645@"},
+        {"(usage In) (Usage) (Type Float) (Value 1)", "E4645@"},
+        {"(Usage In) (Type Float Integer) (Format (Value 1))", "E4635@"},
         {"(Usage In) (Type Integer String) (format Table (1 a))", "E4645@"},
         {"(Usage In) (Type Integer String) (Format)", "E4635@"},
         {"(usage In) (Type Float) (Value 1)", "E4645@"},
@@ -180,6 +183,9 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage In) (Type Float) (Table 1 (2))", "E4630@"},
         {"(Usage In) (Type Float) (Table (Labels a))", "E4637@"},
         {"(Usage In) (Type Float) (Table ())", "E4637@"},
+        {"(Usage In) (Type Float) (Table (1) ((2)))", "E4645@"},
+        {"(Usage In) (Type Float) (Table (1 (2)) ())", "E4645@"},
+        {"(Usage In) (Type String) (Table (Value a) ())", "E4646@"},
         {"(Usage In) (Type Float) (Table x (Labels a) (1) (2))", "E4630@"},
         {"(Usage In) (Type Float) (Table (1 (2)) (1 2) (3 4))", "E4645@"},
         {"(Usage In) (Type Float) (Table)", "E4637@"},
@@ -202,6 +208,7 @@ TEST(AmiParameters, standInBranches) {
         {"(Tx_Jitter (Usage Out) (Type UI)) (b (GetWave_Exists (Usage Out) (Type UI)))", "W4660@ W4660@"},
         {"(b (Table (q (Usage Out) (Type UI))))", ""},
         {"(b (Table (Labels a) (1)))", "E4633@ E4633@"}, // nothing but a parameter holds a table
+        {"(b (Table (Description \"text\")))", "W4647@"},
         {"(b (Table (q (Usage Bad) (Type UI)) ()))", "E4622@"},
         {"(b (Format Value (x (Usage Out) (Type UI))))", "E4630@"},
     };
@@ -223,7 +230,7 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
         {"(Max_Init_Aggressors (Usage Info) (Type Integer) (Default -1.5))", "E4638@"},
         {"(Ignore_Bits (Usage Info) (Type Integer) (List -1 2))", ""},
         {"(Ignore_Bits (Usage Info) (Type Integer) (Value (-1)))", "E4645@"},
-        {"(Ignore_Bits (Usage Info) (Type Integer) (Range 1 0 2) (Default -1))", "W4642@"},
+        {"(Ignore_Bits (Usage Info) (Type Integer) (Range 1 0 2) (Default -1))", "W4642@ E4661@"},
         {"(Ignore_Bits (Usage Info) (Type Integer) (Value -1) (Default x))", "W4648@ E4638@ E4661@"},
         {"(Ignore_Bits (Usage Info) (Type Integer) (Gaussian 0 1))", "E4639@"},
         {"(Tx_DCD (Usage Info) (Type UI String) (Table (1 a)))", "E4654@ W4655@"},
@@ -270,7 +277,10 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
                       "(p (Usage In) (Type Float (x 1)) (Table (1 2))) (q (Usage In) (Type Float) (Default (x)))")),
         "E4662@ W4657@");
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type Boolean) (Value 5.2))", "", "")), "E4638@ E4654@");
-    EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (Default (x) 6.0))", "", "")), "W4657@");
+    for (const std::string_view value : {"(Default (x) \" 6.0\")", "(Value (x) 6.0.1)", "(Format Value (x) 6.0)"}) {
+        const std::string version = "(AMI_Version (Usage Info) (Type String) " + std::string(value) + ")";
+        EXPECT_EQ(codesFor(file(version, "", kWords)), "W4657@") << value;
+    }
     EXPECT_EQ(codesFor(file(kOdd, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "W4657@ E4650@ E4635@ E4645@");
 }
 
@@ -304,6 +314,22 @@ TEST(AmiTree, takesAnyDepthAndLength) {
         many.append(" w (b").append(std::to_string(i)).append(" w)");
     }
     EXPECT_EQ(codesFor(file(kVersion51, "", many + ")")).size(), 40000 * std::string_view("E4630@ ").size() - 1);
+
+    // Nodes without a name, first and last in each of many tables within tables: told in the order of the file.
+    std::string tables;
+    for (int i = 0; i < 20000; ++i) {
+        tables.append("(Table ()\n");
+    }
+    for (int i = 0; i < 20000; ++i) {
+        tables.append("())\n");
+    }
+    const std::string printed = printedFor(file(kVersion51, "", "(b " + tables + ")"), false);
+    EXPECT_TRUE(
+        printed.starts_with("ERROR (line    1) - Missing name after '('\n"
+                            "ERROR (line    2) - Missing name after '('\n"));
+    EXPECT_TRUE(
+        printed.ends_with("ERROR (line 39999) - Missing name after '('\n"
+                          "ERROR (line 40000) - Missing name after '('\n"));
 
     // A long name is shown in part, and a string as far as its line goes.
     const std::string name(100000, 'n');

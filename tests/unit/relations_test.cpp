@@ -80,10 +80,10 @@ TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
     Relations test;
     test.read(K::pin, "signal_name model_name", {"123456789 A CIRCUITCALL"});
     test.read(K::circuitCall, "Net",
-              {"Diff_signal_pins 1 2", "Signal_pin 3", "Port_map a 4.pad", "Port_map 5", "Port_map b 123456789",
-               "Port_map b 6", "Port_map c 7 8 9", "Port_map d abcdefghi"});
+              {"Diff_signal_pins 1 2", "Signal_pin 3 10 11", "Port_map a 4.pad", "Port_map 5", "Port_map b 123456789",
+               "Port_map b 6", "Port_map c 7.x 8 9", "Port_map d abcdefghi"});
     const auto pins = circuitCallPins(test.component());
-    for (const std::string_view pin : {"1", "2", "3", "4", "5", "12345678", "6", "7"}) {
+    for (const std::string_view pin : {"1", "2", "3", "10", "11", "4", "5", "12345678", "6", "7"}) {
         EXPECT_TRUE(pins.contains(pin)) << pin;
     }
     for (const std::string_view other : {"c", "123456789", "abcdefgh"}) { // a port, and two that are not listed so
@@ -145,7 +145,7 @@ TEST(EmiComponents, keepTheirValuesAndTables) {
     EXPECT_DOUBLE_EQ(emi->c_heatsink_gnd.value_or(0.0), 3.7e-12);
     EXPECT_EQ(emi->c_heatsink_float, std::nullopt);
     ASSERT_EQ(emi->pins.size(), 3U);
-    EXPECT_EQ(emi->pins[0].pin, "12345678");
+    EXPECT_EQ(emi->pins[0].pin, "123456789"); // as written: no message speaks of its length
     EXPECT_EQ(emi->pins[0].domain, "MEM");
     EXPECT_EQ(emi->pins[0].clock_div, 0.5);
     EXPECT_EQ(emi->pins[1].domain, "");
