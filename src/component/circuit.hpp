@@ -69,7 +69,7 @@ struct ExtCkt {
     NameList converter_parameters;
     NameList ports;
     std::vector<Converter> converters; ///< in file order
-    TextSet converter_keys;            ///< kind, d_port and corner of each, for the test of repeated ones
+    TextSet converter_keys;            ///< kind, d_port, corner and polarity of each, for the test of repeated ones
     std::vector<NamedValue> named_values;
     std::array<bool, 2> converter_reported{}; ///< by to_analog: a reported line may have meant the required port
     bool corner_reported = false;             ///< a reported "Corner" line may have meant the typical one

@@ -138,7 +138,7 @@ enum class NameValues : bool { none, passedOver };
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Run& run = reading.run;
-    // Values came with version 5; before it only an "=" that stands alone is no part of a name.
+    // Values came with version 5; before it only an "=" that stands alone is no part of a name, nor what follows it.
     const bool splits = values == NameValues::passedOver && run.parse.version >= IbisVersion::v5;
     const char split = splits ? '=' : '\0';
     bool found = false;

@@ -116,7 +116,7 @@ void pinEmiLine(Run& run, Cmpnt& component, std::string_view text) {
     const ItemList items = splitItems(run, text, kPinTable.column_count);
     if (!hasAllColumns(run, kPinTable, emi->pin_columns, items.count)) return;
     PinEmi& row = emi->pins.emplace_back();
-    row.pin = items[0];
+    row.pin = listedPinName(component, items[0]);
     row.repeated = !emi->pin_index.enterLast(emi->pins);
     if (row.repeated) errorAtLine(run.diagnostics, 4903, row.pin);
     if (!equalsNoCase(items[1], "NA")) row.domain = items[1];

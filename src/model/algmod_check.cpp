@@ -244,32 +244,36 @@ private:
 struct OpenNode {
     const AmiItem* node;
     bool holds_rows;               ///< it is the table of a parameter
+    bool in_rows;                  ///< it is a row or stands in one, so that it is no parameter
     std::optional<bool> is_leaf{}; ///< asked for once
 };
+
+/// True when `item`, which stands in `parent`, is the table of a parameter.
+bool isTableOf(const AmiItem& item, OpenNode& parent) {
+    if (!isAmiTable(item) || parent.holds_rows || parent.in_rows) return false;
+    if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);
+    return *parent.is_leaf;
+}
 
 /// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none (4622).
 bool allNamed(Run& run, std::string_view text, const std::vector<AmiItem>& tree) {
     if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
     LineFinder lines(text);
     bool all_named = true;
-    std::vector<OpenNode> open;
-    for (const AmiItem& item : tree) {
-        while (!open.empty() && &item == open.back().node + open.back().node->size) {
+    std::vector<OpenNode> open{{.node = tree.data(), .holds_rows = false, .in_rows = false}};
+    for (const AmiItem& item : std::span(tree).subspan(1)) {
+        while (&item == open.back().node + open.back().node->size) {
             open.pop_back();
         }
         if (item.is_node == 0) continue;
-        if (!item.hasName() && !open.back().holds_rows) {
+        OpenNode& parent = open.back();
+        if (!item.hasName() && !parent.holds_rows) {
             run.parse.line = lines.lineOf(item.text);
             errorAtLine(run.diagnostics, 4622);
             all_named = false;
         }
-        bool holds_rows = false;
-        if (isAmiTable(item) && !open.empty()) {
-            OpenNode& parent = open.back();
-            if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);
-            holds_rows = *parent.is_leaf;
-        }
-        open.push_back({.node = &item, .holds_rows = holds_rows});
+        const bool in_rows = parent.holds_rows || parent.in_rows;
+        open.push_back({.node = &item, .holds_rows = isTableOf(item, parent), .in_rows = in_rows});
     }
     return all_named;
 }

@@ -119,7 +119,7 @@ void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
 
 void readDefault(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     findWord(check, leaf, AmiPart::initial, child, Words::one);
-    if (child.size > 1) return; // without a word, a node was reported
+    if (child.size > 1) return; // of a node in place of the word enough was said
     errorAtLine(at(check, child), 4637, leaf.name(), nameOf(AmiPart::initial), 0, 1);
 }
 
@@ -241,7 +241,9 @@ const AmiItem* firstValue(const AmiLeaf& leaf) {
     return nullptr;
 }
 
-const AmiItem* defaultValue(const AmiLeaf& leaf) { return leaf.good_default ? leaf[AmiPart::initial].word : nullptr; }
+const AmiItem* defaultValue(const AmiLeaf& leaf) {
+    return leaf.good_default && !leaf.default_outside ? leaf[AmiPart::initial].word : nullptr;
+}
 
 const AmiItem* singleValue(const AmiLeaf& leaf) {
     return leaf.format == AmiFormat::value ? firstValue(leaf) : defaultValue(leaf);

@@ -111,10 +111,11 @@ struct AmiLeaf {
     std::vector<ColumnType> column_types; ///< in place of it, if the columns have types of their own and all are known
     int type_words = 0;
     std::optional<AmiFormat> format;
-    AmiItems values;          ///< of the format
-    bool format_fits = true;  ///< it may have values of the type
-    bool good_values = true;  ///< none of them was reported as not being of the type
-    bool good_default = true; ///< nor the default
+    AmiItems values;              ///< of the format
+    bool format_fits = true;      ///< it may have values of the type
+    bool good_values = true;      ///< none of them was reported as not being of the type
+    bool good_default = true;     ///< nor the default
+    bool default_outside = false; ///< of the bounds or the list, which was told
 
     [[nodiscard]] Given& operator[](AmiPart part) { return parts[static_cast<std::size_t>(part)]; }
     [[nodiscard]] const Given& operator[](AmiPart part) const { return parts[static_cast<std::size_t>(part)]; }

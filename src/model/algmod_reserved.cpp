@@ -70,9 +70,11 @@ bool isNegative(const AmiItem& value) {
     return readDouble(value.text, number) == ReadResult::number && number < 0.0;
 }
 
-/// Looks at the single value and at the default, as far as they were not reported.
+/// Looks at the single value and at the default, as far as they are of their type.
 void checkNotNegative(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {
-    for (const AmiItem* const value : {firstValue(leaf), defaultValue(leaf)}) {
+    // A warning about a default must not hide the error.
+    const AmiItem* const initial = leaf.good_default ? leaf[AmiPart::initial].word : nullptr;
+    for (const AmiItem* const value : {firstValue(leaf), initial}) {
         if (value == nullptr || !isNegative(*value)) continue;
         errorAtLine(at(check, *value), 4661, row.text);
         return;

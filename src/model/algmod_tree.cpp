@@ -1,5 +1,6 @@
 #include "model/algmod_tree.hpp"
 
+#include "ibis/make_room.hpp"
 #include "ibis/run.hpp"
 #include "reader/cmn.hpp"
 
@@ -78,7 +79,7 @@ class TreeBuilder {
 public:
     TreeBuilder(Run& run, std::string_view text) : run_(run), scanner_(text), lines_(text) {
         constexpr std::size_t kUsualItem = 8; // characters, white space and brackets included
-        items_.reserve(text.size() / kUsualItem);
+        makeRoom(items_, text.size() / kUsualItem);
     }
 
     std::vector<AmiItem> build() {

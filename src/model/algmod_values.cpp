@@ -233,6 +233,7 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     if (!leaf.good_default) return;
     const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
                          (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
+    leaf.default_outside = outside;
     if (outside) {
         warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
     }

@@ -1,5 +1,6 @@
 #include "reader/parse.hpp"
 
+#include "ibis/make_room.hpp"
 #include "ibis/run.hpp"
 #include "model/algmod_check.hpp"
 #include "package/pkgmdl.hpp"
@@ -296,15 +297,6 @@ std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
         }
     }
     return line;
-}
-
-/// Spares a text its growth. Where there is no memory for that, it grows as far as it can.
-void makeRoom(std::string& text, std::size_t size) {
-    try {
-        text.reserve(size);
-    } catch (const std::bad_alloc&) {
-        return;
-    }
 }
 
 /// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.

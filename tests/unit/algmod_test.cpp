@@ -209,6 +209,8 @@ TEST(AmiParameters, standInBranches) {
         {"(b (Table (q (Usage Out) (Type UI))))", ""},
         {"(b (Table (Labels a) (1)))", "E4633@ E4633@"}, // nothing but a parameter holds a table
         {"(b (Table (Description \"text\")))", "W4647@"},
+        {"(p (Usage Out) (Type Float) (Table (Table ())))", "E4622@"},
+        {"(p (Usage Out) (Type String) (Table (a (Format Table () ()))))", "E4622@ E4622@"},
         {"(b (Table (q (Usage Bad) (Type UI)) ()))", "E4622@"},
         {"(b (Format Value (x (Usage Out) (Type UI))))", "E4630@"},
     };
@@ -277,6 +279,8 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
                       "(p (Usage In) (Type Float (x 1)) (Table (1 2))) (q (Usage In) (Type Float) (Default (x)))")),
         "E4662@ W4657@");
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type Boolean) (Value 5.2))", "", "")), "E4638@ E4654@");
+    EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (List \"5.1\") (Default \"6.0\"))", "", kWords)),
+              "W4642@ W4655@ E4635@ E4645@");
     for (const std::string_view value : {"(Default (x) \" 6.0\")", "(Value (x) 6.0.1)", "(Format Value (x) 6.0)"}) {
         const std::string version = "(AMI_Version (Usage Info) (Type String) " + std::string(value) + ")";
         EXPECT_EQ(codesFor(file(version, "", kWords)), "W4657@") << value;
