@@ -56,8 +56,7 @@ void readDomain(Run& run, CmpntEmi& emi, const EmiRow& row, std::string_view res
 std::optional<std::string_view> rangeText(const Run& run, const EmiRow& row, std::string_view rest) {
     constexpr int kCorners = 3;
     if (row.name != kRangeName) return std::nullopt;
-    std::string_view behind = rest;
-    const std::string_view text = takeItem(run, behind, '=') == "=" ? behind : rest;
+    const std::string_view text = withoutEqualsSign(run, rest);
     if (splitItems(run, text, 0).count < kCorners) return std::nullopt;
     return text;
 }

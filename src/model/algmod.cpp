@@ -73,21 +73,8 @@ std::string pathOf(const Run& run, const std::string& name) {
     return in_folder && !is_absolute ? run.parse.directory + name : name;
 }
 
-/// Puts the reader back to where it was, whatever happens meanwhile.
-class KeptReader {
-public:
-    explicit KeptReader(ParseState& state) : state_(state), kept_(state) {}
-    KeptReader(const KeptReader&) = delete;
-    KeptReader& operator=(const KeptReader&) = delete;
-    ~KeptReader() { state_ = std::move(kept_); }
-
-private:
-    ParseState& state_;
-    ParseState kept_;
-};
-
 void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
-    const KeptReader kept(run.parse);
+    const KeptParse kept(run.parse);
     const std::string path = pathOf(run, name);
     const std::int32_t errors = run.diagnostics.errors;
     std::optional<Source> source;

@@ -83,10 +83,9 @@ public:
             if (row.is_node == 0) continue;
             if (first_ == nullptr) first_ = &row;
             if (isLabels(row)) continue;
-            const bool has_nodes = contentsOf(itemsOf(row)).has_nodes;
-            const int columns = columnsOf(row);
-            if (columns_ == 0 && !has_nodes) columns_ = columns;
-            if (columns > 0 || has_nodes) ++rows_;
+            const Contents contents = contentsOfRow(row);
+            if (columns_ == 0 && !contents.has_nodes) columns_ = contents.texts;
+            if (contents.texts > 0 || contents.has_nodes) ++rows_;
         }
     }
 
@@ -99,10 +98,10 @@ public:
                 reportAmiText(check, row, *leaf_[AmiPart::format].word);
                 continue;
             }
-            const AmiItems items = itemsOf(row);
-            reportNodes(check, leaf_, items);
-            const int columns = columnsOf(row) - (isLabels(row) ? 1 : 0);
-            if (contentsOf(items).has_nodes || columns == columns_ || columns_ == 0) continue;
+            const Contents contents = contentsOfRow(row);
+            if (contents.has_nodes) reportNodes(check, leaf_, itemsOf(row));
+            const int columns = contents.texts - (isLabels(row) ? 1 : 0);
+            if (contents.has_nodes || columns == columns_ || columns_ == 0) continue;
             errorAtLine(at(check, row), 4646, leaf_.name(), columns, columns_);
         }
     }
@@ -119,7 +118,12 @@ private:
         return &row == first_ && row.text == "Labels" && row.quoted == 0;
     }
 
-    static int columnsOf(const AmiItem& row) { return contentsOf(itemsOf(row)).texts + (row.hasName() ? 1 : 0); }
+    /// The name of a row is its first column.
+    static Contents contentsOfRow(const AmiItem& row) {
+        Contents contents = contentsOf(itemsOf(row));
+        if (row.hasName()) ++contents.texts;
+        return contents;
+    }
 
     [[nodiscard]] bool checkRow(AmiCheck& check, const AmiItem& row) const {
         std::size_t column = 0;
@@ -157,16 +161,18 @@ bool checkFormatType(AmiCheck& check, const AmiLeaf& leaf) {
 bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
     if (!leaf.format) return false;
     const AmiFormatRow& row = rowOf(*leaf.format);
-    Contents contents = contentsOf(leaf.values);
-    bool at_least = *leaf.format == AmiFormat::list;
+    Contents contents;
     if (table) {
         table->checkCounts(check);
-        contents = {.texts = table->rows()};
-        at_least = true;
+        contents.texts = table->rows();
     } else {
-        reportNodes(check, leaf, leaf.values);
+        contents = contentsOf(leaf.values);
+        if (contents.has_nodes) {
+            reportNodes(check, leaf, leaf.values);
+            return false;
+        }
     }
-    if (contents.has_nodes) return false;
+    const bool at_least = table || *leaf.format == AmiFormat::list;
     const bool pair = *leaf.format == AmiFormat::corner && check.rules.first_version && contents.texts == 2;
     if (pair || contents.texts == row.values || (at_least && contents.texts > row.values)) return true;
     errorAtLine(at(check, *leaf[AmiPart::format].word), 4637, leaf.name(), row.text, contents.texts, row.values);

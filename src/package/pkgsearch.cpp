@@ -77,6 +77,7 @@ const PkgDirectory& searchedDirectory(Run& run) {
     if (!is_new) {
         return directory;
     }
+    const KeptParse kept(run.parse);
     for (std::string& file : listPkgFiles(run, prefix)) {
         if (const std::optional<Source> source = openQuietly(run, prefix, file)) {
             LineReader reader{.text = source->text, .police = false};
@@ -111,7 +112,6 @@ bool readMatchingFiles(Run& run, Ibis& root, std::string_view wanted) {
     if (const auto known = root.package_names_searched.find(wanted); known != root.package_names_searched.end()) {
         return known->second;
     }
-    const ParseState outer = run.parse;
     const std::vector<PkgName>& names = searchedDirectory(run).names;
     std::vector<std::uint32_t> unread;
     bool matched = false;
@@ -126,11 +126,10 @@ bool readMatchingFiles(Run& run, Ibis& root, std::string_view wanted) {
     for (const std::uint32_t file : unread) {
         if (!isRead(root, file)) { // several of its names may match
             markRead(root, file);
-            run.parse = outer;
+            const KeptParse kept(run.parse);
             parseFile(run, run.pkgsearch.files[file], FileKind::pkg);
         }
     }
-    run.parse = outer;
     root.package_names_searched.emplace(wanted, matched);
     return matched;
 }

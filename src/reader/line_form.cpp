@@ -4,15 +4,10 @@
 
 namespace kestrel {
 
-namespace {
-
-/// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
 std::string_view withoutEqualsSign(const Run& run, std::string_view text) {
     std::string_view behind = text;
     return takeItem(run, behind, '=') == "=" ? behind : text;
 }
-
-} // namespace
 
 void expectNoText(Run& run, std::string_view text, std::string_view keyword, CountMessage message) {
     const int count = splitItems(run, text, 0).count;

@@ -24,6 +24,9 @@ using CountMessage = CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::in
 /// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
 void expectNoText(Run& run, std::string_view text, std::string_view keyword, CountMessage message);
 
+/// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
+[[nodiscard]] std::string_view withoutEqualsSign(const Run& run, std::string_view text);
+
 /// Reports, at the line, a line whose first item names nothing.
 void reportUnknownLine(Run& run, CheckedMessage<> message);
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace kestrel {
 
@@ -13,7 +14,7 @@ enum class FileKind : std::uint8_t { ibs = 1, pkg = 2, ebd = 3, ami = 4 };
 /// Class of the IBIS language version: the first digit of the version text. Limits and gates go by class.
 enum class IbisVersion : std::uint8_t { none = 0, v1 = 1, v2 = 2, v3 = 3, v4 = 4, v5 = 5 };
 
-/// The reader's state for the file being read. A nested parse saves it and puts it back.
+/// The reader's state for the file being read. A nested parse puts it back (KeptParse).
 struct ParseState {
     std::string directory;  ///< directory part, separator included, of the last name opened
     std::string file_name;  ///< bare name of the file being read
@@ -34,6 +35,19 @@ struct ParseState {
     bool in_string = false;            ///< inside a quoted string of an .ami file
     std::uint32_t string_line = 0;     ///< where that string began
     std::string ami_text;              ///< the collected lines of an .ami file
+};
+
+/// Puts the reader back to where it was at the end of a nested parse, whatever happens in it.
+class KeptParse {
+public:
+    explicit KeptParse(ParseState& state) : state_(state), kept_(state) {}
+    KeptParse(const KeptParse&) = delete;
+    KeptParse& operator=(const KeptParse&) = delete;
+    ~KeptParse() { state_ = std::move(kept_); }
+
+private:
+    ParseState& state_;
+    ParseState kept_;
 };
 
 } // namespace kestrel
