@@ -2,9 +2,9 @@
 // what matters; it should not depend on the size of the file.
 #include "checked_contents.hpp"
 #include "floor.hpp"
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/driver.hpp"
-#include "reader/parse.hpp"
 #include "sample_file.hpp"
 
 #include <algorithm>

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "component/circuit.hpp"
+#include "base/name_list.hpp"
 #include "component/cmpntemi.hpp"
 #include "component/difpin.hpp"
-#include "component/name_list.hpp"
 #include "component/pin.hpp"
 #include "component/pinmpg.hpp"
 #include "component/pkg.hpp"
 #include "component/spinmpg.hpp"
 #include "component/sswch.hpp"
+#include "external/circuit.hpp"
 #include "reader/block.hpp"
 #include "reader/columns.hpp"
 #include "reader/keyword.hpp"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/text_hash.hpp"
 #include "component/pinemi.hpp"
-#include "ibis/text_hash.hpp"
 #include "reader/block.hpp"
 #include "reader/columns.hpp"
 #include "reader/enumeration.hpp"

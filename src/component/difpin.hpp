@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ibis/row_index.hpp"
-#include "reader/cmn.hpp"
+#include "base/row_index.hpp"
+#include "reader/values.hpp"
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ibis/row_index.hpp"
-#include "reader/cmn.hpp"
+#include "base/row_index.hpp"
 #include "reader/names.hpp"
+#include "reader/values.hpp"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/row_index.hpp"
+#include "base/row_index.hpp"
 
 #include <array>
 #include <cstddef>

@@ -1,11 +1,11 @@
 #include "ibis/ibis.hpp"
 
-#include "component/circuit.hpp"
+#include "board/ebdmdl.hpp"
+#include "external/circuit.hpp"
 #include "ibis/run.hpp"
 #include "model/acdc.hpp"
 #include "model/testdata.hpp"
 #include "model/testload.hpp"
-#include "package/ebdmdl.hpp"
 #include "package/pkgmdl.hpp"
 
 #include <algorithm>

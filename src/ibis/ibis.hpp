@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ibis/object_list.hpp"
-#include "ibis/text_hash.hpp"
+#include "base/object_list.hpp"
+#include "base/text_hash.hpp"
 
 #include <memory>
 #include <vector>

@@ -1,11 +1,11 @@
 #include "main/driver.hpp"
 
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/dump.hpp"
 #include "main/options.hpp"
 #include "main/usage.hpp"
 #include "main/version.hpp"
-#include "reader/parse.hpp"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 #include "main/options.hpp"
 
-#include "ibis/output.hpp"
+#include "base/output.hpp"
 #include "main/usage.hpp"
 
 namespace kestrel {

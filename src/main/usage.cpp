@@ -1,6 +1,6 @@
 #include "main/usage.hpp"
 
-#include "ibis/output.hpp"
+#include "base/output.hpp"
 
 namespace kestrel {
 

@@ -1,9 +1,9 @@
 #include "main/verimark.hpp"
 
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/usage.hpp"
 #include "main/version.hpp"
-#include "reader/parse.hpp"
 
 #include <algorithm>
 #include <optional>

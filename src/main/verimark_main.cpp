@@ -1,4 +1,4 @@
-#include "ibis/output.hpp"
+#include "base/output.hpp"
 #include "main/verimark.hpp"
 
 #include <string_view>

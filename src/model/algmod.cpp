@@ -1,9 +1,9 @@
 #include "model/algmod.hpp"
 
+#include "ami/check.hpp"
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "model/algmod_check.hpp"
 #include "reader/line_form.hpp"
-#include "reader/parse.hpp"
 
 #include <filesystem>
 #include <memory>
@@ -76,7 +76,7 @@ std::string pathOf(const Run& run, const std::string& name) {
 void checkParameterFile(Run& run, const Mdl& model, const std::string& name) {
     const KeptParse kept(run.parse);
     const std::string path = pathOf(run, name);
-    const std::int32_t errors = run.diagnostics.errors;
+    const std::int64_t errors = run.diagnostics.errors;
     std::optional<Source> source;
     if (path.size() < kMaxPath) source = openSource(run, path, FileKind::ami, WhenAbsent::leave);
     if (!source) {

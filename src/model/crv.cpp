@@ -1,8 +1,10 @@
 #include "model/crv.hpp"
 
-#include "ibis/run.hpp"
 #include "model/table_ends.hpp"
+#include "model/types.hpp"
+#include "reader/context.hpp"
 #include "reader/line_form.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -87,12 +89,12 @@ bool turnsBack(CrvState::Trace& trace, double value) {
     return false;
 }
 
-void followColumns(Run& run, const TableRow& row, std::string_view label) {
+void followColumns(Context& context, CrvState& state, const TableRow& row, std::string_view label) {
     for (const Column column : {kFirst, kTyp, kMin, kMax}) {
-        CrvState::Trace& trace = run.mdl.crv.traces[column];
+        CrvState::Trace& trace = state.traces[column];
         if (!row.isNumber(column) || trace.seen == CrvState::Seen::nonMonotonic) continue;
         if (!turnsBack(trace, row.value[column])) continue;
-        noteAtLine(run.diagnostics, 1110, label, column == kFirst ? kFirstWord : columnWord(column));
+        noteAtLine(context.diagnostics, 1110, label, column == kFirst ? kFirstWord : columnWord(column));
     }
 }
 
@@ -102,17 +104,17 @@ void followExtreme(CrvState::Extreme& extreme, const TableRow& row, bool beyond)
     if (!extreme.found || beyond || fills_gap) extreme = {true, voltage, {row.value[kTyp], row.state[kTyp]}};
 }
 
-void checkTrend(Run& run, const Crv& curve, const CurveRules& rules, std::string_view owner, std::string_view name,
-                CurveTrend trend) {
+void checkTrend(Context& context, const CrvState& state, const Crv& curve, const CurveRules& rules,
+                std::string_view owner, std::string_view name, CurveTrend trend) {
     if (trend == CurveTrend::notChecked || curve.rows.empty()) return;
     if (curve.rows.front().state[kTyp] == CellState::na || curve.rows.back().state[kTyp] == CellState::na) return;
-    const Cell& low = run.mdl.crv.lowest.current;
-    const Cell& high = run.mdl.crv.highest.current;
+    const Cell& low = state.lowest.current;
+    const Cell& high = state.highest.current;
     if (!low.isNumber() || !high.isNumber()) return;
     if (trend == CurveTrend::rising && high.value < low.value) {
-        warning(run.diagnostics, 1111, owner, name, rules.label);
+        warning(context.diagnostics, 1111, owner, name, rules.label);
     } else if (trend == CurveTrend::falling && high.value > low.value) {
-        warning(run.diagnostics, 1112, owner, name, rules.label);
+        warning(context.diagnostics, 1112, owner, name, rules.label);
     }
 }
 
@@ -132,51 +134,48 @@ bool neverZero(const Crv& curve, Column column) {
     return below != above;
 }
 
-void checkZeroCrossing(Run& run, const Crv& curve, std::string_view label, std::string_view owner,
+void checkZeroCrossing(Context& context, const Crv& curve, std::string_view label, std::string_view owner,
                        std::string_view name) {
-    if (neverZero(curve, kTyp)) warning(run.diagnostics, 1113, owner, name, label);
-    if (neverZero(curve, kMin)) warning(run.diagnostics, 1114, owner, name, label);
-    if (neverZero(curve, kMax)) warning(run.diagnostics, 1115, owner, name, label);
+    if (neverZero(curve, kTyp)) warning(context.diagnostics, 1113, owner, name, label);
+    if (neverZero(curve, kMin)) warning(context.diagnostics, 1114, owner, name, label);
+    if (neverZero(curve, kMax)) warning(context.diagnostics, 1115, owner, name, label);
 }
 
 } // namespace
 
 std::string_view curveLabel(CurveKind kind) { return rulesOf(kind).label; }
 
-void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_view text) {
+void openCrv(Context& context, CrvState& state, std::optional<Crv>& slot, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
-    if (slot) errorAtLine(run.diagnostics, 1100, label);
-    slot.emplace();
-    expectNoText(run, text, label, 1104);
-    beginCrv(run);
+    if (slot) errorAtLine(context.diagnostics, 1100, label);
+    expectNoText(context, text, label, 1104);
+    beginCrv(context, state, slot.emplace());
 }
 
-void beginCrv(Run& run) {
-    run.mdl.crv = CrvState{};
-    run.mdl.crv.begin_line = run.parse.line;
+void beginCrv(const Context& context, CrvState& state, Crv& curve) {
+    state = CrvState{};
+    curve.line = context.parse.line;
 }
 
-void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text) {
+void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
-    const TableRow row = readRow(run, text, label, kFirstWord);
-    const std::size_t count = appendRow(run.diagnostics, curve.rows, row);
-    followColumns(run, row, label);
-    if (row.state[kFirst] == CellState::na) errorAtLine(run.diagnostics, 1106);
+    const TableRow row = readRow(context, text, label, kFirstWord);
+    const std::size_t count = appendRow(context.diagnostics, curve.rows, row);
+    followColumns(context, state, row, label);
+    if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 1106);
     if (row.isNumber(kFirst)) {
-        CrvState& state = run.mdl.crv;
         followExtreme(state.lowest, row, row.value[kFirst] < state.lowest.voltage);
         followExtreme(state.highest, row, row.value[kFirst] > state.highest.voltage);
     }
-    if (count == kMaxRows + 1) errorAtLine(run.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
+    if (count == kMaxRows + 1) errorAtLine(context.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
 }
 
-void closeCrv(Run& run, const Crv& curve, CurveKind kind, std::string_view owner, std::string_view name,
-              std::optional<ModelType> type) {
+void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, std::string_view owner,
+              std::string_view name, std::optional<ModelType> type) {
     const CurveRules& rules = rulesOf(kind);
-    checkTableEnds(run.diagnostics, curve.rows, kEndsMessages, rules.label, run.mdl.crv.begin_line);
-    checkTrend(run, curve, rules, owner, name, trendOf(rules, type));
-    if (rules.crosses_zero) checkZeroCrossing(run, curve, rules.label, owner, name);
-    run.mdl.crv = CrvState{};
+    checkTableEnds(context.diagnostics, curve.rows, kEndsMessages, rules.label, curve.line);
+    checkTrend(context, state, curve, rules, owner, name, trendOf(rules, type));
+    if (rules.crosses_zero) checkZeroCrossing(context, curve, rules.label, owner, name);
 }
 
 std::vector<TableRow> sortedRows(const Crv& curve) {

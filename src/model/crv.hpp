@@ -10,11 +10,12 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 enum class ModelType : std::uint8_t;
 
 /// One I-V table: voltage (volts), then typical, minimum and maximum current (amperes), in file order.
 struct Crv {
+    std::uint32_t line = 0; ///< at which it began
     std::vector<TableRow> rows;
 };
 
@@ -48,7 +49,6 @@ struct CrvState {
         double voltage = 0.0;
         Cell current;
     };
-    std::uint32_t begin_line = 0;
     std::array<Trace, kColumns> traces{};
     Extreme lowest;
     Extreme highest;
@@ -59,18 +59,18 @@ struct CrvState {
 
 /// Opens a table at its keyword line; `text` is what follows the keyword. Reports 1100 (the old table is replaced) and
 /// 1104.
-void openCrv(Run& run, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
+void openCrv(Context& context, CrvState& state, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
 
-/// Forgets what was followed of the last table; the next one begins at this line.
-void beginCrv(Run& run);
+/// Begins a table that has been made at this line.
+void beginCrv(const Context& context, CrvState& state, Crv& curve);
 
 /// Reads one row into the open table. Reports what the row reader reports, notes 1110, then 1106 and 1107.
-void crvLine(Run& run, Crv& curve, CurveKind kind, std::string_view text);
+void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text);
 
 /// Ends the open table: 1108 or 1109, then the direction (1111, 1112) and zero-crossing (1113 to 1115) warnings, all
 /// without line. `owner` is "Model" or "Submodel"; a submodel has no type, which leaves out the direction.
-void closeCrv(Run& run, const Crv& curve, CurveKind kind, std::string_view owner, std::string_view name,
-              std::optional<ModelType> type);
+void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, std::string_view owner,
+              std::string_view name, std::optional<ModelType> type);
 
 /// The rows whose voltage is a number, ordered by voltage.
 [[nodiscard]] std::vector<TableRow> sortedRows(const Crv& curve);

@@ -1,6 +1,8 @@
 #include "model/dly.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <array>
@@ -91,11 +93,11 @@ void checkDelays(Diagnostics& diagnostics, const Delays& delays) {
 
 } // namespace
 
-Dly readDly(Run& run, std::string_view text, std::string_view model_name) {
-    const ItemList items = splitItems(run, text, kDelays);
-    reportCount(run.diagnostics, items.count, model_name);
+Dly readDly(Context& context, std::string_view text, std::string_view model_name) {
+    const ItemList items = splitItems(context, text, kDelays);
+    reportCount(context.diagnostics, items.count, model_name);
     Delays delays;
-    if (readCells(run.diagnostics, items, model_name, delays)) checkDelays(run.diagnostics, delays);
+    if (readCells(context.diagnostics, items, model_name, delays)) checkDelays(context.diagnostics, delays);
     return {delays[kRiseOn], delays[kRiseOff], delays[kFallOn], delays[kFallOff]};
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "reader/cmn.hpp"
+#include "reader/values.hpp"
 
 #include <string_view>
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// The four delays (seconds) of a scheduled driver; "NA" where not given.
 struct Dly {
@@ -18,6 +18,6 @@ struct Dly {
 
 /// Reads the delays behind the name of a scheduled model. Reports 4501, 4502 and what the cell reader reports; then,
 /// when every cell reads, which delays stand together and how they lie to one another (4504 to 4509).
-[[nodiscard]] Dly readDly(Run& run, std::string_view text, std::string_view model_name);
+[[nodiscard]] Dly readDly(Context& context, std::string_view text, std::string_view model_name);
 
 } // namespace kestrel

@@ -134,7 +134,7 @@ void closeSection(Run& run, const Mdl& model) {
     case Form::subparameters: checkSubparameters(run, model); break;
     case Form::curve: {
         const CurveField field = curveField(section);
-        closeCrv(run, *(model.*field.table), field.kind, "Model", model.name, model.model_type);
+        closeCrv(run, run.mdl.crv, *(model.*field.table), field.kind, "Model", model.name, model.model_type);
         break;
     }
     case Form::ramp: closeRamp(run, *model.ramp); break;
@@ -147,8 +147,8 @@ void closeSection(Run& run, const Mdl& model) {
     case Form::seriesCurrent:
         // Outside series models the keyword opened no table.
         if (run.mdl.series_block != nullptr) {
-            closeCrv(run, *run.mdl.series_block->series_current, CurveKind::seriesCurrent, "Model", model.name,
-                     model.model_type);
+            closeCrv(run, run.mdl.crv, *run.mdl.series_block->series_current, CurveKind::seriesCurrent, "Model",
+                     model.name, model.model_type);
         }
         break;
     case Form::seriesMosfet:
@@ -167,7 +167,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::range: readRangeKeyword(run, model, line); break;
     case Form::curve: {
         const CurveField field = curveField(line.key);
-        openCrv(run, model.*field.table, field.kind, line.text);
+        openCrv(run, run.mdl.crv, model.*field.table, field.kind, line.text);
         break;
     }
     case Form::ramp: openRamp(run, model.ramp, line.text); break;
@@ -193,7 +193,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         break;
     case Form::seriesCurrent:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
-            openCrv(run, block->series_current, CurveKind::seriesCurrent, line.text);
+            openCrv(run, run.mdl.crv, block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
     case Form::seriesMosfet:
@@ -209,7 +209,7 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     switch (formOf(line.key)) {
     case Form::curve: {
         const CurveField field = curveField(line.key);
-        crvLine(run, *(model.*field.table), field.kind, line.text);
+        crvLine(run, run.mdl.crv, *(model.*field.table), field.kind, line.text);
         break;
     }
     case Form::waveform: {
@@ -223,7 +223,7 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
     case Form::addSubmodel: readAddSubmodel(run, model, line.text); break;
     case Form::seriesCurrent:
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
-            crvLine(run, *block->series_current, CurveKind::seriesCurrent, line.text);
+            crvLine(run, run.mdl.crv, *block->series_current, CurveKind::seriesCurrent, line.text);
         }
         break;
     case Form::seriesMosfet:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/circuit.hpp"
+#include "external/circuit.hpp"
 #include "model/algmod.hpp"
 #include "model/ccorner.hpp"
 #include "model/crv.hpp"
@@ -100,8 +100,6 @@ struct MdlState {
     std::unique_ptr<ExtCkt> repeated_external; ///< of a second "[External Model]", which the model does not keep
     ExtCkt* external = nullptr;                ///< the external model being read
     CrvState crv;
-    RampState ramp;
-    WvfrmState wvfrm;
     Wvfrm* last_waveform = nullptr; ///< of the model being read; a composite current belongs to it
 };
 

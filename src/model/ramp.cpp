@@ -1,8 +1,11 @@
 #include "model/ramp.hpp"
 
-#include "ibis/run.hpp"
+#include "base/text.hpp"
 #include "model/table_ends.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
 #include "reader/line_form.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 
@@ -34,16 +37,16 @@ bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view 
 }
 
 /// Reads a cell "dV/dt" or "NA"; 1312 for any other, which leaves the corner as if it were missing.
-RampCorner readCorner(Run& run, std::string_view cell, std::string_view name, std::string_view word) {
-    const ItemList parts = splitItems(run, cell, 3, '/');
+RampCorner readCorner(Context& context, std::string_view cell, std::string_view name, std::string_view word) {
+    const ItemList parts = splitItems(context, cell, 3, '/');
     if (parts.count == 1 && equalsNoCase(parts[0], "NA")) return {.state = CellState::na};
     RampCorner corner;
-    if (parts.count == 3 && parts[1] == "/" && readPart(run.diagnostics, parts[0], name, word, corner.dv) &&
-        readPart(run.diagnostics, parts[2], name, word, corner.dt)) {
+    if (parts.count == 3 && parts[1] == "/" && readPart(context.diagnostics, parts[0], name, word, corner.dv) &&
+        readPart(context.diagnostics, parts[2], name, word, corner.dt)) {
         corner.state = CellState::number;
         return corner;
     }
-    errorAtLine(run.diagnostics, 1312, name, word, cell);
+    errorAtLine(context.diagnostics, 1312, name, word, cell);
     return {};
 }
 
@@ -69,21 +72,21 @@ void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_vi
 }
 
 /// Reads the cells behind a rate's name.
-RampRate readRate(Run& run, std::string_view text, std::string_view name) {
-    const ItemList cells = splitItems(run, text, kCorners);
-    reportCellCount(run.diagnostics, cells.count, name);
+RampRate readRate(Context& context, std::string_view text, std::string_view name) {
+    const ItemList cells = splitItems(context, text, kCorners);
+    reportCellCount(context.diagnostics, cells.count, name);
     RampRate rate;
     for (int i = 0; i < cells.kept; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        rate.corners[at] = readCorner(run, cells[i], name, kCornerWords[at]);
+        rate.corners[at] = readCorner(context, cells[i], name, kCornerWords[at]);
     }
-    checkCorners(run.diagnostics, rate, name);
+    checkCorners(context.diagnostics, rate, name);
     return rate;
 }
 
-void readLoad(Run& run, Ramp& ramp, std::string_view text) {
+void readLoad(Context& context, Ramp& ramp, std::string_view text) {
     std::optional<double> ohms;
-    readValueLine(run, text, kLoadMessages, {kLoadName, "Ramp", kLoadName}, ohms);
+    readValueLine(context, text, kLoadMessages, {kLoadName, "Ramp", kLoadName}, ohms);
     if (!ohms) return;
     ramp.r_load = *ohms;
     ramp.r_load_given = true;
@@ -91,35 +94,34 @@ void readLoad(Run& run, Ramp& ramp, std::string_view text) {
 
 } // namespace
 
-void openRamp(Run& run, std::optional<Ramp>& slot, std::string_view text) {
-    if (slot) errorAtLine(run.diagnostics, 1300);
+void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text) {
+    if (slot) errorAtLine(context.diagnostics, 1300);
     slot.emplace();
-    expectNoText(run, text, "Ramp", 1304);
-    run.mdl.ramp.begin_line = run.parse.line;
+    expectNoText(context, text, "Ramp", 1304);
+    slot->line = context.parse.line;
 }
 
-void rampLine(Run& run, Ramp& ramp, std::string_view text, std::string_view owner_name) {
+void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name) {
     std::string_view rest = text;
-    const std::string_view name = takeItem(run, rest, '=');
+    const std::string_view name = takeItem(context, rest, '=');
     const auto* const line = std::ranges::find(kRateLines, name, &RateLine::name);
     const bool is_rate = line != kRateLines.end();
     if (!is_rate && name != kLoadName) {
-        errorAtLine(run.diagnostics, 1305);
+        errorAtLine(context.diagnostics, 1305);
     } else if (is_rate ? (ramp.*line->rate).has_value() : ramp.r_load_given) {
-        errorAtLine(run.diagnostics, 1307, name, owner_name);
+        errorAtLine(context.diagnostics, 1307, name, owner_name);
     } else if (is_rate) {
-        ramp.*line->rate = readRate(run, rest, name);
+        ramp.*line->rate = readRate(context, rest, name);
     } else {
-        readLoad(run, ramp, text);
+        readLoad(context, ramp, text);
     }
 }
 
-void closeRamp(Run& run, const Ramp& ramp) {
+void closeRamp(Context& context, const Ramp& ramp) {
     for (const RateLine& line : kRateLines) {
         if ((ramp.*line.rate).has_value()) continue;
-        error(run.diagnostics, 1306, line.name, static_cast<std::int32_t>(run.mdl.ramp.begin_line));
+        error(context.diagnostics, 1306, line.name, static_cast<std::int32_t>(ramp.line));
     }
-    run.mdl.ramp = RampState{};
 }
 
 } // namespace kestrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/cmn.hpp"
+#include "reader/values.hpp"
 
 #include <array>
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// One corner of an edge rate: a voltage step (volts) over a time (seconds).
 struct RampCorner {
@@ -25,24 +25,20 @@ struct RampRate {
 
 /// "[Ramp]" of a model or submodel.
 struct Ramp {
+    std::uint32_t line = 0; ///< at which it began
     std::optional<RampRate> dv_dt_r;
     std::optional<RampRate> dv_dt_f;
     double r_load = 0.0; ///< ohms
     bool r_load_given = false;
 };
 
-/// The line at which the open ramp began.
-struct RampState {
-    std::uint32_t begin_line = 0;
-};
-
 /// Opens a ramp at its keyword line. Reports 1300 (the old one is replaced) and 1304.
-void openRamp(Run& run, std::optional<Ramp>& slot, std::string_view text);
+void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text);
 
 /// Reads a rate or load line. Reports 1304, 1305, 1307 to 1314; `owner_name` is the model's or submodel's name.
-void rampLine(Run& run, Ramp& ramp, std::string_view text, std::string_view owner_name);
+void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name);
 
 /// Ends the open ramp: reports the rates it lacks (1306, no line).
-void closeRamp(Run& run, const Ramp& ramp);
+void closeRamp(Context& context, const Ramp& ramp);
 
 } // namespace kestrel

@@ -38,7 +38,7 @@ void openSMos(Run& run, std::vector<SMos>& list, std::string_view text) {
     if (list.size() > kMaxTables) errorAtLine(run.diagnostics, 2811, static_cast<std::int32_t>(kMaxTables));
     expectNoText(run, text, curveLabel(CurveKind::seriesMosfet), 2801);
     mosfet.begin_line = run.parse.line;
-    beginCrv(run);
+    beginCrv(run, run.mdl.crv, mosfet.table);
 }
 
 void sMosLine(Run& run, SMos& mosfet, std::string_view text) {
@@ -46,7 +46,7 @@ void sMosLine(Run& run, SMos& mosfet, std::string_view text) {
     const std::string_view first = takeItem(run, rest, '=');
     if (first != kVds) {
         if (readFirstCell(first).beginsRow()) {
-            crvLine(run, mosfet.table, CurveKind::seriesMosfet, text);
+            crvLine(run, run.mdl.crv, mosfet.table, CurveKind::seriesMosfet, text);
         } else {
             errorAtLine(run.diagnostics, 2810);
         }
@@ -64,7 +64,7 @@ void closeSMos(Run& run, const SMos& mosfet, const Mdl& model) {
     if (!mosfet.vds && !mosfet.vds_refused) {
         error(run.diagnostics, 2807, static_cast<std::int32_t>(mosfet.begin_line));
     }
-    closeCrv(run, mosfet.table, CurveKind::seriesMosfet, "Model", model.name, model.model_type);
+    closeCrv(run, run.mdl.crv, mosfet.table, CurveKind::seriesMosfet, "Model", model.name, model.model_type);
 }
 
 void checkSMosVoltages(Run& run, const std::vector<SMos>& list, std::string_view model) {

@@ -1,6 +1,6 @@
 #include "model/smspec.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
 #include "reader/line_form.hpp"
 
 #include <algorithm>
@@ -26,27 +26,27 @@ constexpr RangeLineRules kRangeRules{CheckedMessage<>(2708), false};
 
 } // namespace
 
-void openSmSpec(Run& run, std::optional<SmSpec>& slot, std::string_view text) {
-    if (slot) errorAtLine(run.diagnostics, 2700);
+void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view text) {
+    if (slot) errorAtLine(context.diagnostics, 2700);
     slot.emplace();
-    expectNoText(run, text, "Submodel Spec", 2704);
+    expectNoText(context, text, "Submodel Spec", 2704);
 }
 
-void smSpecLine(Run& run, SmSpec& spec, std::string_view text, std::string_view submodel) {
-    const SpecRow* const row = takeSubparameter(run, kRows, text, 2706);
+void smSpecLine(Context& context, SmSpec& spec, std::string_view text, std::string_view submodel) {
+    const SpecRow* const row = takeSubparameter(context, kRows, text, 2706);
     if (row == nullptr) return;
     std::optional<Rng>& value = spec.*(row->value);
     if (value) {
-        errorAtLine(run.diagnostics, 2707, row->name, submodel);
+        errorAtLine(context.diagnostics, 2707, row->name, submodel);
     } else {
-        readRangeLine(run, text, row->name, kRangeRules, value);
+        readRangeLine(context, text, row->name, kRangeRules, value);
     }
 }
 
-void closeSmSpec(Run& run, const SmSpec& spec, std::string_view submodel) {
+void closeSmSpec(Context& context, const SmSpec& spec, std::string_view submodel) {
     const bool empty =
         std::ranges::none_of(kRows, [&spec](const SpecRow& row) { return (spec.*row.value).has_value(); });
-    if (empty) error(run.diagnostics, 2705, submodel);
+    if (empty) error(context.diagnostics, 2705, submodel);
 }
 
 } // namespace kestrel

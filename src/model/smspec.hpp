@@ -7,7 +7,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// "[Submodel Spec]": trigger voltages (volts) and the delay (seconds) until a bus holder lets go.
 struct SmSpec {
@@ -17,12 +17,12 @@ struct SmSpec {
 };
 
 /// Opens a spec at its keyword line. Reports 2700 (the old one is replaced) and 2704.
-void openSmSpec(Run& run, std::optional<SmSpec>& slot, std::string_view text);
+void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view text);
 
 /// Reads one line of it. Reports 2706 to 2708 and what the range reader reports.
-void smSpecLine(Run& run, SmSpec& spec, std::string_view text, std::string_view submodel);
+void smSpecLine(Context& context, SmSpec& spec, std::string_view text, std::string_view submodel);
 
 /// Reports a spec without any of its values (2705, no line).
-void closeSmSpec(Run& run, const SmSpec& spec, std::string_view submodel);
+void closeSmSpec(Context& context, const SmSpec& spec, std::string_view submodel);
 
 } // namespace kestrel

@@ -4,7 +4,7 @@
 #include "model/ramp.hpp"
 #include "model/smspec.hpp"
 #include "model/wvfrm.hpp"
-#include "reader/keyword.hpp"
+#include "reader/sections.hpp"
 
 #include <cstdint>
 #include <memory>
@@ -14,14 +14,11 @@
 
 namespace kestrel {
 
-struct Run;
-
 /// "Submodel_type".
 enum class SubmodelType : std::uint8_t { notGiven = 0, noType = 1, dynamicClamp = 2, busHold = 3, fallBack = 4 };
 
-/// One "[Submodel]".
-struct SubMdl {
-    std::string name; ///< at most 40 characters
+/// One "[Submodel]", whose name has at most 40 characters.
+struct SubMdl : RecordOf<SubjectKind::submodel> {
     SubmodelType type = SubmodelType::notGiven;
     std::optional<Crv> pulldown;
     std::optional<Crv> pullup;
@@ -35,20 +32,12 @@ struct SubMdl {
     std::optional<SmSpec> spec;
 };
 
-/// The submodel being read, null outside one, and its keyword whose lines are being read.
-struct SubMdlState {
-    SubMdl* current = nullptr;
-    KeywordCode section = KeywordCode::notKey;
+/// The submodel being read.
+struct SubMdlState : RecordState<SubMdl> {
+    CrvState crv; ///< of its open I-V table
 };
 
-/// Opens a submodel at "[Submodel]".
-void openSubMdl(Run& run);
-
-/// Told of every keyword: closes the section being read and, at a keyword that is not a submodel's own, checks and
-/// closes the submodel.
-void submdlKeywordSeen(Run& run, KeywordCode code);
-
-/// Reads a keyword line of a submodel or a data line under it.
-void submdlLine(Run& run, const Line& line);
+/// Reads submodels. At the end of one it is checked as a whole.
+extern const RecordModule<SubMdlState> kSubMdl;
 
 } // namespace kestrel

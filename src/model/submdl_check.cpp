@@ -1,6 +1,8 @@
 #include "model/submdl_check.hpp"
 
-#include "ibis/run.hpp"
+#include "model/submdl.hpp"
+#include "reader/context.hpp"
+#include "reader/values.hpp"
 
 #include <array>
 #include <memory>
@@ -85,7 +87,8 @@ bool isFaulty(Cell waveform, Cell waveform_typ, Cell trigger, Cell trigger_typ, 
     return fault == Side::above ? waveform.value > trigger.value : waveform.value < trigger.value;
 }
 
-void checkEnd(Run& run, std::string_view submodel, const TableRow& row, const Rng& trigger, const EndRule& rule) {
+void checkEnd(Context& context, std::string_view submodel, const TableRow& row, const Rng& trigger,
+              const EndRule& rule) {
     struct Corner {
         std::string_view word;
         Column column;
@@ -95,33 +98,33 @@ void checkEnd(Run& run, std::string_view submodel, const TableRow& row, const Rn
         {{"Typ", kTyp, trigger.typ}, {"Min", kMin, trigger.min}, {"Max", kMax, trigger.max}}};
     for (const Corner& corner : corners) {
         if (isFaulty(cellOf(row, corner.column), cellOf(row, kTyp), corner.trigger, trigger.typ, rule.fault)) {
-            warning(run.diagnostics, rule.message, submodel, corner.word);
+            warning(context.diagnostics, rule.message, submodel, corner.word);
         }
     }
 }
 
-void checkTrigger(Run& run, std::string_view submodel, const std::vector<std::unique_ptr<Wvfrm>>& waveforms,
+void checkTrigger(Context& context, std::string_view submodel, const std::vector<std::unique_ptr<Wvfrm>>& waveforms,
                   const std::optional<Rng>& trigger, const TriggerRule& rule) {
     if (!trigger || !trigger->typ.isNumber()) return;
     for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
         const std::vector<TableRow>& rows = waveform->rows;
         if (rows.empty() || !rows.front().isNumber(kTyp)) continue;
-        checkEnd(run, submodel, rows.front(), *trigger, rule.start);
-        checkEnd(run, submodel, rows.back(), *trigger, rule.end);
+        checkEnd(context, submodel, rows.front(), *trigger, rule.start);
+        checkEnd(context, submodel, rows.back(), *trigger, rule.end);
     }
 }
 
 } // namespace
 
-void checkSubMdl(Run& run, const SubMdl& submodel) {
+void checkSubMdl(Context& context, const SubMdl& submodel) {
     for (const TypeRule& rule : kTypeRules) {
         if (rule.type == submodel.type && rule.is_broken(submodel)) {
-            error(run.diagnostics, rule.message, submodel.name);
+            error(context.diagnostics, rule.message, submodel.name);
         }
     }
     if (!submodel.spec) return;
-    checkTrigger(run, submodel.name, submodel.rising, submodel.spec->v_trigger_r, kRisingRule);
-    checkTrigger(run, submodel.name, submodel.falling, submodel.spec->v_trigger_f, kFallingRule);
+    checkTrigger(context, submodel.name, submodel.rising, submodel.spec->v_trigger_r, kRisingRule);
+    checkTrigger(context, submodel.name, submodel.falling, submodel.spec->v_trigger_f, kFallingRule);
 }
 
 } // namespace kestrel

@@ -1,5 +1,7 @@
 #include "model/table_ends.hpp"
 
+#include "reader/values.hpp"
+
 #include <algorithm>
 
 namespace kestrel {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "reader/rngp.hpp"
 
 #include <array>

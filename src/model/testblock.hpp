@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/object_list.hpp"
+#include "base/object_list.hpp"
 #include "reader/enumeration.hpp"
 #include "reader/line_form.hpp"
 #include "reader/names.hpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/enum_set.hpp"
+#include "base/enum_set.hpp"
 #include "reader/enumeration.hpp"
 #include "reader/parse_state.hpp"
 

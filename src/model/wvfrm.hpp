@@ -10,10 +10,11 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// One voltage-versus-time table with its test fixture: time (seconds), then typical, minimum and maximum voltage.
 struct Wvfrm {
+    std::uint32_t line = 0;                   ///< at which it began
     std::optional<double> r_fixture;          ///< ohms
     std::optional<double> v_fixture;          ///< volts
     std::optional<double> v_fixture_min;      ///< volts
@@ -54,24 +55,19 @@ inline constexpr WaveformLabel kGndPulse{"GND Pulse", "GND Pulse Table", Wavefor
 inline constexpr WaveformLabel kPowerPulse{"POWER Pulse", "POWER Pulse Table", WaveformForm::pulse,
                                            OffsetLimit::notAboveZero};
 
-/// The line at which the open waveform began.
-struct WvfrmState {
-    std::uint32_t begin_line = 0;
-};
-
 /// Appends a waveform to its list at the keyword line and returns it. Reports 2000 (more than 100) and 2003.
-Wvfrm& openWvfrm(Run& run, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
+Wvfrm& openWvfrm(Context& context, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
                  std::string_view text);
 
 /// Opens a table that stands alone; the caller has dealt with an older one. Reports 2003, or 1703 in the form
 /// `current`.
-void openSingleWvfrm(Run& run, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
+void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
 
 /// Reads a fixture line or a table row. Reports 1704, 2003, 2010, 2011, 2013 to 2020 and what the row reader reports.
-void wvfrmLine(Run& run, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
+void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
 
 /// Ends the open waveform: 2004 (model waveforms), then 2005 and 2006, 2329 and 2330 or 1705 and 1706 by the form; of
 /// a pulse table also 2007, and 2008 or 2009. All without line.
-void closeWvfrm(Run& run, const Wvfrm& waveform, const WaveformLabel& label);
+void closeWvfrm(Context& context, const Wvfrm& waveform, const WaveformLabel& label);
 
 } // namespace kestrel

@@ -1,7 +1,8 @@
 #include "package/mtx.hpp"
 
+#include "base/text.hpp"
 #include "ibis/run.hpp"
-#include "reader/cmn.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <array>

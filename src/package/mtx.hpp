@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/text_hash.hpp"
+#include "base/text_hash.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,10 +1,10 @@
 #include "package/pkgmdl.hpp"
 
 #include "ibis/run.hpp"
-#include "package/number.hpp"
 #include "package/pkgpin.hpp"
 #include "package/row.hpp"
-#include "reader/cmn.hpp"
+#include "reader/names.hpp"
+#include "reader/number.hpp"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/row_index.hpp"
+#include "base/row_index.hpp"
 #include "package/mtx.hpp"
 #include "package/sect.hpp"
 #include "reader/keyword.hpp"

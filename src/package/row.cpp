@@ -1,8 +1,10 @@
 #include "package/row.hpp"
 
+#include "base/text.hpp"
 #include "ibis/run.hpp"
 #include "package/token.hpp"
-#include "reader/cmn.hpp"
+#include "reader/names.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "package/token.hpp"
-#include "reader/cmn.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <array>

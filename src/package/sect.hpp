@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/message.hpp"
+#include "diagnostics/message.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/message.hpp"
+#include "diagnostics/message.hpp"
 
 #include <array>
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 struct ItemList;
 
 /// Most optional columns that a table may name.
@@ -34,20 +34,21 @@ struct TableHeader {
 };
 
 /// Cuts the words of a header line, up to `most`, and counts their columns. Reports a line without words (528).
-ItemList readHeaderWords(Run& run, std::string_view keyword, TableColumns& columns, std::string_view text, int most);
+ItemList readHeaderWords(Context& context, std::string_view keyword, TableColumns& columns, std::string_view text,
+                         int most);
 
 /// Which of the words that are missing or other ones are reported.
 enum class WrongHeaders : bool { first, each };
 
 /// Holds the words to `expected`, in this order, of which the first `required` must be there. Reports 529.
-void expectHeaders(Run& run, TableColumns& columns, const ItemList& words, std::span<const std::string_view> expected,
-                   int required, WrongHeaders told);
+void expectHeaders(Context& context, TableColumns& columns, const ItemList& words,
+                   std::span<const std::string_view> expected, int required, WrongHeaders told);
 
 /// Reports a word behind the first `most` (530), for which readHeaderWords() must have left room.
-void expectNoMoreHeaders(Run& run, TableColumns& columns, const ItemList& words, int most);
+void expectNoMoreHeaders(Context& context, TableColumns& columns, const ItemList& words, int most);
 
 /// Reads a whole header line, unless it is a repeated one, which is reported so. Reports 528 to 532.
-void readTableHeader(Run& run, const TableHeader& header, TableColumns& columns, std::string_view text,
+void readTableHeader(Context& context, const TableHeader& header, TableColumns& columns, std::string_view text,
                      CheckedMessage<> repeated);
 
 /// How the columns of a row agree with its table.
@@ -61,7 +62,7 @@ enum class RowFit : std::uint8_t {
 [[nodiscard]] RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int count);
 
 /// The same, and reports at the line a row that does not fit; one that is not allowed with its number of columns.
-[[nodiscard]] RowFit fitRow(Run& run, const TableColumns& columns, std::span<const int> allowed, int count,
+[[nodiscard]] RowFit fitRow(Context& context, const TableColumns& columns, std::span<const int> allowed, int count,
                             CheckedMessage<ArgKind::integer> not_allowed, CheckedMessage<> not_named);
 
 } // namespace kestrel

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ibis/diagnostics.hpp"
-#include "reader/cmn.hpp"
+#include "base/text.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 #include <cstddef>
 #include <optional>
@@ -9,6 +9,8 @@
 #include <string_view>
 
 namespace kestrel {
+
+struct Context;
 
 /// One spelling of an enumerated setting. Tables are constexpr arrays; a version that knows fewer settings is given a
 /// span of the first rows.
@@ -79,7 +81,7 @@ struct SettingMessages {
 };
 
 /// The second item of a line "name setting"; reports any other number of items and then gives nothing.
-[[nodiscard]] std::optional<std::string_view> readSetting(Run& run, std::string_view line, std::string_view name,
-                                                          const SettingMessages& messages);
+[[nodiscard]] std::optional<std::string_view> readSetting(Context& context, std::string_view line,
+                                                          std::string_view name, const SettingMessages& messages);
 
 } // namespace kestrel

@@ -1,6 +1,6 @@
 #include "reader/keyword.hpp"
 
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -134,6 +135,9 @@ enum class KeywordCode : std::uint8_t {
     end = 119,
     notKey = 120
 };
+
+/// How many codes there are, the one for no keyword included.
+inline constexpr std::size_t kKeywordCodes = 121;
 
 /// The module whose handler receives a keyword and its data lines.
 enum class Owner : std::uint8_t {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "ibis/diagnostics.hpp"
-#include "reader/cmn.hpp"
+#include "diagnostics/diagnostics.hpp"
+#include "reader/items.hpp"
 #include "reader/rng.hpp"
+#include "reader/values.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -16,30 +17,30 @@
 /// no form of its own: takeItem() hands them out one by one.
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// A wrong number of items: their number, what has them, how many there should be.
 using CountMessage = CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer>;
 
 /// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
-void expectNoText(Run& run, std::string_view text, std::string_view keyword, CountMessage message);
+void expectNoText(Context& context, std::string_view text, std::string_view keyword, CountMessage message);
 
 /// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
-[[nodiscard]] std::string_view withoutEqualsSign(const Run& run, std::string_view text);
+[[nodiscard]] std::string_view withoutEqualsSign(const Context& context, std::string_view text);
 
 /// Reports, at the line, a line whose first item names nothing.
-void reportUnknownLine(Run& run, CheckedMessage<> message);
+void reportUnknownLine(Context& context, CheckedMessage<> message);
 
 /// The row of `rows` that the first item of a line names, which is taken off `text`; null, with `unknown` reported,
 /// when no row does.
 template <class Rows>
-auto takeSubparameter(Run& run, const Rows& rows, std::string_view& text, CheckedMessage<> unknown) {
-    const std::string_view name = takeItem(run, text, '=');
+auto takeSubparameter(Context& context, const Rows& rows, std::string_view& text, CheckedMessage<> unknown) {
+    const std::string_view name = takeItem(context, text, '=');
     const auto* row = std::data(rows);
     for (const auto* const end = row + std::size(rows); row != end; ++row) {
         if (row->name == name) return row;
     }
-    reportUnknownLine(run, unknown);
+    reportUnknownLine(context, unknown);
     return decltype(row){nullptr};
 }
 
@@ -75,7 +76,7 @@ struct ValueLine {
     ReadResult result = ReadResult::noNumber;
     double value = 0.0;
 };
-[[nodiscard]] ValueLine splitValueLine(const Run& run, std::string_view line);
+[[nodiscard]] ValueLine splitValueLine(const Context& context, std::string_view line);
 
 /// When a "name = number" line marks its value as given.
 enum class ValueGiven : std::uint8_t {
@@ -115,8 +116,8 @@ struct ValueLineWords {
 /// Reads the whole line "name = number" into `value`; that the value may be given only once has been tested before.
 /// Everything is reported at the line; fewer than three items and a second one other than "=" end it, more than three
 /// do not. True when the number read.
-bool readValueLine(Run& run, std::string_view text, const ValueLineMessages& messages, const ValueLineWords& words,
-                   std::optional<double>& value);
+bool readValueLine(Context& context, std::string_view text, const ValueLineMessages& messages,
+                   const ValueLineWords& words, std::optional<double>& value);
 
 /// What the lines "name word" of one block report.
 struct WordLineMessages {
@@ -127,8 +128,8 @@ struct WordLineMessages {
 
 /// The word of a line "name word", of which `rest` is what follows the name. One "=" before the word is passed over and
 /// not counted, one inside it is part of it; of several words the first is used. Reports at the line.
-[[nodiscard]] std::optional<std::string_view> readWordLine(Run& run, std::string_view rest, std::string_view name,
-                                                           const WordLineMessages& messages);
+[[nodiscard]] std::optional<std::string_view> readWordLine(Context& context, std::string_view rest,
+                                                           std::string_view name, const WordLineMessages& messages);
 
 /// How the lines "name typ min max" of one block are read.
 struct RangeLineRules {
@@ -139,7 +140,7 @@ struct RangeLineRules {
 
 /// Reads what follows the name of a line "name typ min max"; their order does not matter. A range of which a cell does
 /// not read is not stored (false); one whose typical value is "NA" is reported at the line and stored.
-bool readRangeLine(Run& run, std::string_view rest, std::string_view name, const RangeLineRules& rules,
+bool readRangeLine(Context& context, std::string_view rest, std::string_view name, const RangeLineRules& rules,
                    std::optional<Rng>& value);
 
 } // namespace kestrel

@@ -1,9 +1,52 @@
 #include "reader/names.hpp"
 
+#include "base/text.hpp"
+#include "reader/context.hpp"
+
+#include <algorithm>
 #include <array>
 #include <span>
 
 namespace kestrel {
+
+namespace {
+
+/// Most characters that a text kept whole may have.
+constexpr std::size_t kMaxWholeText = 1024;
+
+/// Largest limit that the messages about overlong texts admit to.
+constexpr std::uint32_t kMaxPrintedLimit = 2176;
+
+constexpr std::array<std::string_view, 5> kReservedWords{"GND", "NC", "POWER", "CIRCUITCALL", "NA"};
+
+/// What becomes of a text that is longer than its limit.
+enum class Overlong : bool { cut, keep };
+
+bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+               std::string_view keyword, Overlong overlong) {
+    if (!destination.empty()) {
+        errorAtLine(diagnostics, 1911, keyword);
+        return false;
+    }
+    if (text.empty()) {
+        errorAtLine(diagnostics, 1913, keyword);
+    }
+    const std::uint32_t printed_limit = std::min(limit, kMaxPrintedLimit);
+    if (overlong == Overlong::cut) {
+        if (text.size() > limit) {
+            errorAtLine(diagnostics, 1912, keyword, text, printed_limit);
+        }
+        destination = text.substr(0, limit);
+    } else {
+        if (text.size() > limit) {
+            errorAtLine(diagnostics, 1914, keyword, text, printed_limit);
+        }
+        destination = text.substr(0, kMaxWholeText);
+    }
+    return true;
+}
+
+} // namespace
 
 bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long) {
     name = cutName(text, limit);
@@ -12,6 +55,32 @@ bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view tex
     const std::size_t first = too_long.shows_name ? 0 : 1;
     const std::size_t end = too_long.shows_limit ? 2 : 1;
     reportRow(diagnostics, Severity::errorAtLine, too_long.row, std::span(args).subspan(first, end - first));
+    return false;
+}
+
+bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+                 std::string_view keyword) {
+    return storeOnce(diagnostics, destination, text, limit, keyword, Overlong::cut);
+}
+
+bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+                      std::string_view keyword) {
+    return storeOnce(diagnostics, destination, text, limit, keyword, Overlong::keep);
+}
+
+void requiredKeywordMissing(Context& context, std::string_view keyword) {
+    error(context.diagnostics, 1915, keyword, context.parse.file_name);
+}
+
+bool isReservedWord(std::string_view text) {
+    return std::ranges::any_of(kReservedWords, [text](std::string_view word) { return equalsNoCase(text, word); });
+}
+
+bool checkNotReserved(Diagnostics& diagnostics, std::string_view text) {
+    if (!isReservedWord(text)) {
+        return true;
+    }
+    errorAtLine(diagnostics, 1916, text);
     return false;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 
 #include <cstddef>
@@ -9,6 +9,8 @@
 #include <string_view>
 
 namespace kestrel {
+
+struct Context;
 
 /// Most characters of a pin name.
 [[nodiscard]] constexpr int pinNameLimit(IbisVersion version) { return version >= IbisVersion::v5 ? 8 : 5; }
@@ -68,5 +70,23 @@ struct NameTooLong {
 
 /// Stores a name cut to its limit; false when it was over it, which is reported at the line.
 bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long);
+
+/// Stores a text that may be given once, cut at `limit`: 1911 when `destination` holds text already (nothing is stored,
+/// false), 1912 when cut, 1913 when empty.
+bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+                 std::string_view keyword);
+
+/// The same, but an overlong text is reported with 1914 and stored whole, up to 1024 characters.
+bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+                      std::string_view keyword);
+
+/// Error 1915 (no line): the keyword is missing from the file being read.
+void requiredKeywordMissing(Context& context, std::string_view keyword);
+
+/// True for "GND", "NC", "POWER", "CIRCUITCALL" and "NA" in any case.
+[[nodiscard]] bool isReservedWord(std::string_view text);
+
+/// True when `text` is free to use; a reserved word reports 1916 and gives false.
+bool checkNotReserved(Diagnostics& diagnostics, std::string_view text);
 
 } // namespace kestrel

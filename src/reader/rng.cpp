@@ -1,6 +1,8 @@
 #include "reader/rng.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
+#include "reader/values.hpp"
 
 namespace kestrel {
 
@@ -29,9 +31,9 @@ bool typOutside(const Rng& range) {
 
 } // namespace
 
-bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check) {
-    Diagnostics& diagnostics = run.diagnostics;
-    const ItemList items = splitItems(run, text, kCells);
+bool readRange(Context& context, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check) {
+    Diagnostics& diagnostics = context.diagnostics;
+    const ItemList items = splitItems(context, text, kCells);
     reportCount(diagnostics, items.count, quantity);
     const bool typ = readCell(diagnostics, items[0], items.has(0), quantity, kCornerWords[0], range.typ);
     const bool min = readCell(diagnostics, items[1], items.has(1), quantity, kCornerWords[1], range.min);

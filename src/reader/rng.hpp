@@ -1,11 +1,13 @@
 #pragma once
 
-#include "reader/cmn.hpp"
+#include "reader/values.hpp"
 
 #include <array>
 #include <string_view>
 
 namespace kestrel {
+
+struct Context;
 
 /// The words for typical, minimum and maximum: of values that stand in the file, and of values that are missing.
 inline constexpr std::array<std::string_view, 3> kCornerWords{"Typical", "Minimum", "Maximum"};
@@ -24,7 +26,7 @@ enum class OrderCheck : bool { off, on };
 /// Reads "typ min max". Reports 3901 and 3902 (wrong number of items), what readCell reports under "Typical", "Minimum"
 /// and "Maximum", and 3903. True when every cell present could be read; `range` is filled as far as that went in any
 /// case.
-bool readRange(Run& run, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check);
+bool readRange(Context& context, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check);
 
 /// True when one of the numbers is negative.
 [[nodiscard]] bool anyBelowZero(const Rng& range);

@@ -1,6 +1,8 @@
 #include "reader/rngp.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
+#include "reader/values.hpp"
 
 namespace kestrel {
 
@@ -28,11 +30,11 @@ FirstCell readFirstCell(std::string_view item) {
     return first;
 }
 
-TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label,
+TableRow readRow(Context& context, std::string_view text, std::string_view table, std::string_view first_label,
                  const FirstCell& first) {
-    const ItemList items = splitItems(run, text, kItems);
+    const ItemList items = splitItems(context, text, kItems);
     if (items.count != kItems) {
-        reportCount(run.diagnostics, items.count, table);
+        reportCount(context.diagnostics, items.count, table);
     }
     // Where the line was split at more than blanks, the item read ahead is but a part of the row's.
     const bool is_read = first.result == ReadResult::number && first.item.size() == items[0].size();
@@ -42,7 +44,7 @@ TableRow readRow(Run& run, std::string_view text, std::string_view table, std::s
         Cell cell = first.cell;
         if (column > 0 || !is_read) {
             const std::string_view label = column == kFirst ? first_label : columnWord(static_cast<Column>(column));
-            readCell(run.diagnostics, items[column], items.has(column), table, label, cell);
+            readCell(context.diagnostics, items[column], items.has(column), table, label, cell);
         }
         row.value[at] = cell.value;
         row.state[at] = cell.state;

@@ -41,8 +41,8 @@ struct FirstCell {
 
 /// Reads one line of a table. Reports 1401 (missing columns), 1402 (number of items) and what readCell reports; a row
 /// is made whatever its cells hold, callers go by their states.
-[[nodiscard]] TableRow readRow(Run& run, std::string_view text, std::string_view table, std::string_view first_label,
-                               const FirstCell& first = {});
+[[nodiscard]] TableRow readRow(Context& context, std::string_view text, std::string_view table,
+                               std::string_view first_label, const FirstCell& first = {});
 
 /// Appends the row and returns the number of rows. With `repeats`, every earlier row of the same first-column value
 /// gives error 1403.

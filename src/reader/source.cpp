@@ -1,7 +1,8 @@
 #include "reader/source.hpp"
 
-#include "ibis/run.hpp"
-#include "reader/cmn.hpp"
+#include "base/text.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
 
 #include <algorithm>
 #include <array>
@@ -41,8 +42,8 @@ SourceText readFile(const std::string& path) {
     return text;
 }
 
-SourceText loadText(Run& run, const std::string& path) {
-    SourceStore& store = run.sources;
+SourceText loadText(Context& context, const std::string& path) {
+    SourceStore& store = context.sources;
     if (const auto given = store.texts.find(path); given != store.texts.end()) return given->second;
     if (store.last && store.last_path == path) return store.last;
     SourceText text = readFile(path);
@@ -90,16 +91,16 @@ bool completeName(Diagnostics& diagnostics, std::string& bare_name, FileKind kin
 
 /// Loads a source under its path as it is, in lower case or in upper case; the directory follows the spelling that was
 /// found.
-bool loadInAnyCase(Run& run, Source& source) {
+bool loadInAnyCase(Context& context, Source& source) {
     using Convert = void (*)(std::string&);
     constexpr std::array<Convert, 3> kSpellings{[](std::string&) {}, lowerCase, upperCase};
     for (const Convert convert : kSpellings) {
         std::string path = source.path;
         convert(path);
-        source.text = loadText(run, path);
+        source.text = loadText(context, path);
         if (!source.text) continue;
         source.path = path;
-        convert(run.parse.directory);
+        convert(context.parse.directory);
         return true;
     }
     return false;
@@ -142,12 +143,13 @@ std::string_view kindOfIllegal(char c) {
 
 /// Copies the line with a blank for each illegal character, reporting them; of an overlong line the rest is reported,
 /// too.
-std::string_view policeLine(Run& run, LineReader& reader, std::string_view line, std::size_t capacity) {
+std::string_view policeLine(Context& context, LineReader& reader, std::string_view line, std::size_t capacity) {
     reader.replaced.clear();
     for (const char c : line) {
         const bool room = reader.replaced.size() + 1 < capacity;
         if (isIllegal(c)) {
-            errorAtLine(run.diagnostics, 1917, kindOfIllegal(c), static_cast<unsigned>(static_cast<unsigned char>(c)),
+            errorAtLine(context.diagnostics, 1917, kindOfIllegal(c),
+                        static_cast<unsigned>(static_cast<unsigned char>(c)),
                         std::string_view(room ? "  Converting to space." : ""));
         }
         if (room) reader.replaced.push_back(isIllegal(c) ? ' ' : c);
@@ -172,29 +174,30 @@ std::optional<FileKind> kindOfName(std::string_view name) {
     return std::nullopt;
 }
 
-std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind, WhenAbsent absent) {
-    if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) assertionFailed(run.out, here());
-    const std::string& directory = run.parse.directory;
+std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind, WhenAbsent absent) {
+    if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath)
+        assertionFailed(context.out, here());
+    const std::string& directory = context.parse.directory;
     Source source;
-    source.bare_name = takeDirectory(run.parse.directory, name);
-    if (!completeName(run.diagnostics, source.bare_name, kind)) return std::nullopt;
+    source.bare_name = takeDirectory(context.parse.directory, name);
+    if (!completeName(context.diagnostics, source.bare_name, kind)) return std::nullopt;
     if (directory.size() + source.bare_name.size() > kMaxPath) {
-        error(run.diagnostics, 1904);
+        error(context.diagnostics, 1904);
         return std::nullopt;
     }
     source.path = directory + source.bare_name;
     try {
-        if (loadInAnyCase(run, source)) return source;
-        if (absent == WhenAbsent::report) error(run.diagnostics, 1905, directory, source.bare_name);
+        if (loadInAnyCase(context, source)) return source;
+        if (absent == WhenAbsent::report) error(context.diagnostics, 1905, directory, source.bare_name);
     } catch (const std::bad_alloc&) {
-        reportNoMemory(run.diagnostics, source.path);
+        reportNoMemory(context.diagnostics, source.path);
     } catch (const std::length_error&) {
-        reportNoMemory(run.diagnostics, source.path);
+        reportNoMemory(context.diagnostics, source.path);
     }
     return std::nullopt;
 }
 
-std::optional<std::string_view> readLine(Run& run, LineReader& reader, std::size_t capacity) {
+std::optional<std::string_view> readLine(Context& context, LineReader& reader, std::size_t capacity) {
     const std::string_view text = *reader.text;
     if (reader.next >= text.size()) return std::nullopt;
     const std::size_t feed = text.find('\n', reader.next);
@@ -203,24 +206,24 @@ std::optional<std::string_view> readLine(Run& run, LineReader& reader, std::size
     // A carriage return ahead of the line feed belongs to the line's end, a Ctrl-Z as last byte to the file's.
     const char closing = feed == std::string_view::npos ? '\x1a' : '\r';
     if (!line.empty() && line.back() == closing) line.remove_suffix(1);
-    if (reader.police && !isClean(line)) return policeLine(run, reader, line, capacity);
+    if (reader.police && !isClean(line)) return policeLine(context, reader, line, capacity);
     return line.substr(0, capacity - 1);
 }
 
-std::optional<std::string_view> readLongLine(Run& run, LineReader& reader) {
-    return readLine(run, reader, std::numeric_limits<std::size_t>::max());
+std::optional<std::string_view> readLongLine(Context& context, LineReader& reader) {
+    return readLine(context, reader, std::numeric_limits<std::size_t>::max());
 }
 
-IbisVersion scanVersion(Run& run, std::string_view name, FileKind kind, std::uint32_t& lines) {
-    const std::optional<Source> source = openSource(run, name.substr(0, kMaxPath), kind);
+IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, std::uint32_t& lines) {
+    const std::optional<Source> source = openSource(context, name.substr(0, kMaxPath), kind);
     if (!source) return IbisVersion::none;
     LineReader reader{.text = source->text};
-    while (const std::optional<std::string_view> text = readLine(run, reader, kScanCapacity)) {
+    while (const std::optional<std::string_view> text = readLine(context, reader, kScanCapacity)) {
         ++lines;
-        const std::string_view line = skipWhiteSpace(run, *text);
+        const std::string_view line = skipWhiteSpace(context, *text);
         if (!line.starts_with('[')) continue;
         if (!prefixEqualsNoCase(line, "[IBIS Ver]", 10) && !prefixEqualsNoCase(line, "[IBIS_Ver]", 10)) break;
-        const std::string_view value = skipWhiteSpace(run, line.substr(line.find(']') + 1));
+        const std::string_view value = skipWhiteSpace(context, line.substr(line.find(']') + 1));
         if (value.empty() || value.front() < '1' || value.front() > '5') break;
         return static_cast<IbisVersion>(value.front() - '0');
     }

@@ -11,7 +11,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 
 /// Longest file name and longest joined path, in characters.
 inline constexpr std::size_t kMaxPath = 1024;
@@ -48,7 +48,7 @@ enum class WhenAbsent : bool { report, leave };
 /// Completes, validates and opens `name`: adds a missing extension, tries the path as it is, then in lower, then in
 /// upper case. Keeps the directory part for companion files. Reports 1900 to 1906 and 1924 (no line) and returns
 /// nothing on failure.
-[[nodiscard]] std::optional<Source> openSource(Run& run, std::string_view name, FileKind kind,
+[[nodiscard]] std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind,
                                                WhenAbsent absent = WhenAbsent::report);
 
 /// Reads the lines of a source one by one.
@@ -62,13 +62,13 @@ struct LineReader {
 /// The next line without its line feed, cut to the capacity (terminator included, so one character less is kept);
 /// nothing at the end of the file. Reports each illegal character (1917), still under the count of the line before. The
 /// view holds until the next call.
-[[nodiscard]] std::optional<std::string_view> readLine(Run& run, LineReader& reader, std::size_t capacity);
+[[nodiscard]] std::optional<std::string_view> readLine(Context& context, LineReader& reader, std::size_t capacity);
 
 /// The same for .ami files, without a capacity.
-[[nodiscard]] std::optional<std::string_view> readLongLine(Run& run, LineReader& reader);
+[[nodiscard]] std::optional<std::string_view> readLongLine(Context& context, LineReader& reader);
 
 /// Finds the "[IBIS Ver]" line that must be the file's first keyword line and returns the version class of its first
 /// digit, `none` without one. `lines` grows by the lines looked at; it stays untouched when the file cannot be opened.
-[[nodiscard]] IbisVersion scanVersion(Run& run, std::string_view name, FileKind kind, std::uint32_t& lines);
+[[nodiscard]] IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, std::uint32_t& lines);
 
 } // namespace kestrel

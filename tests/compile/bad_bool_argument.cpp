@@ -1,4 +1,4 @@
 // expect: a message takes no bool
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::errorAtLine(diagnostics, 905, true); }

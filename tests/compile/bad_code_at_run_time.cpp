@@ -1,4 +1,4 @@
 // expect: is not a constant expression
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics, kestrel::MessageCode code) { kestrel::errorAtLine(diagnostics, code); }

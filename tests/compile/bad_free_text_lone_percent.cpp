@@ -1,4 +1,4 @@
 // expect: unknownConversionInMessageText
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::errorText(diagnostics, "100 %"); }

@@ -1,4 +1,4 @@
 // expect: wrongArgumentTypeForMessageText
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::errorAtLine(diagnostics, 916, 1.5); }

@@ -1,5 +1,5 @@
 // expect: not an argument of a message
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 struct Name {};
 void report(kestrel::Diagnostics& diagnostics, Name name) { kestrel::errorAtLine(diagnostics, 916, name); }

@@ -1,4 +1,4 @@
 // expect: a message takes no pointer
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics, const char* name) { kestrel::errorAtLine(diagnostics, 916, name); }

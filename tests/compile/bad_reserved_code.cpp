@@ -1,4 +1,4 @@
 // expect: messageIsReserved
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::error(diagnostics, 140); }

@@ -1,4 +1,4 @@
 // expect: tooFewArgumentsForMessageText
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::errorAtLine(diagnostics, 1912, "Date", "text"); }

@@ -1,4 +1,4 @@
 // expect: tooManyArgumentsForMessageText
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::warningAtLine(diagnostics, 921, 1); }

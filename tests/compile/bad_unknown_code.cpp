@@ -1,4 +1,4 @@
 // expect: noSuchMessageCode
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 void report(kestrel::Diagnostics& diagnostics) { kestrel::errorAtLine(diagnostics, 925); }

@@ -1,5 +1,5 @@
 // Every kind of argument that a message takes; the bad_ files beside this one are refused for their one fault.
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 #include <cstdint>
 #include <string>

@@ -1,10 +1,10 @@
 // Parameter files of algorithmic models: brackets, sections, parameters and the reserved ones.
 
+#include "ami/check.hpp"
 #include "check_text.hpp"
 #include "codes.hpp"
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "model/algmod_check.hpp"
-#include "reader/parse.hpp"
 
 #include <fstream>
 #include <iterator>

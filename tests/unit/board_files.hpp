@@ -1,8 +1,8 @@
 #pragma once
 
 #include "codes.hpp"
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "reader/parse.hpp"
 
 #include <memory>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "reader/parse.hpp"
 
 #include <memory>
 #include <string>

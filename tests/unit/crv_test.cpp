@@ -22,9 +22,10 @@ constexpr auto kModel = ModelType::io;
 struct Table : TableRun {
     void read(CurveKind kind, std::string_view text, std::string_view rows) {
         ++run.parse.line;
-        openCrv(run, slot, kind, text);
-        lines(rows, [&](std::string_view line) { crvLine(run, *slot, kind, line); });
+        openCrv(run, state, slot, kind, text);
+        lines(rows, [&](std::string_view line) { crvLine(run, state, *slot, kind, line); });
     }
+    CrvState state;
     std::optional<Crv> slot;
 };
 
@@ -32,7 +33,7 @@ std::string messages(CurveKind kind, std::string_view rows, std::optional<ModelT
                      std::string_view owner = "Model") {
     Table table;
     table.read(kind, "", rows);
-    closeCrv(table.run, *table.slot, kind, owner, "drv", type);
+    closeCrv(table.run, table.state, *table.slot, kind, owner, "drv", type);
     return table.printed();
 }
 
@@ -187,7 +188,7 @@ TEST(Crv, aSecondTableReplacesTheFirst) {
     Table table;
     table.read(CurveKind::pullup, "", "0 5 NA NA\n9 4 NA NA\n1 3 NA NA");
     table.read(CurveKind::pullup, "or two", "4 1 NA NA\n3 2 NA NA");
-    closeCrv(table.run, *table.slot, CurveKind::pullup, "Model", "drv", kModel);
+    closeCrv(table.run, table.state, *table.slot, CurveKind::pullup, "Model", "drv", kModel);
     EXPECT_EQ(table.printed(),
               "N1110 (line 4) - Pullup Voltage data is non-monotonic\n"
               "E1100 (line 5) - Pullup Already Defined\n"

@@ -1,6 +1,6 @@
 // The layout of diagnostics to the character, what silences and counts them, and the summary.
 
-#include "ibis/diagnostics.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 #include <cstdint>
 #include <cstdio>

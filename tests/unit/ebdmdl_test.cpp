@@ -1,6 +1,6 @@
 // Board descriptions: keywords, pin list, map, completion, and following designators into other files.
 
-#include "package/ebdmdl.hpp"
+#include "board/ebdmdl.hpp"
 
 #include "board_files.hpp"
 

@@ -1,6 +1,6 @@
 // Paths of boards: tokens, forks, what they hang together as.
 
-#include "package/ebdpath.hpp"
+#include "board/ebdpath.hpp"
 
 #include "board_files.hpp"
 

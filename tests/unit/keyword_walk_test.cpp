@@ -1,7 +1,7 @@
 // No keyword of any version takes the lines under it without a word: each is stored or reported.
 
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "reader/parse.hpp"
 
 #include <algorithm>
 #include <array>

@@ -2,9 +2,9 @@
 
 #include "main/options.hpp"
 
+#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/dump.hpp"
-#include "reader/parse.hpp"
 
 #include <algorithm>
 #include <array>

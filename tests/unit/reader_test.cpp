@@ -1,6 +1,5 @@
 #include "check_text.hpp"
 #include "codes.hpp"
-#include "reader/cmn.hpp"
 
 #include <csignal>
 #include <fstream>
@@ -171,7 +170,7 @@ TEST(Reader, aLongRunOfBlanksIsTheOneAbort) {
     kestrel::Run run(errors);
     run.sources.texts["test.ibs"] = std::make_shared<const std::string>(text + std::string(121, ' ') + "\n[End]\n");
     EXPECT_EXIT(static_cast<void>(checkFile(run, "test.ibs", FileKind::ibs)), ::testing::KilledBySignal(SIGABRT),
-                "cmn\\.cpp:[0-9]+:assertion failed\\.\n$");
+                "items\\.cpp:[0-9]+:assertion failed\\.\n$");
 }
 
 /// The report of a keyword that is tried behind a header, reduced to whether the reader knows it.

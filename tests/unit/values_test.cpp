@@ -1,10 +1,14 @@
 // Items, numbers, cells, ranges and table rows: what every keyword reads its values through.
 
+#include "reader/values.hpp"
+
+#include "base/string_list.hpp"
+#include "base/text.hpp"
 #include "ibis/run.hpp"
-#include "reader/cmn.hpp"
+#include "reader/items.hpp"
+#include "reader/names.hpp"
 #include "reader/rng.hpp"
 #include "reader/rngp.hpp"
-#include "reader/string.hpp"
 
 #include <algorithm>
 #include <array>
@@ -95,7 +99,7 @@ TEST(WhiteSpaceDeathTest, aborts) {
     Output out(stderr);
     kestrel::Run run(out); // every test has a Run of its own
     const auto killed = testing::KilledBySignal(SIGABRT);
-    const std::string message = "^cmn\\.cpp:[0-9]+:assertion failed\\.\n$";
+    const std::string message = "^items\\.cpp:[0-9]+:assertion failed\\.\n$";
     EXPECT_EXIT((void)skipWhiteSpace(run, blanks(121) + "x"), killed, message);
     EXPECT_EXIT((void)splitItems(run, "a" + blanks(121) + "b", 2), killed, message);
     EXPECT_EXIT((void)splitItems(run, "a" + blanks(121), 2), killed, message);

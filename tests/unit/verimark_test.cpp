@@ -3,7 +3,7 @@
 
 #include "main/verimark.hpp"
 
-#include "ibis/output.hpp"
+#include "base/output.hpp"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,0 +1,250 @@
+#include "reader/values.hpp"
+
+#include "ami/leaf.hpp"
+#include "reader/context.hpp"
+
+#include <algorithm>
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::array<EnumerationRow<bool>, 2> kBooleans{{{"True", true}, {"False", false}}};
+
+const AmiFormatRow& rowOf(AmiFormat format) { return kAmiFormats[static_cast<std::size_t>(format)]; }
+
+std::string_view nameOf(AmiType type) { return kAmiTypes[static_cast<std::size_t>(type)].text; }
+
+constexpr std::string_view kDefault = kAmiParts[static_cast<std::size_t>(AmiPart::initial)].text;
+
+bool isWholeNumber(std::string_view text) {
+    if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
+    return !text.empty() && std::ranges::all_of(text, isDigit);
+}
+
+/// What stands in some items, taken together.
+struct Contents {
+    int texts = 0;
+    bool has_nodes = false;
+};
+
+Contents contentsOf(AmiItems items) {
+    Contents contents;
+    for (const AmiItem& item : items) {
+        if (item.is_node != 0) {
+            contents.has_nodes = true;
+        } else {
+            ++contents.texts;
+        }
+    }
+    return contents;
+}
+
+void reportNodes(AmiCheck& check, const AmiLeaf& leaf, AmiItems items) {
+    for (const AmiItem& item : items) {
+        if (item.is_node != 0) reportUnknownAmiItem(check, leaf, item);
+    }
+}
+
+/// True when `value` is one of the type; otherwise it is reported. `part` tells where it stands.
+bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiItem& value, std::string_view part) {
+    double number = 0.0;
+    switch (type) {
+    case AmiType::text: return true;
+    case AmiType::boolean: {
+        const auto hit = lookUpEnumeration(kBooleans, value.text);
+        if (value.quoted != 0 || hit.row == nullptr) break;
+        if (hit.exact) return true;
+        errorAtLine(at(check, value), 4636, leaf.name(), part, shown(value.text), hit.row->text);
+        return false;
+    }
+    case AmiType::integer:
+        if (value.quoted == 0 && isWholeNumber(value.text)) return true;
+        break;
+    case AmiType::real:
+    case AmiType::tap:
+    case AmiType::unitInterval:
+        if (value.quoted == 0 && readScaled(value.text, number) == ReadResult::number) return true;
+        break;
+    }
+    errorAtLine(at(check, value), 4638, leaf.name(), shown(value.text), nameOf(type));
+    return false;
+}
+
+/// A value that was checked to be a number.
+double numberOf(const AmiItem& value) {
+    double number = 0.0;
+    return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
+}
+
+/// The columns of a table and what they hold.
+class Table {
+public:
+    explicit Table(const AmiLeaf& leaf) : leaf_(leaf), columns_(leaf.type_words > 1 ? leaf.type_words : 0) {
+        for (const AmiItem& row : leaf.values) {
+            if (row.is_node == 0) continue;
+            if (first_ == nullptr) first_ = &row;
+            if (isLabels(row)) continue;
+            const Contents contents = contentsOfRow(row);
+            if (columns_ == 0 && !contents.has_nodes) columns_ = contents.texts;
+            if (contents.texts > 0 || contents.has_nodes) ++rows_;
+        }
+    }
+
+    /// Rows with values; the labels are none.
+    [[nodiscard]] int rows() const { return rows_; }
+
+    void checkCounts(AmiCheck& check) const {
+        for (const AmiItem& row : leaf_.values) {
+            if (row.is_node == 0) {
+                reportAmiText(check, row, *leaf_[AmiPart::format].word);
+                continue;
+            }
+            const Contents contents = contentsOfRow(row);
+            if (contents.has_nodes) reportNodes(check, leaf_, itemsOf(row));
+            const int columns = contents.texts - (isLabels(row) ? 1 : 0);
+            if (contents.has_nodes || columns == columns_ || columns_ == 0) continue;
+            errorAtLine(at(check, row), 4646, leaf_.name(), columns, columns_);
+        }
+    }
+
+    [[nodiscard]] bool checkValues(AmiCheck& check) const {
+        return std::ranges::all_of(leaf_.values, [&](const AmiItem& row) {
+            return row.is_node == 0 || isLabels(row) || checkRow(check, row);
+        });
+    }
+
+private:
+    /// The first row may name the columns.
+    [[nodiscard]] bool isLabels(const AmiItem& row) const {
+        return &row == first_ && row.text == "Labels" && row.quoted == 0;
+    }
+
+    /// The name of a row is its first column.
+    static Contents contentsOfRow(const AmiItem& row) {
+        Contents contents = contentsOf(itemsOf(row));
+        if (row.hasName()) ++contents.texts;
+        return contents;
+    }
+
+    [[nodiscard]] bool checkRow(AmiCheck& check, const AmiItem& row) const {
+        std::size_t column = 0;
+        const auto check_cell = [&](const AmiItem& cell) {
+            const std::optional<AmiType> type = typeOf(column++);
+            return !type || checkValue(check, leaf_, *type, cell, rowOf(AmiFormat::table).text);
+        };
+        if (row.hasName() && !check_cell(row)) return false;
+        return std::ranges::all_of(itemsOf(row),
+                                   [&](const AmiItem& cell) { return cell.is_node != 0 || check_cell(cell); });
+    }
+
+    /// None for a column of unknown type, nor for one too many, which was reported.
+    [[nodiscard]] std::optional<AmiType> typeOf(std::size_t column) const {
+        if (leaf_.column_types.empty()) return leaf_.type;
+        return column < leaf_.column_types.size() ? std::optional(leaf_.column_types[column].type) : std::nullopt;
+    }
+
+    const AmiLeaf& leaf_;
+    const AmiItem* first_ = nullptr; ///< of the rows
+    int columns_;                    ///< 0: no row tells
+    int rows_ = 0;
+};
+
+/// True when the format may have values of the type; a parameter without one of the two counts as right.
+bool checkFormatType(AmiCheck& check, const AmiLeaf& leaf) {
+    if (!leaf.format) return true;
+    const AmiFormatRow& row = rowOf(*leaf.format);
+    const auto unfit = firstTypeOutside(leaf, row.types);
+    if (unfit) errorAtLine(at(check, *leaf[AmiPart::format].word), 4639, leaf.name(), row.text, nameOf(unfit->type));
+    return !unfit;
+}
+
+/// True when the format has as many values as it needs; `table` is there if that is a table.
+bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
+    if (!leaf.format) return false;
+    const AmiFormatRow& row = rowOf(*leaf.format);
+    Contents contents;
+    if (table) {
+        table->checkCounts(check);
+        contents.texts = table->rows();
+    } else {
+        contents = contentsOf(leaf.values);
+        if (contents.has_nodes) {
+            reportNodes(check, leaf, leaf.values);
+            return false;
+        }
+    }
+    const bool at_least = table || *leaf.format == AmiFormat::list;
+    const bool pair = *leaf.format == AmiFormat::corner && check.rules.first_version && contents.texts == 2;
+    if (pair || contents.texts == row.values || (at_least && contents.texts > row.values)) return true;
+    errorAtLine(at(check, *leaf[AmiPart::format].word), 4637, leaf.name(), row.text, contents.texts, row.values);
+    return false;
+}
+
+/// Stops at the first value that is none of the type.
+bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
+    if (table) return table->checkValues(check);
+    return !leaf.format || !leaf.type || std::ranges::all_of(leaf.values, [&](const AmiItem& value) {
+        return value.is_node != 0 || checkValue(check, leaf, *leaf.type, value, rowOf(*leaf.format).text);
+    });
+}
+
+/// The formats that begin with typical value, minimum and maximum.
+constexpr AmiFormatSet kOrdered{AmiFormat::range, AmiFormat::increment, AmiFormat::steps};
+
+struct Bounds {
+    double min;
+    double max;
+};
+
+/// Checks the order of a complete list of numbers; without a fault in it, returns the bounds.
+std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf) {
+    AmiItems::Iterator value = leaf.values.begin();
+    const double typ = numberOf(*value++);
+    const double min = numberOf(*value++);
+    const double max = numberOf(*value++);
+    const std::string_view format = rowOf(*leaf.format).text;
+    const bool ordered = min <= typ && typ <= max;
+    if (!ordered) errorAtLine(at(check, *leaf[AmiPart::format].word), 4643, leaf.name(), format);
+    if (value != leaf.values.end() && numberOf(*value) <= 0.0) {
+        const std::string_view what = leaf.format == AmiFormat::steps ? "count" : "delta";
+        errorAtLine(at(check, *value), 4644, leaf.name(), what, format);
+    }
+    return ordered ? std::optional(Bounds{min, max}) : std::nullopt;
+}
+
+bool isMember(AmiItems list, const AmiItem& value) {
+    return std::ranges::any_of(list, [&](const AmiItem& item) { return item.text == value.text; });
+}
+
+} // namespace
+
+void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
+    std::optional<Table> table;
+    if (leaf.format == AmiFormat::table) table.emplace(leaf);
+
+    leaf.format_fits = checkFormatType(check, leaf);
+    const bool complete = checkValueCount(check, leaf, table) && leaf.format_fits;
+    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf, table);
+
+    const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
+    std::optional<Bounds> bounds;
+    if (has_numbers && kOrdered.has(*leaf.format)) bounds = checkOrder(check, leaf);
+
+    const AmiItem* const initial = leaf[AmiPart::initial].word;
+    if (initial == nullptr) return;
+    if (leaf.format == AmiFormat::value && !check.rules.first_version) {
+        warningAtLine(at(check, *initial), 4648, leaf.name());
+    }
+    if (!leaf.good_values || !leaf.type) return;
+    leaf.good_default = checkValue(check, leaf, *leaf.type, *initial, kDefault);
+    if (!leaf.good_default) return;
+    const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
+                         (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
+    leaf.default_outside = outside;
+    if (outside) {
+        warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
+    }
+}
+
+} // namespace kestrel

@@ -1,0 +1,137 @@
+#include "board/ebdcheck.hpp"
+
+#include "base/text.hpp"
+#include "ibis/run.hpp"
+#include "reader/names.hpp"
+
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace kestrel {
+
+namespace {
+
+void checkTexts(Run& run, const EbdMdl& board) {
+    if (board.name.empty()) {
+        error(run.diagnostics, 4308);
+    }
+    if (board.manufacturer.empty()) {
+        error(run.diagnostics, 4333, std::string_view("Manufacturer"), board.name);
+    }
+    if (board.number_of_pins == 0) {
+        error(run.diagnostics, 4315, board.name);
+    }
+}
+
+/// A supply pin is connected to its plane without a path.
+bool isRail(std::string_view signal_name) {
+    return prefixEqualsNoCase(signal_name, "POWER", 5) || prefixEqualsNoCase(signal_name, "GND", 3);
+}
+
+void checkReferences(Run& run, const EbdPin& pin, std::int32_t references) {
+    if (references == 0) {
+        if (!isReservedWord(pin.signal_name) && !isRail(pin.signal_name)) {
+            error(run.diagnostics, 4328, pin.name);
+        }
+    } else if (isRail(pin.signal_name)) {
+        warning(run.diagnostics, 4329, pin.name);
+    } else if (references > 1) {
+        error(run.diagnostics, 4330, pin.name, references);
+    }
+}
+
+void checkPins(Run& run, const EbdMdl& board) {
+    if (!run.ebdmdl.pin_list_seen) {
+        error(run.diagnostics, 4326);
+        return;
+    }
+    if (board.number_of_pins != 0 && board.pins.empty()) {
+        error(run.diagnostics, 4327);
+        return;
+    }
+    std::unordered_map<std::string_view, std::int32_t> references;
+    for (const EbdPath& path : board.paths) {
+        for (const std::string& pin : path.pins) {
+            ++references[pin];
+        }
+    }
+    for (const EbdPin& pin : board.pins) {
+        const auto at = references.find(pin.name);
+        checkReferences(run, pin, at == references.end() ? 0 : at->second);
+    }
+    if (board.pins.size() != board.number_of_pins) {
+        error(run.diagnostics, 4331, board.number_of_pins, board.pins.size());
+    }
+}
+
+/// Elements hang only from elements that were read before them, so one pass in reading order meets every branch from
+/// its beginning.
+void checkPath(Run& run, const EbdMdl& board, const EbdPath& path) {
+    const std::vector<ChainElement>& elements = path.chain.elements;
+    if (elements.empty()) {
+        error(run.diagnostics, 4356, path.name);
+        return;
+    }
+    std::vector<bool> behind_nc(elements.size()); // on the same branch
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        const ChainElement& element = elements[i];
+        const bool is_nc = element.kind == ElementKind::nc;
+        if (element.next != kNoElement) {
+            if (is_nc && !behind_nc[i]) {
+                error(run.diagnostics, 4357, path.name);
+            }
+            behind_nc[element.next] = is_nc || behind_nc[i];
+        }
+        if (element.kind == ElementKind::pin) {
+            const std::string& pin = path.pins[element.payload];
+            if (!board.pin_names.contains(pin)) {
+                error(run.diagnostics, 4358, pin, path.name);
+            }
+        } else if (element.kind == ElementKind::node) {
+            const std::string& designator = path.nodes[element.payload].designator;
+            if (!run.ebdmdl.designators.contains(designator)) {
+                error(run.diagnostics, 4359, designator, path.name);
+            }
+        }
+    }
+}
+
+void checkPaths(Run& run, const EbdMdl& board) {
+    if (board.paths.empty()) {
+        error(run.diagnostics, 4355, board.name);
+    }
+    for (const EbdPath& path : board.paths) {
+        checkPath(run, board, path);
+    }
+}
+
+void warnOfUnusedDesignators(Run& run, const EbdMdl& board) {
+    std::unordered_set<std::string_view> used;
+    for (const EbdPath& path : board.paths) {
+        for (const EbdNode& node : path.nodes) {
+            used.insert(node.designator);
+        }
+    }
+    for (const EbdRefDes& entry : board.refdes_map) {
+        if (!used.contains(entry.designator)) {
+            warningText(run.diagnostics, "Reference designator %s, %s, %s not used in any path description",
+                        entry.designator, entry.file_name, entry.component);
+        }
+    }
+}
+
+} // namespace
+
+void checkBoard(Run& run, const EbdMdl& board) {
+    checkTexts(run, board);
+    checkPins(run, board);
+    if (!run.ebdmdl.end_board_description_seen) {
+        error(run.diagnostics, 4332);
+    }
+    checkPaths(run, board);
+    warnOfUnusedDesignators(run, board);
+}
+
+} // namespace kestrel

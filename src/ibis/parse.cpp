@@ -1,0 +1,346 @@
+#include "ibis/parse.hpp"
+
+#include "ami/check.hpp"
+#include "base/make_room.hpp"
+#include "base/text.hpp"
+#include "ibis/modules.hpp"
+#include "ibis/run.hpp"
+#include "package/pkgmdl.hpp"
+#include "reader/items.hpp"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace kestrel {
+
+namespace {
+
+void announce(Run& run, std::string_view name, std::string_view version) {
+    if (run.parse.quiet) return;
+    std::string text("\nChecking ");
+    text.append(name).append(" for IBIS ").append(version).append(" Compatibility...\n\n");
+    run.out.write(text);
+}
+
+void resetReader(ParseState& parse, FileKind kind) {
+    parse.kind = kind;
+    parse.line = 0;
+    parse.tab_warned = false;
+    parse.comment = '|';
+    parse.file_name.clear();
+    parse.current = KeywordCode::notKey;
+    parse.version_seen = false;
+    parse.end_seen = false;
+    parse.submodel_context = false;
+    parse.continuation_pending = false;
+}
+
+/// Length and TAB checks of a line that has been read and counted.
+void finishLine(Run& run, std::string_view line) {
+    const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
+    if (line.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 905, limit);
+    if (!run.parse.tab_warned && line.find('\t') != std::string_view::npos) {
+        run.parse.tab_warned = true;
+        warningAtLine(run.diagnostics, 921);
+    }
+}
+
+/// Classifies a line by what stands behind its leading white space.
+LineKind classify(Run& run, std::string_view line, std::string_view body) {
+    if (body.empty()) return LineKind::blank;
+    if (body.front() != '[') return body.front() == run.parse.comment ? LineKind::blank : LineKind::data;
+    if (body.size() == line.size()) return LineKind::keyword;
+    // The free texts of the header may hold bracketed words.
+    if (isBetween(run.parse.current, KeywordCode::source, KeywordCode::copyright)) return LineKind::data;
+    errorAtLine(run.diagnostics, 906);
+    return LineKind::keyword;
+}
+
+bool isCommentCharLine(std::string_view line) {
+    constexpr std::size_t kLength = 14;
+    return prefixEqualsNoCase(line, "[COMMENT_CHAR]", kLength) || prefixEqualsNoCase(line, "[COMMENT CHAR]", kLength);
+}
+
+/// What follows the first "]" of a keyword line and its white space.
+std::string_view textAfterKeyword(const Run& run, std::string_view line) {
+    return skipWhiteSpace(run, line.substr(line.find(']') + 1));
+}
+
+/// "[Comment Char] #_char": the new character counts at once, also for the rest of its line.
+void changeCommentChar(Run& run, std::string_view line) {
+    constexpr std::string_view kSuffix = "_char";
+    constexpr std::string_view kForbidden = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ[]._/=+-";
+    const std::string_view text = textAfterKeyword(run, line);
+    if (text.empty() || text.substr(1, kSuffix.size()) != kSuffix) {
+        errorAtLine(run.diagnostics, 917);
+        return;
+    }
+    const char wanted = text.front();
+    if (kForbidden.find(wanted) != std::string_view::npos) {
+        errorAtLine(run.diagnostics, 918, wanted);
+        return;
+    }
+    run.parse.comment = wanted;
+    const std::string_view rest = skipWhiteSpace(run, text.substr(1 + kSuffix.size()));
+    if (!rest.empty() && rest.front() != wanted) errorAtLine(run.diagnostics, 919);
+}
+
+/// Some names belong to several keywords; which one is meant follows from where they stand.
+KeywordCode inContext(const ParseState& parse, KeywordCode code) {
+    using K = KeywordCode;
+    if (code == K::manufacturer) {
+        if (isBetween(parse.current, K::definePackageModel, K::description)) return K::packageManufacturer;
+        if (isBetween(parse.current, K::beginBoardDescription, K::boardManufacturer)) return K::boardManufacturer;
+        return code;
+    }
+    // Whatever the version: the oldest table, which also serves a version that was refused, lacks the board's keyword,
+    // and the program bug that handOn makes of it is meant.
+    if (code == K::numberOfPins && parse.kind == FileKind::ebd) return K::boardNumberOfPins;
+    if (!parse.submodel_context) return code;
+    switch (code) {
+    case K::pulldown: return K::submodelPulldown;
+    case K::pullup: return K::submodelPullup;
+    case K::gndClamp: return K::submodelGndClamp;
+    case K::powerClamp: return K::submodelPowerClamp;
+    case K::ramp: return K::submodelRamp;
+    case K::risingWaveform: return K::submodelRisingWaveform;
+    case K::fallingWaveform: return K::submodelFallingWaveform;
+    default: return code;
+    }
+}
+
+/// Finds the keyword of a line; reports 914, 915 or 916 when it is none.
+std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
+    const std::size_t bracket = line.find(']');
+    if (bracket == std::string_view::npos) {
+        errorAtLine(run.diagnostics, 914);
+        return std::nullopt;
+    }
+    const std::string_view name = line.substr(1, bracket - 1);
+    if (name.empty() || name.size() > kMaxKeywordName) {
+        errorAtLine(run.diagnostics, 915);
+        return std::nullopt;
+    }
+    if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version))
+        return inContext(run.parse, *code);
+    std::string shown(name);
+    std::replace(shown.begin(), shown.end(), ' ', '_');
+    errorAtLine(run.diagnostics, 916, shown);
+    return std::nullopt;
+}
+
+/// Whether the module of a keyword takes lines of a file of this kind.
+bool takesKind(const ParseState& parse, const Module& module) {
+    // The oldest versions know no boards, and took package models wherever they stood.
+    if (module.owner == Owner::pkgmdl && parse.version < IbisVersion::v3) return true;
+    return module.kinds.has(parse.kind);
+}
+
+void reportIllegalForKind(Run& run) {
+    switch (run.parse.kind) {
+    case FileKind::pkg: errorAtLine(run.diagnostics, 911); break;
+    case FileKind::ebd: errorAtLine(run.diagnostics, 912); break;
+    case FileKind::ibs:
+    case FileKind::ami: errorAtLine(run.diagnostics, 913); break;
+    }
+}
+
+/// Reports a keyword that has no place in a file of this kind, and a second "[IBIS Ver]".
+void checkKind(Run& run, KeywordCode code) {
+    if (code == KeywordCode::ibisVer && run.parse.version_seen) errorAtLine(run.diagnostics, 910);
+    if (run.parse.version >= IbisVersion::v3) {
+        if (!takesKind(run.parse, moduleOf(code))) reportIllegalForKind(run);
+    } else if ((code == KeywordCode::component || code == KeywordCode::model) && run.parse.kind != FileKind::ibs) {
+        errorAtLine(run.diagnostics, 911);
+    }
+}
+
+/// Hands a line to the module that its keyword belongs to.
+void handOn(Run& run, const Module& module, const Line& line) {
+    if (!takesKind(run.parse, module)) return;
+    if (isKeywordOf(line.key, run.parse.version)) {
+        module.line(run, line);
+    } else {
+        programBugHereAtLine(run.diagnostics, 908);
+    }
+}
+
+void dispatchKeyword(Run& run, std::string_view line) {
+    ParseState& parse = run.parse;
+    if (parse.continuation_pending && parse.version >= IbisVersion::v3) {
+        errorAtLine(run.diagnostics, 909);
+        parse.continuation_pending = false;
+    }
+    const std::optional<KeywordCode> code = recognise(run, line);
+    parse.current = code.value_or(KeywordCode::notKey);
+    if (!code) return;
+    if (*code == KeywordCode::model) parse.submodel_context = false;
+    if (*code == KeywordCode::submodel) parse.submodel_context = true;
+    for (const Module& module : modules()) {
+        if (module.keyword_seen != nullptr) module.keyword_seen(run, *code);
+    }
+    checkKind(run, *code);
+    const Module& module = moduleOf(*code);
+    if (module.opens == *code && takesKind(parse, module)) module.open(run);
+    handOn(run, module, Line{LineKind::keyword, *code, textAfterKeyword(run, line)});
+}
+
+/// One line from the file, without its line feed.
+void handleLine(Run& run, std::string_view line) {
+    finishLine(run, line);
+    std::string_view body = skipWhiteSpace(run, line);
+    const LineKind kind = classify(run, line, body);
+    if (kind == LineKind::blank) return;
+    if (run.parse.end_seen) {
+        errorAtLine(run.diagnostics, 902);
+        return;
+    }
+    if (kind == LineKind::keyword && isCommentCharLine(body)) {
+        changeCommentChar(run, body);
+        return;
+    }
+    // A keyword is read from its bracket on, data with its leading blanks.
+    const std::string_view whole = kind == LineKind::keyword ? body : line;
+    const std::string_view text = stripTrailing(whole.substr(0, whole.find(run.parse.comment)));
+    if (kind == LineKind::keyword) {
+        dispatchKeyword(run, text);
+    } else {
+        handOn(run, moduleOf(run.parse.current), Line{LineKind::data, run.parse.current, text});
+    }
+}
+
+/// The name by which a version class is announced; nothing for one that is refused.
+std::optional<std::string_view> announcedVersion(IbisVersion version) {
+    switch (version) {
+    case IbisVersion::v2: return "2.1";
+    case IbisVersion::v3: return "3.2";
+    case IbisVersion::v4: return "4.2";
+    case IbisVersion::v5: return "5.1";
+    case IbisVersion::none:
+    case IbisVersion::v1: break;
+    }
+    return std::nullopt;
+}
+
+/// Cuts an .ami line at a comment and follows the quoted strings, which may run over many lines and hide the comment
+/// character.
+std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') {
+            parse.in_string = !parse.in_string;
+            if (parse.in_string) parse.string_line = parse.line;
+        } else if (line[i] == parse.comment && !parse.in_string) {
+            return line.substr(0, i);
+        }
+    }
+    return line;
+}
+
+/// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.
+void collectAmiLine(Run& run, std::string_view line) {
+    const std::string_view kept = cutAmiComment(run.parse, line);
+    std::string& text = run.parse.ami_text;
+    const std::size_t size = text.size();
+    try {
+        text.append(kept).push_back('\n');
+    } catch (const std::bad_alloc&) {
+        text.resize(size);
+        errorHere(run.diagnostics, 922);
+    }
+}
+
+/// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.
+template <class Work> void withinMemory(Run& run, const Work& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        for (const Module& module : modules()) {
+            if (module.forget != nullptr) module.forget(run);
+        }
+        programBugHere(run.diagnostics, 1908);
+    }
+}
+
+/// `read` tells whether the file could be read; only a parameter file is not checked without that.
+void runCompletionChecks(Run& run, FileKind kind, bool read) {
+    switch (kind) {
+    case FileKind::ibs: finalChecks(run); break;
+    // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
+    case FileKind::pkg: checkPkgMdls(run); break;
+    case FileKind::ebd: finalBoardChecks(run, false); break;
+    case FileKind::ami:
+        if (read) checkAmi(run);
+        break;
+    }
+}
+
+} // namespace
+
+bool parseFile(Run& run, std::string_view name, FileKind kind) {
+    resetReader(run.parse, kind);
+    std::uint32_t scanned = 0;
+    const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));
+    if (!version) {
+        error(run.diagnostics, 900, name);
+        return false;
+    }
+    announce(run, name, *version);
+    const std::optional<Source> source = openSource(run, name, kind);
+    if (!source) return false;
+    run.parse.file_name = source->bare_name;
+    LineReader reader{.text = source->text};
+    while (const std::optional<std::string_view> line = readLine(run, reader, kLineCapacity)) {
+        ++run.parse.line;
+        handleLine(run, *line);
+    }
+    if (!run.parse.end_seen) {
+        error(run.diagnostics, 903);
+        dispatchKeyword(run, "[END]");
+    }
+    return true;
+}
+
+bool collectAmi(Run& run, std::string_view name, const Source* opened) {
+    ParseState& parse = run.parse;
+    announce(run, name, "5.1");
+    const bool long_lines = parse.long_lines;
+    parse.long_lines = true;
+    parse.kind = FileKind::ami;
+    parse.line = 0;
+    parse.in_string = false;
+    parse.comment = '|';
+    parse.ami_text.clear();
+    std::optional<Source> source;
+    if (opened == nullptr) source = openSource(run, name, FileKind::ami);
+    if (source) opened = &*source;
+    if (opened != nullptr) {
+        makeRoom(parse.ami_text, opened->text->size() + 1);
+        LineReader reader{.text = opened->text};
+        while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
+            ++parse.line;
+            collectAmiLine(run, *line);
+        }
+        if (parse.in_string) error(run.diagnostics, 924, static_cast<std::int64_t>(parse.string_line));
+    }
+    parse.long_lines = long_lines;
+    return opened != nullptr;
+}
+
+bool checkFile(Run& run, std::string_view name, FileKind kind) {
+    try {
+        createRoot(run);
+    } catch (const std::bad_alloc&) {
+        error(run.diagnostics, 1906, static_cast<std::uint32_t>(sizeof(Ibis)));
+        error(run.diagnostics, 4100);
+        return false;
+    }
+    run.parse.top_level = true;
+    const std::string_view path = name.substr(0, kMaxPath);
+    bool read = false;
+    withinMemory(run, [&] { read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind); });
+    withinMemory(run, [&] { runCompletionChecks(run, kind, read); });
+    return read;
+}
+
+} // namespace kestrel

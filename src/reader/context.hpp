@@ -1,0 +1,24 @@
+#pragma once
+
+#include "base/output.hpp"
+#include "diagnostics/diagnostics.hpp"
+#include "reader/parse_state.hpp"
+#include "reader/source.hpp"
+
+namespace kestrel {
+
+/// What every reader of lines needs to know of a run: where it writes, the reader's state, the diagnostics and the
+/// source files. It holds no module's state.
+struct Context {
+    explicit Context(Output& output) : out(output), diagnostics(output, parse.line) {}
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+    ~Context() = default;
+
+    Output& out;
+    ParseState parse;
+    Diagnostics diagnostics;
+    SourceStore sources;
+};
+
+} // namespace kestrel
