@@ -62,6 +62,18 @@ public:
         return at == by_name_.end() ? nullptr : at->second;
     }
 
+    /// Walks the objects as newestFirst() does and calls `report` with each that has others of its name behind it, and
+    /// how many those are.
+    template <class Report> void eachRepeatedName(Report report) const {
+        std::unordered_map<std::string_view, std::size_t> left;
+        for (const T& object : newestFirst()) {
+            ++left[object.name];
+        }
+        for (const T& object : newestFirst()) {
+            if (const std::size_t behind = --left[object.name]; behind > 0) report(object, behind);
+        }
+    }
+
 private:
     std::vector<std::unique_ptr<T>> objects_;
     std::unordered_map<std::string_view, T*> by_name_; // keys view the objects' own names

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/rows.hpp"
 #include "diagnostics/diagnostics.hpp"
 #include "reader/items.hpp"
 #include "reader/rng.hpp"
@@ -42,12 +43,6 @@ auto takeSubparameter(Context& context, const Rows& rows, std::string_view& text
     }
     reportUnknownLine(context, unknown);
     return decltype(row){nullptr};
-}
-
-/// The place in a table of the row of which `member` is `value`; there must be one.
-template <class Rows, class Value, class Member>
-constexpr std::size_t rowPlace(const Rows& rows, const Value& value, Member member) {
-    return static_cast<std::size_t>(std::ranges::find(rows, value, member) - std::ranges::begin(rows));
 }
 
 /// The subparameters of a block of which a line was refused, by their places in its table. They have been reported, so
