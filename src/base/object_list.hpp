@@ -1,9 +1,10 @@
 #pragma once
 
+#include "base/text_hash.hpp"
+
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -65,7 +66,7 @@ public:
     /// Walks the objects as newestFirst() does and calls `report` with each that has others of its name behind it, and
     /// how many those are.
     template <class Report> void eachRepeatedName(Report report) const {
-        std::unordered_map<std::string_view, std::size_t> left;
+        ViewMap<std::size_t> left;
         for (const T& object : newestFirst()) {
             ++left[object.name];
         }
@@ -76,7 +77,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<T>> objects_;
-    std::unordered_map<std::string_view, T*> by_name_; // keys view the objects' own names
+    ViewMap<T*> by_name_; // keys view the objects' own names
 };
 
 } // namespace kestrel

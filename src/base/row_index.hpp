@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/text_hash.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -42,8 +44,8 @@ private:
         std::uint32_t place = 0; ///< place in the list counted from 1; 0 is a free slot
     };
 
-    static std::uint32_t hashOf(std::string_view name) {
-        return static_cast<std::uint32_t>(std::hash<std::string_view>{}(name));
+    [[nodiscard]] std::uint32_t hashOf(std::string_view name) const {
+        return static_cast<std::uint32_t>(seed_.hashOf(name));
     }
 
     /// The slot that holds the name, or the free one where it belongs.
@@ -71,6 +73,7 @@ private:
         }
     }
 
+    HashSeed seed_;
     std::vector<Slot> slots_; // a power of two, at most half of them taken
     std::size_t taken_ = 0;
 };

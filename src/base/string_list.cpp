@@ -10,10 +10,4 @@ bool addUnique(StringList& list, std::string_view text) {
     return true;
 }
 
-void addSeveral(StringList& list, std::initializer_list<std::string_view> texts) {
-    for (const std::string_view text : texts) {
-        addUnique(list, text);
-    }
-}
-
 } // namespace kestrel

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <initializer_list>
+#include "base/text_hash.hpp"
+
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
@@ -10,13 +10,10 @@ namespace kestrel {
 /// A list of distinct texts that belong to somebody else; compared exactly. The newest stands last in `texts`.
 struct StringList {
     std::vector<std::string_view> texts;
-    std::unordered_set<std::string_view> index;
+    ViewSet index;
 };
 
 /// Adds `text` unless it is there; true when it was added.
 bool addUnique(StringList& list, std::string_view text);
-
-/// Adds each text that is not there yet.
-void addSeveral(StringList& list, std::initializer_list<std::string_view> texts);
 
 } // namespace kestrel

@@ -1,9 +1,13 @@
 #include "header/hdr.hpp"
 
-#include "ibis/run.hpp"
+#include "base/rows.hpp"
+#include "base/text.hpp"
+#include "reader/names.hpp"
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <utility>
 
 namespace kestrel {
 
@@ -17,27 +21,18 @@ constexpr std::array<std::string_view, 10> kVersions{"2.0", "2.1", "3.0", "3.1",
 
 /// A free text that goes on over its data lines.
 struct TextKeyword {
-    KeywordCode code;
     std::optional<std::string> Hdr::*text;
     bool HdrState::*seen;
     std::optional<CheckedMessage<>> duplicate; ///< absent for the keyword that may be repeated
 };
 
-constexpr std::array<TextKeyword, 4> kTextKeywords{{
-    {KeywordCode::source, &Hdr::source, &HdrState::source_seen, CheckedMessage<>(1017)},
-    {KeywordCode::notes, &Hdr::notes, &HdrState::notes_seen, CheckedMessage<>(1018)},
-    {KeywordCode::disclaimer, &Hdr::disclaimer, &HdrState::disclaimer_seen, std::nullopt},
-    {KeywordCode::copyright, &Hdr::copyright, &HdrState::copyright_seen, CheckedMessage<>(1019)},
-}};
-
-const TextKeyword* findTextKeyword(KeywordCode code) {
-    const auto* const at = std::ranges::find(kTextKeywords, code, &TextKeyword::code);
-    return at == kTextKeywords.end() ? nullptr : at;
-}
+constexpr TextKeyword kSource{&Hdr::source, &HdrState::source_seen, CheckedMessage<>(1017)};
+constexpr TextKeyword kNotes{&Hdr::notes, &HdrState::notes_seen, CheckedMessage<>(1018)};
+constexpr TextKeyword kDisclaimer{&Hdr::disclaimer, &HdrState::disclaimer_seen, std::nullopt};
+constexpr TextKeyword kCopyright{&Hdr::copyright, &HdrState::copyright_seen, CheckedMessage<>(1019)};
 
 /// A text of one line.
 struct ValueKeyword {
-    KeywordCode code;
     std::string_view name;
     std::string Hdr::*text;
     bool HdrState::*seen;
@@ -45,10 +40,8 @@ struct ValueKeyword {
     CheckedMessage<> duplicate;
 };
 
-constexpr std::array<ValueKeyword, 2> kValueKeywords{{
-    {KeywordCode::fileRev, "File_Rev", &Hdr::file_rev, &HdrState::file_rev_seen, kShortTextLimit, 1015},
-    {KeywordCode::date, "Date", &Hdr::date, &HdrState::date_seen, kDateLimit, 1016},
-}};
+constexpr ValueKeyword kFileRev{"File_Rev", &Hdr::file_rev, &HdrState::file_rev_seen, kShortTextLimit, 1015};
+constexpr ValueKeyword kDate{"Date", &Hdr::date, &HdrState::date_seen, kDateLimit, 1016};
 
 /// In place, so that a text of many lines is not copied for each of them.
 void append(std::optional<std::string>& text, std::string_view line) {
@@ -69,22 +62,21 @@ bool isLegalVersion(std::string_view text, bool top_level) {
     return std::ranges::find(kVersions, text) != kVersions.end() || (top_level && text.starts_with("1."));
 }
 
-void ibisVerLine(Run& run, Hdr& header, std::string_view text) {
-    HdrState& state = run.hdr;
-    if (anyOtherKeywordSeen(state)) errorAtLine(run.diagnostics, 1007);
+void ibisVerLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
+    if (anyOtherKeywordSeen(state)) errorAtLine(context.diagnostics, 1007);
     if (state.ibis_version_seen) {
-        errorAtLine(run.diagnostics, 1005);
+        errorAtLine(context.diagnostics, 1005);
         return;
     }
     state.ibis_version_seen = true;
     std::string& stored = header.ibis_version;
-    setTextOnce(run.diagnostics, stored, text, kShortTextLimit, "IBIS_Version");
+    setTextOnce(context.diagnostics, stored, text, kShortTextLimit, "IBIS_Version");
     if (stored.empty()) return;
-    if (!isLegalVersion(stored, run.parse.top_level)) {
-        errorAtLine(run.diagnostics, 1008, stored);
+    if (!isLegalVersion(stored, context.parse.top_level)) {
+        errorAtLine(context.diagnostics, 1008, stored);
         return;
     }
-    run.parse.version = static_cast<IbisVersion>(stored.front() - '0');
+    context.parse.version = static_cast<IbisVersion>(stored.front() - '0');
 }
 
 void checkFileName(Diagnostics& diagnostics, std::string_view name) {
@@ -101,123 +93,101 @@ void checkFileName(Diagnostics& diagnostics, std::string_view name) {
     if (periods == 0) errorAtLine(diagnostics, 1013, name);
 }
 
-void storeFileName(Run& run, Hdr& header, std::string_view text) {
+void storeFileName(Context& context, Hdr& header, std::string_view text) {
     constexpr std::string_view kName = "File_name";
-    const auto limit = static_cast<std::uint32_t>(fileNameLimit(run.parse.version));
-    if (run.parse.version < IbisVersion::v3) {
-        setTextOnce(run.diagnostics, header.file_name, text, limit, kName);
+    const auto limit = static_cast<std::uint32_t>(fileNameLimit(context.parse.version));
+    if (context.parse.version < IbisVersion::v3) {
+        setTextOnce(context.diagnostics, header.file_name, text, limit, kName);
     } else {
-        setWholeTextOnce(run.diagnostics, header.file_name, text, limit, kName);
+        setWholeTextOnce(context.diagnostics, header.file_name, text, limit, kName);
     }
 }
 
-void fileNameLine(Run& run, Hdr& header, std::string_view text) {
-    if (run.hdr.file_name_seen) {
-        errorAtLine(run.diagnostics, 1009);
+void fileNameLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
+    if (state.file_name_seen) {
+        errorAtLine(context.diagnostics, 1009);
         return;
     }
-    run.hdr.file_name_seen = true;
-    storeFileName(run, header, text);
+    state.file_name_seen = true;
+    storeFileName(context, header, text);
     const std::string& name = header.file_name;
-    if (!name.empty()) checkFileName(run.diagnostics, name);
-    if (!equalsNoCase(name, run.parse.file_name)) errorAtLine(run.diagnostics, 1014, run.parse.file_name, name);
-    checkNotReserved(run.diagnostics, name);
+    if (!name.empty()) checkFileName(context.diagnostics, name);
+    if (!equalsNoCase(name, context.parse.file_name))
+        errorAtLine(context.diagnostics, 1014, context.parse.file_name, name);
+    checkNotReserved(context.diagnostics, name);
 }
 
-void valueLine(Run& run, Hdr& header, const ValueKeyword& keyword, std::string_view text) {
-    bool& seen = run.hdr.*keyword.seen;
-    if (seen) {
-        errorAtLine(run.diagnostics, keyword.duplicate);
+template <const ValueKeyword& Keyword>
+void valueLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
+    if (std::exchange(state.*Keyword.seen, true)) {
+        errorAtLine(context.diagnostics, Keyword.duplicate);
         return;
     }
-    seen = true;
-    std::string& stored = header.*keyword.text;
-    setTextOnce(run.diagnostics, stored, text, keyword.limit, keyword.name);
-    checkNotReserved(run.diagnostics, stored);
+    std::string& stored = header.*Keyword.text;
+    setTextOnce(context.diagnostics, stored, text, Keyword.limit, Keyword.name);
+    checkNotReserved(context.diagnostics, stored);
 }
 
-void textLine(Run& run, Hdr& header, const TextKeyword& keyword, std::string_view text) {
-    bool& seen = run.hdr.*keyword.seen;
-    if (seen && keyword.duplicate) {
-        errorAtLine(run.diagnostics, *keyword.duplicate);
+template <const TextKeyword& Keyword>
+void textLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
+    if (std::exchange(state.*Keyword.seen, true) && Keyword.duplicate) {
+        errorAtLine(context.diagnostics, *Keyword.duplicate);
         return;
     }
-    seen = true;
-    append(header.*keyword.text, text);
+    append(header.*Keyword.text, text);
 }
 
-void keywordLine(Run& run, Hdr& header, const Line& line) {
-    if (line.key == KeywordCode::ibisVer) {
-        ibisVerLine(run, header, line.text);
-        return;
-    }
-    if (line.key == KeywordCode::fileName) {
-        fileNameLine(run, header, line.text);
-        return;
-    }
-    const auto* const value = std::ranges::find(kValueKeywords, line.key, &ValueKeyword::code);
-    if (value != kValueKeywords.end()) {
-        valueLine(run, header, *value, line.text);
-    } else if (const TextKeyword* const text = findTextKeyword(line.key)) {
-        textLine(run, header, *text, line.text);
+template <const TextKeyword& Keyword> void moreText(Context& /*context*/, Hdr& header, std::string_view text) {
+    append(header.*Keyword.text, text);
+}
+
+void dataOutOfPlace(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 1002); }
+
+template <const ValueKeyword& Keyword> constexpr Section<HdrState> value(KeywordCode key) {
+    return section<HdrState, valueLine<Keyword>, dataOutOfPlace>(key);
+}
+
+template <const TextKeyword& Keyword> constexpr Section<HdrState> text(KeywordCode key) {
+    return section<HdrState, textLine<Keyword>, moreText<Keyword>>(key);
+}
+
+using K = KeywordCode;
+
+constexpr auto kSections = sectionTable<HdrState>({
+    section<HdrState, ibisVerLine, dataOutOfPlace>(K::ibisVer),
+    section<HdrState, fileNameLine, dataOutOfPlace>(K::fileName),
+    value<kFileRev>(K::fileRev),
+    value<kDate>(K::date),
+    text<kSource>(K::source),
+    text<kNotes>(K::notes),
+    text<kDisclaimer>(K::disclaimer),
+    text<kCopyright>(K::copyright),
+});
+
+void close(Context& context, HdrState& state, Hdr& /*header*/) {
+    if (!state.ibis_version_seen) requiredKeywordMissing(context, "IBIS_Version");
+    if (!state.file_name_seen) requiredKeywordMissing(context, "File_name");
+    if (!state.file_rev_seen) requiredKeywordMissing(context, "File_Rev");
+}
+
+void reportImpossible(Context& context, LineKind kind) {
+    if (kind == LineKind::keyword) {
+        programBugAtLine(context.diagnostics, 1003);
     } else {
-        programBugAtLine(run.diagnostics, 1003);
-    }
-}
-
-void dataLine(Run& run, Hdr& header, const Line& line) {
-    if (const TextKeyword* const text = findTextKeyword(line.key)) {
-        append(header.*text->text, line.text);
-    } else {
-        errorAtLine(run.diagnostics, 1002);
+        programBugAtLine(context.diagnostics, 1004);
     }
 }
 
 } // namespace
 
-bool isFileNameCharacter(char c) {
-    constexpr std::string_view kMarks = "_^$~!#%&-{}()@'`.";
-    return isAlpha(c) || isDigit(c) || kMarks.find(c) != std::string_view::npos;
-}
-
-void openHdr(Run& run) {
-    Ibis* const root = currentRoot(run);
-    if (root == nullptr) {
-        programBug(run.diagnostics, 1000);
-        return;
-    }
-    run.hdr = {.current = &root->headers.add(std::make_unique<Hdr>())};
-}
-
-void hdrKeywordSeen(Run& run, KeywordCode code) {
-    HdrState& state = run.hdr;
-    if (state.current == nullptr || isBetween(code, KeywordCode::fileName, KeywordCode::copyright)) return;
-    if (code == KeywordCode::ibisVer) {
-        errorAtLine(run.diagnostics, 1005);
-        return;
-    }
-    if (!state.ibis_version_seen) requiredKeywordMissing(run, "IBIS_Version");
-    if (!state.file_name_seen) requiredKeywordMissing(run, "File_name");
-    if (!state.file_rev_seen) requiredKeywordMissing(run, "File_Rev");
-    state.current = nullptr;
-}
-
-void hdrLine(Run& run, const Line& line) {
-    Hdr* const header = run.hdr.current;
-    if (header == nullptr) {
-        if (line.kind == LineKind::keyword) {
-            errorAtLine(run.diagnostics, 1001);
-        } else {
-            errorAtLine(run.diagnostics, 1002);
-        }
-        return;
-    }
-    switch (line.kind) {
-    case LineKind::keyword: keywordLine(run, *header, line); return;
-    case LineKind::data: dataLine(run, *header, line); return;
-    case LineKind::blank: break;
-    }
-    programBugAtLine(run.diagnostics, 1004);
-}
+const RecordModule<HdrState> kHdr{
+    .opens = K::ibisVer,
+    .find = [](K code) { return kSections.find(code); },
+    .close = close,
+    .orphan = reportOrphan<1001, 1002>,
+    .behind_end = nullptr,
+    .impossible = reportImpossible,
+    .reopened = [](Context& context) { errorAtLine(context.diagnostics, 1005); },
+};
 
 } // namespace kestrel

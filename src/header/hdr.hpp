@@ -1,17 +1,14 @@
 #pragma once
 
-#include "reader/keyword.hpp"
+#include "reader/sections.hpp"
 
-#include <array>
 #include <optional>
 #include <string>
 
 namespace kestrel {
 
-struct Run;
-
 /// The file header. The four long texts are absent until their keyword is met.
-struct Hdr {
+struct Hdr : RecordOf<SubjectKind::header> {
     std::string ibis_version; ///< at most 70 characters
     std::string file_name;
     std::string file_rev; ///< at most 70 characters
@@ -22,9 +19,8 @@ struct Hdr {
     std::optional<std::string> copyright;
 };
 
-/// The header being read, null outside one, and which of its keywords were seen.
-struct HdrState {
-    Hdr* current = nullptr;
+/// The header being read and which of its keywords were seen.
+struct HdrState : RecordState<Hdr> {
     bool ibis_version_seen = false;
     bool file_name_seen = false;
     bool file_rev_seen = false;
@@ -38,14 +34,7 @@ struct HdrState {
 /// True for the characters that a file name in a file may have: letters, digits and some marks.
 [[nodiscard]] bool isFileNameCharacter(char c);
 
-/// Opens a header at the file's first "[IBIS Ver]" and forgets which keywords were seen.
-void openHdr(Run& run);
-
-/// Told of every keyword: the first that is not a header keyword ends the header and reports what is missing (1915, no
-/// line).
-void hdrKeywordSeen(Run& run, KeywordCode code);
-
-/// Reads a header keyword line or a data line under it.
-void hdrLine(Run& run, const Line& line);
+/// Reads the header, which any other keyword ends.
+extern const RecordModule<HdrState> kHdr;
 
 } // namespace kestrel

@@ -31,9 +31,14 @@ constexpr Module recordModule(Owner owner, KindSet kinds, KeywordCode opens) {
     };
 }
 
-void openHeader(Run& run) {
-    if (!run.parse.version_seen) openHdr(run);
-    run.parse.version_seen = true;
+/// A file has one header, whatever comes behind it.
+constexpr Module headerModule() {
+    Module module = recordModule<&Ibis::headers, &Run::hdr, kHdr>(Owner::hdr, kAnyFile, KeywordCode::ibisVer);
+    module.open = [](Run& run) {
+        if (!run.parse.version_seen) openRecord(run, run.hdr, currentRoot(run)->headers);
+        run.parse.version_seen = true;
+    };
+    return module;
 }
 
 void endLine(Run& run, const Line& line) {
@@ -50,7 +55,7 @@ void commentCharLine(Run& /*run*/, const Line& /*line*/) {}
 template <auto State> void forget(Run& run) { run.*State = {}; }
 
 constexpr std::array<Module, 13> kModules{{
-    {Owner::hdr, kAnyFile, KeywordCode::ibisVer, openHeader, hdrKeywordSeen, hdrLine, forget<&Run::hdr>},
+    headerModule(),
     {Owner::cmpnt, kIbsOnly, KeywordCode::component, openCmpnt, cmpntKeywordSeen, cmpntLine, forget<&Run::cmpnt>},
     {Owner::mdl, kIbsOnly, KeywordCode::model, openMdl, mdlKeywordSeen, mdlLine, forget<&Run::mdl>},
     {Owner::circuit, kIbsOnly, KeywordCode::notKey, nullptr, circuitKeywordSeen, circuitLine, forget<&Run::circuit>},

@@ -72,6 +72,11 @@ void requiredKeywordMissing(Context& context, std::string_view keyword) {
     error(context.diagnostics, 1915, keyword, context.parse.file_name);
 }
 
+bool isFileNameCharacter(char c) {
+    constexpr std::string_view kMarks = "_^$~!#%&-{}()@'`.";
+    return isAlpha(c) || isDigit(c) || kMarks.find(c) != std::string_view::npos;
+}
+
 bool isReservedWord(std::string_view text) {
     return std::ranges::any_of(kReservedWords, [text](std::string_view word) { return equalsNoCase(text, word); });
 }

@@ -83,6 +83,9 @@ bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::s
 /// Error 1915 (no line): the keyword is missing from the file being read.
 void requiredKeywordMissing(Context& context, std::string_view keyword);
 
+/// True for the characters that a file name in a file may have: letters, digits and some marks.
+[[nodiscard]] bool isFileNameCharacter(char c);
+
 /// True for "GND", "NC", "POWER", "CIRCUITCALL" and "NA" in any case.
 [[nodiscard]] bool isReservedWord(std::string_view text);
 

@@ -132,6 +132,8 @@ template <class State> struct RecordModule {
     void (*orphan)(Context& context, LineKind kind);               ///< a line outside any record
     void (*behind_end)(Context& context, const BlockEnd& end);     ///< data behind an end keyword
     void (*impossible)(Context& context, LineKind kind);           ///< a line that the dispatcher never hands over
+    /// The opening keyword once more, where that does not begin another record; null where it does.
+    void (*reopened)(Context& context) = nullptr;
 };
 
 /// Reports the line of a module that stands outside its records, by one of two messages.
@@ -167,6 +169,10 @@ void recordKeywordSeen(Context& context, State& state, const RecordModule<State>
     if (state.current == nullptr) return;
     const About about(context.diagnostics, *state.current);
     closeSection(context, state, module, code);
+    if (code == module.opens && module.reopened != nullptr) {
+        module.reopened(context);
+        return;
+    }
     if (code != module.opens && module.find(code) != nullptr) return;
     module.close(context, state, *state.current);
     state = State{};

@@ -16,14 +16,15 @@ using namespace std::string_literals;
 /// An open header, read at line 3.
 struct OpenHeader {
     explicit OpenHeader(IbisVersion version = IbisVersion::none) {
-        createRoot(run);
-        openHdr(run);
+        openRecord(run, run.hdr, createRoot(run).headers);
         run.parse.line = 3;
         run.parse.top_level = true;
         run.parse.version = version;
     }
-    void keyword(KeywordCode code, std::string_view text) { hdrLine(run, {LineKind::keyword, code, text}); }
-    void data(KeywordCode code, std::string_view text) { hdrLine(run, {LineKind::data, code, text}); }
+    void keyword(KeywordCode code, std::string_view text) {
+        recordLine(run, run.hdr, kHdr, {LineKind::keyword, code, text});
+    }
+    void data(KeywordCode code, std::string_view text) { recordLine(run, run.hdr, kHdr, {LineKind::data, code, text}); }
     /// What was printed, each message on one line.
     [[nodiscard]] std::string said() const {
         std::string text = out.text();

@@ -1,0 +1,51 @@
+#include "base/text_hash.hpp"
+
+#include <cstring>
+
+namespace kestrel {
+
+namespace {
+
+__extension__ using Wide = unsigned __int128;
+
+constexpr std::uint64_t kOdd1 = 0x9E3779B97F4A7C15;
+constexpr std::uint64_t kOdd2 = 0xD1B54A32D192ED03;
+
+/// Multiplies and folds the halves of the product, so that every bit of either factor reaches every bit of the result.
+constexpr std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+std::uint64_t wordAt(const char* text, std::size_t length) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text, length);
+    return word;
+}
+
+} // namespace
+
+HashSeed::HashSeed() {
+    static const char kInProgram = 0;
+    const char on_stack = 0;
+    // Systems load programs and put stacks at random places.
+    const auto program = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&kInProgram));
+    const auto stack = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&on_stack));
+    value_ = fold(program ^ kOdd1, stack ^ kOdd2) | 1;
+}
+
+std::uint64_t HashSeed::hashOf(std::string_view text) const {
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    // The state depends on the seed before any character does, and is multiplied by it with every word: without it no
+    // two texts are known to meet.
+    std::uint64_t state = fold(value_, kOdd1 ^ text.size());
+    const char* at = text.data();
+    std::size_t left = text.size();
+    for (; left >= kWord; at += kWord, left -= kWord) {
+        state = fold(state ^ wordAt(at, kWord), value_ ^ kOdd2);
+    }
+    if (left != 0) state = fold(state ^ wordAt(at, left), value_ ^ kOdd1);
+    return fold(state ^ value_, kOdd2);
+}
+
+} // namespace kestrel
