@@ -56,9 +56,10 @@ void runProgram(const SampleFile& file, std::span<const std::string_view> option
     const std::unique_ptr<std::FILE, FileCloser> nowhere(std::fopen("/dev/null", "wb"));
     require(nowhere != nullptr, "cannot open /dev/null");
     kestrel::Output out(nowhere.get());
+    kestrel::Output errors;
     std::vector<std::string_view> arguments{file.path};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    require(kestrel::runKestrel(out, arguments) == kestrel::kSuccess, "kestrel failed on " + file.path);
+    require(kestrel::runKestrel(out, errors, arguments) == kestrel::kSuccess, "kestrel failed on " + file.path);
 }
 
 void reportComponents(const SampleFile& file) { runProgram(file, std::array<std::string_view, 1>{"-c"}); }

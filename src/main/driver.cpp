@@ -25,9 +25,8 @@ bool report(Run& run, const Options& options) {
     }
 }
 
-} // namespace
-
-int runKestrel(Output& out, std::span<const std::string_view> arguments) {
+/// Does what the arguments ask for.
+ExitStatus obey(Output& out, std::span<const std::string_view> arguments) {
     printBanner(out);
     const std::optional<Options> options = readOptions(out, arguments);
     if (!options) return kUsage;
@@ -44,6 +43,17 @@ int runKestrel(Output& out, std::span<const std::string_view> arguments) {
     printSummary(run.diagnostics);
     out.write("\n");
     return report(run, *options) ? kSuccess : kUsage;
+}
+
+} // namespace
+
+int runKestrel(Output& out, Output& errors, std::span<const std::string_view> arguments) {
+    const ExitStatus status = obey(out, arguments);
+    out.flush();
+    if (!out.failed()) return status;
+    errors.write("kestrel: the output cannot be written\n");
+    errors.flush();
+    return kUsage;
 }
 
 } // namespace kestrel

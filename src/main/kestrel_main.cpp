@@ -7,5 +7,6 @@
 int main(int count, char** values) {
     const std::vector<std::string_view> arguments(values + (count > 0 ? 1 : 0), values + count);
     kestrel::Output out(stdout);
-    return kestrel::runKestrel(out, arguments);
+    kestrel::Output errors(stderr);
+    return kestrel::runKestrel(out, errors, arguments);
 }

@@ -1,6 +1,7 @@
 #include "main/usage.hpp"
 
 #include "base/output.hpp"
+#include "main/program_versions.hpp"
 
 namespace kestrel {
 

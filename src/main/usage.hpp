@@ -7,8 +7,6 @@ namespace kestrel {
 class Output;
 
 inline constexpr std::string_view kProgramName = "KESTREL";
-inline constexpr std::string_view kProgramVersion = "V1.0.3";
-inline constexpr std::string_view kCheckerVersion = "5.1.4";
 
 /// First line of every run.
 void printBanner(Output& out);

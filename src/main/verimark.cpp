@@ -2,6 +2,7 @@
 
 #include "ibis/parse.hpp"
 #include "ibis/run.hpp"
+#include "main/program_versions.hpp"
 #include "main/usage.hpp"
 #include "main/version.hpp"
 
@@ -72,9 +73,8 @@ VerimarkStatus checkOne(Output& out, Output& errors, std::string_view name) {
     return failureCount(run.diagnostics) == 0 ? kAllPassed : kSomeFailed;
 }
 
-} // namespace
-
-int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments) {
+/// Does what the arguments ask for.
+VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments) {
     std::vector<std::string_view> files;
     bool options_ended = false;
     for (const std::string_view argument : arguments) {
@@ -101,8 +101,17 @@ int runVerimark(Output& out, Output& errors, std::span<const std::string_view> a
     for (const std::string_view file : files) {
         status = std::max(status, checkOne(out, errors, file));
     }
+    return status;
+}
+
+} // namespace
+
+int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments) {
+    const VerimarkStatus status = obey(out, errors, arguments);
     out.flush();
-    return out.failed() ? kTrouble : status;
+    if (!out.failed()) return status;
+    tell(out, errors, "the output", " cannot be written");
+    return kTrouble;
 }
 
 } // namespace kestrel

@@ -118,7 +118,7 @@ constexpr Section<SubMdlState> waveforms(KeywordCode key) {
     return section<SubMdlState, kOpen, kLine, kClose>(key);
 }
 
-template <const WaveformLabel& Label, std::unique_ptr<Wvfrm> SubMdl::*Slot, MessageCode Repeated>
+template <const WaveformLabel& Label, std::unique_ptr<Wvfrm> SubMdl::*Slot, CheckedMessage<> Repeated>
 constexpr Section<SubMdlState> pulse(KeywordCode key) {
     constexpr auto kOpen = [](Context& context, SubMdl& submodel, std::string_view text) {
         if (submodel.*Slot != nullptr) errorAtLine(context.diagnostics, Repeated);

@@ -137,12 +137,8 @@ template <class State> struct RecordModule {
 };
 
 /// Reports the line of a module that stands outside its records, by one of two messages.
-template <MessageCode Keyword, MessageCode Data> void reportOrphan(Context& context, LineKind kind) {
-    if (kind == LineKind::keyword) {
-        errorAtLine(context.diagnostics, Keyword);
-    } else {
-        errorAtLine(context.diagnostics, Data);
-    }
+template <CheckedMessage<> Keyword, CheckedMessage<> Data> void reportOrphan(Context& context, LineKind kind) {
+    errorAtLine(context.diagnostics, kind == LineKind::keyword ? Keyword : Data);
 }
 
 /// Begins a record at its keyword, at the end of its list.

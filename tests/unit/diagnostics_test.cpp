@@ -258,6 +258,57 @@ TEST(Reset, clearsAllButTheCautions) {
     EXPECT_EQ(test.diagnostics.context, "");
 }
 
+TEST(Places, aLineIsShownWhileItsScopeLasts) {
+    Reporting test;
+    Diagnostics& d = test.diagnostics;
+    errorAtLine(AtLine(d, 7), 905, 80);
+    {
+        const AtLine outer(d, 8);
+        noteAtLine(AtLine(d, 9), 910);
+        noteAtLine(d, 910);
+    }
+    test.line = 13; // the reader goes on
+    noteAtLine(d, 910);
+    EXPECT_EQ(test.out.text(),
+              "ERROR (line    7) - Exceeds 80 chararacters.\n"
+              "NOTE (line    9) - Duplicate IBIS_Ver keyword.\n"
+              "NOTE (line    8) - Duplicate IBIS_Ver keyword.\n"
+              "NOTE (line   13) - Duplicate IBIS_Ver keyword.\n");
+}
+
+TEST(Places, aFindingKnowsItsRecord) {
+    Reporting test;
+    Diagnostics& d = test.diagnostics;
+    std::string found;
+    d.on_finding = [&found](const Finding& finding) {
+        found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
+        found.append(std::to_string(finding.line)).append(" ");
+        found.append(finding.subject != nullptr ? finding.subject->name : "nothing").append("\n");
+    };
+    const Subject model{SubjectKind::model, 4, "buf"};
+    const Subject component{SubjectKind::component, 2, "chip"};
+    error(d, 903);
+    {
+        const About about(d, component);
+        errorAtLine(d, 905, 80);
+        {
+            const About inner(d, model);
+            warningText(d, "w");
+            caution(d, 921); // silenced
+        }
+        error(d, 903);
+    }
+    error(d, 903);
+    EXPECT_EQ(found, "903 about 0 nothing\n905 at 12 chip\nfree about 4 buf\n903 about 2 chip\n903 about 0 nothing\n");
+}
+
+TEST(Summary, countsBeyond32Bits) {
+    Reporting test;
+    test.diagnostics.errors = 4294967296;
+    printSummary(test.diagnostics);
+    EXPECT_EQ(test.out.text(), "\nErrors  : 4294967296\n\nFile Failed\n");
+}
+
 TEST(OutputToAStream, passesEverythingOnInOrder) {
     std::FILE* stream = std::tmpfile();
     ASSERT_NE(stream, nullptr);
