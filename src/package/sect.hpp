@@ -9,7 +9,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Diagnostics;
 
 /// One R/L/C section of a pin or path: its length, and resistance, inductance and capacitance per unit of length.
 struct Sect {
@@ -26,9 +26,8 @@ enum class SectResult : std::uint8_t {
     failed     ///< reported; what is left of the line is of no use
 };
 
-/// Takes one section, closed by "/", off the front of `text`. Reports 1918 to 1923 (no such item or value) and 3000 to
-/// 3013.
-SectResult readSection(Run& run, std::string_view& text, Sect& sect);
+/// Takes one section, closed by "/", off the front of `text`.
+SectResult readSection(Diagnostics& diagnostics, std::string_view& text, Sect& sect);
 
 /// True when the next thing in `text` is an item of a section or the end of one.
 [[nodiscard]] bool beginsSection(std::string_view text);
@@ -88,6 +87,6 @@ struct NameWarnings {
 
 /// Warns of a name of a pin or node that was probably meant to be something else: one with "=" or "/" in it, or one of
 /// the words "Len", "Fork", "Endfork", "C", "R" and "L".
-void warnOfName(Run& run, std::string_view name, const NameWarnings& warnings);
+void warnOfName(Diagnostics& diagnostics, std::string_view name, const NameWarnings& warnings);
 
 } // namespace kestrel
