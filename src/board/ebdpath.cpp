@@ -89,16 +89,11 @@ void forkToken(PathReader& reader, std::string_view) {
 }
 
 void endforkToken(PathReader& reader, std::string_view) {
-    Diagnostics& diagnostics = reader.diagnostics;
     if (reader.path.chain.empty()) {
-        errorAtLine(diagnostics, 4346);
+        errorAtLine(reader.diagnostics, 4346);
         return;
     }
-    switch (closeFork(reader.path.chain, reader.cursor)) {
-    case ForkEnd::noneOpen: errorAtLine(diagnostics, 4348); break;
-    case ForkEnd::emptyBranch: errorAtLine(diagnostics, 4347); break;
-    case ForkEnd::closed: break;
-    }
+    closeFork(reader.diagnostics, reader.path.chain, reader.cursor, {4348, 4347});
 }
 
 /// Checks "designator.pin" and attaches it; without a period there is nothing to attach.

@@ -34,7 +34,7 @@ struct MtxRow {
 };
 
 /// One coupled matrix of a package model, upper triangle only. Rows are read one after the other, so their entries
-/// stand in one vector each of values and, when sparse, columns; memory goes by the entries given, never by the order.
+/// are in one vector each of values and, when sparse, columns; memory goes by the entries given, never by the order.
 struct Mtx {
     MtxKind kind = MtxKind::unknown;
     std::uint32_t order = 0; ///< number of pins when the matrix began

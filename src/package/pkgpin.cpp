@@ -64,11 +64,7 @@ void endforkLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package)
         errorAtLine(diagnostics, 3441);
         return;
     }
-    switch (closeFork(lastChain(package), cursor)) {
-    case ForkEnd::noneOpen: errorAtLine(diagnostics, 3443); break;
-    case ForkEnd::emptyBranch: errorAtLine(diagnostics, 3442); break;
-    case ForkEnd::closed: break;
-    }
+    closeFork(diagnostics, lastChain(package), cursor, {3443, 3442});
 }
 
 /// Attaches the sections of a line to the last pin; one that fails ends the line.

@@ -35,7 +35,7 @@ std::string_view takeWord(std::string_view& text) {
     return word;
 }
 
-/// Takes the "=" and the value of an item off the front of `text`; reports what stands there instead.
+/// Takes the "=" and the value of an item off the front of `text`; reports what is there instead.
 std::optional<double> takeValue(Diagnostics& diagnostics, std::string_view& text) {
     text = skipBlanks(text);
     if (text.empty()) {
@@ -144,11 +144,14 @@ void openFork(Chain& chain, ChainCursor& cursor) {
     cursor.forks.push_back(cursor.tail);
 }
 
-ForkEnd closeFork(const Chain& chain, ChainCursor& cursor) {
-    if (cursor.forks.empty()) return ForkEnd::noneOpen;
+void closeFork(Diagnostics& diagnostics, const Chain& chain, ChainCursor& cursor, const ForkEndMessages& messages) {
+    if (cursor.forks.empty()) {
+        errorAtLine(diagnostics, messages.none_open);
+        return;
+    }
     cursor.tail = cursor.forks.back();
     cursor.forks.pop_back();
-    return chain.elements[cursor.tail].payload == kNoElement ? ForkEnd::emptyBranch : ForkEnd::closed;
+    if (chain.elements[cursor.tail].payload == kNoElement) errorAtLine(diagnostics, messages.empty_branch);
 }
 
 void warnOfName(Diagnostics& diagnostics, std::string_view name, const NameWarnings& warnings) {

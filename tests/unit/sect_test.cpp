@@ -82,16 +82,16 @@ TEST(Section, theLastValueStays) {
 }
 
 /// Builds a chain from a text: "s" a section, "(" a fork, ")" its end.
-Chain chainOf(std::string_view steps, std::string* ends = nullptr) {
+Chain chainOf(std::string_view steps, std::string* codes = nullptr) {
+    Coded coded;
     Chain chain;
     ChainCursor cursor;
     for (const char step : steps) {
         if (step == 's') attachSection(chain, cursor, Sect{});
         if (step == '(') openFork(chain, cursor);
-        if (step != ')') continue;
-        const ForkEnd end = closeFork(chain, cursor);
-        if (ends != nullptr) ends->push_back(end == ForkEnd::noneOpen ? 'n' : end == ForkEnd::emptyBranch ? 'e' : 'c');
+        if (step == ')') closeFork(coded.diagnostics, chain, cursor, {3443, 3442});
     }
+    if (codes != nullptr) *codes = codesOf(coded.out.text());
     return chain;
 }
 
@@ -112,9 +112,9 @@ TEST(Chain, elementsHangWhereTheyWereRead) {
 }
 
 TEST(Chain, endsOfForks) {
-    std::string ends;
-    chainOf(")s(s))s()((s)s))", &ends);
-    EXPECT_EQ(ends, "ncneccn");
+    std::string codes;
+    chainOf(")s(s))s()((s)s))", &codes);
+    EXPECT_EQ(codes, "E3443@ E3443@ E3442@ E3443@");
 }
 
 TEST(Chain, startsAnewWithoutATail) {
