@@ -1,7 +1,7 @@
 #include "board/ebdcheck.hpp"
 
 #include "base/text.hpp"
-#include "ibis/run.hpp"
+#include "board/ebdmdl.hpp"
 #include "reader/names.hpp"
 
 #include <string_view>
@@ -13,16 +13,10 @@ namespace kestrel {
 
 namespace {
 
-void checkTexts(Run& run, const EbdMdl& board) {
-    if (board.name.empty()) {
-        error(run.diagnostics, 4308);
-    }
-    if (board.manufacturer.empty()) {
-        error(run.diagnostics, 4333, std::string_view("Manufacturer"), board.name);
-    }
-    if (board.number_of_pins == 0) {
-        error(run.diagnostics, 4315, board.name);
-    }
+void checkTexts(Diagnostics& diagnostics, const EbdMdl& board) {
+    if (board.name.empty()) error(diagnostics, 4308);
+    if (board.manufacturer.empty()) error(diagnostics, 4333, std::string_view("Manufacturer"), board.name);
+    if (board.number_of_pins == 0) error(diagnostics, 4315, board.name);
 }
 
 /// A supply pin is connected to its plane without a path.
@@ -30,25 +24,23 @@ bool isRail(std::string_view signal_name) {
     return prefixEqualsNoCase(signal_name, "POWER", 5) || prefixEqualsNoCase(signal_name, "GND", 3);
 }
 
-void checkReferences(Run& run, const EbdPin& pin, std::int32_t references) {
+void checkReferences(Diagnostics& diagnostics, const EbdPin& pin, std::int32_t references) {
     if (references == 0) {
-        if (!isReservedWord(pin.signal_name) && !isRail(pin.signal_name)) {
-            error(run.diagnostics, 4328, pin.name);
-        }
+        if (!isReservedWord(pin.signal_name) && !isRail(pin.signal_name)) error(diagnostics, 4328, pin.name);
     } else if (isRail(pin.signal_name)) {
-        warning(run.diagnostics, 4329, pin.name);
+        warning(diagnostics, 4329, pin.name);
     } else if (references > 1) {
-        error(run.diagnostics, 4330, pin.name, references);
+        error(diagnostics, 4330, pin.name, references);
     }
 }
 
-void checkPins(Run& run, const EbdMdl& board) {
-    if (!run.ebdmdl.pin_list_seen) {
-        error(run.diagnostics, 4326);
+void checkPins(Diagnostics& diagnostics, const EbdMdlState& state, const EbdMdl& board) {
+    if (!state.pin_list_seen) {
+        error(diagnostics, 4326);
         return;
     }
     if (board.number_of_pins != 0 && board.pins.empty()) {
-        error(run.diagnostics, 4327);
+        error(diagnostics, 4327);
         return;
     }
     std::unordered_map<std::string_view, std::int32_t> references;
@@ -59,19 +51,19 @@ void checkPins(Run& run, const EbdMdl& board) {
     }
     for (const EbdPin& pin : board.pins) {
         const auto at = references.find(pin.name);
-        checkReferences(run, pin, at == references.end() ? 0 : at->second);
+        checkReferences(diagnostics, pin, at == references.end() ? 0 : at->second);
     }
     if (board.pins.size() != board.number_of_pins) {
-        error(run.diagnostics, 4331, board.number_of_pins, board.pins.size());
+        error(diagnostics, 4331, board.number_of_pins, board.pins.size());
     }
 }
 
 /// Elements hang only from elements that were read before them, so one pass in reading order meets every branch from
 /// its beginning.
-void checkPath(Run& run, const EbdMdl& board, const EbdPath& path) {
+void checkPath(Diagnostics& diagnostics, const EbdMdl& board, const EbdPath& path) {
     const std::vector<ChainElement>& elements = path.chain.elements;
     if (elements.empty()) {
-        error(run.diagnostics, 4356, path.name);
+        error(diagnostics, 4356, path.name);
         return;
     }
     std::vector<bool> behind_nc(elements.size()); // on the same branch
@@ -79,35 +71,27 @@ void checkPath(Run& run, const EbdMdl& board, const EbdPath& path) {
         const ChainElement& element = elements[i];
         const bool is_nc = element.kind == ElementKind::nc;
         if (element.next != kNoElement) {
-            if (is_nc && !behind_nc[i]) {
-                error(run.diagnostics, 4357, path.name);
-            }
+            if (is_nc && !behind_nc[i]) error(diagnostics, 4357, path.name);
             behind_nc[element.next] = is_nc || behind_nc[i];
         }
         if (element.kind == ElementKind::pin) {
             const std::string& pin = path.pins[element.payload];
-            if (!board.pin_names.contains(pin)) {
-                error(run.diagnostics, 4358, pin, path.name);
-            }
+            if (!board.pins.has(pin)) error(diagnostics, 4358, pin, path.name);
         } else if (element.kind == ElementKind::node) {
             const std::string& designator = path.nodes[element.payload].designator;
-            if (!run.ebdmdl.designators.contains(designator)) {
-                error(run.diagnostics, 4359, designator, path.name);
-            }
+            if (!board.refdes_map.has(designator)) error(diagnostics, 4359, designator, path.name);
         }
     }
 }
 
-void checkPaths(Run& run, const EbdMdl& board) {
-    if (board.paths.empty()) {
-        error(run.diagnostics, 4355, board.name);
-    }
+void checkPaths(Diagnostics& diagnostics, const EbdMdl& board) {
+    if (board.paths.empty()) error(diagnostics, 4355, board.name);
     for (const EbdPath& path : board.paths) {
-        checkPath(run, board, path);
+        checkPath(diagnostics, board, path);
     }
 }
 
-void warnOfUnusedDesignators(Run& run, const EbdMdl& board) {
+void warnOfUnusedDesignators(Diagnostics& diagnostics, const EbdMdl& board) {
     std::unordered_set<std::string_view> used;
     for (const EbdPath& path : board.paths) {
         for (const EbdNode& node : path.nodes) {
@@ -116,7 +100,7 @@ void warnOfUnusedDesignators(Run& run, const EbdMdl& board) {
     }
     for (const EbdRefDes& entry : board.refdes_map) {
         if (!used.contains(entry.designator)) {
-            warningText(run.diagnostics, "Reference designator %s, %s, %s not used in any path description",
+            warningText(diagnostics, "Reference designator %s, %s, %s not used in any path description",
                         entry.designator, entry.file_name, entry.component);
         }
     }
@@ -124,14 +108,12 @@ void warnOfUnusedDesignators(Run& run, const EbdMdl& board) {
 
 } // namespace
 
-void checkBoard(Run& run, const EbdMdl& board) {
-    checkTexts(run, board);
-    checkPins(run, board);
-    if (!run.ebdmdl.end_board_description_seen) {
-        error(run.diagnostics, 4332);
-    }
-    checkPaths(run, board);
-    warnOfUnusedDesignators(run, board);
+void checkBoard(Diagnostics& diagnostics, const EbdMdlState& state, const EbdMdl& board) {
+    checkTexts(diagnostics, board);
+    checkPins(diagnostics, state, board);
+    if (!state.end_board_description_seen) error(diagnostics, 4332);
+    checkPaths(diagnostics, board);
+    warnOfUnusedDesignators(diagnostics, board);
 }
 
 } // namespace kestrel

@@ -1,9 +1,10 @@
 #include "board/ebdpath.hpp"
 
-#include "ibis/run.hpp"
+#include "base/rows.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "package/token.hpp"
+#include "reader/names.hpp"
 
-#include <algorithm>
 #include <array>
 
 namespace kestrel {
@@ -15,12 +16,12 @@ constexpr NameWarnings kNodeWarnings{4371, 4372, 4373};
 
 /// Takes the next token off the front of `text`, which ends at a blank or "="; empty at the end of the line. Reports
 /// each "=" and "/" in front of it.
-std::string_view takePathToken(Run& run, std::string_view& text) {
+std::string_view takePathToken(Diagnostics& diagnostics, std::string_view& text) {
     for (text = skipBlanks(text); text.starts_with('=') || text.starts_with('/'); text = skipBlanks(text.substr(1))) {
         if (text.front() == '=') {
-            errorAtLine(run.diagnostics, 4340);
+            errorAtLine(diagnostics, 4340);
         } else {
-            errorAtLine(run.diagnostics, 4341);
+            errorAtLine(diagnostics, 4341);
         }
     }
     const std::string_view token = text.substr(0, text.find_first_of(" \t="));
@@ -30,7 +31,7 @@ std::string_view takePathToken(Run& run, std::string_view& text) {
 
 /// A place on a line of the path being read.
 struct PathReader {
-    Run& run;
+    Diagnostics& diagnostics;
     EbdPath& path;
     ChainCursor& cursor;
     std::string_view text; ///< what follows the token
@@ -42,28 +43,28 @@ struct PathReader {
 };
 
 void pinToken(PathReader& reader, std::string_view) {
-    Run& run = reader.run;
-    const std::string_view name = takePathToken(run, reader.text);
+    Diagnostics& diagnostics = reader.diagnostics;
+    const std::string_view name = takePathToken(diagnostics, reader.text);
     if (name.empty()) {
-        errorAtLine(run.diagnostics, 4349);
+        errorAtLine(diagnostics, 4349);
         return;
     }
-    storeName(run.diagnostics, reader.path.pins.emplace_back(), name, kBoardPinLimit, 4361);
-    warnOfName(run, name, kPinWarnings);
+    storeName(diagnostics, reader.path.pins.emplace_back(), name, kBoardPinLimit, 4361);
+    warnOfName(diagnostics, name, kPinWarnings);
     reader.attachNewest(ElementKind::pin, reader.path.pins);
 }
 
 /// Sections follow each other without a new "Len" token; what is none of their items is a token of the path again.
 void lenToken(PathReader& reader, std::string_view token) {
     if (reader.path.chain.empty()) {
-        errorAtLine(reader.run.diagnostics, 4342);
+        errorAtLine(reader.diagnostics, 4342);
         reader.text = {};
         return;
     }
     reader.text = std::string_view(token.data(), token.size() + reader.text.size());
     Sect sect;
     do {
-        if (readSection(reader.run, reader.text, sect) != SectResult::section) {
+        if (readSection(reader.diagnostics, reader.text, sect) != SectResult::section) {
             reader.text = {};
             return;
         }
@@ -73,7 +74,7 @@ void lenToken(PathReader& reader, std::string_view token) {
 
 void ncToken(PathReader& reader, std::string_view) {
     if (reader.path.chain.empty()) {
-        errorAtLine(reader.run.diagnostics, 4344);
+        errorAtLine(reader.diagnostics, 4344);
         return;
     }
     attach(reader.path.chain, reader.cursor, {.kind = ElementKind::nc});
@@ -81,54 +82,45 @@ void ncToken(PathReader& reader, std::string_view) {
 
 void forkToken(PathReader& reader, std::string_view) {
     if (reader.path.chain.empty()) {
-        errorAtLine(reader.run.diagnostics, 4345);
+        errorAtLine(reader.diagnostics, 4345);
         return;
     }
     openFork(reader.path.chain, reader.cursor);
 }
 
 void endforkToken(PathReader& reader, std::string_view) {
-    Diagnostics& diagnostics = reader.run.diagnostics;
     if (reader.path.chain.empty()) {
-        errorAtLine(diagnostics, 4346);
+        errorAtLine(reader.diagnostics, 4346);
         return;
     }
-    switch (closeFork(reader.path.chain, reader.cursor)) {
-    case ForkEnd::noneOpen: errorAtLine(diagnostics, 4348); break;
-    case ForkEnd::emptyBranch: errorAtLine(diagnostics, 4347); break;
-    case ForkEnd::closed: break;
-    }
+    closeFork(reader.diagnostics, reader.path.chain, reader.cursor, {4348, 4347});
 }
 
 /// Checks "designator.pin" and attaches it; without a period there is nothing to attach.
 void readNode(PathReader& reader, std::string_view text) {
-    Run& run = reader.run;
+    Diagnostics& diagnostics = reader.diagnostics;
     const std::size_t period = text.find('.');
     if (period == std::string_view::npos) {
-        error(run.diagnostics, 4368);
-        warnOfName(run, text, kNodeWarnings);
+        error(diagnostics, 4368);
+        warnOfName(diagnostics, text, kNodeWarnings);
         return;
     }
     const std::string_view designator = text.substr(0, period);
     const std::string_view pin = text.substr(period + 1);
-    if (designator.size() > kDesignatorLimit) {
-        error(run.diagnostics, 4369);
-    }
-    if (pin.size() > kBoardPinLimit) {
-        error(run.diagnostics, 4370);
-    }
-    warnOfName(run, text, kNodeWarnings);
+    if (designator.size() > kDesignatorLimit) error(diagnostics, 4369);
+    if (pin.size() > kBoardPinLimit) error(diagnostics, 4370);
+    warnOfName(diagnostics, text, kNodeWarnings);
     reader.path.nodes.push_back({.designator = std::string(cutName(designator, kDesignatorLimit)),
                                  .pin = std::string(cutName(pin, kBoardPinLimit))});
     reader.attachNewest(ElementKind::node, reader.path.nodes);
 }
 
 void nodeToken(PathReader& reader, std::string_view) {
-    const std::string_view text = takePathToken(reader.run, reader.text);
+    const std::string_view text = takePathToken(reader.diagnostics, reader.text);
     if (text.empty()) {
-        errorAtLine(reader.run.diagnostics, 4350);
+        errorAtLine(reader.diagnostics, 4350);
     } else if (reader.path.chain.empty()) {
-        errorAtLine(reader.run.diagnostics, 4351);
+        errorAtLine(reader.diagnostics, 4351);
     } else {
         readNode(reader, text);
     }
@@ -151,18 +143,15 @@ constexpr std::array<TokenRow, 6> kTokens{{
 
 } // namespace
 
-void pathLine(Run& run, EbdPath& path, std::string_view text) {
-    PathReader reader{.run = run, .path = path, .cursor = run.ebdmdl.cursor, .text = text};
+void pathLine(Diagnostics& diagnostics, EbdPath& path, ChainCursor& cursor, std::string_view text) {
+    PathReader reader{.diagnostics = diagnostics, .path = path, .cursor = cursor, .text = text};
     for (;;) {
-        const std::string_view token = takePathToken(run, reader.text);
-        if (token.empty()) {
-            return;
-        }
-        const auto* const row = std::ranges::find(kTokens, token, &TokenRow::token);
-        if (row != kTokens.end()) {
+        const std::string_view token = takePathToken(diagnostics, reader.text);
+        if (token.empty()) return;
+        if (const TokenRow* const row = rowOf(kTokens, token, &TokenRow::token)) {
             row->read(reader, token);
         } else {
-            errorAtLine(run.diagnostics, 4352, token);
+            errorAtLine(diagnostics, 4352, token);
         }
     }
 }

@@ -9,7 +9,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Diagnostics;
 
 /// A pin of a mounted component.
 struct EbdNode {
@@ -25,8 +25,7 @@ struct EbdPath {
     std::vector<EbdNode> nodes;    ///< payload of the node elements, in reading order
 };
 
-/// Reads a line of a path: pins, nodes, sections, forks and "NC". Reports 4340 to 4373 (4368 to 4370 without line) and
-/// what readSection reports.
-void pathLine(Run& run, EbdPath& path, std::string_view text);
+/// Reads a line of a path: pins, nodes, sections, forks and "NC". `cursor` goes on in the path's chain.
+void pathLine(Diagnostics& diagnostics, EbdPath& path, ChainCursor& cursor, std::string_view text);
 
 } // namespace kestrel

@@ -1,7 +1,8 @@
 #include "board/ebdrefdes.hpp"
 
 #include "base/text.hpp"
-#include "ibis/run.hpp"
+#include "board/ebdmdl.hpp"
+#include "header/hdr.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
@@ -11,60 +12,55 @@ namespace kestrel {
 
 namespace {
 
-void checkExtension(Run& run, std::string_view name) {
+void checkExtension(Diagnostics& diagnostics, std::string_view name) {
     const std::size_t period = name.rfind('.');
     if (period == std::string_view::npos) {
-        errorAtLine(run.diagnostics, 4384, name);
+        errorAtLine(diagnostics, 4384, name);
         return;
     }
     const std::optional<FileKind> kind = kindOfName(name);
-    if (kind != FileKind::ibs && kind != FileKind::ebd) {
-        errorAtLine(run.diagnostics, 4385, name.substr(period));
-    }
+    if (kind != FileKind::ibs && kind != FileKind::ebd) errorAtLine(diagnostics, 4385, name.substr(period));
 }
 
-void checkFileName(Run& run, std::string_view name) {
-    checkExtension(run, name);
+void checkFileName(Diagnostics& diagnostics, std::string_view name) {
+    checkExtension(diagnostics, name);
     for (const char c : name) {
         if (isUpper(c)) {
-            errorAtLine(run.diagnostics, 4386, name, c);
+            errorAtLine(diagnostics, 4386, name, c);
         } else if (!isFileNameCharacter(c)) {
-            errorAtLine(run.diagnostics, 4387, name, c);
+            errorAtLine(diagnostics, 4387, name, c);
         }
     }
-    if (std::ranges::count(name, '.') > 1) {
-        errorAtLine(run.diagnostics, 4388, name);
-    }
+    if (std::ranges::count(name, '.') > 1) errorAtLine(diagnostics, 4388, name);
 }
 
 } // namespace
 
-void refDesLine(Run& run, EbdMdl& board, std::string_view text) {
-    const ItemList items = splitItems(run, text, 3);
+void refDesLine(Context& context, EbdMdl& board, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
+    const ItemList items = splitItems(context, text, 3);
     if (!items.has(0)) {
-        errorAtLine(run.diagnostics, 4377);
+        errorAtLine(diagnostics, 4377);
         return;
     }
-    EbdRefDes& entry = board.refdes_map.emplace_back();
-    storeName(run.diagnostics, entry.designator, items[0], kDesignatorLimit, 4375);
-    if (!run.ebdmdl.designators.insert(entry.designator).second) {
-        errorAtLine(run.diagnostics, 4376, entry.designator);
-    }
+    std::string designator;
+    storeName(diagnostics, designator, items[0], kDesignatorLimit, 4375);
+    const bool is_new = board.refdes_map.add({.designator = std::move(designator)});
+    EbdRefDes& entry = board.refdes_map.back();
+    if (!is_new) errorAtLine(diagnostics, 4376, entry.designator);
     if (items.has(1)) {
         // The short limit of the oldest headers plays no part: boards came with version 3.
-        storeName(run.diagnostics, entry.file_name, items[1], fileNameLimit(run.parse.version), 4378);
-        checkFileName(run, items[1]);
+        storeName(diagnostics, entry.file_name, items[1], fileNameLimit(context.parse.version), 4378);
+        checkFileName(diagnostics, items[1]);
     } else {
-        errorAtLine(run.diagnostics, 4379);
+        errorAtLine(diagnostics, 4379);
     }
     if (items.has(2)) {
-        storeName(run.diagnostics, entry.component, items[2], kLongNameLimit, 4380);
+        storeName(diagnostics, entry.component, items[2], kLongNameLimit, 4380);
     } else {
-        errorAtLine(run.diagnostics, 4383);
+        errorAtLine(diagnostics, 4383);
     }
-    if (items.count > 3) {
-        errorAtLine(run.diagnostics, 4382);
-    }
+    if (items.count > 3) errorAtLine(diagnostics, 4382);
 }
 
 } // namespace kestrel

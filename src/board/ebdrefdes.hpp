@@ -4,10 +4,10 @@
 
 namespace kestrel {
 
-struct Run;
+struct Context;
 struct EbdMdl;
 
-/// Reads a row of "[Reference Designator Map]"; it is kept whatever was wrong with it. Reports 4375 to 4388.
-void refDesLine(Run& run, EbdMdl& board, std::string_view text);
+/// Reads a row of "[Reference Designator Map]"; it is kept whatever was wrong with it.
+void refDesLine(Context& context, EbdMdl& board, std::string_view text);
 
 } // namespace kestrel

@@ -40,13 +40,20 @@ void finalChecks(Run& run) {
         checkComponentCurrents(run);
         checkCmpnts(run);
     }
-    checkPkgMdls(run);
+    finalPackageChecks(run, *root);
     checkTestData(run);
     checkTestLoads(run);
     checkAddedSubmodels(run);
     checkReferences(run);
 }
 
-void finalBoardChecks(Run& run, bool nested) { checkEbdMdls(run, nested); }
+void finalPackageChecks(Run& run, const Ibis& root) {
+    root.package_models.eachRepeatedName([&run](const PkgMdl& package, std::size_t behind) {
+        const About about(run.diagnostics, package);
+        for (; behind > 0; --behind) {
+            error(run.diagnostics, 3410, package.name);
+        }
+    });
+}
 
 } // namespace kestrel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/object_list.hpp"
-#include "base/text_hash.hpp"
 
 #include <memory>
 #include <vector>
@@ -37,8 +36,6 @@ struct Ibis {
     ObjectList<MSel> model_selectors;
     ObjectList<TestData> test_data;
     ObjectList<TestLoad> test_loads;
-    std::vector<bool> package_files;      ///< by place in the run's list of .pkg files: read into this root
-    TextMap<bool> package_names_searched; ///< names looked for in .pkg files, and whether some file had such a name
 };
 
 /// The roots of a run: the last is the current one, beneath it wait the roots of the parses that it is nested in.
@@ -59,7 +56,7 @@ void freeRoot(Run& run, Ibis& root);
 /// root.
 void finalChecks(Run& run);
 
-/// Checks over the board descriptions of the current root; `nested` tells a file that another board refers to.
-void finalBoardChecks(Run& run, bool nested);
+/// Checks over the package models of a root once its file is read: repeated names.
+void finalPackageChecks(Run& run, const Ibis& root);
 
 } // namespace kestrel

@@ -3,9 +3,9 @@
 #include "ami/check.hpp"
 #include "base/make_room.hpp"
 #include "base/text.hpp"
+#include "ibis/check_boards.hpp"
 #include "ibis/modules.hpp"
 #include "ibis/run.hpp"
-#include "package/pkgmdl.hpp"
 #include "reader/items.hpp"
 
 #include <algorithm>
@@ -267,8 +267,8 @@ void runCompletionChecks(Run& run, FileKind kind, bool read) {
     switch (kind) {
     case FileKind::ibs: finalChecks(run); break;
     // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
-    case FileKind::pkg: checkPkgMdls(run); break;
-    case FileKind::ebd: finalBoardChecks(run, false); break;
+    case FileKind::pkg: finalPackageChecks(run, *currentRoot(run)); break;
+    case FileKind::ebd: checkBoards(run, *currentRoot(run), false); break;
     case FileKind::ami:
         if (read) checkAmi(run);
         break;

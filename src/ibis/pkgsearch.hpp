@@ -14,25 +14,25 @@ struct Run;
 /// A package model named in a .pkg file.
 struct PkgName {
     std::string name;   ///< what follows "[Define Package Model]", comment included
-    std::uint32_t file; ///< place in PkgSearch::files
+    std::uint32_t file; ///< place in PkgDirectory::files
 };
 
 /// The .pkg files beside a source file.
 struct PkgDirectory {
-    std::vector<PkgName> names; ///< in byte order
+    std::vector<std::string> files; ///< bare names, in byte order
+    std::vector<PkgName> names;     ///< in byte order
 };
 
-/// The .pkg files found so far. Each directory is listed and each file scanned once per run, however many components
-/// ask.
+/// The .pkg files found so far, by directory prefix. Each directory is listed and each file scanned once per run,
+/// however many components ask.
 struct PkgSearch {
-    TextMap<PkgDirectory> directories; ///< by directory prefix
-    std::vector<std::string> files;    ///< bare names; those of a directory in byte order
+    TextMap<PkgDirectory> directories;
 };
 
 /// Looks up the package model that a component names: among those of the current root, then in the .pkg files of the
 /// directory of the file being checked. Every file with a name that begins with the wanted one is read into the root,
-/// but none twice, and no name is looked for twice. The reader's state is put back. False after reporting 516 (no
-/// line); true does not promise that the root holds the name: a matching file may have been refused.
+/// also when an earlier look-up has read it. The reader's state is put back. False when it was reported as not found;
+/// true does not promise that the root holds the name: a matching file may have been refused.
 bool findPackageModel(Run& run, std::string_view name, std::string_view component);
 
 } // namespace kestrel

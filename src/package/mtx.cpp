@@ -1,22 +1,16 @@
 #include "package/mtx.hpp"
 
-#include "base/text.hpp"
-#include "ibis/run.hpp"
+#include "diagnostics/diagnostics.hpp"
+#include "reader/enumeration.hpp"
 #include "reader/values.hpp"
 
-#include <algorithm>
 #include <array>
 
 namespace kestrel {
 
 namespace {
 
-struct KindRow {
-    std::string_view name;
-    MtxKind kind;
-};
-
-constexpr std::array<KindRow, 3> kKinds{{
+constexpr std::array<EnumerationRow<MtxKind>, 3> kKinds{{
     {"Banded_matrix", MtxKind::banded},
     {"Sparse_matrix", MtxKind::sparse},
     {"Full_matrix", MtxKind::full},
@@ -24,76 +18,63 @@ constexpr std::array<KindRow, 3> kKinds{{
 
 /// Reports a row that lacks entries: every slot of a banded or full row has to be filled, of a sparse row one. True
 /// when it was reported.
-bool reportShortRow(Run& run, const Mtx& mtx, const MtxRow& row) {
+bool reportShortRow(Diagnostics& diagnostics, const Mtx& mtx, const MtxRow& row) {
     if (mtx.kind == MtxKind::sparse) {
-        if (row.filled == 0) {
-            errorAtLine(run.diagnostics, 3117, row.pin_name);
-        }
+        if (row.filled == 0) errorAtLine(diagnostics, 3117, row.pin_name);
         return row.filled == 0;
     }
-    if (row.filled == row.column_count) {
-        return false;
-    }
+    if (row.filled == row.column_count) return false;
     const char plural = row.filled == 1 ? '\0' : 's';
-    errorAtLine(run.diagnostics, 3116, row.column_count, row.pin_name, row.filled, plural);
+    errorAtLine(diagnostics, 3116, row.column_count, row.pin_name, row.filled, plural);
     return true;
 }
 
 } // namespace
 
-Mtx createMtx(Run& run, std::string_view type, std::uint32_t order) {
+std::uint32_t pinPlace(const PackagePins& pins, std::string_view name) {
+    const std::string* const pin = pins.find(name);
+    return pin == nullptr ? 0 : static_cast<std::uint32_t>(pin - &pins[0] + 1);
+}
+
+Mtx createMtx(Diagnostics& diagnostics, std::string_view type, std::uint32_t order) {
     Mtx mtx;
     mtx.order = order;
-    const auto* const row =
-        std::ranges::find_if(kKinds, [type](const KindRow& kind) { return equalsNoCase(kind.name, type); });
-    if (row != kKinds.end()) {
-        mtx.kind = row->kind;
+    if (const auto* const row = lookUpEnumeration(kKinds, type).row) {
+        mtx.kind = row->code;
     } else if (type.empty()) {
-        errorAtLine(run.diagnostics, 3701);
+        errorAtLine(diagnostics, 3701);
     } else {
-        errorAtLine(run.diagnostics, 3702, type);
+        errorAtLine(diagnostics, 3702, type);
     }
     return mtx;
 }
 
-void setBandwidth(Run& run, Mtx& mtx, std::string_view text) {
+void setBandwidth(Diagnostics& diagnostics, Mtx& mtx, std::string_view text) {
     if (!mtx.isBanded()) {
-        errorAtLine(run.diagnostics, 3703);
+        errorAtLine(diagnostics, 3703);
         return;
     }
     mtx.bandwidth_given = true;
     const ReadResult result = readUnsigned(text, mtx.bandwidth);
     if (result == ReadResult::noNumber) {
-        errorAtLine(run.diagnostics, 3704);
+        errorAtLine(diagnostics, 3704);
         return;
     }
-    if (result == ReadResult::numberAndText) {
-        errorAtLine(run.diagnostics, 3705);
-    }
-    if (mtx.bandwidth >= mtx.order) {
-        errorAtLine(run.diagnostics, 3706, mtx.bandwidth, mtx.order);
-    }
+    if (result == ReadResult::numberAndText) errorAtLine(diagnostics, 3705);
+    if (mtx.bandwidth >= mtx.order) errorAtLine(diagnostics, 3706, mtx.bandwidth, mtx.order);
 }
 
-void closeMtx(Run& run, const Mtx& mtx) {
-    if (mtx.rows.size() != mtx.order) {
-        errorAtLine(run.diagnostics, 3717, mtx.order, mtx.rows.size());
-    }
+void closeMtx(Diagnostics& diagnostics, const Mtx& mtx) {
+    if (mtx.rows.size() != mtx.order) errorAtLine(diagnostics, 3717, mtx.order, mtx.rows.size());
     bool short_row = false;
     for (const MtxRow& row : mtx.rows) {
-        if (reportShortRow(run, mtx, row)) {
-            short_row = true;
-        }
-        if (!short_row && !row.self_coupled) {
-            errorAtLine(run.diagnostics, 3118, row.pin_name);
-        }
+        if (reportShortRow(diagnostics, mtx, row)) short_row = true;
+        if (!short_row && !row.self_coupled) errorAtLine(diagnostics, 3118, row.pin_name);
     }
 }
 
-void checkMtx(Run& run, const Mtx& mtx, std::string_view label) {
-    if (mtx.isBanded() && !mtx.bandwidth_given) {
-        error(run.diagnostics, 3716, label);
-    }
+void checkMtx(Diagnostics& diagnostics, const Mtx& mtx, std::string_view label) {
+    if (mtx.isBanded() && !mtx.bandwidth_given) error(diagnostics, 3716, label);
 }
 
 } // namespace kestrel

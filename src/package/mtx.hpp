@@ -1,17 +1,24 @@
 #pragma once
 
+#include "base/indexed_rows.hpp"
 #include "base/text_hash.hpp"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kestrel {
 
-struct Run;
-struct PkgMdl;
+struct Diagnostics;
+
+/// The names of the pins of a package model, by which its matrices name their rows and columns, in file order.
+using PackagePins = IndexedRows<std::string, std::identity{}>;
+
+/// The 1-based place of a pin, or 0; of a repeated name the first.
+[[nodiscard]] std::uint32_t pinPlace(const PackagePins& pins, std::string_view name);
 
 /// How a matrix stores its upper triangle. A wrap is a banded matrix that circles back from its last rows to the first
 /// columns.
@@ -27,7 +34,7 @@ struct MtxRow {
 };
 
 /// One coupled matrix of a package model, upper triangle only. Rows are read one after the other, so their entries
-/// stand in one vector each of values and, when sparse, columns; memory goes by the entries given, never by the order.
+/// are in one vector each of values and, when sparse, columns; memory goes by the entries given, never by the order.
 struct Mtx {
     MtxKind kind = MtxKind::unknown;
     std::uint32_t order = 0; ///< number of pins when the matrix began
@@ -45,18 +52,17 @@ struct Mtx {
     [[nodiscard]] bool isBanded() const { return kind == MtxKind::banded || kind == MtxKind::bandedWrap; }
 };
 
-/// Makes a matrix of `order` from the text of its keyword line. Reports 3701 and 3702 (type); the matrix of an unknown
-/// type takes no rows.
-[[nodiscard]] Mtx createMtx(Run& run, std::string_view type, std::uint32_t order);
+/// Makes a matrix of `order` from the text of its keyword line, which is its type. The matrix of an unknown type takes
+/// no rows.
+[[nodiscard]] Mtx createMtx(Diagnostics& diagnostics, std::string_view type, std::uint32_t order);
 
-/// Reads a "[Bandwidth]" line. Reports 3703 to 3706.
-void setBandwidth(Run& run, Mtx& mtx, std::string_view text);
+/// Reads a "[Bandwidth]" line.
+void setBandwidth(Diagnostics& diagnostics, Mtx& mtx, std::string_view text);
 
-/// Ends the reading of a matrix: reports the number of rows (3717), rows that lack columns (3116, 3117) or their
-/// diagonal entry (3118).
-void closeMtx(Run& run, const Mtx& mtx);
+/// Ends the reading of a matrix: checks the number of its rows, their columns and their diagonal entries.
+void closeMtx(Diagnostics& diagnostics, const Mtx& mtx);
 
-/// Checks a matrix when its package model is complete: 3716 (banded without bandwidth; no line).
-void checkMtx(Run& run, const Mtx& mtx, std::string_view label);
+/// Checks a matrix when its package model is complete; `label` says in messages which one it is.
+void checkMtx(Diagnostics& diagnostics, const Mtx& mtx, std::string_view label);
 
 } // namespace kestrel

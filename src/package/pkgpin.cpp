@@ -1,7 +1,9 @@
 #include "package/pkgpin.hpp"
 
-#include "ibis/run.hpp"
+#include "diagnostics/diagnostics.hpp"
+#include "package/pkgmdl.hpp"
 #include "package/token.hpp"
+#include "reader/names.hpp"
 
 namespace kestrel {
 
@@ -17,25 +19,24 @@ struct PinName {
     bool fits;
 };
 
-PinName readPinName(Run& run, std::string_view text) {
+PinName readPinName(Diagnostics& diagnostics, std::string_view text) {
     PinName name;
-    name.fits = storeName(run.diagnostics, name.text, text, kPackagePinLimit, 3432);
+    name.fits = storeName(diagnostics, name.text, text, kPackagePinLimit, 3432);
     return name;
 }
 
 /// Stores a pin; false when it was reported that there is no room for it.
-bool storePin(Run& run, PkgMdl& package, const PinName& name) {
+bool storePin(Diagnostics& diagnostics, PkgMdl& package, const PinName& name) {
     if (package.number_of_pins == 0) {
-        errorAtLine(run.diagnostics, 3433);
+        errorAtLine(diagnostics, 3433);
         return false;
     }
     if (package.pin_names.size() >= package.number_of_pins) {
-        errorAtLine(run.diagnostics, 3435);
+        errorAtLine(diagnostics, 3435);
         return false;
     }
-    package.pin_names.push_back(name.text);
-    if (!package.pin_index.enterLast(package.pin_names)) {
-        errorAtLine(run.diagnostics, 3437, name.text);
+    if (!package.pin_names.add(name.text)) {
+        errorAtLine(diagnostics, 3437, name.text);
     } else if (name.fits) {
         package.own_pins.push_back(static_cast<std::uint32_t>(package.pin_names.size() - 1));
     }
@@ -49,40 +50,30 @@ Chain& lastChain(PkgMdl& package) {
     return package.pin_sections.back();
 }
 
-void forkLine(Run& run, PkgMdl& package) {
-    ChainCursor& cursor = run.pkgmdl.cursor;
-    if (!cursor.forks.empty()) {
-        errorAtLine(run.diagnostics, 3439);
-    }
+void forkLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package) {
+    if (!cursor.forks.empty()) errorAtLine(diagnostics, 3439);
     if (package.pin_names.empty()) {
-        errorAtLine(run.diagnostics, 3440);
+        errorAtLine(diagnostics, 3440);
         return;
     }
     openFork(lastChain(package), cursor);
 }
 
-void endforkLine(Run& run, PkgMdl& package) {
+void endforkLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package) {
     if (package.pin_names.empty()) {
-        errorAtLine(run.diagnostics, 3441);
+        errorAtLine(diagnostics, 3441);
         return;
     }
-    switch (closeFork(lastChain(package), run.pkgmdl.cursor)) {
-    case ForkEnd::noneOpen: errorAtLine(run.diagnostics, 3443); break;
-    case ForkEnd::emptyBranch: errorAtLine(run.diagnostics, 3442); break;
-    case ForkEnd::closed: break;
-    }
+    closeFork(diagnostics, lastChain(package), cursor, {3443, 3442});
 }
 
 /// Attaches the sections of a line to the last pin; one that fails ends the line.
-void readSections(Run& run, PkgMdl& package, std::string_view text) {
-    ChainCursor& cursor = run.pkgmdl.cursor;
+void readSections(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
     Sect sect;
-    while (readSection(run, text, sect) == SectResult::section) {
+    while (readSection(diagnostics, text, sect) == SectResult::section) {
         attachSection(lastChain(package), cursor, sect);
     }
-    if (cursor.tail == kNoElement) {
-        errorAtLine(run.diagnostics, 3449);
-    }
+    if (cursor.tail == kNoElement) errorAtLine(diagnostics, 3449);
 }
 
 /// True for a line that goes on with the sections of the pin before it.
@@ -91,39 +82,36 @@ bool isContinuation(std::string_view text) {
 }
 
 /// A line that begins a pin; its sections follow the name.
-void newPinLine(Run& run, PkgMdl& package, std::string_view text) {
-    ChainCursor& cursor = run.pkgmdl.cursor;
+void newPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
     const std::string_view name = takeToken(text);
     cursor.tail = kNoElement;
     if (!cursor.forks.empty()) {
-        errorAtLine(run.diagnostics, 3444, name);
+        errorAtLine(diagnostics, 3444, name);
         cursor.forks.clear();
     }
-    const PinName stored = readPinName(run, name);
-    warnOfName(run, name, kPinWarnings);
-    if (storePin(run, package, stored)) {
-        readSections(run, package, text);
-    }
+    const PinName stored = readPinName(diagnostics, name);
+    warnOfName(diagnostics, name, kPinWarnings);
+    if (storePin(diagnostics, package, stored)) readSections(diagnostics, cursor, package, text);
 }
 
 } // namespace
 
-void plainPinLine(Run& run, PkgMdl& package, std::string_view text) {
-    storePin(run, package, readPinName(run, skipBlanks(text)));
+void plainPinLine(Diagnostics& diagnostics, PkgMdl& package, std::string_view text) {
+    storePin(diagnostics, package, readPinName(diagnostics, skipBlanks(text)));
 }
 
-void sectionPinLine(Run& run, PkgMdl& package, std::string_view text) {
+void sectionPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
     text = skipBlanks(text);
     if (text == "Fork") {
-        forkLine(run, package);
+        forkLine(diagnostics, cursor, package);
     } else if (text == "Endfork") {
-        endforkLine(run, package);
+        endforkLine(diagnostics, cursor, package);
     } else if (!isContinuation(text)) {
-        newPinLine(run, package, text);
-    } else if (run.pkgmdl.cursor.tail == kNoElement) {
-        errorAtLine(run.diagnostics, 3438); // no section or fork that it could go on from
+        newPinLine(diagnostics, cursor, package, text);
+    } else if (cursor.tail == kNoElement) {
+        errorAtLine(diagnostics, 3438); // no section or fork that it could go on from
     } else {
-        readSections(run, package, text);
+        readSections(diagnostics, cursor, package, text);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "package/row.hpp"
 
 #include "base/text.hpp"
-#include "ibis/run.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "package/token.hpp"
 #include "reader/names.hpp"
 #include "reader/values.hpp"
@@ -36,24 +36,10 @@ std::optional<std::uint64_t> nextColumnCount(const Mtx& mtx) {
     return std::nullopt;
 }
 
-/// The 1-based place of a pin, or 0; `guess` is where it stands in a file that keeps the order of the pins.
-std::uint32_t pinNear(const PkgMdl& package, std::string_view name, std::size_t guess) {
-    const std::vector<std::string>& names = package.pin_names;
-    const bool unique = package.pin_index.size() == names.size();
-    if (unique && guess - 1 < names.size() && names[guess - 1] == name) {
-        return static_cast<std::uint32_t>(guess);
-    }
-    return pinIndex(package, name);
-}
-
 /// Counts a row of this name and returns how many there were before; `index` is the place of its pin, or 0.
-std::uint32_t countRow(Mtx& mtx, const PkgMdl& package, std::string_view name, std::uint32_t index) {
-    if (index == 0) {
-        return mtx.unknown_rows.try_emplace(std::string(name), 0).first->second++;
-    }
-    if (index >= mtx.pin_rows.size()) {
-        mtx.pin_rows.resize(package.pin_names.size() + 1);
-    }
+std::uint32_t countRow(Mtx& mtx, const PackagePins& pins, std::string_view name, std::uint32_t index) {
+    if (index == 0) return mtx.unknown_rows.try_emplace(std::string(name), 0).first->second++;
+    if (index >= mtx.pin_rows.size()) mtx.pin_rows.resize(pins.size() + 1);
     std::uint32_t earlier = mtx.pin_rows[index]++;
     if (!mtx.unknown_rows.empty()) { // a pin may be listed behind the first row of its name
         const auto unknown = mtx.unknown_rows.find(name);
@@ -63,24 +49,22 @@ std::uint32_t countRow(Mtx& mtx, const PkgMdl& package, std::string_view name, s
 }
 
 /// Reads one value; false when it was reported as unreadable.
-bool readValue(Run& run, std::string_view token, double& value) {
+bool readValue(Diagnostics& diagnostics, std::string_view token, double& value) {
     const ReadResult result = readScaled(token, value);
     if (result == ReadResult::noNumber) {
-        errorAtLine(run.diagnostics, 3103);
+        errorAtLine(diagnostics, 3103);
         return false;
     }
-    if (result == ReadResult::numberAndText) {
-        warningAtLine(run.diagnostics, 3104);
-    }
+    if (result == ReadResult::numberAndText) warningAtLine(diagnostics, 3104);
     return true;
 }
 
 /// Gives every row of a banded matrix, the last one included, as many slots as the band is wide. False when it was
 /// reported as impossible.
-bool turnIntoWrap(Run& run, Mtx& mtx) {
+bool turnIntoWrap(Diagnostics& diagnostics, Mtx& mtx) {
     const std::uint32_t limit = mtx.order == 0 ? 0 : (mtx.order - 1) / 2;
     if (mtx.bandwidth > limit) {
-        errorAtLine(run.diagnostics, 3708, limit);
+        errorAtLine(diagnostics, 3708, limit);
         return false;
     }
     const std::uint64_t columns = bandWidth(mtx);
@@ -88,12 +72,11 @@ bool turnIntoWrap(Run& run, Mtx& mtx) {
     // A second matrix keyword lets a file narrow the band behind rows that were made for a wider one.
     if (columns <= last.column_count) {
         const SourceMark mark = here();
-        programBugAtLine(run.diagnostics, 3108, mark.file, mark.line, columns, last.column_count);
+        programBugAtLine(diagnostics, 3108, mark.file, mark.line, columns, last.column_count);
         return false;
     }
     if (mtx.widest > columns) {
-        const SourceMark mark = here();
-        programBugAtLine(run.diagnostics, 3109, mark.file, mark.line);
+        programBugHereAtLine(diagnostics, 3109);
         return false;
     }
     mtx.kind = MtxKind::bandedWrap;
@@ -106,30 +89,26 @@ bool turnIntoWrap(Run& run, Mtx& mtx) {
 
 /// Looks for room for one more value in a row that has none; false when it was reported that there is no way to make
 /// some.
-bool makeRoom(Run& run, Mtx& mtx) {
+bool makeRoom(Diagnostics& diagnostics, Mtx& mtx) {
     if (mtx.kind == MtxKind::full) {
-        errorAtLine(run.diagnostics, 3105);
+        errorAtLine(diagnostics, 3105);
         return false;
     }
     const std::uint64_t columns = mtx.rows.back().column_count;
     if (columns == bandWidth(mtx) || mtx.rows.size() + columns <= mtx.order || mtx.kind == MtxKind::bandedWrap) {
-        errorAtLine(run.diagnostics, 3107, columns);
+        errorAtLine(diagnostics, 3107, columns);
         return false;
     }
-    return turnIntoWrap(run, mtx);
+    return turnIntoWrap(diagnostics, mtx);
 }
 
 /// A line of values, each of which fills the next slot.
-void readValues(Run& run, Mtx& mtx, std::string_view text) {
+void readValues(Diagnostics& diagnostics, Mtx& mtx, std::string_view text) {
     MtxRow& row = mtx.rows.back();
     for (std::string_view token = takeToken(text); !token.empty(); token = takeToken(text)) {
         double value = 0.0;
-        if (!readValue(run, token, value)) {
-            return;
-        }
-        if (row.filled == row.column_count && !makeRoom(run, mtx)) {
-            return;
-        }
+        if (!readValue(diagnostics, token, value)) return;
+        if (row.filled == row.column_count && !makeRoom(diagnostics, mtx)) return;
         mtx.values.push_back(value);
         ++row.filled;
         row.self_coupled = true;
@@ -137,105 +116,83 @@ void readValues(Run& run, Mtx& mtx, std::string_view text) {
 }
 
 /// The 1-based column that a sparse line names, in the last row; 0 when it was reported.
-std::uint32_t readColumn(Run& run, Mtx& mtx, const PkgMdl& package, std::string_view name) {
+std::uint32_t readColumn(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view name) {
     MtxRow& row = mtx.rows.back();
     if (name.empty()) {
-        errorAtLine(run.diagnostics, 3110);
+        errorAtLine(diagnostics, 3110);
         return 0;
     }
-    if (name == row.pin_name) {
-        row.self_coupled = true;
-    }
-    const std::size_t guess = row.filled == 0 ? mtx.rows.size() : std::size_t{mtx.columns.back()} + 1;
-    const std::uint32_t column = pinNear(package, name, guess);
+    if (name == row.pin_name) row.self_coupled = true;
+    const std::uint32_t column = pinPlace(pins, name);
     if (column == 0) {
-        errorAtLine(run.diagnostics, 3100, name);
+        errorAtLine(diagnostics, 3100, name);
         return 0;
     }
     if (column < mtx.rows.size()) {
-        errorAtLine(run.diagnostics, 3111);
+        errorAtLine(diagnostics, 3111);
         return 0;
     }
     if (column > row.column_count) {
-        const SourceMark mark = here();
-        programBugAtLine(run.diagnostics, 3112, mark.file, mark.line);
+        programBugHereAtLine(diagnostics, 3112);
         return 0;
     }
     if (column < mtx.column_row.size() && mtx.column_row[column] == mtx.rows.size()) {
-        errorAtLine(run.diagnostics, 3113, column);
+        errorAtLine(diagnostics, 3113, column);
         return 0;
     }
     return column;
 }
 
 /// A line of a sparse matrix: the pin of a column, then the value.
-void readEntry(Run& run, Mtx& mtx, const PkgMdl& package, std::string_view text) {
-    const std::uint32_t column = readColumn(run, mtx, package, takeToken(text));
-    if (column == 0) {
-        return;
-    }
+void readEntry(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+    const std::uint32_t column = readColumn(diagnostics, mtx, pins, takeToken(text));
+    if (column == 0) return;
     const std::string_view token = takeToken(text);
     if (token.empty()) {
-        errorAtLine(run.diagnostics, 3114);
+        errorAtLine(diagnostics, 3114);
         return;
     }
     double value = 0.0;
-    if (!readValue(run, token, value)) {
-        return;
-    }
-    if (column >= mtx.column_row.size()) {
-        mtx.column_row.resize(package.pin_names.size() + 1);
-    }
+    if (!readValue(diagnostics, token, value)) return;
+    if (column >= mtx.column_row.size()) mtx.column_row.resize(pins.size() + 1);
     mtx.column_row[column] = static_cast<std::uint32_t>(mtx.rows.size());
     mtx.columns.push_back(column);
     mtx.values.push_back(value);
     ++mtx.rows.back().filled;
-    if (const std::string_view more = takeToken(text); !more.empty()) {
-        errorAtLine(run.diagnostics, 3115, more);
-    }
+    if (const std::string_view more = takeToken(text); !more.empty()) errorAtLine(diagnostics, 3115, more);
 }
 
 } // namespace
 
-void beginRow(Run& run, Mtx& mtx, const PkgMdl& package, std::string_view name) {
+void beginRow(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view name) {
     const std::optional<std::uint64_t> columns = nextColumnCount(mtx);
-    if (!columns) {
-        return;
-    }
+    if (!columns) return;
     if (name.empty()) {
-        errorAtLine(run.diagnostics, 3120);
+        errorAtLine(diagnostics, 3120);
         return;
     }
-    if (name.size() > kPackagePinLimit) {
-        errorAtLine(run.diagnostics, 3121);
-    }
+    if (name.size() > kPackagePinLimit) errorAtLine(diagnostics, 3121);
     name = trim(cutName(name, kPackagePinLimit));
     if (*columns == 0) {
-        errorAtLine(run.diagnostics, 3122);
+        errorAtLine(diagnostics, 3122);
         return;
     }
-    const std::uint32_t index = pinNear(package, name, mtx.rows.size() + 1);
-    if (index == 0) {
-        errorAtLine(run.diagnostics, 3100, name);
-    }
-    for (std::uint32_t earlier = countRow(mtx, package, name, index); earlier > 0; --earlier) {
-        errorAtLine(run.diagnostics, 3101, name);
+    const std::uint32_t index = pinPlace(pins, name);
+    if (index == 0) errorAtLine(diagnostics, 3100, name);
+    for (std::uint32_t earlier = countRow(mtx, pins, name, index); earlier > 0; --earlier) {
+        errorAtLine(diagnostics, 3101, name);
     }
     mtx.rows.push_back({.pin_name = std::string(name), .column_count = *columns});
     mtx.widest = std::max(mtx.widest, *columns);
-    if (index != 0 && index != mtx.rows.size()) {
-        errorAtLine(run.diagnostics, 3102, name, index, mtx.rows.size());
-    }
+    if (index != 0 && index != mtx.rows.size()) errorAtLine(diagnostics, 3102, name, index, mtx.rows.size());
 }
 
-void rowLine(Run& run, Mtx& mtx, const PkgMdl& package, std::string_view text) {
-    if (mtx.rows.empty()) {
-        return;
-    }
+void rowLine(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+    if (mtx.rows.empty()) return;
     if (mtx.kind == MtxKind::sparse) {
-        readEntry(run, mtx, package, text);
+        readEntry(diagnostics, mtx, pins, text);
     } else {
-        readValues(run, mtx, text);
+        readValues(diagnostics, mtx, text);
     }
 }
 

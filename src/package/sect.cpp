@@ -1,6 +1,7 @@
 #include "package/sect.hpp"
 
-#include "ibis/run.hpp"
+#include "base/rows.hpp"
+#include "diagnostics/diagnostics.hpp"
 #include "package/token.hpp"
 #include "reader/values.hpp"
 
@@ -34,99 +35,87 @@ std::string_view takeWord(std::string_view& text) {
     return word;
 }
 
-/// Takes the "=" and the value of an item off the front of `text`; reports what stands there instead.
-std::optional<double> takeValue(Run& run, std::string_view& text) {
+/// Takes the "=" and the value of an item off the front of `text`; reports what is there instead.
+std::optional<double> takeValue(Diagnostics& diagnostics, std::string_view& text) {
     text = skipBlanks(text);
     if (text.empty()) {
-        errorAtLine(run.diagnostics, 1920);
+        errorAtLine(diagnostics, 1920);
         return std::nullopt;
     }
     if (text.front() != '=') {
-        errorAtLine(run.diagnostics, 1921);
+        errorAtLine(diagnostics, 1921);
         return std::nullopt;
     }
     text = skipBlanks(text.substr(1));
     if (text.empty()) {
-        errorAtLine(run.diagnostics, 1920);
+        errorAtLine(diagnostics, 1920);
         return std::nullopt;
     }
     if (text.front() == '=') {
-        errorAtLine(run.diagnostics, 1918);
+        errorAtLine(diagnostics, 1918);
         return std::nullopt;
     }
     if (text.front() == '/') {
-        errorAtLine(run.diagnostics, 1923);
+        errorAtLine(diagnostics, 1923);
         return std::nullopt;
     }
     const std::string_view number = takeWord(text);
     double value = 0.0;
     if (readScaled(number, value) == ReadResult::noNumber) {
-        errorAtLine(run.diagnostics, 1922, number);
+        errorAtLine(diagnostics, 1922, number);
         return std::nullopt;
     }
     return value;
 }
 
 /// Takes one item off the front of `text`; false when it was reported and the section is of no use.
-bool readItem(Run& run, std::string_view& text, Sect& sect) {
+bool readItem(Diagnostics& diagnostics, std::string_view& text, Sect& sect) {
     if (text.front() == '=') {
-        errorAtLine(run.diagnostics, 1918);
+        errorAtLine(diagnostics, 1918);
         return false;
     }
     const std::string_view name = takeWord(text);
-    const auto* const item = std::ranges::find(kItems, name, &ItemRow::name);
-    if (item == kItems.end()) {
-        errorAtLine(run.diagnostics, 1919, name);
+    const ItemRow* const item = rowOf(kItems, name, &ItemRow::name);
+    if (item == nullptr) {
+        errorAtLine(diagnostics, 1919, name);
         return false;
     }
-    const std::optional<double> value = takeValue(run, text);
-    if (!value) {
-        return false;
-    }
+    const std::optional<double> value = takeValue(diagnostics, text);
+    if (!value) return false;
     std::optional<double>& place = sect.*(item->value);
-    if (item->without_len && !sect.len) {
-        errorAtLine(run.diagnostics, *item->without_len);
-    }
-    if (place) {
-        errorAtLine(run.diagnostics, item->duplicate);
-    }
-    if (*value < 0.0) {
-        errorAtLine(run.diagnostics, item->negative);
-    }
+    if (item->without_len && !sect.len) errorAtLine(diagnostics, *item->without_len);
+    if (place) errorAtLine(diagnostics, item->duplicate);
+    if (*value < 0.0) errorAtLine(diagnostics, item->negative);
     place = value;
     return true;
 }
 
 } // namespace
 
-SectResult readSection(Run& run, std::string_view& text, Sect& sect) {
+SectResult readSection(Diagnostics& diagnostics, std::string_view& text, Sect& sect) {
     sect = {};
     bool any = false;
     for (text = skipBlanks(text); !text.empty() && text.front() != '/'; text = skipBlanks(text)) {
-        if (!readItem(run, text, sect)) {
-            return SectResult::failed;
-        }
+        if (!readItem(diagnostics, text, sect)) return SectResult::failed;
         any = true;
     }
     if (text.empty()) {
-        if (!any) {
-            return SectResult::endOfLine;
-        }
-        errorAtLine(run.diagnostics, 3013);
+        if (!any) return SectResult::endOfLine;
+        errorAtLine(diagnostics, 3013);
         return SectResult::failed;
     }
     text.remove_prefix(1);
     if (!any) {
-        errorAtLine(run.diagnostics, 3011);
+        errorAtLine(diagnostics, 3011);
     } else if (sect.len.value_or(0.0) != 0.0 && (!sect.l || !sect.c)) {
-        errorAtLine(run.diagnostics, 3012);
+        errorAtLine(diagnostics, 3012);
     }
     return SectResult::section;
 }
 
 bool beginsSection(std::string_view text) {
     text = skipBlanks(text);
-    return text.starts_with('/') || std::ranges::find(kItems, takeWord(text), &ItemRow::name) != kItems.end();
+    return text.starts_with('/') || rowOf(kItems, takeWord(text), &ItemRow::name) != nullptr;
 }
 
 void attach(Chain& chain, ChainCursor& cursor, ChainElement element) {
@@ -155,26 +144,21 @@ void openFork(Chain& chain, ChainCursor& cursor) {
     cursor.forks.push_back(cursor.tail);
 }
 
-ForkEnd closeFork(const Chain& chain, ChainCursor& cursor) {
+void closeFork(Diagnostics& diagnostics, const Chain& chain, ChainCursor& cursor, const ForkEndMessages& messages) {
     if (cursor.forks.empty()) {
-        return ForkEnd::noneOpen;
+        errorAtLine(diagnostics, messages.none_open);
+        return;
     }
     cursor.tail = cursor.forks.back();
     cursor.forks.pop_back();
-    return chain.elements[cursor.tail].payload == kNoElement ? ForkEnd::emptyBranch : ForkEnd::closed;
+    if (chain.elements[cursor.tail].payload == kNoElement) errorAtLine(diagnostics, messages.empty_branch);
 }
 
-void warnOfName(Run& run, std::string_view name, const NameWarnings& warnings) {
+void warnOfName(Diagnostics& diagnostics, std::string_view name, const NameWarnings& warnings) {
     constexpr std::array<std::string_view, 6> kWords{"Len", "Fork", "Endfork", "C", "R", "L"};
-    if (name.find('=') != std::string_view::npos) {
-        warningAtLine(run.diagnostics, warnings.equals, name);
-    }
-    if (name.find('/') != std::string_view::npos) {
-        warningAtLine(run.diagnostics, warnings.slash, name);
-    }
-    if (std::ranges::find(kWords, name) != kWords.end()) {
-        warningAtLine(run.diagnostics, warnings.word, name);
-    }
+    if (name.find('=') != std::string_view::npos) warningAtLine(diagnostics, warnings.equals, name);
+    if (name.find('/') != std::string_view::npos) warningAtLine(diagnostics, warnings.slash, name);
+    if (std::ranges::find(kWords, name) != kWords.end()) warningAtLine(diagnostics, warnings.word, name);
 }
 
 } // namespace kestrel

@@ -9,7 +9,7 @@
 
 namespace kestrel {
 
-struct Run;
+struct Diagnostics;
 
 /// One R/L/C section of a pin or path: its length, and resistance, inductance and capacitance per unit of length.
 struct Sect {
@@ -21,14 +21,13 @@ struct Sect {
 
 /// What became of the text at the front of a line of sections.
 enum class SectResult : std::uint8_t {
-    endOfLine, ///< nothing more stands on the line
+    endOfLine, ///< nothing more is on the line
     section,   ///< one section was read, and possibly found empty
     failed     ///< reported; what is left of the line is of no use
 };
 
-/// Takes one section, closed by "/", off the front of `text`. Reports 1918 to 1923 (no such item or value) and 3000 to
-/// 3013.
-SectResult readSection(Run& run, std::string_view& text, Sect& sect);
+/// Takes one section, closed by "/", off the front of `text`.
+SectResult readSection(Diagnostics& diagnostics, std::string_view& text, Sect& sect);
 
 /// True when the next thing in `text` is an item of a section or the end of one.
 [[nodiscard]] bool beginsSection(std::string_view text);
@@ -36,7 +35,7 @@ SectResult readSection(Run& run, std::string_view& text, Sect& sect);
 /// Stands for no element.
 inline constexpr std::uint32_t kNoElement = 0xFFFFFFFF;
 
-/// What an element of a chain is. Pins, nodes and "NC" stand in the paths of boards only.
+/// What an element of a chain is. Pins, nodes and "NC" occur in the paths of boards only.
 enum class ElementKind : std::uint8_t { fork = 0, section = 1, pin = 2, node = 3, nc = 4 };
 
 /// One element of a chain. Elements refer to each other by their place in the chain's vector, so that neither depth nor
@@ -48,8 +47,8 @@ struct ChainElement {
         kNoElement; ///< of a fork: the first element of its branch; else the place in the owner's vector of its kind
 };
 
-/// A chain of elements with branches. The first element, if any, is the head; all others hang from it, and they stand
-/// in the order in which they were read.
+/// A chain of elements with branches, in the order in which they were read. The first element, if any, is the head; all
+/// others hang from it.
 struct Chain {
     std::vector<ChainElement> elements;
     std::vector<Sect> sections; ///< payload of the section elements, those in branches included
@@ -73,11 +72,14 @@ void attachSection(Chain& chain, ChainCursor& cursor, const Sect& sect);
 /// Appends a fork and opens it.
 void openFork(Chain& chain, ChainCursor& cursor);
 
-/// How the end of a fork was met.
-enum class ForkEnd : std::uint8_t { noneOpen, emptyBranch, closed };
+/// What is said of the end of a fork.
+struct ForkEndMessages {
+    CheckedMessage<> none_open;
+    CheckedMessage<> empty_branch;
+};
 
-/// Closes the innermost open fork, which becomes the tail.
-ForkEnd closeFork(const Chain& chain, ChainCursor& cursor);
+/// Closes the innermost open fork, which becomes the tail. Reports at the line.
+void closeFork(Diagnostics& diagnostics, const Chain& chain, ChainCursor& cursor, const ForkEndMessages& messages);
 
 /// What is said of a name that holds part of the section syntax.
 struct NameWarnings {
@@ -88,6 +90,6 @@ struct NameWarnings {
 
 /// Warns of a name of a pin or node that was probably meant to be something else: one with "=" or "/" in it, or one of
 /// the words "Len", "Fork", "Endfork", "C", "R" and "L".
-void warnOfName(Run& run, std::string_view name, const NameWarnings& warnings);
+void warnOfName(Diagnostics& diagnostics, std::string_view name, const NameWarnings& warnings);
 
 } // namespace kestrel

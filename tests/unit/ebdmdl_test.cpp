@@ -156,8 +156,9 @@ TEST(BoardReferences, componentsAndTheirPins) {
         // The limit is that of the file referred to.
         {board("B", "Node U1.123456", "U1 c.ibs C"), "E4393"},
         {board("B", "Node U1.123456 Node U1.1234567", "U1 five.ibs F"), "E4389"},
-        // Every entry of a designator is followed, whatever was wrong with it; an unused one is not.
-        {board("B", "Node U1.9", "U1 c.ibs C\nU1 five.ibs F\nU2 nosuch.ibs C"), "E4376@ E4389 E4389"},
+        // Of the entries of a designator the first is followed, whatever was wrong with it; an unused one is not.
+        {board("B", "Node U1.9", "U1 c.ibs C\nU1 nosuch.ibs F\nU1 c.ibs C\nU2 nosuch.ibs C"), "E4376@ E4376@ E4389"},
+        {board("B", "Node U1.9", "U1 c.ibs\nU1 c.ibs C"), "E4383@ E4376@"},
         {board("B", "Node U1.1 Node U2.1 Node U3.1", "U1 c.txt C\nU2 c C\nU3"), "E4385@ E4384@ E4379@ E4383@"},
         {board("B", "Node U1.1 Node U2.1", "U1 nosuch.ibs C\nU2 nosuch.ibs X"), "E1905 E0900"},
         {board("B", "Node U1.1", "U1 old.ibs X"), "E0900"},
@@ -170,13 +171,19 @@ TEST(BoardReferences, componentsAndTheirPins) {
     }
 }
 
-TEST(BoardReferences, eachFileIsReadOncePerBoardAndTheReaderPutBack) {
+TEST(BoardReferences, eachFileIsReadOnceAndTheReaderPutBack) {
     BoardFiles files;
-    files.add("c.ibs", component("C") + component("D") + "[Comment Char] #_char");
+    files.add("c.ibs", component("C") + component("D") + component("D") + "[Comment Char] #_char");
+    files.add("d.ebd", board("D", "", ""));
+    // The boards are checked from the last to the first. What a file is reported for comes with its first reading
+    // (511), what a board refers to with each board.
     files.add("b.ebd",
-              board("A", "Node U1.1 Node U2.1", "U1 c.ibs C\nU2 c.ibs D") + board("B", "Node U.1", "U c.ibs C"), "3.2");
-    EXPECT_EQ(files.check("b.ebd"), "");
-    EXPECT_EQ(files.timesRead("c.ibs"), 2);
+              board("A", "Node U1.1 Node U2.9 Node U3.9 Node U4.1", "U1 c.ibs C\nU2 c.ibs D\nU3 d.ebd D\nU4 no.ibs X") +
+                  board("B", "Node U.9 Node V.1 Node W.1 Node X.1", "U c.ibs C\nV c.ibs E\nW no.ibs X\nX d.ebd D"),
+              "3.2");
+    EXPECT_EQ(files.check("b.ebd"), "E0511 E4389 E4390 E1905 E0900 E4389 E4389");
+    EXPECT_EQ(files.timesRead("c.ibs"), 1);
+    EXPECT_EQ(files.timesRead("d.ebd"), 1);
     EXPECT_EQ(files.run.parse.file_name, "b.ebd");
     EXPECT_EQ(files.run.parse.kind, FileKind::ebd);
     EXPECT_EQ(files.run.parse.comment, '|');
@@ -205,11 +212,13 @@ TEST(BoardReferences, boardsOnBoards) {
         // b refers to c, which is nobody's business here; back to a board of the calling file.
         {board("A", "Node U1.1", "U1 back.ebd B"), "E4394"},
         {board("A", "Node U1.1", "U1 back.ebd X"), "E4394 E4390"},
+        // However many of its rows and of the boards here lead there: once for each board that is referred to.
+        {board("A", "Node U1.1", "U1 back.ebd B") + board("N", "Node U1.1", "U1 back.ebd B"), "E4394 E4394"},
     };
     for (const Row& row : rows) {
         BoardFiles files;
         files.add("b.ebd", board("B", "Node U1.1", "U1 c.ebd C")).add("c.ebd", board("C", "Node U1.1", "U1 a.ebd A"));
-        files.add("back.ebd", board("B", "Node U1.1 Node U2.1", "U1 a.ebd A\nU2 a.ebd N"));
+        files.add("back.ebd", board("B", "Node U1.1 Node U2.1", "U1 a.ebd A\nU2 a.ebd N\nU3 a.ebd A"));
         EXPECT_EQ(files.add("a.ebd", row.text).check("a.ebd"), row.codes) << row.text;
         EXPECT_EQ(files.timesRead("c.ebd"), 0);
         EXPECT_EQ(files.timesRead("a.ebd"), 1);

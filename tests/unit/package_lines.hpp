@@ -1,8 +1,8 @@
 #pragma once
 
 #include "codes.hpp"
+#include "ibis/modules.hpp"
 #include "ibis/run.hpp"
-#include "package/pkgmdl.hpp"
 #include "reader/keyword.hpp"
 
 #include <string>
@@ -24,7 +24,7 @@ struct PackageLines {
             if (line.starts_with('[')) {
                 keyword(line);
             } else {
-                pkgmdlLine(run, {LineKind::data, run.parse.current, line});
+                module.line(run, {LineKind::data, run.parse.current, line});
             }
         }
     }
@@ -48,6 +48,7 @@ struct PackageLines {
     Output out;
     Run run{out};
     Ibis& root;
+    const Module& module = moduleOf(KeywordCode::definePackageModel);
     std::size_t shown = 0;
 
 private:
@@ -56,10 +57,10 @@ private:
         KeywordCode code = findKeyword(line.substr(1, end - 1), IbisVersion::v5).value_or(KeywordCode::end);
         if (code == KeywordCode::manufacturer) code = KeywordCode::packageManufacturer;
         run.parse.current = code;
-        pkgmdlKeywordSeen(run, code);
-        if (code == KeywordCode::definePackageModel) openPkgMdl(run);
-        if (ownerOf(code) != Owner::pkgmdl) return;
-        pkgmdlLine(run, {LineKind::keyword, code, line.substr(std::min(line.size(), end + 2))});
+        module.keyword_seen(run, code);
+        if (code == module.opens) module.open(run);
+        if (ownerOf(code) != module.owner) return;
+        module.line(run, {LineKind::keyword, code, line.substr(std::min(line.size(), end + 2))});
     }
 };
 

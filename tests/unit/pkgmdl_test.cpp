@@ -1,5 +1,6 @@
 // Package models: keywords, pin lines in both forms, completion, and the search of the .pkg files beside a file.
 
+#include "board_files.hpp"
 #include "package_lines.hpp"
 
 #include <cstdlib>
@@ -14,6 +15,7 @@
 namespace kestrel {
 namespace {
 
+using testing::BoardFiles;
 using testing::PackageLines;
 
 struct Row {
@@ -96,9 +98,9 @@ TEST(PackageModel, plainPins) {
                  {"Fork\nLen=0/\na=b/c", "E3432@"}}); // "Len=0/" has six characters
     PackageLines lines;
     lines.feed("[Define Package Model] P\n[Number Of Pins] 4\n[Pin Numbers]\nA\nABCDEF\nA");
-    EXPECT_EQ(lines.newest().pin_names, (std::vector<std::string>{"A", "ABCDE", "A"}));
-    EXPECT_EQ(pinIndex(lines.newest(), "A"), 1U);
-    EXPECT_EQ(pinIndex(lines.newest(), "ABCDEF"), 0U);
+    EXPECT_EQ(lines.newest().pin_names.rows(), (std::vector<std::string>{"A", "ABCDE", "A"}));
+    EXPECT_EQ(pinPlace(lines.newest().pin_names, "A"), 1U);
+    EXPECT_EQ(pinPlace(lines.newest().pin_names, "ABCDEF"), 0U);
 }
 
 TEST(PackageModel, pinsWithSections) {
@@ -151,7 +153,7 @@ TEST(PackageModel, pairsOfOneName) {
     for (const std::string name : {"A", "B", "A", "C", "B", "A"})
         lines.feed("[Define Package Model] " + name);
     lines.codes();
-    checkPkgMdls(lines.run);
+    finalPackageChecks(lines.run, lines.root);
     EXPECT_EQ(lines.codes(), "E3410 E3410 E3410 E3410");
 }
 
@@ -198,7 +200,7 @@ struct Search {
     Ibis& root;
 };
 
-TEST(PackageSearch, readsWhatMatchesOnce) {
+TEST(PackageSearch, readsEveryFileThatMatches) {
     Search search({{"nowhere/b.pkg", pkgFile("b.pkg", definition("QFN16"))},
                    {"nowhere/B2.PKG", pkgFile("b2.pkg", "|\n" + definition("SOIC") + definition("SOICX"))},
                    {"nowhere/a.pkg", pkgFile("a.pkg", "[define_package model]\tQFN1 | the small one\n")},
@@ -208,12 +210,12 @@ TEST(PackageSearch, readsWhatMatchesOnce) {
     EXPECT_EQ(search.find("BGA"), "E0516-");
     EXPECT_EQ(search.find("SOI"), "B2.PKG E0516-");
     EXPECT_EQ(search.find("SOICX"), "+");
-    EXPECT_EQ(search.find("SOI"), "E0516-"); // nothing is left to be read
+    EXPECT_EQ(search.find("SOI"), "B2.PKG E0516-"); // each look-up that fails reads for itself
     EXPECT_EQ(search.find("qfn1"), "E0516-");
     // The comment belongs to the name that the search sees, not to the one that the file defines.
     EXPECT_EQ(search.find("QFN1"), "a.pkg b.pkg W0921@ E3467 E3418 E3419 E3431 E3452 E3455 E3413 E3415 E3457 E3459+");
     EXPECT_EQ(search.find("QFN16"), "+");
-    EXPECT_EQ(search.root.package_models.size(), 4U);
+    EXPECT_EQ(search.root.package_models.size(), 6U);
     EXPECT_EQ(search.run.parse.version, IbisVersion::v4);
     EXPECT_EQ(search.run.parse.line, 77U);
     EXPECT_EQ(search.run.parse.comment, '#');
@@ -225,19 +227,25 @@ TEST(PackageSearch, aRefusedFileCountsAsMatch) {
     const std::string refused = "[IBIS Ver] 1.1\n[Define Package Model] X\n";
     Search alone({{"nowhere/x.pkg", refused}});
     EXPECT_EQ(alone.find("X"), "E0900+");
-    EXPECT_EQ(alone.find("X"), "+");
+    EXPECT_EQ(alone.find("X"), "E0900+");
     Search beside({{"nowhere/x.pkg", refused}, {"nowhere/y.pkg", pkgFile("y.pkg", definition("Y"))}});
     EXPECT_EQ(beside.find("Y"), "y.pkg +");
     EXPECT_EQ(beside.find("X"), "E0900 E0516-");
 }
 
-TEST(PackageSearch, eachRootReadsForItself) {
-    Search search({{"nowhere/x.pkg", pkgFile("x.pkg", definition("X"))}});
-    EXPECT_EQ(search.find("X"), "x.pkg +");
-    Ibis& nested = createRoot(search.run);
-    EXPECT_EQ(search.find("X"), "x.pkg +");
-    freeRoot(search.run, nested);
-    EXPECT_EQ(search.find("X"), "+");
+TEST(PackageSearch, whatIsReadAgainIsDefinedAgain) {
+    const auto component = [](const std::string& name) {
+        return "[Component] " + name +
+               "\n[Manufacturer] m\n[Package Model] X\n[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n"
+               "[Pin] signal_name model_name\n1 A NC\n";
+    };
+    BoardFiles files;
+    files.add("x1.pkg", definition("X1")).add("x2.pkg", definition("X2") + definition("X3"));
+    files.add("c.ibs", component("A") + component("B") + component("C"));
+    // Each of three look-ups reads both files: three pairs of each of three names.
+    EXPECT_EQ(files.check("c.ibs"), "E0516 E0516 E0516 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410");
+    EXPECT_EQ(files.timesRead("x1.pkg"), 3);
+    EXPECT_EQ(files.timesRead("x2.pkg"), 3);
 }
 
 /// A folder of its own, removed at the end.
@@ -257,6 +265,7 @@ TEST(PackageSearch, passesOverWhatIsNoFile) {
     std::filesystem::create_directory(folder.path / "a.pkg");
     ASSERT_EQ(::mkfifo((folder.path / "b.pkg").c_str(), 0600), 0);
     std::filesystem::create_symlink("missing", folder.path / "c.pkg");
+    std::filesystem::create_symlink("/dev/zero", folder.path / "d.pkg");
     std::ofstream(folder.path / "my parts.pkg") << pkgFile("my parts.pkg", definition("X"));
     Search search({});
     search.run.parse.directory = folder.path.string() + "/";
@@ -264,6 +273,25 @@ TEST(PackageSearch, passesOverWhatIsNoFile) {
     Search none({});
     none.run.parse.directory = (folder.path / "none").string() + "/";
     EXPECT_EQ(none.find("X"), "E0516-");
+}
+
+TEST(PackageSearch, scansFilesInPieces) {
+    constexpr std::size_t kPiece = 65536;
+    const std::string header = "[IBIS Ver] 3.2\n[File Name] x.pkg\n[File Rev] 1\n";
+    // The name's line lies across the end of a piece at each of its places, or begins behind a long line without end.
+    for (std::size_t cut = 0; cut <= 24; ++cut) {
+        const Folder folder;
+        std::string padding;
+        for (std::size_t left = kPiece - header.size() - cut; left > 0; left -= std::min<std::size_t>(left, 64)) {
+            padding += std::string(std::min<std::size_t>(left, 64) - 1, '|') + '\n';
+        }
+        std::ofstream(folder.path / "x.pkg") << header << padding << definition("X") << "[End]\n";
+        std::ofstream(folder.path / "y.pkg") << std::string(3 * kPiece, '|') << "[Define Package Model] X\n"
+                                             << std::string(120, ' ') << "[Define Package Model] X";
+        Search search({});
+        search.run.parse.directory = folder.path.string() + "/";
+        EXPECT_EQ(search.find("X"), "x.pkg +") << cut;
+    }
 }
 
 TEST(PackageModel, forksWithoutEnd) {

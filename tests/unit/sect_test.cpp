@@ -3,7 +3,7 @@
 #include "package/sect.hpp"
 
 #include "codes.hpp"
-#include "ibis/run.hpp"
+#include "diagnostics/diagnostics.hpp"
 
 #include <string>
 #include <string_view>
@@ -13,11 +13,12 @@
 namespace kestrel {
 namespace {
 
-/// A run whose diagnostics are read by their codes.
+/// Diagnostics that are read by their codes.
 struct Coded {
-    Coded() { run.diagnostics.coded_form = true; }
+    Coded() { diagnostics.coded_form = true; }
     Output out;
-    Run run{out};
+    std::uint32_t line = 0;
+    Diagnostics diagnostics{out, line};
 };
 
 TEST(Section, lines) {
@@ -61,7 +62,7 @@ TEST(Section, lines) {
         std::string_view rest = row.text;
         Sect sect;
         int sections = 0;
-        while (readSection(coded.run, rest, sect) == SectResult::section)
+        while (readSection(coded.diagnostics, rest, sect) == SectResult::section)
             ++sections;
         EXPECT_EQ(codesOf(coded.out.text()), row.codes) << row.text;
         EXPECT_EQ(sections, row.sections) << row.text;
@@ -72,7 +73,7 @@ TEST(Section, theLastValueStays) {
     Coded coded;
     std::string_view text = "Len=1 L=2n C=3p L=-4n/rest";
     Sect sect;
-    ASSERT_EQ(readSection(coded.run, text, sect), SectResult::section);
+    ASSERT_EQ(readSection(coded.diagnostics, text, sect), SectResult::section);
     EXPECT_EQ(text, "rest");
     EXPECT_EQ(sect.len, 1.0);
     EXPECT_EQ(sect.l, -4e-9);
@@ -81,16 +82,16 @@ TEST(Section, theLastValueStays) {
 }
 
 /// Builds a chain from a text: "s" a section, "(" a fork, ")" its end.
-Chain chainOf(std::string_view steps, std::string* ends = nullptr) {
+Chain chainOf(std::string_view steps, std::string* codes = nullptr) {
+    Coded coded;
     Chain chain;
     ChainCursor cursor;
     for (const char step : steps) {
         if (step == 's') attachSection(chain, cursor, Sect{});
         if (step == '(') openFork(chain, cursor);
-        if (step != ')') continue;
-        const ForkEnd end = closeFork(chain, cursor);
-        if (ends != nullptr) ends->push_back(end == ForkEnd::noneOpen ? 'n' : end == ForkEnd::emptyBranch ? 'e' : 'c');
+        if (step == ')') closeFork(coded.diagnostics, chain, cursor, {3443, 3442});
     }
+    if (codes != nullptr) *codes = codesOf(coded.out.text());
     return chain;
 }
 
@@ -111,9 +112,9 @@ TEST(Chain, elementsHangWhereTheyWereRead) {
 }
 
 TEST(Chain, endsOfForks) {
-    std::string ends;
-    chainOf(")s(s))s()((s)s))", &ends);
-    EXPECT_EQ(ends, "ncneccn");
+    std::string codes;
+    chainOf(")s(s))s()((s)s))", &codes);
+    EXPECT_EQ(codes, "E3443@ E3443@ E3442@ E3443@");
 }
 
 TEST(Chain, startsAnewWithoutATail) {
