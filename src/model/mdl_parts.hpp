@@ -42,7 +42,7 @@ void readModelName(Context& context, MdlState& state, Mdl& model, std::string_vi
 /// Reads a line "Model_type", "Vinl", "C_comp" and the like.
 void readSubparameter(Run& run, Mdl& model, std::string_view text);
 
-/// Reads a keyword such as "[Voltage Range]" whose range stands on its own line.
+/// Reads a keyword such as "[Voltage Range]" whose range is on its own line.
 void readRangeKeyword(Run& run, Mdl& model, const Line& line);
 
 /// Reports "[Model Spec]" behind a keyword that it should precede.
