@@ -34,15 +34,15 @@ Contents contentsOf(const Ibis& root) {
     }
     for (const Mdl& model : root.models.newestFirst()) {
         ++contents.models;
-        contents.table_rows += rowsOf(model.pulldown) + rowsOf(model.pullup) + rowsOf(model.gnd_clamp) +
-                               rowsOf(model.power_clamp) + rowsOf(model.rising_waveforms) +
-                               rowsOf(model.falling_waveforms);
+        contents.table_rows += rowsOf(model.tables->pulldown) + rowsOf(model.tables->pullup) +
+                               rowsOf(model.tables->gnd_clamp) + rowsOf(model.tables->power_clamp) +
+                               rowsOf(model.tables->rising_waveforms) + rowsOf(model.tables->falling_waveforms);
         if (model.driver_schedule) contents.schedule_entries += model.driver_schedule->entries.size();
     }
     for (const SubMdl& submodel : root.submodels.newestFirst()) {
         ++contents.submodels;
-        contents.table_rows += rowsOf(submodel.gnd_clamp) + rowsOf(submodel.power_clamp) + rowsOf(submodel.gnd_pulse) +
-                               rowsOf(submodel.power_pulse);
+        contents.table_rows += rowsOf(submodel.tables->gnd_clamp) + rowsOf(submodel.tables->power_clamp) +
+                               rowsOf(submodel.gnd_pulse) + rowsOf(submodel.power_pulse);
     }
     for (const MSel& selector : root.model_selectors.newestFirst())
         contents.selector_entries += selector.entries.size();

@@ -2,8 +2,8 @@
 
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
+#include "ibis/check_models.hpp"
 #include "ibis/run.hpp"
-#include "model/acdc.hpp"
 #include "model/testdata.hpp"
 #include "model/testload.hpp"
 #include "package/pkgmdl.hpp"
@@ -27,24 +27,24 @@ void freeRoot(Run& run, Ibis& root) {
 }
 
 void finalChecks(Run& run) {
-    const Ibis* root = currentRoot(run);
+    Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
     checkRcvThs(run);
-    checkCompositeCurrents(run);
-    checkDrvShs(run);
+    checkCompositeCurrents(run, *root);
+    checkDrvShs(run, *root);
     checkAlgMods(run);
-    checkMSels(run);
+    checkMSels(run, *root);
     if (root->components.empty()) {
         error(run.diagnostics, 4101);
     } else {
-        checkComponentCurrents(run);
+        checkComponentCurrents(run, *root);
         checkCmpnts(run);
     }
     finalPackageChecks(run, *root);
     checkTestData(run);
     checkTestLoads(run);
-    checkAddedSubmodels(run);
-    checkReferences(run);
+    checkAddedSubmodels(run, *root);
+    checkReferences(run, *root);
 }
 
 void finalPackageChecks(Run& run, const Ibis& root) {

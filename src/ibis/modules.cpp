@@ -57,10 +57,10 @@ template <auto State> void forget(Run& run) { run.*State = {}; }
 constexpr std::array<Module, 13> kModules{{
     headerModule(),
     {Owner::cmpnt, kIbsOnly, KeywordCode::component, openCmpnt, cmpntKeywordSeen, cmpntLine, forget<&Run::cmpnt>},
-    {Owner::mdl, kIbsOnly, KeywordCode::model, openMdl, mdlKeywordSeen, mdlLine, forget<&Run::mdl>},
+    recordModule<&Ibis::models, &Run::mdl, kMdl>(Owner::mdl, kIbsOnly, KeywordCode::model),
     {Owner::circuit, kIbsOnly, KeywordCode::notKey, nullptr, circuitKeywordSeen, circuitLine, forget<&Run::circuit>},
     recordModule<&Ibis::submodels, &Run::submdl, kSubMdl>(Owner::submdl, kAnyFile, KeywordCode::submodel),
-    {Owner::msel, kIbsOnly, KeywordCode::modelSelector, openMSel, mselKeywordSeen, mselLine, forget<&Run::msel>},
+    recordModule<&Ibis::model_selectors, &Run::msel, kMSel>(Owner::msel, kIbsOnly, KeywordCode::modelSelector),
     {Owner::testdata, kAnyFile, KeywordCode::testData, openTestData, testDataKeywordSeen, testDataLine,
      forget<&Run::testdata>},
     {Owner::testload, kAnyFile, KeywordCode::testLoad, openTestLoad,

@@ -121,14 +121,15 @@ void appendSummary(Text& text, const Mdl& model) {
     appendValue(text, "          Rref: ", model.rref, "Ohms");
     appendValue(text, "          Vref: ", model.vref, "V");
     text.append("  Static Char.: ");
-    text.append(model.gnd_clamp ? "GND_Clamp; " : "-; ").append(model.power_clamp ? "POWER_Clamp; " : "-; ");
-    text.append(model.pullup ? "Pullup; " : "-; ").append(model.pulldown ? "Pulldown\n" : "-\n");
+    text.append(model.tables->gnd_clamp ? "GND_Clamp; " : "-; ")
+        .append(model.tables->power_clamp ? "POWER_Clamp; " : "-; ");
+    text.append(model.tables->pullup ? "Pullup; " : "-; ").append(model.tables->pulldown ? "Pulldown\n" : "-\n");
     if (kEdgeTypes.has(model.model_type)) {
-        appendRate(text, "  Rising dV/dt: ", model.ramp ? model.ramp->dv_dt_r : std::nullopt);
-        appendRate(text, " Falling dV/dt: ", model.ramp ? model.ramp->dv_dt_f : std::nullopt);
-        appendWaveformLines(text, " Rising Wvf. ", model.rising_waveforms);
+        appendRate(text, "  Rising dV/dt: ", model.tables->ramp ? model.tables->ramp->dv_dt_r : std::nullopt);
+        appendRate(text, " Falling dV/dt: ", model.tables->ramp ? model.tables->ramp->dv_dt_f : std::nullopt);
+        appendWaveformLines(text, " Rising Wvf. ", model.tables->rising_waveforms);
         // No leading blank here, unlike the rising label.
-        appendWaveformLines(text, "Falling Wvf. ", model.falling_waveforms);
+        appendWaveformLines(text, "Falling Wvf. ", model.tables->falling_waveforms);
     }
     text.push_back('\n');
 }
@@ -190,12 +191,12 @@ struct TableDump {
 
 void dumpTables(Run& run, const Mdl& model, char delimiter) {
     TableDump dump{run, delimiter, {}};
-    dump.curve("GND_Clamp curve:\n", model.gnd_clamp);
-    dump.curve("POWER_Clamp curve:\n", model.power_clamp);
-    dump.curve("Pullup curve:\n", model.pullup);
-    dump.curve("Pulldown curve:\n", model.pulldown);
-    dump.waveforms("Rising waveforms:\n", model.rising_waveforms);
-    dump.waveforms("Falling waveforms:\n", model.falling_waveforms);
+    dump.curve("GND_Clamp curve:\n", model.tables->gnd_clamp);
+    dump.curve("POWER_Clamp curve:\n", model.tables->power_clamp);
+    dump.curve("Pullup curve:\n", model.tables->pullup);
+    dump.curve("Pulldown curve:\n", model.tables->pulldown);
+    dump.waveforms("Rising waveforms:\n", model.tables->rising_waveforms);
+    dump.waveforms("Falling waveforms:\n", model.tables->falling_waveforms);
     run.out.write(dump.text);
 }
 

@@ -1,6 +1,7 @@
 #include "model/acdc.hpp"
 
-#include "ibis/run.hpp"
+#include "model/mdl.hpp"
+#include "reader/context.hpp"
 
 #include <algorithm>
 #include <array>
@@ -14,60 +15,17 @@ namespace {
 
 using Waveforms = std::vector<std::unique_ptr<Wvfrm>>;
 
-/// An I-V table of the supplies and the one that it belongs to.
-struct IssoTable {
-    std::string_view name;
-    std::optional<Crv> Mdl::*table;
-    std::string_view main_name;
-    std::optional<Crv> Mdl::*main;
-};
-constexpr auto kIssoTables = std::to_array({
-    IssoTable{"ISSO PD", &Mdl::isso_pd, "Pulldown", &Mdl::pulldown},
-    IssoTable{"ISSO PU", &Mdl::isso_pu, "Pullup", &Mdl::pullup},
-});
-
 /// The waveforms of one edge, and the rate of the ramp for it.
 struct Edge {
     std::string_view word;
     std::string_view rate_name;
-    Waveforms Mdl::*waveforms;
+    Waveforms Tables::*waveforms;
     std::optional<RampRate> Ramp::*rate;
 };
 constexpr auto kEdges = std::to_array({
-    Edge{"Rising", "dV/dt_r", &Mdl::rising_waveforms, &Ramp::dv_dt_r},
-    Edge{"Falling", "dV/dt_f", &Mdl::falling_waveforms, &Ramp::dv_dt_f},
+    Edge{"Rising", "dV/dt_r", &Tables::rising_waveforms, &Ramp::dv_dt_r},
+    Edge{"Falling", "dV/dt_f", &Tables::falling_waveforms, &Ramp::dv_dt_f},
 });
-
-/// True when the voltages of a table reach from -`supply` to `supply`; without any voltage there is nothing to say.
-bool covers(const Crv& curve, double supply) {
-    double low = supply;
-    double high = -supply;
-    bool any = false;
-    for (const TableRow& row : curve.rows) {
-        if (!row.isNumber(kFirst)) continue;
-        low = any ? std::min(low, row.value[kFirst]) : row.value[kFirst];
-        high = any ? std::max(high, row.value[kFirst]) : row.value[kFirst];
-        any = true;
-    }
-    return !any || (low <= -supply && high >= supply);
-}
-
-bool hasCompositeCurrent(const Mdl& model) {
-    return std::ranges::any_of(kEdges, [&model](const Edge& edge) {
-        return std::ranges::any_of(model.*edge.waveforms,
-                                   [](const auto& waveform) { return waveform->composite_current != nullptr; });
-    });
-}
-
-/// True when a pin's model, or one that its selector offers, has a composite current.
-bool leadsToCompositeCurrent(const Ibis& root, std::string_view name) {
-    if (const Mdl* const model = root.models.find(name)) return hasCompositeCurrent(*model);
-    const MSel* const selector = root.model_selectors.find(name);
-    return selector != nullptr && std::ranges::any_of(selector->entries, [&root](const MSelEntry& entry) {
-               const Mdl* const model = root.models.find(entry.model_name);
-               return model != nullptr && hasCompositeCurrent(*model);
-           });
-}
 
 bool sameTimes(const Wvfrm& a, const Wvfrm& b) {
     return std::ranges::equal(a.rows, b.rows, [](const TableRow& one, const TableRow& other) {
@@ -124,89 +82,46 @@ bool differsMuch(const RampCorner& typical, const Waveforms& waveforms) {
     return compared;
 }
 
-void checkRampTimes(Run& run, const Mdl& model) {
-    if (!model.ramp) return;
+void checkRampTimes(Context& context, const Mdl& model) {
+    const std::optional<Ramp>& ramp = model.tables->ramp;
+    if (!ramp) return;
     for (const Edge& edge : kEdges) {
-        const std::optional<RampRate>& rate = *model.ramp.*edge.rate;
+        const std::optional<RampRate>& rate = *ramp.*edge.rate;
         if (!rate || rate->corners.front().state != CellState::number) continue;
-        if (differsMuch(rate->corners.front(), model.*edge.waveforms)) {
-            caution(run.diagnostics, 1709, model.name, edge.rate_name);
+        if (differsMuch(rate->corners.front(), (*model.tables).*edge.waveforms)) {
+            caution(context.diagnostics, 1709, model.name, edge.rate_name);
         }
     }
 }
 
-void checkTimePoints(Run& run, const Mdl& model) {
+void checkTimePoints(Context& context, const Mdl& model) {
     for (const Edge& edge : kEdges) {
         std::int32_t number = 0;
-        for (const std::unique_ptr<Wvfrm>& waveform : model.*edge.waveforms) {
+        for (const std::unique_ptr<Wvfrm>& waveform : (*model.tables).*edge.waveforms) {
             ++number;
             if (waveform->composite_current == nullptr || sameTimes(*waveform, *waveform->composite_current)) continue;
-            caution(run.diagnostics, 2021, model.name, edge.word, number);
+            caution(context.diagnostics, 2021, model.name, edge.word, number);
         }
     }
-}
-
-/// The composite current being read; null when its keyword stood before any waveform.
-Wvfrm* openCurrent(Run& run) {
-    return run.mdl.last_waveform == nullptr ? nullptr : run.mdl.last_waveform->composite_current.get();
 }
 
 } // namespace
 
-void openCompositeCurrent(Run& run, std::string_view text) {
-    if (run.mdl.last_waveform == nullptr) {
-        errorAtLine(run.diagnostics, 1701);
-        return;
+bool hasCompositeCurrent(const Mdl& model) {
+    return std::ranges::any_of(kEdges, [&model](const Edge& edge) {
+        return std::ranges::any_of((*model.tables).*edge.waveforms,
+                                   [](const auto& waveform) { return waveform->composite_current != nullptr; });
+    });
+}
+
+void checkCompositeCurrents(Context& context, const Mdl& model) {
+    if (kNoTestLoadTypes.has(model.model_type) && hasCompositeCurrent(model)) {
+        warning(context.diagnostics, 1707, model.name, modelTypeText(model.model_type));
     }
-    std::unique_ptr<Wvfrm>& current = run.mdl.last_waveform->composite_current;
-    if (current) errorAtLine(run.diagnostics, 1702);
-    openSingleWvfrm(run, current, kCompositeCurrent, text);
-}
-
-void compositeCurrentLine(Run& run, std::string_view text) {
-    if (Wvfrm* const current = openCurrent(run)) wvfrmLine(run, *current, kCompositeCurrent, text);
-}
-
-void closeCompositeCurrent(Run& run) {
-    if (const Wvfrm* const current = openCurrent(run)) closeWvfrm(run, *current, kCompositeCurrent);
-}
-
-void checkIsso(Run& run, const Mdl& model) {
-    for (const IssoTable& row : kIssoTables) {
-        const std::optional<Crv>& table = model.*row.table;
-        if (!table) continue;
-        if (!(model.*row.main)) warning(run.diagnostics, 1501, model.name, row.name, row.main_name);
-        if (kNoTestLoadTypes.has(model.model_type)) {
-            warning(run.diagnostics, 1502, model.name, row.name, modelTypeText(model.model_type));
-        }
-        if (!model.voltage_range || !model.voltage_range->typ.isNumber()) continue;
-        const double supply = model.voltage_range->typ.value;
-        if (!covers(*table, supply)) caution(run.diagnostics, 1503, model.name, row.name, -supply, supply);
-    }
-}
-
-void checkCompositeCurrents(Run& run) {
-    const Ibis* const root = currentRoot(run);
-    if (root == nullptr) return;
-    for (const Mdl& model : root->models.newestFirst()) {
-        if (kNoTestLoadTypes.has(model.model_type) && hasCompositeCurrent(model)) {
-            warning(run.diagnostics, 1707, model.name, modelTypeText(model.model_type));
-        }
-        // What follows only ever makes cautions.
-        if (run.diagnostics.silence_cautions) continue;
-        checkRampTimes(run, model);
-        checkTimePoints(run, model);
-    }
-}
-
-void checkComponentCurrents(Run& run) {
-    const Ibis* const root = currentRoot(run);
-    if (root == nullptr || run.diagnostics.silence_cautions) return;
-    for (const Cmpnt& component : root->components.newestFirst()) {
-        const auto leads = [root](const Pin& pin) { return leadsToCompositeCurrent(*root, pin.model_name); };
-        if (component.pin_map_columns.seen() || std::ranges::none_of(component.pins, leads)) continue;
-        caution(run.diagnostics, 1708, component.name);
-    }
+    // What follows only ever makes cautions.
+    if (context.diagnostics.silence_cautions) return;
+    checkRampTimes(context, model);
+    checkTimePoints(context, model);
 }
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #include "model/crv.hpp"
 
+#include "base/rows.hpp"
 #include "model/table_ends.hpp"
 #include "model/types.hpp"
 #include "reader/context.hpp"
@@ -46,13 +47,7 @@ constexpr auto kRules = std::to_array({
     CurveRules{CurveKind::seriesMosfet, "Series MOSFET", kFalling, kFalling, kRising, false},
 });
 
-constexpr bool inKindOrder() {
-    for (std::size_t i = 0; i < kRules.size(); ++i) {
-        if (static_cast<std::size_t>(kRules[i].kind) != i) return false;
-    }
-    return true;
-}
-static_assert(inKindOrder());
+static_assert(rowsInOrder(kRules, &CurveRules::kind));
 
 constexpr const CurveRules& rulesOf(CurveKind kind) { return kRules[static_cast<std::size_t>(kind)]; }
 
@@ -105,16 +100,17 @@ void followExtreme(CrvState::Extreme& extreme, const TableRow& row, bool beyond)
 }
 
 void checkTrend(Context& context, const CrvState& state, const Crv& curve, const CurveRules& rules,
-                std::string_view owner, std::string_view name, CurveTrend trend) {
+                const CurveOwner& owner) {
+    const CurveTrend trend = trendOf(rules, owner.type);
     if (trend == CurveTrend::notChecked || curve.rows.empty()) return;
     if (curve.rows.front().state[kTyp] == CellState::na || curve.rows.back().state[kTyp] == CellState::na) return;
     const Cell& low = state.lowest.current;
     const Cell& high = state.highest.current;
     if (!low.isNumber() || !high.isNumber()) return;
     if (trend == CurveTrend::rising && high.value < low.value) {
-        warning(context.diagnostics, 1111, owner, name, rules.label);
+        warning(context.diagnostics, 1111, owner.kind, owner.name, rules.label);
     } else if (trend == CurveTrend::falling && high.value > low.value) {
-        warning(context.diagnostics, 1112, owner, name, rules.label);
+        warning(context.diagnostics, 1112, owner.kind, owner.name, rules.label);
     }
 }
 
@@ -134,11 +130,10 @@ bool neverZero(const Crv& curve, Column column) {
     return below != above;
 }
 
-void checkZeroCrossing(Context& context, const Crv& curve, std::string_view label, std::string_view owner,
-                       std::string_view name) {
-    if (neverZero(curve, kTyp)) warning(context.diagnostics, 1113, owner, name, label);
-    if (neverZero(curve, kMin)) warning(context.diagnostics, 1114, owner, name, label);
-    if (neverZero(curve, kMax)) warning(context.diagnostics, 1115, owner, name, label);
+void checkZeroCrossing(Context& context, const Crv& curve, std::string_view label, const CurveOwner& owner) {
+    if (neverZero(curve, kTyp)) warning(context.diagnostics, 1113, owner.kind, owner.name, label);
+    if (neverZero(curve, kMin)) warning(context.diagnostics, 1114, owner.kind, owner.name, label);
+    if (neverZero(curve, kMax)) warning(context.diagnostics, 1115, owner.kind, owner.name, label);
 }
 
 } // namespace
@@ -170,12 +165,11 @@ void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std:
     if (count == kMaxRows + 1) errorAtLine(context.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
 }
 
-void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, std::string_view owner,
-              std::string_view name, std::optional<ModelType> type) {
+void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, const CurveOwner& owner) {
     const CurveRules& rules = rulesOf(kind);
     checkTableEnds(context.diagnostics, curve.rows, kEndsMessages, rules.label, curve.line);
-    checkTrend(context, state, curve, rules, owner, name, trendOf(rules, type));
-    if (rules.crosses_zero) checkZeroCrossing(context, curve, rules.label, owner, name);
+    checkTrend(context, state, curve, rules, owner);
+    if (rules.crosses_zero) checkZeroCrossing(context, curve, rules.label, owner);
 }
 
 std::vector<TableRow> sortedRows(const Crv& curve) {

@@ -54,23 +54,27 @@ struct CrvState {
     Extreme highest;
 };
 
+/// Whose table it is, as messages have it.
+struct CurveOwner {
+    std::string_view kind; ///< "Model" or "Submodel"
+    std::string_view name;
+    std::optional<ModelType> type; ///< a submodel has none, which leaves out the direction
+};
+
 /// The label of a table in messages ("GND Clamp").
 [[nodiscard]] std::string_view curveLabel(CurveKind kind);
 
-/// Opens a table at its keyword line; `text` is what follows the keyword. Reports 1100 (the old table is replaced) and
-/// 1104.
+/// Opens a table at its keyword line; `text` is what follows the keyword. An old table is reported and replaced.
 void openCrv(Context& context, CrvState& state, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
 
 /// Begins a table that has been made at this line.
 void beginCrv(const Context& context, CrvState& state, Crv& curve);
 
-/// Reads one row into the open table. Reports what the row reader reports, notes 1110, then 1106 and 1107.
+/// Reads one row into the open table.
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text);
 
-/// Ends the open table: 1108 or 1109, then the direction (1111, 1112) and zero-crossing (1113 to 1115) warnings, all
-/// without line. `owner` is "Model" or "Submodel"; a submodel has no type, which leaves out the direction.
-void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, std::string_view owner,
-              std::string_view name, std::optional<ModelType> type);
+/// Ends the open table: its ends, the direction of its current and whether that passes through zero, all without line.
+void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, const CurveOwner& owner);
 
 /// The rows whose voltage is a number, ordered by voltage.
 [[nodiscard]] std::vector<TableRow> sortedRows(const Crv& curve);

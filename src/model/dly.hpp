@@ -16,8 +16,8 @@ struct Dly {
     Cell fall_off;
 };
 
-/// Reads the delays behind the name of a scheduled model. Reports 4501, 4502 and what the cell reader reports; then,
-/// when every cell reads, which delays stand together and how they lie to one another (4504 to 4509).
+/// Reads the delays behind the name of a scheduled model; when every cell reads, checks which are given together and
+/// how they lie to one another.
 [[nodiscard]] Dly readDly(Context& context, std::string_view text, std::string_view model_name);
 
 } // namespace kestrel

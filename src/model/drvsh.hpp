@@ -2,6 +2,7 @@
 
 #include "model/dly.hpp"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,8 +10,7 @@
 
 namespace kestrel {
 
-struct Run;
-struct Mdl;
+struct Context;
 
 /// One line of "[Driver Schedule]".
 struct DrvShEntry {
@@ -23,17 +23,13 @@ struct DrvSh {
     std::vector<DrvShEntry> entries;
 };
 
-/// Opens a schedule at its keyword line. Reports 4200 (the old one is replaced) and 4204.
-void openDrvSh(Run& run, Mdl& model, std::string_view text);
+/// Opens a schedule at its keyword line. An old one is reported and replaced.
+void openDrvSh(Context& context, std::unique_ptr<DrvSh>& slot, std::string_view text);
 
-/// Reads one entry. Reports 4211 to 4214 and what the reader of its delays reports. A model may be scheduled more than
-/// once.
-void drvShLine(Run& run, Mdl& model, std::string_view text);
+/// Reads one entry of the schedule of this model. A model may be scheduled more than once.
+void drvShLine(Context& context, DrvSh& schedule, std::string_view text, std::string_view model);
 
-/// Reports a schedule without entries (4205) or with one (warning 4206), without line.
-void closeDrvSh(Run& run, const Mdl& model);
-
-/// Looks up every scheduled model once the file is read (4207 to 4209, no line) and marks it as referenced.
-void checkDrvShs(Run& run);
+/// Reports a schedule without entries or with one only, without line.
+void closeDrvSh(Context& context, const DrvSh& schedule, std::string_view model);
 
 } // namespace kestrel

@@ -1,325 +1,200 @@
 #include "model/mdl.hpp"
 
-#include "ibis/run.hpp"
-#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
-
-#include <array>
-#include <unordered_set>
-#include <utility>
 
 namespace kestrel {
 
 namespace {
 
-/// How the lines of a model's keyword are read.
-enum class Form : std::uint8_t {
-    subparameters,
-    range,
-    curve,
-    ramp,
-    waveform,
-    driverSchedule,
-    addSubmodel,
-    modelSpec,
-    receiverThresholds,
-    block,
-    seriesSection,
-    seriesRange,
-    seriesCurrent,
-    seriesMosfet,
-    cCompCorner,
-    compositeCurrent,
-    foreign ///< not a keyword of a model
+using K = KeywordCode;
+
+/// Calls into modules that take the whole run.
+template <void (*Function)(Run&, Mdl&, std::string_view)>
+void lineByRun(Context& context, Mdl& model, std::string_view text) {
+    Function(runOf(context), model, text);
+}
+template <void (*Function)(Run&, const Mdl&)> void closeByRun(Context& context, const Mdl& model) {
+    Function(runOf(context), model);
+}
+template <const Block<Mdl>& Form>
+constexpr BlockEnd kEndByRun{
+    .name = {},
+    .text_behind = [](Context& context, std::string_view text) { Form.text_behind_end(runOf(context), text); },
+    .not_ended = [](Context& context) { Form.not_ended(runOf(context)); },
+    .no_begin = [](Context& context) { Form.no_begin(runOf(context)); },
 };
-
-constexpr Form formOf(KeywordCode code) {
-    switch (code) {
-    case KeywordCode::model: return Form::subparameters;
-    case KeywordCode::temperatureRange:
-    case KeywordCode::voltageRange:
-    case KeywordCode::pullupReference:
-    case KeywordCode::pulldownReference:
-    case KeywordCode::powerClampReference:
-    case KeywordCode::gndClampReference:
-    case KeywordCode::externalReference:
-    case KeywordCode::rgnd:
-    case KeywordCode::rpower:
-    case KeywordCode::rac:
-    case KeywordCode::cac:
-    case KeywordCode::ttgnd:
-    case KeywordCode::ttpower: return Form::range;
-    case KeywordCode::pulldown:
-    case KeywordCode::pullup:
-    case KeywordCode::gndClamp:
-    case KeywordCode::powerClamp:
-    case KeywordCode::issoPd:
-    case KeywordCode::issoPu: return Form::curve;
-    case KeywordCode::ramp: return Form::ramp;
-    case KeywordCode::risingWaveform:
-    case KeywordCode::fallingWaveform: return Form::waveform;
-    case KeywordCode::driverSchedule: return Form::driverSchedule;
-    case KeywordCode::addSubmodel: return Form::addSubmodel;
-    case KeywordCode::modelSpec: return Form::modelSpec;
-    case KeywordCode::receiverThresholds: return Form::receiverThresholds;
-    case KeywordCode::externalModel:
-    case KeywordCode::endExternalModel:
-    case KeywordCode::algorithmicModel:
-    case KeywordCode::endAlgorithmicModel:
-    case KeywordCode::beginEmiModel:
-    case KeywordCode::endEmiModel: return Form::block;
-    case KeywordCode::on:
-    case KeywordCode::off: return Form::seriesSection;
-    case KeywordCode::rSeries:
-    case KeywordCode::lSeries:
-    case KeywordCode::rlSeries:
-    case KeywordCode::cSeries:
-    case KeywordCode::lcSeries:
-    case KeywordCode::rcSeries: return Form::seriesRange;
-    case KeywordCode::seriesCurrent: return Form::seriesCurrent;
-    case KeywordCode::seriesMosfet: return Form::seriesMosfet;
-    case KeywordCode::compositeCurrent: return Form::compositeCurrent;
-    case KeywordCode::cCompCorner: return Form::cCompCorner;
-    default: return Form::foreign;
-    }
+template <const Block<Mdl>& Form> constexpr Section<MdlState> blockByRun(K key, K end_key) {
+    constexpr auto kOpen = [](Context& context, Mdl& model, std::string_view text) {
+        Form.open(runOf(context), model, text);
+    };
+    constexpr auto kLine = [](Context& context, Mdl& model, std::string_view text) {
+        Form.line(runOf(context), model, text);
+    };
+    constexpr auto kClose = [](Context& context, Mdl& model) { Form.close(runOf(context), model); };
+    return blockSection<MdlState, kOpen, kLine, kClose>(key, end_key, kEndByRun<Form>);
 }
 
-/// True for the keywords that go on with the model being read.
-constexpr bool keepsModelOpen(KeywordCode code) { return code != KeywordCode::model && formOf(code) != Form::foreign; }
+/// A data line under a keyword that has none.
+void strayLine(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 121); }
 
-/// An I-V table of a model.
-struct CurveField {
-    CurveKind kind;
-    std::optional<Crv> Mdl::*table;
-};
+void readRange(Context& context, Mdl& model, const Line& line) { readRangeKeyword(runOf(context), model, line); }
 
-constexpr CurveField curveField(KeywordCode code) {
-    switch (code) {
-    case KeywordCode::pulldown: return {CurveKind::pulldown, &Mdl::pulldown};
-    case KeywordCode::pullup: return {CurveKind::pullup, &Mdl::pullup};
-    case KeywordCode::gndClamp: return {CurveKind::gndClamp, &Mdl::gnd_clamp};
-    case KeywordCode::powerClamp: return {CurveKind::powerClamp, &Mdl::power_clamp};
-    case KeywordCode::issoPd: return {CurveKind::issoPd, &Mdl::isso_pd};
-    default: return {CurveKind::issoPu, &Mdl::isso_pu};
-    }
+constexpr Section<MdlState> range(K key) { return section<MdlState, readRange, strayLine>(key); }
+
+void openSchedule(Context& context, Mdl& model, std::string_view text) {
+    openDrvSh(context, model.driver_schedule, text);
 }
 
-/// A list of waveforms of a model.
-struct WaveformField {
-    const WaveformLabel& label;
-    std::vector<std::unique_ptr<Wvfrm>> Mdl::*list;
-};
-
-constexpr WaveformField waveformField(KeywordCode code) {
-    if (code == KeywordCode::risingWaveform) return {kRisingWaveform, &Mdl::rising_waveforms};
-    return {kFallingWaveform, &Mdl::falling_waveforms};
+void scheduleLine(Context& context, Mdl& model, std::string_view text) {
+    drvShLine(context, *model.driver_schedule, text, model.name);
 }
 
-constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kAlgorithmicModel, &kEmiModel});
-
-void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
-    if (line.key == block.begin) {
-        block.line(run, model, line.text);
-    } else {
-        errorAtLine(run.diagnostics, 121);
-    }
+void openSpec(Context& context, Mdl& model, std::string_view text) {
+    checkModelSpecOrder(context, model);
+    openMSpec(runOf(context), model, text);
 }
 
-void shouldNotBeHere(Run& run, SourceMark mark) { programBugAtLine(run.diagnostics, 122, mark.file, mark.line); }
+void openThresholds(Context& context, Mdl& model, std::string_view text) {
+    checkReceiverThresholdsOrder(context, model);
+    openRcvTh(runOf(context), model, text);
+}
 
-/// Does what is due when the lines of a keyword end.
-void closeSection(Run& run, const Mdl& model) {
-    const KeywordCode section = std::exchange(run.mdl.section, KeywordCode::notKey);
-    switch (formOf(section)) {
-    case Form::subparameters: checkSubparameters(run, model); break;
-    case Form::curve: {
-        const CurveField field = curveField(section);
-        closeCrv(run, run.mdl.crv, *(model.*field.table), field.kind, "Model", model.name, model.model_type);
-        break;
-    }
-    case Form::ramp: closeRamp(run, *model.ramp); break;
-    case Form::modelSpec: closeMSpec(run, model); break;
-    case Form::waveform: {
-        const WaveformField field = waveformField(section);
-        closeWvfrm(run, *(model.*field.list).back(), field.label);
-        break;
-    }
-    case Form::seriesCurrent:
-        // Outside series models the keyword opened no table.
-        if (run.mdl.series_block != nullptr) {
-            closeCrv(run, run.mdl.crv, *run.mdl.series_block->series_current, CurveKind::seriesCurrent, "Model",
-                     model.name, model.model_type);
+template <std::unique_ptr<SeriesBlock> Mdl::*Slot, const std::string_view& Label>
+constexpr Section<MdlState> seriesSection(K key) {
+    constexpr auto kOpen = [](Context& context, MdlState& state, Mdl& model, std::string_view text) {
+        if (model.model_type != ModelType::seriesSwitch) {
+            errorAtLine(context.diagnostics, 205);
+        } else {
+            state.series_block = &openSeriesBlock(context, model.*Slot, Label, text);
         }
-        break;
-    case Form::seriesMosfet:
-        if (run.mdl.series_block != nullptr) closeSMos(run, run.mdl.series_block->mosfets.back(), model);
-        break;
-    case Form::compositeCurrent: closeCompositeCurrent(run); break;
-    case Form::cCompCorner: closeCCorner(run, model); break;
-    default: break;
-    }
+    };
+    return section<MdlState, kOpen, strayLine>(key);
 }
 
-void keywordLine(Run& run, Mdl& model, const Line& line) {
-    run.mdl.section = line.key;
-    switch (formOf(line.key)) {
-    case Form::subparameters: readModelName(run, model, line.text); break;
-    case Form::range: readRangeKeyword(run, model, line); break;
-    case Form::curve: {
-        const CurveField field = curveField(line.key);
-        openCrv(run, run.mdl.crv, model.*field.table, field.kind, line.text);
-        break;
-    }
-    case Form::ramp: openRamp(run, model.ramp, line.text); break;
-    case Form::waveform: {
-        const WaveformField field = waveformField(line.key);
-        run.mdl.last_waveform = &openWvfrm(run, model.*field.list, field.label, line.text);
-        break;
-    }
-    case Form::driverSchedule: openDrvSh(run, model, line.text); break;
-    case Form::addSubmodel: openAddSubmodel(run, model, line.text); break;
-    case Form::modelSpec:
-        checkModelSpecOrder(run, model);
-        openMSpec(run, model, line.text);
-        break;
-    case Form::receiverThresholds:
-        checkReceiverThresholdsOrder(run, model);
-        openRcvTh(run, model, line.text);
-        break;
-    case Form::block: blockKeywordLine(run, model, *blockOf<Mdl>(kBlocks, line.key), run.mdl.block, line); break;
-    case Form::seriesSection: openSeriesSection(run, model, line); break;
-    case Form::seriesRange:
-        if (SeriesBlock* const block = currentSeriesBlock(run, model)) readSeriesRange(run, model, *block, line);
-        break;
-    case Form::seriesCurrent:
-        if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
-            openCrv(run, run.mdl.crv, block->series_current, CurveKind::seriesCurrent, line.text);
-        }
-        break;
-    case Form::seriesMosfet:
-        if (SeriesBlock* const block = currentSeriesBlock(run, model)) openSMos(run, block->mosfets, line.text);
-        break;
-    case Form::compositeCurrent: openCompositeCurrent(run, line.text); break;
-    case Form::cCompCorner: openCCorner(run, model, line.text); break;
-    case Form::foreign: shouldNotBeHere(run, here()); break;
-    }
+void readSeriesElement(Context& context, MdlState& state, Mdl& model, const Line& line) {
+    SeriesBlock* const block = currentSeriesBlock(context, state, model);
+    if (block != nullptr) readSeriesRange(context, *block, line, model.name);
 }
 
-void dataLine(Run& run, Mdl& model, const Line& line) {
-    switch (formOf(line.key)) {
-    case Form::curve: {
-        const CurveField field = curveField(line.key);
-        crvLine(run, run.mdl.crv, *(model.*field.table), field.kind, line.text);
-        break;
+constexpr Section<MdlState> seriesElement(K key) { return section<MdlState, readSeriesElement, strayLine>(key); }
+
+void openSeriesCurrent(Context& context, MdlState& state, Mdl& model, std::string_view text) {
+    SeriesBlock* const block = currentSeriesBlock(context, state, model);
+    if (block != nullptr) openCrv(context, state.crv, block->series_current, CurveKind::seriesCurrent, text);
+}
+
+void seriesCurrentLine(Context& context, MdlState& state, Mdl& model, std::string_view text) {
+    SeriesBlock* const block = currentSeriesBlock(context, state, model);
+    if (block != nullptr) crvLine(context, state.crv, *block->series_current, CurveKind::seriesCurrent, text);
+}
+
+/// Outside series models the keyword opened no table; so with the next one.
+void closeSeriesCurrent(Context& context, const MdlState& state, const Mdl& model) {
+    if (state.series_block == nullptr) return;
+    closeCrv(context, state.crv, *state.series_block->series_current, CurveKind::seriesCurrent, curveOwner(model));
+}
+
+void openSeriesMosfet(Context& context, MdlState& state, Mdl& model, std::string_view text) {
+    SeriesBlock* const block = currentSeriesBlock(context, state, model);
+    if (block != nullptr) openSMos(context, state.crv, block->mosfets, text);
+}
+
+void seriesMosfetLine(Context& context, MdlState& state, Mdl& model, std::string_view text) {
+    SeriesBlock* const block = currentSeriesBlock(context, state, model);
+    if (block != nullptr) sMosLine(context, state.crv, block->mosfets.back(), text);
+}
+
+void closeSeriesMosfet(Context& context, const MdlState& state, const Mdl& model) {
+    if (state.series_block == nullptr) return;
+    closeSMos(context, state.crv, state.series_block->mosfets.back(), curveOwner(model));
+}
+
+/// Without a waveform before it the keyword is reported and its rows are passed over.
+void openCompositeCurrent(Context& context, MdlState& state, std::string_view text) {
+    if (state.last_waveform == nullptr) {
+        errorAtLine(context.diagnostics, 1701);
+        return;
     }
-    case Form::waveform: {
-        const WaveformField field = waveformField(line.key);
-        wvfrmLine(run, *(model.*field.list).back(), field.label, line.text);
-        break;
-    }
-    case Form::subparameters: readSubparameter(run, model, line.text); break;
-    case Form::ramp: rampLine(run, *model.ramp, line.text, model.name); break;
-    case Form::driverSchedule: drvShLine(run, model, line.text); break;
-    case Form::addSubmodel: readAddSubmodel(run, model, line.text); break;
-    case Form::seriesCurrent:
-        if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
-            crvLine(run, run.mdl.crv, *block->series_current, CurveKind::seriesCurrent, line.text);
-        }
-        break;
-    case Form::seriesMosfet:
-        if (SeriesBlock* const block = currentSeriesBlock(run, model)) {
-            sMosLine(run, block->mosfets.back(), line.text);
-        }
-        break;
-    case Form::compositeCurrent: compositeCurrentLine(run, line.text); break;
-    case Form::cCompCorner: cCornerLine(run, model, line.text); break;
-    case Form::range:
-    case Form::seriesSection:
-    case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
-    case Form::modelSpec: mSpecLine(run, model, line.text); break;
-    case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
-    case Form::block: blockData(run, model, *blockOf<Mdl>(kBlocks, line.key), line); break;
-    case Form::foreign: shouldNotBeHere(run, here()); break;
-    }
+    std::unique_ptr<Wvfrm>& current = state.last_waveform->composite_current;
+    if (current) errorAtLine(context.diagnostics, 1702);
+    openSingleWvfrm(context, current, kCompositeCurrent, text);
+}
+
+void compositeCurrentLine(Context& context, MdlState& state, std::string_view text) {
+    if (state.last_waveform == nullptr) return;
+    wvfrmLine(context, *state.last_waveform->composite_current, kCompositeCurrent, text);
+}
+
+void closeCompositeCurrent(Context& context, const MdlState& state) {
+    if (state.last_waveform == nullptr) return;
+    closeWvfrm(context, *state.last_waveform->composite_current, kCompositeCurrent);
+}
+
+constexpr auto kSections = sectionTable<MdlState>({
+    section<MdlState, readModelName, lineByRun<readSubparameter>, checkSubparameters>(K::model),
+    range(K::temperatureRange),
+    range(K::voltageRange),
+    range(K::pullupReference),
+    range(K::pulldownReference),
+    range(K::powerClampReference),
+    range(K::gndClampReference),
+    range(K::externalReference),
+    range(K::rgnd),
+    range(K::rpower),
+    range(K::rac),
+    range(K::cac),
+    range(K::ttgnd),
+    range(K::ttpower),
+    curveSection<MdlState, &Tables::pulldown, CurveKind::pulldown>(K::pulldown),
+    curveSection<MdlState, &Tables::pullup, CurveKind::pullup>(K::pullup),
+    curveSection<MdlState, &Tables::gnd_clamp, CurveKind::gndClamp>(K::gndClamp),
+    curveSection<MdlState, &Tables::power_clamp, CurveKind::powerClamp>(K::powerClamp),
+    curveSection<MdlState, &MdlTables::isso_pd, CurveKind::issoPd>(K::issoPd),
+    curveSection<MdlState, &MdlTables::isso_pu, CurveKind::issoPu>(K::issoPu),
+    rampSection<MdlState>(K::ramp),
+    waveformSection<MdlState, &Tables::rising_waveforms, kRisingWaveform>(K::risingWaveform),
+    waveformSection<MdlState, &Tables::falling_waveforms, kFallingWaveform>(K::fallingWaveform),
+    section<MdlState, openCompositeCurrent, compositeCurrentLine, closeCompositeCurrent>(K::compositeCurrent),
+    section<MdlState, openSchedule, scheduleLine>(K::driverSchedule),
+    section<MdlState, openAddSubmodel, readAddSubmodel>(K::addSubmodel),
+    section<MdlState, openSpec, lineByRun<mSpecLine>, closeByRun<closeMSpec>>(K::modelSpec),
+    section<MdlState, openThresholds, lineByRun<rcvThLine>>(K::receiverThresholds),
+    section<MdlState, lineByRun<openCCorner>, lineByRun<cCornerLine>, closeByRun<closeCCorner>>(K::cCompCorner),
+    seriesSection<&Mdl::on_block, kOnLabel>(K::on),
+    seriesSection<&Mdl::off_block, kOffLabel>(K::off),
+    seriesElement(K::rSeries),
+    seriesElement(K::lSeries),
+    seriesElement(K::rlSeries),
+    seriesElement(K::cSeries),
+    seriesElement(K::lcSeries),
+    seriesElement(K::rcSeries),
+    section<MdlState, openSeriesCurrent, seriesCurrentLine, closeSeriesCurrent>(K::seriesCurrent),
+    section<MdlState, openSeriesMosfet, seriesMosfetLine, closeSeriesMosfet>(K::seriesMosfet),
+    blockByRun<kExternalModel>(K::externalModel, K::endExternalModel),
+    blockByRun<kAlgorithmicModel>(K::algorithmicModel, K::endAlgorithmicModel),
+    blockByRun<kEmiModel>(K::beginEmiModel, K::endEmiModel),
+});
+
+void closeModel(Context& context, MdlState& /*state*/, Mdl& model) {
+    if (model.driver_schedule) closeDrvSh(context, *model.driver_schedule, model.name);
+    checkModel(context, model);
 }
 
 } // namespace
 
-void openMdl(Run& run) {
-    Ibis* const root = currentRoot(run);
-    if (root == nullptr) {
-        programBug(run.diagnostics, 101);
-        return;
-    }
-    run.mdl.current = &root->models.add(std::make_unique<Mdl>());
-    run.mdl.series_block = nullptr;
-    run.mdl.last_waveform = nullptr;
-}
+const RecordModule<MdlState> kMdl{
+    .opens = K::model,
+    .find = [](K code) { return kSections.find(code); },
+    .close = closeModel,
+    .orphan = reportOrphan<102, 107>,
+    .behind_end = [](Context& context, const BlockEnd&) { errorAtLine(context.diagnostics, 121); },
+    .impossible = [](Context& context, LineKind) { programBugHereAtLine(context.diagnostics, 122); },
+};
 
-void mdlKeywordSeen(Run& run, KeywordCode code) {
-    if (run.mdl.current == nullptr) return;
-    Mdl& model = *run.mdl.current;
-    closeSection(run, model);
-    blockKeywordSeen(run, model, run.mdl.block, code);
-    if (keepsModelOpen(code)) return;
-    if (model.driver_schedule) closeDrvSh(run, model);
-    checkModel(run, model);
-    run.mdl.current = nullptr;
-}
-
-void mdlLine(Run& run, const Line& line) {
-    const bool keyword = line.kind == LineKind::keyword;
-    if (run.mdl.current == nullptr) {
-        if (keyword) {
-            errorAtLine(run.diagnostics, 102);
-        } else {
-            errorAtLine(run.diagnostics, 107);
-        }
-    } else if (keyword) {
-        keywordLine(run, *run.mdl.current, line);
-    } else {
-        dataLine(run, *run.mdl.current, line);
-    }
-}
-
-Mdl* referenceMdl(Run& run, std::string_view name) {
-    const Ibis* const root = currentRoot(run);
-    Mdl* const model = root == nullptr ? nullptr : root->models.find(name);
-    if (model != nullptr) model->referenced = true;
-    return model;
-}
+CurveOwner curveOwner(const Mdl& model) { return {"Model", model.name, model.model_type}; }
 
 bool isDifferential(const Mdl& model) { return kDifferentialTypes.has(model.model_type); }
 
 bool isSeries(const Mdl& model) { return kSeriesTypes.has(model.model_type); }
-
-void checkAddedSubmodels(Run& run) {
-    const Ibis* const root = currentRoot(run);
-    if (root == nullptr) return;
-    std::unordered_set<std::string_view> added;
-    for (const Mdl& model : root->models.newestFirst()) {
-        for (const AddSubmodel& row : model.add_submodels) {
-            added.insert(row.name);
-        }
-    }
-    for (const SubMdl& submodel : root->submodels.newestFirst()) {
-        if (!added.contains(submodel.name)) warning(run.diagnostics, 220, submodel.name);
-    }
-    for (const Mdl& model : root->models.newestFirst()) {
-        for (const AddSubmodel& row : model.add_submodels) {
-            if (root->submodels.find(row.name) == nullptr) error(run.diagnostics, 218, row.name, model.name);
-        }
-    }
-}
-
-void checkReferences(Run& run) {
-    const Ibis* const root = currentRoot(run);
-    if (root == nullptr) return;
-    for (const Mdl& model : root->models.newestFirst()) {
-        if (model.referenced) continue;
-        warning(run.diagnostics, 219, model.name);
-        return;
-    }
-}
 
 } // namespace kestrel

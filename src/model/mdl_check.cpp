@@ -1,5 +1,3 @@
-#include "ibis/run.hpp"
-#include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <algorithm>
@@ -34,12 +32,12 @@ constexpr std::array<NamedPart, 2> kPullReferences{{{"Pullup Reference", isPrese
 constexpr std::array<NamedPart, 2> kClampReferences{{{"POWER Clamp Reference", isPresent<&Mdl::power_clamp_reference>},
                                                      {"GND Clamp Reference", isPresent<&Mdl::gnd_clamp_reference>}}};
 
-constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Mdl::pullup>},
-                                                 {"Pulldown", isPresent<&Mdl::pulldown>},
-                                                 {"POWER_Clamp", isPresent<&Mdl::power_clamp>},
-                                                 {"GND_Clamp", isPresent<&Mdl::gnd_clamp>},
-                                                 {"Rising Waveform", isPresent<&Mdl::rising_waveforms>},
-                                                 {"Falling Waveform", isPresent<&Mdl::falling_waveforms>},
+constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::pullup>},
+                                                 {"Pulldown", isPresent<&Tables::pulldown>},
+                                                 {"POWER_Clamp", isPresent<&Tables::power_clamp>},
+                                                 {"GND_Clamp", isPresent<&Tables::gnd_clamp>},
+                                                 {"Rising Waveform", isPresent<&Tables::rising_waveforms>},
+                                                 {"Falling Waveform", isPresent<&Tables::falling_waveforms>},
                                                  {"TTgnd", isPresent<&Mdl::ttgnd>},
                                                  {"TTpower", isPresent<&Mdl::ttpower>},
                                                  {"Driver Schedule", isPresent<&Mdl::driver_schedule>}}};
@@ -55,105 +53,170 @@ constexpr ModelTypeSet kNeedWholeLoad{ModelType::openDrain,  ModelType::ioOpenDr
                                       ModelType::outputEcl,  ModelType::ioEcl,       ModelType::threeStateEcl};
 constexpr ModelTypeSet kNeedDiffLoad{ModelType::ioDiff, ModelType::outputDiff, ModelType::threeStateDiff};
 
-void checkThresholds(Run& run, const Mdl& model) {
+void checkThresholds(Context& context, const Mdl& model) {
     if (!kInputTypes.has(model.model_type) || model.receiver_thresholds) return;
     for (const NamedPart& threshold : kThresholds) {
         if (!threshold.present(model)) {
-            warning(run.diagnostics, 184, model.name, modelTypeText(model.model_type), threshold.word);
+            warning(context.diagnostics, 184, model.name, modelTypeText(model.model_type), threshold.word);
         }
     }
 }
 
-void checkTerminator(Run& run, const Mdl& model) {
+void checkTerminator(Context& context, const Mdl& model) {
     if (model.model_type != ModelType::terminator) {
         for (const NamedPart& part : kTerminatorParts) {
-            if (part.present(model)) error(run.diagnostics, 185, model.name, part.word);
+            if (part.present(model)) error(context.diagnostics, 185, model.name, part.word);
         }
     }
-    if (model.cac && !model.rac) error(run.diagnostics, 186, model.name);
-    if (model.rac && !model.cac) error(run.diagnostics, 187, model.name);
+    if (model.cac && !model.rac) error(context.diagnostics, 186, model.name);
+    if (model.rac && !model.cac) error(context.diagnostics, 187, model.name);
 }
 
-void checkReferenceVoltages(Run& run, const Mdl& model) {
+void checkReferenceVoltages(Context& context, const Mdl& model) {
     if (model.voltage_range) return;
     for (const NamedPart& reference : kPullReferences) {
         if (reference.present(model)) continue;
         if (kPullReferenceOptional.has(model.model_type)) {
-            warning(run.diagnostics, 188, model.name, reference.word);
+            warning(context.diagnostics, 188, model.name, reference.word);
         } else {
-            error(run.diagnostics, 188, model.name, reference.word);
+            error(context.diagnostics, 188, model.name, reference.word);
         }
     }
     for (const NamedPart& reference : kClampReferences) {
-        if (!reference.present(model)) error(run.diagnostics, 188, model.name, reference.word);
+        if (!reference.present(model)) error(context.diagnostics, 188, model.name, reference.word);
     }
 }
 
-void checkRamp(Run& run, const Mdl& model) {
+void checkRamp(Context& context, const Mdl& model) {
     if (kRampOptional.has(model.model_type)) return;
     if (isSeries(model)) {
-        if (model.ramp) error(run.diagnostics, 189, model.name);
-    } else if (!model.ramp) {
-        error(run.diagnostics, 190, model.name);
+        if (model.tables->ramp) error(context.diagnostics, 189, model.name);
+    } else if (!model.tables->ramp) {
+        error(context.diagnostics, 190, model.name);
     }
 }
 
-void checkNotInSeries(Run& run, const Mdl& model, ModelWordMessage message) {
+void checkNotInSeries(Context& context, const Mdl& model, ModelWordMessage message) {
     for (const NamedPart& part : kNotInSeries) {
-        if (part.present(model)) error(run.diagnostics, message, model.name, part.word);
+        if (part.present(model)) error(context.diagnostics, message, model.name, part.word);
     }
-    if (model.model_spec) warning(run.diagnostics, message, model.name, "Model Spec");
+    if (model.model_spec) warning(context.diagnostics, message, model.name, "Model Spec");
 }
 
-void checkSeries(Run& run, const Mdl& model) {
-    if (model.model_type == ModelType::series) checkNotInSeries(run, model, 191);
-    if (model.model_type == ModelType::seriesSwitch) checkNotInSeries(run, model, 192);
-    checkSeriesBlocks(run, model);
+/// Of a series model that an external model describes nothing more is expected, and an empty "[Off]" is an open switch.
+void checkSeriesSection(Context& context, const Mdl& model, const SeriesBlock& block, std::string_view label) {
+    const bool may_be_empty = model.external_model != nullptr || label == kOffLabel;
+    if (!may_be_empty && !hasElements(block)) warning(context.diagnostics, 2904, model.name, label);
+    checkSeriesBlock(context, block, label, model.name);
 }
 
-void checkTestLoad(Run& run, const Mdl& model) {
+void checkSeriesSections(Context& context, const Mdl& model) {
+    if (model.model_type == ModelType::series && model.on_block) {
+        checkSeriesSection(context, model, *model.on_block, "Series");
+    }
+    if (model.model_type != ModelType::seriesSwitch) return;
+    if (model.on_block) {
+        checkSeriesSection(context, model, *model.on_block, kOnLabel);
+    } else {
+        error(context.diagnostics, 193, model.name);
+    }
+    if (model.off_block) {
+        checkSeriesSection(context, model, *model.off_block, kOffLabel);
+    } else {
+        error(context.diagnostics, 194, model.name);
+    }
+}
+
+void checkSeries(Context& context, const Mdl& model) {
+    if (model.model_type == ModelType::series) checkNotInSeries(context, model, 191);
+    if (model.model_type == ModelType::seriesSwitch) checkNotInSeries(context, model, 192);
+    checkSeriesSections(context, model);
+}
+
+void checkTestLoad(Context& context, const Mdl& model) {
     // "[Model Spec]" may give what "[Model]" leaves out.
     const MSpec* const spec = model.model_spec.get();
     const bool vmeas = model.vmeas || (spec != nullptr && spec->vmeas);
     const bool vref = model.vref || (spec != nullptr && spec->vref);
     const bool rref = model.rref || (spec != nullptr && spec->rref);
-    if (kNeedVmeas.has(model.model_type) && !vmeas) warning(run.diagnostics, 201, model.name);
-    if (kNeedWholeLoad.has(model.model_type) && !(vmeas && vref && rref)) warning(run.diagnostics, 200, model.name);
+    if (kNeedVmeas.has(model.model_type) && !vmeas) warning(context.diagnostics, 201, model.name);
+    if (kNeedWholeLoad.has(model.model_type) && !(vmeas && vref && rref)) warning(context.diagnostics, 200, model.name);
     if (kNeedDiffLoad.has(model.model_type) && !model.cref_diff && !model.rref_diff) {
-        warning(run.diagnostics, 202, model.name);
+        warning(context.diagnostics, 202, model.name);
+    }
+}
+
+/// An I-V table of the supplies and the one that it belongs to.
+struct IssoTable {
+    std::string_view name;
+    std::optional<Crv> MdlTables::*table;
+    std::string_view main_name;
+    std::optional<Crv> MdlTables::*main;
+};
+constexpr auto kIssoTables = std::to_array({
+    IssoTable{"ISSO PD", &MdlTables::isso_pd, "Pulldown", &Tables::pulldown},
+    IssoTable{"ISSO PU", &MdlTables::isso_pu, "Pullup", &Tables::pullup},
+});
+
+/// True when the voltages of a table reach from -`supply` to `supply`; without any voltage there is nothing to say.
+bool covers(const Crv& curve, double supply) {
+    double low = supply;
+    double high = -supply;
+    bool any = false;
+    for (const TableRow& row : curve.rows) {
+        if (!row.isNumber(kFirst)) continue;
+        low = any ? std::min(low, row.value[kFirst]) : row.value[kFirst];
+        high = any ? std::max(high, row.value[kFirst]) : row.value[kFirst];
+        any = true;
+    }
+    return !any || (low <= -supply && high >= supply);
+}
+
+void checkIsso(Context& context, const Mdl& model) {
+    const MdlTables& tables = *model.tables;
+    for (const IssoTable& row : kIssoTables) {
+        const std::optional<Crv>& table = tables.*row.table;
+        if (!table) continue;
+        if (!(tables.*row.main)) warning(context.diagnostics, 1501, model.name, row.name, row.main_name);
+        if (kNoTestLoadTypes.has(model.model_type)) {
+            warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.model_type));
+        }
+        if (!model.voltage_range || !model.voltage_range->typ.isNumber()) continue;
+        const double supply = model.voltage_range->typ.value;
+        if (!covers(*table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }
 
 } // namespace
 
-void checkSubparameters(Run& run, const Mdl& model) {
-    if (model.model_type == ModelType::notGiven) error(run.diagnostics, 180, model.name, "Model_type");
+void checkSubparameters(Context& context, const Mdl& model) {
+    if (model.model_type == ModelType::notGiven) error(context.diagnostics, 180, model.name, "Model_type");
     if (!kMeasuredBothWays.has(model.model_type) || !model.vmeas) return;
-    if (model.vinl && *model.vinl >= *model.vmeas) caution(run.diagnostics, 182, model.name);
-    if (model.vinh && *model.vinh <= *model.vmeas) caution(run.diagnostics, 183, model.name);
+    if (model.vinl && *model.vinl >= *model.vmeas) caution(context.diagnostics, 182, model.name);
+    if (model.vinh && *model.vinh <= *model.vmeas) caution(context.diagnostics, 183, model.name);
 }
 
-void checkModel(Run& run, const Mdl& model) {
+void checkModel(Context& context, const Mdl& model) {
     if (std::ranges::none_of(kCapacitances, [&model](Presence present) { return present(model); })) {
-        error(run.diagnostics, 181, model.name);
+        error(context.diagnostics, 181, model.name);
     }
-    checkThresholds(run, model);
-    checkTerminator(run, model);
-    checkReferenceVoltages(run, model);
-    checkRamp(run, model);
-    checkSeries(run, model);
-    checkReferenceSupply(run, model);
-    checkTestLoad(run, model);
+    checkThresholds(context, model);
+    checkTerminator(context, model);
+    checkReferenceVoltages(context, model);
+    checkRamp(context, model);
+    checkSeries(context, model);
+    checkReferenceSupply(runOf(context), model);
+    checkTestLoad(context, model);
     if (isDifferential(model) && !model.external_model) {
-        caution(run.diagnostics, 1829, model.name, modelTypeText(model.model_type));
+        caution(context.diagnostics, 1829, model.name, modelTypeText(model.model_type));
     }
-    checkMdlEmi(run, model);
-    checkIsso(run, model);
+    checkMdlEmi(runOf(context), model);
+    checkIsso(context, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
-        if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
+        if (block != nullptr) checkSMosVoltages(context, block->mosfets, model.name);
     }
-    checkCCorner(run, model);
-    checkAlgModType(run, model);
+    checkCCorner(runOf(context), model);
+    checkAlgModType(runOf(context), model);
 }
 
 } // namespace kestrel

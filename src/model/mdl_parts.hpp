@@ -1,14 +1,27 @@
 #pragma once
 
+#include "ibis/run.hpp"
 #include "model/mdl.hpp"
 #include "reader/line_form.hpp"
+
+#include <type_traits>
 
 /// What the files of the model reader share among themselves.
 namespace kestrel {
 
-/// True when the model has given what `Field` holds: a value, a table, at least one entry, a flag.
+/// The run of which this is the context, for calls into modules that take it whole.
+[[nodiscard]] inline Run& runOf(Context& context) { return static_cast<Run&>(context); }
+
+/// True when the model or its tables have what `Field` holds: a value, a table, at least one entry, a flag.
 template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
-    const auto& value = model.*Field;
+    const auto& value = [&model]() -> const auto& {
+        if constexpr (std::is_invocable_v<decltype(Field), const Mdl&>) {
+            return model.*Field;
+        } else {
+            return (*model.tables).*Field;
+        }
+    }
+    ();
     if constexpr (requires { value.empty(); }) {
         return !value.empty();
     } else {
@@ -20,38 +33,38 @@ using Presence = bool (*)(const Mdl&);
 /// How a model's own lines and keywords give ranges.
 inline constexpr RangeLineRules kModelRangeRules{CheckedMessage<>(178), false};
 
-/// Error 119 at the line: `name` was given before.
+/// Reports, at the line, that `name` was given before.
 void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name);
 
-/// Reads the model's name from its keyword line. Reports 128 to 131.
-void readModelName(Run& run, Mdl& model, std::string_view text);
+/// Reads the model's name from its keyword line.
+void readModelName(Context& context, MdlState& state, Mdl& model, std::string_view text);
 
-/// Reads a line "Model_type", "Vinl", "C_comp" and the like. Reports 119, 136, 137, 149, 158 to 179 and what the range
-/// reader reports.
+/// Reads a line "Model_type", "Vinl", "C_comp" and the like.
 void readSubparameter(Run& run, Mdl& model, std::string_view text);
 
-/// Reads a keyword such as "[Voltage Range]" whose range stands on its own line. Reports 108 to 114, 119, 178, 204 and
-/// what the range reader reports.
+/// Reads a keyword such as "[Voltage Range]" whose range is on its own line.
 void readRangeKeyword(Run& run, Mdl& model, const Line& line);
 
-/// Reports "[Model Spec]" behind a keyword that it should precede (116).
-void checkModelSpecOrder(Run& run, const Mdl& model);
+/// Reports "[Model Spec]" behind a keyword that it should precede.
+void checkModelSpecOrder(Context& context, const Mdl& model);
 
-/// Reports "[Receiver Thresholds]" behind a keyword that it should precede (120), or in a model that receives nothing
-/// (117).
-void checkReceiverThresholdsOrder(Run& run, const Mdl& model);
+/// Reports "[Receiver Thresholds]" behind a keyword that it should precede, or in a model that receives nothing.
+void checkReceiverThresholdsOrder(Context& context, const Mdl& model);
 
-/// Judges the keyword line "[Add Submodel]". Reports 137, 208, 209.
-void openAddSubmodel(Run& run, Mdl& model, std::string_view text);
+/// Judges the keyword line "[Add Submodel]".
+void openAddSubmodel(Context& context, Mdl& model, std::string_view text);
 
-/// Reads a row of "[Add Submodel]". Reports 136, 158, 210 to 217.
-void readAddSubmodel(Run& run, Mdl& model, std::string_view text);
+/// Reads a row of "[Add Submodel]".
+void readAddSubmodel(Context& context, Mdl& model, std::string_view text);
 
-/// Once the subparameters are read: the type is there (180), the measuring voltage lies between the thresholds (182,
-/// 183). No line.
-void checkSubparameters(Run& run, const Mdl& model);
+/// The section that series keywords and their lines go to; opened when none is, which a "Series_switch" model should
+/// have done. Null, with an error, when the model is no series model.
+SeriesBlock* currentSeriesBlock(Context& context, MdlState& state, Mdl& model);
 
-/// Once the model is read: what it lacks and what its type forbids (181, 184 to 202). No line.
-void checkModel(Run& run, const Mdl& model);
+/// Once the subparameters are read: the type is there, the measuring voltage lies between the thresholds. No line.
+void checkSubparameters(Context& context, const Mdl& model);
+
+/// Once the model is read: what it lacks and what its type forbids. No line.
+void checkModel(Context& context, const Mdl& model);
 
 } // namespace kestrel

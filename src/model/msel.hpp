@@ -1,17 +1,13 @@
 #pragma once
 
-#include "reader/keyword.hpp"
+#include "reader/sections.hpp"
 
-#include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <vector>
 
 namespace kestrel {
-
-struct Run;
 
 /// One entry of a selector.
 struct MSelEntry {
@@ -19,30 +15,18 @@ struct MSelEntry {
     std::string description;
 };
 
-/// One "[Model Selector]".
-struct MSel {
-    std::string name;                 ///< at most 20 or 40 characters, by version
+/// One "[Model Selector]", whose name has at most 20 or 40 characters, by version.
+struct MSel : RecordOf<SubjectKind::modelSelector> {
     std::vector<MSelEntry> entries;   ///< in file order
     std::optional<bool> single_ended; ///< kind of the first entry, set by the final checks
 };
 
-/// The selector being read, null outside one, and what is remembered of it.
-struct MSelState {
-    MSel* current = nullptr;
-    std::unordered_set<std::string> entry_names; ///< of the current one, for the test of repeated names
+/// The selector being read.
+struct MSelState : RecordState<MSel> {
+    std::unordered_set<std::string> entry_names; ///< for the test of repeated names
 };
 
-/// Opens a selector at "[Model Selector]".
-void openMSel(Run& run);
-
-/// Told of every keyword: any of them closes the selector and reports one without entries (4005) or with one (4006), no
-/// line.
-void mselKeywordSeen(Run& run, KeywordCode code);
-
-/// Reads the keyword line or an entry.
-void mselLine(Run& run, const Line& line);
-
-/// Checks every selector once the file is read: clash with a model (4021), use (4026), entries (4022 to 4024); no line.
-void checkMSels(Run& run);
+/// Reads selectors. At the end of one its number of entries is checked.
+extern const RecordModule<MSelState> kMSel;
 
 } // namespace kestrel

@@ -5,14 +5,14 @@
 #include "reader/keyword.hpp"
 #include "reader/line_form.hpp"
 
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 namespace kestrel {
 
-struct Run;
-struct Mdl;
+struct Context;
 
 /// One "[On]" or "[Off]" section of a series model: its elements in ohms, henries and farads.
 struct SeriesBlock {
@@ -27,18 +27,21 @@ struct SeriesBlock {
     RefusedLines refused;
 };
 
-/// Opens a section at "[On]" or "[Off]". Reports 205, 2901 (the old one is replaced) and 2902.
-void openSeriesSection(Run& run, Mdl& model, const Line& line);
+/// The labels of the sections in messages.
+inline constexpr std::string_view kOnLabel = "[On]";
+inline constexpr std::string_view kOffLabel = "[Off]";
 
-/// The section that series keywords and their lines go to; opened when none is (207 in a "Series_switch" model). Null,
-/// with error 206, when the model is no series model.
-SeriesBlock* currentSeriesBlock(Run& run, Mdl& model);
+/// Opens a section at its keyword line. An old one is reported and replaced.
+SeriesBlock& openSeriesBlock(Context& context, std::unique_ptr<SeriesBlock>& slot, std::string_view label,
+                             std::string_view text);
 
-/// Reads a keyword such as "[R Series]" into its section. Reports 119, 178 and what the range reader reports.
-void readSeriesRange(Run& run, const Mdl& model, SeriesBlock& block, const Line& line);
+/// Reads a keyword such as "[R Series]" into its section.
+void readSeriesRange(Context& context, SeriesBlock& block, const Line& line, std::string_view model);
 
-/// Checks the sections of a series model once it is read: those that it lacks (193, 194), then of each what its
-/// elements lack (2904 to 2906). No line.
-void checkSeriesBlocks(Run& run, const Mdl& model);
+/// True when the section gives an element, or a line for one was refused.
+[[nodiscard]] bool hasElements(const SeriesBlock& block);
+
+/// Checks what the elements of a section that has been read lack; no line.
+void checkSeriesBlock(Context& context, const SeriesBlock& block, std::string_view label, std::string_view model);
 
 } // namespace kestrel

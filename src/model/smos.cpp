@@ -1,6 +1,6 @@
 #include "model/smos.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
 #include "reader/line_form.hpp"
 
 #include <unordered_map>
@@ -13,9 +13,9 @@ constexpr std::string_view kVds = "Vds";
 constexpr std::size_t kMaxTables = 100;
 
 /// Reads "Vds = number"; false when the line gives no voltage.
-bool readVds(Run& run, std::optional<double>& vds, std::string_view text) {
-    Diagnostics& diagnostics = run.diagnostics;
-    const ValueLine line = splitValueLine(run, text);
+bool readVds(Context& context, std::optional<double>& vds, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
+    const ValueLine line = splitValueLine(context, text);
     if (!line.complete) {
         errorAtLine(diagnostics, 2802);
         return false;
@@ -33,44 +33,43 @@ bool readVds(Run& run, std::optional<double>& vds, std::string_view text) {
 
 } // namespace
 
-void openSMos(Run& run, std::vector<SMos>& list, std::string_view text) {
+void openSMos(Context& context, CrvState& state, std::vector<SMos>& list, std::string_view text) {
     SMos& mosfet = list.emplace_back();
-    if (list.size() > kMaxTables) errorAtLine(run.diagnostics, 2811, static_cast<std::int32_t>(kMaxTables));
-    expectNoText(run, text, curveLabel(CurveKind::seriesMosfet), 2801);
-    mosfet.begin_line = run.parse.line;
-    beginCrv(run, run.mdl.crv, mosfet.table);
+    if (list.size() > kMaxTables) errorAtLine(context.diagnostics, 2811, static_cast<std::int32_t>(kMaxTables));
+    expectNoText(context, text, curveLabel(CurveKind::seriesMosfet), 2801);
+    beginCrv(context, state, mosfet.table);
 }
 
-void sMosLine(Run& run, SMos& mosfet, std::string_view text) {
+void sMosLine(Context& context, CrvState& state, SMos& mosfet, std::string_view text) {
     std::string_view rest = text;
-    const std::string_view first = takeItem(run, rest, '=');
+    const std::string_view first = takeItem(context, rest, '=');
     if (first != kVds) {
         if (readFirstCell(first).beginsRow()) {
-            crvLine(run, run.mdl.crv, mosfet.table, CurveKind::seriesMosfet, text);
+            crvLine(context, state, mosfet.table, CurveKind::seriesMosfet, text);
         } else {
-            errorAtLine(run.diagnostics, 2810);
+            errorAtLine(context.diagnostics, 2810);
         }
         return;
     }
-    if (!mosfet.table.rows.empty()) errorAtLine(run.diagnostics, 2806);
+    if (!mosfet.table.rows.empty()) errorAtLine(context.diagnostics, 2806);
     if (mosfet.vds) {
-        errorAtLine(run.diagnostics, 2805);
-    } else if (!readVds(run, mosfet.vds, text)) {
+        errorAtLine(context.diagnostics, 2805);
+    } else if (!readVds(context, mosfet.vds, text)) {
         mosfet.vds_refused = true;
     }
 }
 
-void closeSMos(Run& run, const SMos& mosfet, const Mdl& model) {
+void closeSMos(Context& context, const CrvState& state, const SMos& mosfet, const CurveOwner& owner) {
     if (!mosfet.vds && !mosfet.vds_refused) {
-        error(run.diagnostics, 2807, static_cast<std::int32_t>(mosfet.begin_line));
+        error(context.diagnostics, 2807, static_cast<std::int32_t>(mosfet.table.line));
     }
-    closeCrv(run, run.mdl.crv, mosfet.table, CurveKind::seriesMosfet, "Model", model.name, model.model_type);
+    closeCrv(context, state, mosfet.table, CurveKind::seriesMosfet, owner);
 }
 
-void checkSMosVoltages(Run& run, const std::vector<SMos>& list, std::string_view model) {
+void checkSMosVoltages(Context& context, const std::vector<SMos>& list, std::string_view model) {
     std::unordered_map<double, std::size_t> tables;
     for (const SMos& mosfet : list) {
-        if (mosfet.vds && ++tables[*mosfet.vds] == 2) warning(run.diagnostics, 2809, model, *mosfet.vds);
+        if (mosfet.vds && ++tables[*mosfet.vds] == 2) warning(context.diagnostics, 2809, model, *mosfet.vds);
     }
 }
 

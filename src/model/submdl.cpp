@@ -15,7 +15,6 @@ namespace kestrel {
 namespace {
 
 constexpr std::string_view kKeyword = "Sub Model";
-constexpr std::string_view kOwner = "Submodel";
 constexpr std::string_view kTypeName = "Submodel_type";
 
 constexpr std::array<EnumerationRow<SubmodelType>, 3> kTypes{{
@@ -68,61 +67,28 @@ void requireType(Context& context, const SubMdl& submodel) {
 }
 
 void openSpec(Context& context, SubMdl& submodel, std::string_view text) {
-    if (submodel.pulldown || submodel.pullup || submodel.gnd_clamp || submodel.power_clamp || submodel.gnd_pulse ||
+    SubMdlTables& tables = submodel.tables.made();
+    if (tables.pulldown || tables.pullup || tables.gnd_clamp || tables.power_clamp || submodel.gnd_pulse ||
         submodel.power_pulse) {
         errorAtLine(context.diagnostics, 2406);
     }
-    openSmSpec(context, submodel.spec, text);
+    openSmSpec(context, tables.spec, text);
 }
 
 void specLine(Context& context, SubMdl& submodel, std::string_view text) {
-    smSpecLine(context, *submodel.spec, text, submodel.name);
+    smSpecLine(context, *submodel.tables.made().spec, text, submodel.name);
 }
 
-void closeSpec(Context& context, const SubMdl& submodel) { closeSmSpec(context, *submodel.spec, submodel.name); }
-
-template <CurveKind Kind, std::optional<Crv> SubMdl::*Slot> constexpr Section<SubMdlState> curve(KeywordCode key) {
-    constexpr auto kOpen = [](Context& context, SubMdlState& state, SubMdl& submodel, std::string_view text) {
-        openCrv(context, state.crv, submodel.*Slot, Kind, text);
-    };
-    constexpr auto kLine = [](Context& context, SubMdlState& state, SubMdl& submodel, std::string_view text) {
-        crvLine(context, state.crv, *(submodel.*Slot), Kind, text);
-    };
-    constexpr auto kClose = [](Context& context, const SubMdlState& state, const SubMdl& submodel) {
-        closeCrv(context, state.crv, *(submodel.*Slot), Kind, kOwner, submodel.name, std::nullopt);
-    };
-    return section<SubMdlState, kOpen, kLine, kClose>(key);
-}
-
-void openSubmodelRamp(Context& context, SubMdl& submodel, std::string_view text) {
-    openRamp(context, submodel.ramp, text);
-}
-
-void readRamp(Context& context, SubMdl& submodel, std::string_view text) {
-    rampLine(context, *submodel.ramp, text, submodel.name);
-}
-
-void closeSubmodelRamp(Context& context, const SubMdl& submodel) { closeRamp(context, *submodel.ramp); }
-
-template <const WaveformLabel& Label, std::vector<std::unique_ptr<Wvfrm>> SubMdl::*List>
-constexpr Section<SubMdlState> waveforms(KeywordCode key) {
-    constexpr auto kOpen = [](Context& context, SubMdl& submodel, std::string_view text) {
-        openWvfrm(context, submodel.*List, Label, text);
-    };
-    constexpr auto kLine = [](Context& context, SubMdl& submodel, std::string_view text) {
-        wvfrmLine(context, *(submodel.*List).back(), Label, text);
-    };
-    constexpr auto kClose = [](Context& context, const SubMdl& submodel) {
-        closeWvfrm(context, *(submodel.*List).back(), Label);
-    };
-    return section<SubMdlState, kOpen, kLine, kClose>(key);
+void closeSpec(Context& context, const SubMdl& submodel) {
+    closeSmSpec(context, *submodel.tables->spec, submodel.name);
 }
 
 template <const WaveformLabel& Label, std::unique_ptr<Wvfrm> SubMdl::*Slot, CheckedMessage<> Repeated>
 constexpr Section<SubMdlState> pulse(KeywordCode key) {
     constexpr auto kOpen = [](Context& context, SubMdl& submodel, std::string_view text) {
-        if (submodel.*Slot != nullptr) errorAtLine(context.diagnostics, Repeated);
-        openSingleWvfrm(context, submodel.*Slot, Label, text);
+        std::unique_ptr<Wvfrm>& table = submodel.*Slot;
+        if (table != nullptr) errorAtLine(context.diagnostics, Repeated);
+        openSingleWvfrm(context, table, Label, text);
     };
     constexpr auto kLine = [](Context& context, SubMdl& submodel, std::string_view text) {
         wvfrmLine(context, *(submodel.*Slot), Label, text);
@@ -140,16 +106,18 @@ constexpr auto kSections = sectionTable<SubMdlState>({
     section<SubMdlState, openSpec, specLine, closeSpec>(K::submodelSpec),
     pulse<kGndPulse, &SubMdl::gnd_pulse, 2404>(K::gndPulseTable),
     pulse<kPowerPulse, &SubMdl::power_pulse, 2405>(K::powerPulseTable),
-    curve<CurveKind::pulldown, &SubMdl::pulldown>(K::submodelPulldown),
-    curve<CurveKind::pullup, &SubMdl::pullup>(K::submodelPullup),
-    curve<CurveKind::gndClamp, &SubMdl::gnd_clamp>(K::submodelGndClamp),
-    curve<CurveKind::powerClamp, &SubMdl::power_clamp>(K::submodelPowerClamp),
-    section<SubMdlState, openSubmodelRamp, readRamp, closeSubmodelRamp>(K::submodelRamp),
-    waveforms<kRisingWaveform, &SubMdl::rising>(K::submodelRisingWaveform),
-    waveforms<kFallingWaveform, &SubMdl::falling>(K::submodelFallingWaveform),
+    curveSection<SubMdlState, &Tables::pulldown, CurveKind::pulldown>(K::submodelPulldown),
+    curveSection<SubMdlState, &Tables::pullup, CurveKind::pullup>(K::submodelPullup),
+    curveSection<SubMdlState, &Tables::gnd_clamp, CurveKind::gndClamp>(K::submodelGndClamp),
+    curveSection<SubMdlState, &Tables::power_clamp, CurveKind::powerClamp>(K::submodelPowerClamp),
+    rampSection<SubMdlState>(K::submodelRamp),
+    waveformSection<SubMdlState, &Tables::rising_waveforms, kRisingWaveform>(K::submodelRisingWaveform),
+    waveformSection<SubMdlState, &Tables::falling_waveforms, kFallingWaveform>(K::submodelFallingWaveform),
 });
 
 } // namespace
+
+CurveOwner curveOwner(const SubMdl& submodel) { return {"Submodel", submodel.name, std::nullopt}; }
 
 const RecordModule<SubMdlState> kSubMdl{
     .opens = K::submodel,

@@ -12,21 +12,21 @@ namespace kestrel {
 
 namespace {
 
-bool hasTriggerR(const SubMdl& submodel) { return submodel.spec && submodel.spec->v_trigger_r; }
-bool hasTriggerF(const SubMdl& submodel) { return submodel.spec && submodel.spec->v_trigger_f; }
-bool hasOffDelay(const SubMdl& submodel) { return submodel.spec && submodel.spec->off_delay; }
-bool hasBothPulls(const SubMdl& submodel) { return submodel.pullup && submodel.pulldown; }
+bool hasTriggerR(const SubMdl& submodel) { return submodel.tables->spec && submodel.tables->spec->v_trigger_r; }
+bool hasTriggerF(const SubMdl& submodel) { return submodel.tables->spec && submodel.tables->spec->v_trigger_f; }
+bool hasOffDelay(const SubMdl& submodel) { return submodel.tables->spec && submodel.tables->spec->off_delay; }
+bool hasBothPulls(const SubMdl& submodel) { return submodel.tables->pullup && submodel.tables->pulldown; }
 
-bool lacksSpec(const SubMdl& submodel) { return !submodel.spec; }
-bool specLacksTriggerR(const SubMdl& submodel) { return submodel.spec && !submodel.spec->v_trigger_r; }
-bool specLacksTriggerF(const SubMdl& submodel) { return submodel.spec && !submodel.spec->v_trigger_f; }
-bool lacksRamp(const SubMdl& submodel) { return !submodel.ramp; }
-bool lacksPulls(const SubMdl& submodel) { return !submodel.pullup && !submodel.pulldown; }
+bool lacksSpec(const SubMdl& submodel) { return !submodel.tables->spec; }
+bool specLacksTriggerR(const SubMdl& submodel) { return submodel.tables->spec && !submodel.tables->spec->v_trigger_r; }
+bool specLacksTriggerF(const SubMdl& submodel) { return submodel.tables->spec && !submodel.tables->spec->v_trigger_f; }
+bool lacksRamp(const SubMdl& submodel) { return !submodel.tables->ramp; }
+bool lacksPulls(const SubMdl& submodel) { return !submodel.tables->pullup && !submodel.tables->pulldown; }
 bool delaysBothPulls(const SubMdl& submodel) { return hasOffDelay(submodel) && hasBothPulls(submodel); }
 bool gndPulseLacksTrigger(const SubMdl& submodel) { return submodel.gnd_pulse && !hasTriggerF(submodel); }
 bool powerPulseLacksTrigger(const SubMdl& submodel) { return submodel.power_pulse && !hasTriggerR(submodel); }
 bool lacksClampTables(const SubMdl& submodel) {
-    return !submodel.gnd_pulse && !submodel.power_pulse && !submodel.gnd_clamp && !submodel.power_clamp;
+    return !submodel.gnd_pulse && !submodel.power_pulse && !submodel.tables->gnd_clamp && !submodel.tables->power_clamp;
 }
 
 /// A fault that a submodel of one type may have.
@@ -122,9 +122,10 @@ void checkSubMdl(Context& context, const SubMdl& submodel) {
             error(context.diagnostics, rule.message, submodel.name);
         }
     }
-    if (!submodel.spec) return;
-    checkTrigger(context, submodel.name, submodel.rising, submodel.spec->v_trigger_r, kRisingRule);
-    checkTrigger(context, submodel.name, submodel.falling, submodel.spec->v_trigger_f, kFallingRule);
+    const std::optional<SmSpec>& spec = submodel.tables->spec;
+    if (!spec) return;
+    checkTrigger(context, submodel.name, submodel.tables->rising_waveforms, spec->v_trigger_r, kRisingRule);
+    checkTrigger(context, submodel.name, submodel.tables->falling_waveforms, spec->v_trigger_f, kFallingRule);
 }
 
 } // namespace kestrel

@@ -33,7 +33,7 @@ std::string messages(CurveKind kind, std::string_view rows, std::optional<ModelT
                      std::string_view owner = "Model") {
     Table table;
     table.read(kind, "", rows);
-    closeCrv(table.run, table.state, *table.slot, kind, owner, "drv", type);
+    closeCrv(table.run, table.state, *table.slot, kind, {owner, "drv", type});
     return table.printed();
 }
 
@@ -188,7 +188,7 @@ TEST(Crv, aSecondTableReplacesTheFirst) {
     Table table;
     table.read(CurveKind::pullup, "", "0 5 NA NA\n9 4 NA NA\n1 3 NA NA");
     table.read(CurveKind::pullup, "or two", "4 1 NA NA\n3 2 NA NA");
-    closeCrv(table.run, table.state, *table.slot, CurveKind::pullup, "Model", "drv", kModel);
+    closeCrv(table.run, table.state, *table.slot, CurveKind::pullup, {"Model", "drv", kModel});
     EXPECT_EQ(table.printed(),
               "N1110 (line 4) - Pullup Voltage data is non-monotonic\n"
               "E1100 (line 5) - Pullup Already Defined\n"
@@ -208,13 +208,14 @@ TEST(Crv, sortedRowsLeaveOutRowsWithoutVoltage) {
 
 TEST(SMos, tablesPastTheHundredthAreKept) {
     TableRun table;
+    CrvState state;
     std::vector<SMos> list;
     for (int i = 0; i < 102; ++i) {
         ++table.run.parse.line;
-        openSMos(table.run, list, i == 101 ? "one" : "");
+        openSMos(table.run, state, list, i == 101 ? "one" : "");
     }
     EXPECT_EQ(list.size(), 102U);
-    EXPECT_EQ(list.back().begin_line, 102U);
+    EXPECT_EQ(list.back().table.line, 102U);
     EXPECT_EQ(table.printed(),
               "E2811 (line 101) - More than 100 Series MOSFET tables are defined\n"
               "E2811 (line 102) - More than 100 Series MOSFET tables are defined\n"

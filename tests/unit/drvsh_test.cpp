@@ -5,6 +5,7 @@
 #include "codes.hpp"
 #include "ibis/run.hpp"
 
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -37,12 +38,11 @@ TEST(DriverSchedule, namesByVersion) {
         kestrel::Run run(out);
         run.diagnostics.coded_form = true;
         run.parse.version = row.version;
-        Mdl model;
-        model.name = row.model;
-        openDrvSh(run, model, "");
-        drvShLine(run, model, "  " + row.name + " 1n 2n NA NA");
+        std::unique_ptr<DrvSh> schedule;
+        openDrvSh(run, schedule, "");
+        drvShLine(run, *schedule, "  " + row.name + " 1n 2n NA NA", row.model);
         EXPECT_EQ(codesOf(out.text()), row.codes) << row.name;
-        const DrvShEntry& entry = model.driver_schedule->entries.back();
+        const DrvShEntry& entry = schedule->entries.back();
         EXPECT_EQ(entry.model_name, row.stored);
         EXPECT_EQ(entry.delays->rise_off.value, 2e-9);
         EXPECT_EQ(entry.delays->fall_on.state, CellState::na);

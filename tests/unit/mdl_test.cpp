@@ -1,8 +1,9 @@
 // What a model keeps of its lines, faulty ones included, and what is said of them; texts are left to the cases.
 
 #include "codes.hpp"
+#include "ibis/check_models.hpp"
+#include "ibis/modules.hpp"
 #include "ibis/run.hpp"
-#include "model/acdc.hpp"
 
 #include <algorithm>
 #include <ranges>
@@ -35,15 +36,16 @@ struct Reading {
 
     void readLine(std::string_view text) {
         ++run.parse.line;
+        const Module& models = moduleOf(KeywordCode::model);
         if (!text.starts_with('[')) {
-            mdlLine(run, {LineKind::data, key, text});
+            models.line(run, {LineKind::data, key, text});
             return;
         }
         const std::size_t bracket = text.find(']');
         key = findKeyword(text.substr(1, bracket - 1), V::v5).value();
-        mdlKeywordSeen(run, key);
-        if (key == KeywordCode::model) openMdl(run);
-        if (ownerOf(key) == Owner::mdl) mdlLine(run, {LineKind::keyword, key, trim(text.substr(bracket + 1))});
+        models.keyword_seen(run, key);
+        if (key == models.opens) models.open(run);
+        if (ownerOf(key) == models.owner) models.line(run, {LineKind::keyword, key, trim(text.substr(bracket + 1))});
     }
 
     [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
@@ -174,7 +176,7 @@ TEST(Model, names) {
         EXPECT_EQ(reading.newest().name, row.name) << row.line;
         // Of models of one name the last one is meant.
         if (!row.name.empty()) {
-            EXPECT_EQ(referenceMdl(reading.run, row.name), &reading.newest()) << row.line;
+            EXPECT_EQ(referenceMdl(*currentRoot(reading.run), row.name), &reading.newest()) << row.line;
         }
     }
 }
@@ -388,6 +390,9 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type Series_switch" + c_comp + "[Model Spec]\n" + std::string(kVoltage) + "[TTpower] 1 1 1\n[End]",
          "W3809 E0192 W0192 E0193 E0194"},
         {"Model_type Series_switch" + c_comp + std::string(kVoltage) + "[R Series] 1 1 1\n[End]", "E0207@ E0194"},
+        {"Model_type Series_switch" + c_comp + std::string(kVoltage) + "[On]\n[Off]\n[End]", "W2904"},
+        {"Model_type Series_switch\n" + std::string(kVoltage) + "[On]\n[Off]\n[External Model]\n[End]",
+         "E1827@ E1823 E1824 E1825"},
         // test loads
         {"Model_type I/O\nVinl = 1\nVinh = 2\nVref = 1\nRref = 50" + c_comp + whole + "[End]", "W0201"},
         {"Model_type Output" + c_comp + "[Model Spec]\n" + whole + "[End]", "W3809 W0201"},
@@ -481,7 +486,7 @@ TEST(Model, rampsAndCurrentsAgainstWaveforms) {
         Reading reading(V::v5);
         reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p").read(row.lines).read("[Rgnd] x");
         const std::size_t before = reading.codes().size();
-        checkCompositeCurrents(reading.run);
+        checkCompositeCurrents(reading.run, *currentRoot(reading.run));
         EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.lines;
     }
 }
@@ -496,11 +501,11 @@ TEST(Model, currentsGoToTheLastWaveformWhateverStandsBetween) {
         .read("[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n2n 1m NA NA");
     EXPECT_EQ(reading.codes(), "");
     const Mdl& model = reading.newest();
-    EXPECT_EQ(model.rising_waveforms.at(0)->composite_current, nullptr);
-    ASSERT_TRUE(model.falling_waveforms.at(0)->composite_current);
-    EXPECT_EQ(model.falling_waveforms[0]->composite_current->rows.size(), 2U);
-    ASSERT_TRUE(model.rising_waveforms.at(1)->composite_current);
-    EXPECT_EQ(model.rising_waveforms[1]->composite_current->rows.size(), 3U);
+    EXPECT_EQ(model.tables->rising_waveforms.at(0)->composite_current, nullptr);
+    ASSERT_TRUE(model.tables->falling_waveforms.at(0)->composite_current);
+    EXPECT_EQ(model.tables->falling_waveforms[0]->composite_current->rows.size(), 2U);
+    ASSERT_TRUE(model.tables->rising_waveforms.at(1)->composite_current);
+    EXPECT_EQ(model.tables->rising_waveforms[1]->composite_current->rows.size(), 3U);
 }
 
 TEST(Model, thresholdsThatBeginASet) {

@@ -3,8 +3,11 @@
 #include "model/msel.hpp"
 
 #include "codes.hpp"
+#include "ibis/check_models.hpp"
+#include "ibis/modules.hpp"
 #include "ibis/run.hpp"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -21,10 +24,10 @@ struct Selectors {
     }
 
     void open(std::string_view name) {
-        openMSel(run);
-        mselLine(run, {LineKind::keyword, KeywordCode::modelSelector, name});
+        module.open(run);
+        module.line(run, {LineKind::keyword, KeywordCode::modelSelector, name});
     }
-    void entry(std::string_view text) { mselLine(run, {LineKind::data, KeywordCode::modelSelector, text}); }
+    void entry(std::string_view text) { module.line(run, {LineKind::data, KeywordCode::modelSelector, text}); }
 
     [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
     [[nodiscard]] MSel& newest() const { return *root.model_selectors.newestFirst().begin(); }
@@ -32,6 +35,7 @@ struct Selectors {
     Output out;
     Run run{out};
     Ibis& root;
+    const Module& module = moduleOf(KeywordCode::modelSelector);
 };
 
 TEST(ModelSelector, nameLines) {
@@ -94,6 +98,22 @@ TEST(ModelSelector, entryLines) {
         ASSERT_EQ(test.newest().entries.size(), 2U);
         EXPECT_EQ(test.newest().entries[1].model_name, row.name);
         EXPECT_EQ(test.newest().entries[1].description, row.description);
+    }
+}
+
+TEST(ModelSelector, namesOfModels) {
+    const std::pair<std::string, std::string> rows[] = {{"Same", "E4021"}, {"same", ""}, {"", "E4010@ E4021"}};
+    for (const auto& [name, codes] : rows) {
+        Selectors test(IbisVersion::v5);
+        for (const std::string_view model_name : {"Same", ""}) {
+            Mdl& model = test.root.models.add(std::make_unique<Mdl>());
+            model.name = model_name;
+            test.root.models.enterName(model, model.name);
+        }
+        test.open(name);
+        test.entry("GND ground");
+        checkMSels(test.run, test.root);
+        EXPECT_EQ(test.codes(), codes) << name;
     }
 }
 

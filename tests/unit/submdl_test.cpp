@@ -77,9 +77,10 @@ TEST(Submodel, risingTriggerAgainstCorners) {
     };
     for (const Row& row : rows) {
         SubMdl submodel;
-        submodel.spec.emplace().v_trigger_r = range(row.trigger);
-        submodel.rising.push_back(waveform(row.first, row.last));
-        submodel.falling.push_back(waveform(row.first, row.last));
+        SubMdlTables& tables = submodel.tables.made();
+        tables.spec.emplace().v_trigger_r = range(row.trigger);
+        tables.rising_waveforms.push_back(waveform(row.first, row.last));
+        tables.falling_waveforms.push_back(waveform(row.first, row.last));
         EXPECT_EQ(warningsOf(submodel), row.warnings) << row.label;
     }
 }
@@ -89,13 +90,14 @@ TEST(Submodel, triggersOfBothEdgesInOrder) {
     const Corners high{3, 3, 3};
     const Corners middle{1, 1, 1};
     SubMdl submodel;
-    submodel.spec.emplace().v_trigger_r = range({2, 2, 2});
-    submodel.spec->v_trigger_f = range({1.5, kNa, kNa});
-    submodel.rising.push_back(std::make_unique<Wvfrm>());
-    submodel.rising.push_back(waveform(low, middle));
-    submodel.rising.push_back(waveform(high, high));
-    submodel.falling.push_back(waveform(high, low));
-    submodel.falling.push_back(waveform(middle, {2, 1.5, kNa}));
+    SubMdlTables& tables = submodel.tables.made();
+    tables.spec.emplace().v_trigger_r = range({2, 2, 2});
+    tables.spec->v_trigger_f = range({1.5, kNa, kNa});
+    tables.rising_waveforms.push_back(std::make_unique<Wvfrm>());
+    tables.rising_waveforms.push_back(waveform(low, middle));
+    tables.rising_waveforms.push_back(waveform(high, high));
+    tables.falling_waveforms.push_back(waveform(high, low));
+    tables.falling_waveforms.push_back(waveform(middle, {2, 1.5, kNa}));
     EXPECT_EQ(warningsOf(submodel),
               "2442 Typ; 2442 Min; 2442 Max; 2441 Typ; 2441 Min; 2441 Max; "
               "2443 Typ; 2443 Min; 2443 Max; 2444 Typ");

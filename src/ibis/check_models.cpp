@@ -1,0 +1,167 @@
+#include "ibis/check_models.hpp"
+
+#include "component/cmpnt.hpp"
+#include "ibis/run.hpp"
+#include "model/acdc.hpp"
+#include "model/msel.hpp"
+#include "model/submdl.hpp"
+#include "reader/names.hpp"
+
+#include <algorithm>
+#include <ranges>
+#include <unordered_set>
+
+namespace kestrel {
+
+namespace {
+
+using Names = std::unordered_set<std::string_view>;
+
+/// Types that cannot drive and so cannot be scheduled.
+constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelType::terminator, ModelType::series,
+                                  ModelType::seriesSwitch};
+
+void checkDriver(Context& context, Ibis& root, const Mdl& model, std::string_view name) {
+    const Mdl* const driver = referenceMdl(root, name);
+    if (driver == nullptr) {
+        error(context.diagnostics, 4207, name, model.name);
+        return;
+    }
+    if (driver->driver_schedule) error(context.diagnostics, 4208, name, model.name);
+    if (kNoDrivers.has(driver->model_type)) error(context.diagnostics, 4209, name, model.name);
+}
+
+/// What pins may name to have a composite current: the models with one, and the selectors that offer such a model.
+Names namesWithCurrent(const Ibis& root) {
+    Names models;
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (root.models.find(model.name) == &model && hasCompositeCurrent(model)) models.insert(model.name);
+    }
+    Names names = models;
+    for (const MSel& selector : root.model_selectors.newestFirst()) {
+        // A name means a model before it means a selector, and the newest of its kind.
+        if (root.models.find(selector.name) != nullptr || root.model_selectors.find(selector.name) != &selector)
+            continue;
+        const auto has_current = [&models](const MSelEntry& entry) { return models.contains(entry.model_name); };
+        if (std::ranges::any_of(selector.entries, has_current)) names.insert(selector.name);
+    }
+    return names;
+}
+
+/// Model names of all pins and rows between pins.
+Names usedModelNames(const Ibis& root) {
+    Names names;
+    for (const Cmpnt& component : root.components.newestFirst()) {
+        for (const Pin& pin : component.pins) {
+            names.insert(pin.model_name);
+        }
+        for (const SPin& row : component.series_pins) {
+            names.insert(row.model_name);
+        }
+    }
+    return names;
+}
+
+/// Looks the entry's model up and marks it; a name without a model, or a reserved word, counts as single-ended.
+bool isSingleEnded(Context& context, Ibis& root, const MSel& selector, std::string_view model_name) {
+    if (isReservedWord(model_name)) return true;
+    const Mdl* const model = referenceMdl(root, model_name);
+    if (model != nullptr) return !isDifferential(*model);
+    error(context.diagnostics, 4024, model_name, selector.name);
+    return true;
+}
+
+/// The first entry decides of which kind the selector is; the others are held to it.
+void checkEntries(Context& context, Ibis& root, MSel& selector) {
+    for (const MSelEntry& entry : selector.entries) {
+        const bool single_ended = isSingleEnded(context, root, selector, entry.model_name);
+        if (!selector.single_ended) selector.single_ended = single_ended;
+        if (single_ended == *selector.single_ended) continue;
+        if (single_ended) {
+            warning(context.diagnostics, 4023, entry.model_name, selector.name);
+        } else {
+            warning(context.diagnostics, 4022, entry.model_name, selector.name);
+        }
+    }
+}
+
+} // namespace
+
+Mdl* referenceMdl(Ibis& root, std::string_view name) {
+    Mdl* const model = root.models.find(name);
+    if (model != nullptr) model->referenced = true;
+    return model;
+}
+
+Mdl* referenceMdl(Run& run, std::string_view name) { return referenceMdl(*currentRoot(run), name); }
+
+void checkCompositeCurrents(Context& context, const Ibis& root) {
+    for (const Mdl& model : root.models.newestFirst()) {
+        const About about(context.diagnostics, model);
+        checkCompositeCurrents(context, model);
+    }
+}
+
+void checkComponentCurrents(Context& context, const Ibis& root) {
+    if (context.diagnostics.silence_cautions) return;
+    const Names names = namesWithCurrent(root);
+    for (const Cmpnt& component : root.components.newestFirst()) {
+        const auto has_current = [&names](const Pin& pin) { return names.contains(pin.model_name); };
+        if (component.pin_map_columns.seen() || std::ranges::none_of(component.pins, has_current)) continue;
+        caution(context.diagnostics, 1708, component.name);
+    }
+}
+
+void checkDrvShs(Context& context, Ibis& root) {
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (!model.driver_schedule) continue;
+        const About about(context.diagnostics, model);
+        for (const DrvShEntry& entry : model.driver_schedule->entries | std::views::reverse) {
+            checkDriver(context, root, model, entry.model_name);
+        }
+    }
+}
+
+void checkMSels(Context& context, Ibis& root) {
+    if (root.model_selectors.empty()) return;
+    // Gathered once: there may be as many selectors as pins.
+    const Names used = usedModelNames(root);
+    for (MSel& selector : root.model_selectors.newestFirst()) {
+        const About about(context.diagnostics, selector);
+        if (referenceMdl(root, selector.name) != nullptr) error(context.diagnostics, 4021, selector.name);
+        if (!root.components.empty() && !used.contains(selector.name)) {
+            warning(context.diagnostics, 4026, selector.name);
+        }
+        checkEntries(context, root, selector);
+    }
+}
+
+void checkAddedSubmodels(Context& context, const Ibis& root) {
+    Names added;
+    for (const Mdl& model : root.models.newestFirst()) {
+        for (const AddSubmodel& row : model.add_submodels) {
+            added.insert(row.name);
+        }
+    }
+    for (const SubMdl& submodel : root.submodels.newestFirst()) {
+        const About about(context.diagnostics, submodel);
+        if (!added.contains(submodel.name)) warning(context.diagnostics, 220, submodel.name);
+    }
+    for (const Mdl& model : root.models.newestFirst()) {
+        const About about(context.diagnostics, model);
+        for (const AddSubmodel& row : model.add_submodels) {
+            if (root.submodels.find(row.name) == nullptr) error(context.diagnostics, 218, row.name, model.name);
+        }
+    }
+}
+
+void checkReferences(Context& context, const Ibis& root) {
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (model.referenced) continue;
+        const About about(context.diagnostics, model);
+        warning(context.diagnostics, 219, model.name);
+        return;
+    }
+}
+
+} // namespace kestrel
