@@ -199,10 +199,7 @@ bool marksLeaf(const AmiItem& child) {
 
 } // namespace
 
-Diagnostics& at(AmiCheck& check, const AmiItem& item) {
-    check.context.parse.line = check.lines.lineOf(item.text);
-    return check.context.diagnostics;
-}
+AtLine at(AmiCheck& check, const AmiItem& item) { return {check.context.diagnostics, check.lines.lineOf(item.text)}; }
 
 void reportAmiText(AmiCheck& check, const AmiItem& text, const AmiItem& place) {
     errorAtLine(at(check, text), 4630, shown(text.text), shown(place.text));

@@ -74,8 +74,8 @@ struct AmiCheck {
     AmiRules rules;
 };
 
-/// Sets the line counter to the line of `item` and returns where to report.
-Diagnostics& at(AmiCheck& check, const AmiItem& item);
+/// Where to report at the line of `item`.
+[[nodiscard]] AtLine at(AmiCheck& check, const AmiItem& item);
 
 /// What a parameter tells of itself; every format word counts as the one "Format".
 enum class AmiPart : std::uint8_t { usage, type, format, initial, description };

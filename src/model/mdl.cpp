@@ -2,6 +2,7 @@
 
 #include "ibis/run.hpp"
 #include "model/acdc.hpp"
+#include "model/mdl_blocks.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <array>

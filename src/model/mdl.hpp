@@ -97,8 +97,7 @@ struct MdlState {
     SeriesBlock* series_block = nullptr;       ///< section that series keywords go to
     KeywordCode section = KeywordCode::notKey; ///< the model's keyword whose lines are being read
     const Block<Mdl>* block = nullptr;         ///< the construct that waits for its end keyword
-    std::unique_ptr<ExtCkt> repeated_external; ///< of a second "[External Model]", which the model does not keep
-    ExtCkt* external = nullptr;                ///< the external model being read
+    std::unique_ptr<ExtCkt> external;          ///< the external model being read
     CrvState crv;
     Wvfrm* last_waveform = nullptr; ///< of the model being read; a composite current belongs to it
 };

@@ -153,7 +153,7 @@ void checkModel(Run& run, const Mdl& model) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
     }
     checkCCorner(run, model);
-    checkAlgModType(run, model);
+    if (model.algorithmic_model) checkAlgModType(run, model.name, model.model_type);
 }
 
 } // namespace kestrel

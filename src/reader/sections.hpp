@@ -129,14 +129,14 @@ template <class State> struct RecordModule {
     KeywordCode opens;                               ///< its section is the record's first
     const Section<State>* (*find)(KeywordCode code); ///< the section that a keyword begins or ends, or null
     void (*close)(Context& context, State& state, Record& record); ///< checks the whole record
-    void (*orphan)(Context& context, LineKind kind);               ///< a line outside any record
+    void (*orphan)(Context& context, const Line& line);            ///< a line outside any record
     void (*behind_end)(Context& context, const BlockEnd& end);     ///< data behind an end keyword
     void (*impossible)(Context& context, LineKind kind);           ///< a line that the dispatcher never hands over
 };
 
 /// Reports the line of a module that stands outside its records, by one of two messages.
-template <MessageCode Keyword, MessageCode Data> void reportOrphan(Context& context, LineKind kind) {
-    if (kind == LineKind::keyword) {
+template <MessageCode Keyword, MessageCode Data> void reportOrphan(Context& context, const Line& line) {
+    if (line.kind == LineKind::keyword) {
         errorAtLine(context.diagnostics, Keyword);
     } else {
         errorAtLine(context.diagnostics, Data);
@@ -200,7 +200,7 @@ void recordLine(Context& context, State& state, const RecordModule<State>& modul
         return;
     }
     if (state.current == nullptr) {
-        module.orphan(context, line.kind);
+        module.orphan(context, line);
         return;
     }
     const About about(context.diagnostics, *state.current);

@@ -22,8 +22,7 @@ std::string printedFor(std::string_view text, bool coded) {
     Output out;
     kestrel::Run run(out);
     run.diagnostics.coded_form = coded;
-    run.parse.ami_text = text;
-    checkAmi(run);
+    checkAmi(run, text);
     return out.text();
 }
 
@@ -372,8 +371,6 @@ TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
     EXPECT_EQ(run.parse.kind, FileKind::ibs);
     EXPECT_EQ(run.parse.comment, '#');
     EXPECT_FALSE(run.parse.long_lines);
-    EXPECT_FALSE(run.parse.in_string);
-    EXPECT_EQ(run.parse.ami_text, "");
 }
 
 } // namespace

@@ -94,7 +94,7 @@ TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
 TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     Relations test;
     ExtCkt circuit;
-    const ExtOwner owner{"External Circuit", "Net", nullptr};
+    const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line :
          {"Language VHDL-A(MS)", "Corner Typ a.vhd buf(arch one)", "Corner Min b.vhd buf (two)", "Corner Max c.vhd buf",
           "Ports p q", "Parameters low=5 high = x slow", "D_to_A d p q low 3.3V 1n 2n Max Inverting",
@@ -102,7 +102,7 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
         extCktLine(test.run, circuit, owner, line);
     }
     checkExtCkt(test.run, circuit, owner);
-    EXPECT_EQ(test.out.text(), "");
+    EXPECT_EQ(test.out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
     EXPECT_EQ(circuit.language, ExtLanguage::vhdlA);
     EXPECT_EQ(circuit.corners[0]->circuit, "buf(arch one)");
     EXPECT_EQ(circuit.corners[1]->circuit, "buf (two)");
@@ -124,7 +124,7 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
     test.run.parse.version = IbisVersion::v4;
     test.run.diagnostics.coded_form = true;
     ExtCkt circuit;
-    const ExtOwner owner{"External Circuit", "Net", nullptr};
+    const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line : {"Language IBIS-ISS", "Converter_Parameters p", "Language SPICE", "Parameters p",
                                         "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
         extCktLine(test.run, circuit, owner, line);
