@@ -132,6 +132,27 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
     EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
 }
 
+/// What an external model of one language says of its ports, given ahead of the language.
+std::string portsOf(std::string_view language) {
+    Relations test;
+    ExtCkt external;
+    const ExtOwner owner{.kind = "External Model", .name = "M", .is_model = true, .drives = true};
+    for (const std::string& line : {std::string("Ports A_signal my_port D_mine A_gnd"),
+                                    "Language " + std::string(language), std::string("Corner Typ a.file a")}) {
+        extCktLine(test.run, external, owner, line);
+    }
+    checkExtCkt(test.run, external, owner);
+    return test.out.text();
+}
+
+TEST(ExternalModels, nameTheirPortsByTheirLanguage) {
+    const std::string mine = "WARNING - Port 'D_mine' is not a predefined port name of an External Model\n";
+    EXPECT_EQ(portsOf("VHDL-AMS"),
+              "WARNING - Port 'my_port' is not a predefined port name of an External Model\n" + mine);
+    EXPECT_EQ(portsOf("Verilog-A(MS)"), mine);
+    EXPECT_EQ(portsOf("SPICE"), mine + "WARNING - External Model 'M': no D_to_A line drives the port D_drive\n");
+}
+
 TEST(EmiComponents, keepTheirValuesAndTables) {
     Relations test;
     test.read(K::beginEmiComponent, "",
