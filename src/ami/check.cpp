@@ -255,7 +255,7 @@ bool isTableOf(const AmiItem& item, OpenNode& parent) {
     return *parent.is_leaf;
 }
 
-/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none (4622).
+/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none.
 bool allNamed(Context& context, std::string_view text, const std::vector<AmiItem>& tree) {
     if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
     LineFinder lines(text);

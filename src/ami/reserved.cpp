@@ -115,12 +115,12 @@ const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node) {
     const ReservedRow* const row = reservedRow(node.text);
     if (row != nullptr) {
         if (row->text != node.text) errorAtLine(at(check, node), 4662, shown(node.text), row->text);
-    } else if (check.rules.later) {
-        // It may be a name of that version.
-    } else if (std::ranges::find(kLaterReserved, node.text) != kLaterReserved.end()) {
-        warningAtLine(at(check, node), 4651, shown(node.text));
-    } else {
-        errorAtLine(at(check, node), 4650, shown(node.text));
+    } else if (!check.rules.later) { // which may have the name
+        if (std::ranges::find(kLaterReserved, node.text) != kLaterReserved.end()) {
+            warningAtLine(at(check, node), 4651, shown(node.text));
+        } else {
+            errorAtLine(at(check, node), 4650, shown(node.text));
+        }
     }
     return row;
 }

@@ -153,7 +153,7 @@ private:
 
     const AmiLeaf& leaf_;
     const AmiItem* first_ = nullptr; ///< of the rows
-    int columns_;                    ///< 0: no row tells
+    int columns_;                    ///< 0: not known from any row
     int rows_ = 0;
 };
 

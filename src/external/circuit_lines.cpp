@@ -136,7 +136,7 @@ void cornerLine(const Reading& reading, std::string_view text) {
 /// Whether names may have values, which are passed over.
 enum class NameValues : bool { none, passedOver };
 
-/// Reads names and tells `each` of them. Reports a line without any.
+/// Reads names and calls `each` with them. Reports a line without any.
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Context& context = reading.context;

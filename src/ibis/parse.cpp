@@ -103,7 +103,7 @@ KeywordCode inContext(const ParseState& parse, KeywordCode code) {
     }
 }
 
-/// Finds the keyword of a line; reports 914, 915 or 916 when it is none.
+/// Finds the keyword of a line, or reports that it is none.
 std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
     const std::size_t bracket = line.find(']');
     if (bracket == std::string_view::npos) {
@@ -216,7 +216,7 @@ std::optional<std::string_view> announcedVersion(IbisVersion version) {
     return std::nullopt;
 }
 
-/// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.
+/// Does `work` and reports when the memory for it runs out; what was read until then stays.
 template <class Work> void withinMemory(Run& run, const Work& work) {
     try {
         work();

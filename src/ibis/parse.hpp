@@ -13,7 +13,7 @@ struct Run;
 void announce(Context& context, std::string_view name, std::string_view version);
 inline constexpr std::string_view kAmiVersion = "5.1"; ///< for parameter files
 
-/// Reads and checks one .ibs, .pkg or .ebd file line by line into the current root: announces it, or reports 900 when
+/// Reads and checks one .ibs, .pkg or .ebd file line by line into the current root: announces it, or reports that
 /// its version is not one of 2 to 5. False when the file was not read.
 bool parseFile(Run& run, std::string_view name, FileKind kind);
 

@@ -1,5 +1,6 @@
 // What a component keeps of the lines that relate its pins, and what it makes of numbers, names and brackets in them.
 
+#include "check_text.hpp"
 #include "codes.hpp"
 #include "ibis/run.hpp"
 
@@ -15,8 +16,8 @@ namespace kestrel {
 namespace {
 
 using K = KeywordCode;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 /// An open component of version 5 whose keywords are told and read as from a file.
 struct Relations {
@@ -117,6 +118,16 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     EXPECT_DOUBLE_EQ(driver.tfall, 2e-9);
     EXPECT_FALSE(circuit.converters[1].to_analog);
     EXPECT_EQ(circuit.converters[1].corner, std::nullopt);
+}
+
+TEST(ExternalCircuits, areMissedByTheirEndKeyword) {
+    const std::string printed = testing::checkText("[IBIS Ver] 5.1\n[End External Circuit] more\nlate\n[End]\n");
+    EXPECT_NE(printed.find("Number of Line Items (1) For Keyword End External Circuit: Expecting 0\n"
+                           "ERROR (line    2) -\n"
+                           "    Keyword End_External_Circuit has no matching External_Circuit.\n"
+                           "ERROR (line    3) - Expecting Keyword.  Invalid Line\n"),
+              std::string::npos)
+        << printed;
 }
 
 TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
