@@ -255,7 +255,7 @@ bool isTableOf(const AmiItem& item, OpenNode& parent) {
     return *parent.is_leaf;
 }
 
-/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none (4622).
+/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none.
 bool allNamed(Context& context, std::string_view text, const std::vector<AmiItem>& tree) {
     if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
     LineFinder lines(text);
@@ -268,8 +268,7 @@ bool allNamed(Context& context, std::string_view text, const std::vector<AmiItem
         if (item.is_node == 0) continue;
         OpenNode& parent = open.back();
         if (!item.hasName() && !parent.holds_rows) {
-            context.parse.line = lines.lineOf(item.text);
-            errorAtLine(context.diagnostics, 4622);
+            errorAtLine(AtLine(context.diagnostics, lines.lineOf(item.text)), 4622);
             all_named = false;
         }
         const bool in_rows = parent.holds_rows || parent.in_rows;
@@ -280,8 +279,7 @@ bool allNamed(Context& context, std::string_view text, const std::vector<AmiItem
 
 } // namespace
 
-void checkAmi(Context& context) {
-    const std::string_view text = context.parse.ami_text;
+void checkAmi(Context& context, std::string_view text) {
     const std::vector<AmiItem> tree = readAmiTree(context, text);
     if (!tree.empty() && allNamed(context, text, tree)) TreeCheck(context, text, tree.front()).checkAll();
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <string_view>
+
 namespace kestrel {
 
 struct Context;
 
-/// Checks the parameter file whose text the reader has collected: its tree, sections, parameters and the reserved ones
-/// among them. Reports 4620 to 4662, at the lines of the parameter file; the line counter is left at the last of them.
-void checkAmi(Context& context);
+/// Checks the collected text of a parameter file: its tree, sections, parameters and the reserved ones among them. The
+/// lines that are reported are those of the text.
+void checkAmi(Context& context, std::string_view text);
 
 } // namespace kestrel

@@ -52,14 +52,19 @@ void findWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child
             reportAmiText(check, item, child);
         }
     }
-    // In a later version such nodes pass without a word, so what is missing is still to be told.
+    // In a later version such nodes pass without a word, so what is missing is still to be reported.
     if (has_nodes && given.word == nullptr && !check.rules.later) given.reported = true;
 }
 
 void readUsage(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     findWord(check, leaf, AmiPart::usage, child, Words::one);
     const AmiItem* const word = leaf[AmiPart::usage].word;
-    if (word != nullptr) leaf.usage = readWord(check, leaf, AmiPart::usage, kUsages, *word);
+    if (word == nullptr) return;
+    if (check.rules.first_version && word->text == "Inout") { // which spelled it in both ways
+        leaf.usage = AmiUsage::inOut;
+    } else {
+        leaf.usage = readWord(check, leaf, AmiPart::usage, kUsages, *word);
+    }
 }
 
 /// How many types a parameter may have: the columns of a table may have their own, and who knows what a format needs
@@ -124,6 +129,15 @@ void readDefault(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     errorAtLine(at(check, child), 4637, leaf.name(), nameOf(AmiPart::initial), 0, 1);
 }
 
+/// Reads the texts that a later version has for the members of a list.
+void readListTip(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
+    if (!check.rules.later) warningAtLine(at(check, child), 4651, nameOf(AmiPart::listTip));
+    for (const AmiItem& item : itemsOf(child)) {
+        if (item.is_node != 0) reportUnknownAmiItem(check, leaf, item);
+    }
+    leaf.list_tip = &child;
+}
+
 void readPart(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child) {
     if (std::exchange(leaf[part].met, true)) {
         errorAtLine(at(check, child), 4634, leaf.name(), nameOf(part));
@@ -135,6 +149,7 @@ void readPart(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child
     case AmiPart::format: readFormat(check, leaf, child); break;
     case AmiPart::initial: readDefault(check, leaf, child); break;
     case AmiPart::description: checkAmiDescription(check, child, *leaf.node); break;
+    case AmiPart::listTip: readListTip(check, leaf, child); break;
     }
 }
 
@@ -156,7 +171,11 @@ void readChild(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
 void checkRequired(AmiCheck& check, const AmiLeaf& leaf) {
     for (const AmiPart part : {AmiPart::usage, AmiPart::type}) {
         if (leaf[part].word != nullptr || leaf[part].reported) continue;
-        errorAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
+        if (part == AmiPart::usage && check.rules.first_version) {
+            warningAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
+        } else {
+            errorAtLine(at(check, *leaf.node), 4633, leaf.name(), nameOf(part));
+        }
     }
     for (const AmiPart part : {AmiPart::format, AmiPart::initial}) {
         if (leaf[part].met || leaf[part].reported) return;
@@ -167,9 +186,12 @@ void checkRequired(AmiCheck& check, const AmiLeaf& leaf) {
     if (!may_be_out) warningAtLine(at(check, *leaf.node), 4641, leaf.name());
 }
 
+/// The parts that nothing but a parameter has.
+constexpr EnumSet<AmiPart> kMarks{AmiPart::usage, AmiPart::type, AmiPart::format, AmiPart::initial};
+
 bool namesPart(const AmiItem& node) {
     const auto part = lookUpEnumeration(kAmiParts, node.text);
-    if (part.exact) return part.row->code != AmiPart::description;
+    if (part.exact) return kMarks.has(part.row->code);
     return lookUpEnumeration(kAmiFormats, node.text).exact;
 }
 
@@ -199,10 +221,7 @@ bool marksLeaf(const AmiItem& child) {
 
 } // namespace
 
-Diagnostics& at(AmiCheck& check, const AmiItem& item) {
-    check.context.parse.line = check.lines.lineOf(item.text);
-    return check.context.diagnostics;
-}
+AtLine at(AmiCheck& check, const AmiItem& item) { return {check.context.diagnostics, check.lines.lineOf(item.text)}; }
 
 void reportAmiText(AmiCheck& check, const AmiItem& text, const AmiItem& place) {
     errorAtLine(at(check, text), 4630, shown(text.text), shown(place.text));

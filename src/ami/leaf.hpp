@@ -74,18 +74,19 @@ struct AmiCheck {
     AmiRules rules;
 };
 
-/// Sets the line counter to the line of `item` and returns where to report.
-Diagnostics& at(AmiCheck& check, const AmiItem& item);
+/// Where to report at the line of `item`.
+[[nodiscard]] AtLine at(AmiCheck& check, const AmiItem& item);
 
-/// What a parameter tells of itself; every format word counts as the one "Format".
-enum class AmiPart : std::uint8_t { usage, type, format, initial, description };
+/// What a parameter says of itself; every format word counts as the one "Format".
+enum class AmiPart : std::uint8_t { usage, type, format, initial, description, listTip };
 
-inline constexpr std::array<EnumerationRow<AmiPart>, 5> kAmiParts{{
+inline constexpr std::array<EnumerationRow<AmiPart>, 6> kAmiParts{{
     {"Usage", AmiPart::usage},
     {"Type", AmiPart::type},
     {"Format", AmiPart::format},
     {"Default", AmiPart::initial},
     {"Description", AmiPart::description},
+    {"List_Tip", AmiPart::listTip},
 }};
 
 static_assert(standAtCodes(kAmiParts));
@@ -96,7 +97,7 @@ struct AmiLeaf {
     struct Given {
         const AmiItem* word = nullptr; ///< the first: usage, type, format word or value; null without any
         bool met = false;              ///< it was there
-        bool reported = false;         ///< it was there, or something like it, and what is missing of it was told
+        bool reported = false;         ///< it was there, or something like it, and what is missing of it was reported
     };
     /// The type of a table's column.
     struct ColumnType {
@@ -111,11 +112,12 @@ struct AmiLeaf {
     std::vector<ColumnType> column_types; ///< in place of it, if the columns have types of their own and all are known
     int type_words = 0;
     std::optional<AmiFormat> format;
-    AmiItems values;              ///< of the format
+    AmiItems values; ///< of the format
+    const AmiItem* list_tip = nullptr;
     bool format_fits = true;      ///< it may have values of the type
     bool good_values = true;      ///< none of them was reported as not being of the type
     bool good_default = true;     ///< nor the default
-    bool default_outside = false; ///< of the bounds or the list, which was told
+    bool default_outside = false; ///< of the bounds or the list, which was reported
 
     [[nodiscard]] Given& operator[](AmiPart part) { return parts[static_cast<std::size_t>(part)]; }
     [[nodiscard]] const Given& operator[](AmiPart part) const { return parts[static_cast<std::size_t>(part)]; }
@@ -139,20 +141,19 @@ struct AmiLeaf {
 /// The one value of a parameter: that of "Value" if that is its format, otherwise that of "Default".
 [[nodiscard]] const AmiItem* singleValue(const AmiLeaf& leaf);
 
-/// Reads a parameter and checks it by itself, at the lines of what is reported: 4630, 4631, 4633 to 4639, 4641 to 4646
-/// and 4648.
+/// Reads a parameter and checks it by itself, at the lines of what is reported.
 AmiLeaf checkAmiLeaf(AmiCheck& check, const AmiItem& node);
 
-/// Checks the values of a parameter against its type and format. Reports 4630, 4636 to 4639, 4642 to 4646 and 4648.
+/// Checks the values of a parameter against its type and format.
 void checkAmiValues(AmiCheck& check, AmiLeaf& leaf);
 
-/// Reports a word or string that does not belong where it is (4630): in `place`.
+/// Reports a word or string that does not belong where it is: in `place`.
 void reportAmiText(AmiCheck& check, const AmiItem& text, const AmiItem& place);
 
-/// Reports a node in a parameter that is none of its parts, nor one of their values (4645).
+/// Reports a node in a parameter that is none of its parts, nor one of their values.
 void reportUnknownAmiItem(AmiCheck& check, const AmiLeaf& leaf, const AmiItem& item);
 
-/// Reports a description that is not one string in quotes (4631); `owner` is what it describes.
+/// Reports a description that is not one string in quotes; `owner` is what it describes.
 void checkAmiDescription(AmiCheck& check, const AmiItem& description, const AmiItem& owner);
 
 } // namespace kestrel

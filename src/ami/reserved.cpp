@@ -115,16 +115,18 @@ const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node) {
     const ReservedRow* const row = reservedRow(node.text);
     if (row != nullptr) {
         if (row->text != node.text) errorAtLine(at(check, node), 4662, shown(node.text), row->text);
-    } else if (std::ranges::find(kLaterReserved, node.text) != kLaterReserved.end()) {
-        warningAtLine(at(check, node), 4651, shown(node.text));
-    } else if (!check.rules.later) {
-        errorAtLine(at(check, node), 4650, shown(node.text));
+    } else if (!check.rules.later) { // which may have the name
+        if (std::ranges::find(kLaterReserved, node.text) != kLaterReserved.end()) {
+            warningAtLine(at(check, node), 4651, shown(node.text));
+        } else {
+            errorAtLine(at(check, node), 4650, shown(node.text));
+        }
     }
     return row;
 }
 
 AmiRules readAmiVersion(AmiCheck& check, const AmiItem& node) {
-    // Whatever is wrong with it is told in its turn.
+    // Whatever is wrong with it is reported in its turn.
     const Silence silence(check.context.diagnostics);
     const AmiItem* const value = singleValue(checkAmiLeaf(check, node));
     const std::string_view version = value == nullptr ? kNewestVersion : value->text;

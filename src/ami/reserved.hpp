@@ -33,14 +33,14 @@ extern const std::array<ReservedRow, kReservedCount> kReserved;
 /// The row that a name means, but for its case; null for other names.
 [[nodiscard]] const ReservedRow* reservedRow(std::string_view name);
 
-/// Looks up a name in "Reserved_Parameters". One in the wrong case (4662), of a later version (4651) or of none (4650)
-/// is reported; the last two have no row.
+/// Looks up a name in "Reserved_Parameters". One in the wrong case, of a later version than the file's or of none is
+/// reported; the last two have no row.
 const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node);
 
 /// The rules that "AMI_Version" chooses.
 [[nodiscard]] AmiRules readAmiVersion(AmiCheck& check, const AmiItem& node);
 
-/// Checks a reserved parameter beyond what holds for every one. Reports 4653 to 4655, 4657, 4658 and 4661.
+/// Checks a reserved parameter beyond what holds for every one.
 void checkReserved(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf);
 
 } // namespace kestrel

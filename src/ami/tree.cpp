@@ -113,10 +113,7 @@ public:
     }
 
 private:
-    Diagnostics& at(const Token& token) {
-        context_.parse.line = lines_.lineOf(token.text);
-        return context_.diagnostics;
-    }
+    AtLine at(const Token& token) { return {context_.diagnostics, lines_.lineOf(token.text)}; }
 
     void add(const Token& token, bool is_node) {
         items_.push_back({.text = token.text,

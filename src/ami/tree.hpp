@@ -79,8 +79,8 @@ private:
 /// A text of a parameter file as messages show it: as far as its line goes, and of one that is very long the beginning.
 [[nodiscard]] std::string_view shown(std::string_view text);
 
-/// Reads the tree of a parameter file; the root is its first item. `text` has to outlive the tree. Reports 4620 and
-/// 4624 without a line and 4621, 4622 and 4625 at the line, and then gives an empty list.
+/// Reads the tree of a parameter file; the root is its first item. `text` has to outlive the tree. A fault in the
+/// brackets is reported and gives an empty list.
 [[nodiscard]] std::vector<AmiItem> readAmiTree(Context& context, std::string_view text);
 
 } // namespace kestrel

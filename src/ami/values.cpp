@@ -4,6 +4,7 @@
 #include "reader/context.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace kestrel {
 
@@ -77,6 +78,12 @@ double numberOf(const AmiItem& value) {
     return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
 }
 
+/// Compares numbers that may have been scaled: "3n" reads as a bit more than "3e-9".
+bool atMost(double low, double high) {
+    constexpr double kTolerance = 1e-14;
+    return low <= high || low - high <= kTolerance * std::min(std::abs(low), std::abs(high));
+}
+
 /// The columns of a table and what they hold.
 class Table {
 public:
@@ -146,7 +153,7 @@ private:
 
     const AmiLeaf& leaf_;
     const AmiItem* first_ = nullptr; ///< of the rows
-    int columns_;                    ///< 0: no row tells
+    int columns_;                    ///< 0: not known from any row
     int rows_ = 0;
 };
 
@@ -204,7 +211,7 @@ std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf) {
     const double min = numberOf(*value++);
     const double max = numberOf(*value++);
     const std::string_view format = rowOf(*leaf.format).text;
-    const bool ordered = min <= typ && typ <= max;
+    const bool ordered = atMost(min, typ) && atMost(typ, max);
     if (!ordered) errorAtLine(at(check, *leaf[AmiPart::format].word), 4643, leaf.name(), format);
     if (value != leaf.values.end() && numberOf(*value) <= 0.0) {
         const std::string_view what = leaf.format == AmiFormat::steps ? "count" : "delta";
@@ -213,8 +220,22 @@ std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf) {
     return ordered ? std::optional(Bounds{min, max}) : std::nullopt;
 }
 
-bool isMember(AmiItems list, const AmiItem& value) {
-    return std::ranges::any_of(list, [&](const AmiItem& item) { return item.text == value.text; });
+bool isMember(const AmiLeaf& leaf, const AmiItem& value) {
+    const bool numbers = kAmiNumbers.has(*leaf.type);
+    return std::ranges::any_of(leaf.values, [&](const AmiItem& item) {
+        if (!numbers) return item.text == value.text;
+        return atMost(numberOf(item), numberOf(value)) && atMost(numberOf(value), numberOf(item));
+    });
+}
+
+/// Each member of a list has its text, if they have any.
+void checkListTip(AmiCheck& check, const AmiLeaf& leaf) {
+    if (leaf.list_tip == nullptr || leaf.format != AmiFormat::list) return;
+    const Contents tips = contentsOf(itemsOf(*leaf.list_tip));
+    const Contents members = contentsOf(leaf.values);
+    if (tips.has_nodes || members.has_nodes || members.texts == 0 || tips.texts == members.texts) return;
+    constexpr std::string_view kListTip = kAmiParts[static_cast<std::size_t>(AmiPart::listTip)].text;
+    errorAtLine(at(check, *leaf.list_tip), 4637, leaf.name(), kListTip, tips.texts, members.texts);
 }
 
 } // namespace
@@ -225,6 +246,7 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
 
     leaf.format_fits = checkFormatType(check, leaf);
     const bool complete = checkValueCount(check, leaf, table) && leaf.format_fits;
+    checkListTip(check, leaf);
     leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf, table);
 
     const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
@@ -239,8 +261,9 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     if (!leaf.good_values || !leaf.type) return;
     leaf.good_default = checkValue(check, leaf, *leaf.type, *initial, kDefault);
     if (!leaf.good_default) return;
-    const bool outside = (bounds && (numberOf(*initial) < bounds->min || numberOf(*initial) > bounds->max)) ||
-                         (complete && leaf.format == AmiFormat::list && !isMember(leaf.values, *initial));
+    const double number = numberOf(*initial);
+    const bool outside = (bounds && !(atMost(bounds->min, number) && atMost(number, bounds->max))) ||
+                         (complete && leaf.format == AmiFormat::list && !isMember(leaf, *initial));
     leaf.default_outside = outside;
     if (outside) {
         warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);

@@ -2,6 +2,7 @@
 
 #include "component/apkg.hpp"
 #include "component/node.hpp"
+#include "ibis/check_circuits.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 #include "reader/enumeration.hpp"
@@ -253,7 +254,7 @@ void checkCmpnts(Run& run) {
         checkCircuitCalls(run, component);
         checkPinEmi(run, component);
     }
-    checkExtCkts(run);
+    checkExtCkts(run, *root);
 }
 
 } // namespace kestrel

@@ -513,7 +513,7 @@ inline constexpr std::array<MessageRow, 1206> kCatalog{{
     {1843, "Circuit Call of '%s' in Component '%s': port '%s' is not mapped"},
     {1844, "External Circuit '%s' is not used by any Circuit Call"},
     {1845, "Pin '%s' of Component '%s' is used in a Circuit Call but its model name is not CIRCUITCALL"},
-    {1846, "Should Not Be Here: %s, %d"},
+    {1846, "%s line for port '%s' has no corner name"},
     // common services (cmn)
     {1900, "File Name Requires '.ibs' Extension."},
     {1901, "Unable to append filename extension."},

@@ -2,7 +2,9 @@
 
 #include "base/name_list.hpp"
 #include "base/text_hash.hpp"
+#include "diagnostics/subject.hpp"
 #include "reader/block.hpp"
+#include "reader/sections.hpp"
 
 #include <array>
 #include <cstddef>
@@ -18,7 +20,6 @@ namespace kestrel {
 struct Context;
 struct Run;
 struct Cmpnt;
-struct Mdl;
 
 /// "Language" of an external file.
 enum class ExtLanguage : std::uint8_t { notGiven = 0, notKnown, spice, vhdlAms, verilogAms, vhdlA, verilogA, ibisIss };
@@ -61,9 +62,9 @@ struct NamedValue {
     std::uint32_t line;
 };
 
-/// One "[External Circuit]", or the "[External Model]" of a model.
-struct ExtCkt {
-    std::string name; ///< at most 40 characters, empty for a model
+/// One "[External Circuit]", whose name has at most 40 characters, or the "[External Model]" of a model, which has
+/// none.
+struct ExtCkt : RecordOf<SubjectKind::externalCircuit> {
     ExtLanguage language = ExtLanguage::notGiven;
     std::array<std::optional<ExtFile>, kExtCorners> corners; ///< by ExtCorner
     NameList parameters;
@@ -99,37 +100,35 @@ struct CircuitCall {
     bool port_map_seen = false;
 };
 
-/// The external circuit being read, null outside one.
-struct CircuitState {
-    ExtCkt* current = nullptr;
-    const Block<CircuitState>* block = nullptr; ///< set while it waits for its end keyword
-};
-
-/// What messages call an external block, and the model that it belongs to, if to one.
+/// What messages call an external block, and what is asked of it.
 struct ExtOwner {
     std::string_view kind; ///< "External Model" or "External Circuit"
     std::string_view name;
-    const Mdl* model;
+    bool is_model = false; ///< ports have predefined names
+    bool drives = false;   ///< it is that of a model which drives
+    bool receives = false; ///< or receives
 };
 
-/// Reads a line of "[External Model]" or "[External Circuit]". Reports 1807 to 1816, 1818 to 1820, 1822 and 1832.
+/// Reads a line of "[External Model]" or "[External Circuit]".
 void extCktLine(Context& context, ExtCkt& circuit, const ExtOwner& owner, std::string_view text);
 
 /// The spelling of a language; empty for the two that are none.
 [[nodiscard]] std::string_view extLanguageText(ExtLanguage language);
 
-/// Checks a whole "[External Model]" or "[External Circuit]". Reports 1819 at the line, and 1817, 1821, 1823 to 1826,
-/// 1830 and 1831 without one.
-void checkExtCkt(Run& run, const ExtCkt& circuit, const ExtOwner& owner);
+/// True of the ports that a model has by itself.
+[[nodiscard]] bool isPredefinedPort(std::string_view name);
 
-/// "[External Model]" to its end. Reports 119, 1803, 1827, 1828 and what its lines and the whole report.
-extern const Block<Mdl> kExternalModel;
+/// Checks a whole "[External Model]" or "[External Circuit]".
+void checkExtCkt(Context& context, const ExtCkt& circuit, const ExtOwner& owner);
 
-/// Told of every keyword: one that is not an external circuit's own closes it. Reports 1827 and what the whole reports.
-void circuitKeywordSeen(Run& run, KeywordCode code);
+/// Reports text behind a keyword of these blocks that takes none.
+void reportExtraText(Context& context, std::string_view keyword, std::string_view text);
 
-/// Reads "[External Circuit]" to its end. Reports 121, 1802 to 1806, 1828 and what its lines and the whole report.
-void circuitLine(Run& run, const Line& line);
+/// The external circuit being read.
+using CircuitState = RecordState<ExtCkt>;
+
+/// Reads external circuits.
+extern const RecordModule<CircuitState> kExternalCircuit;
 
 /// "[Circuit Call]" to its end. Reports 1803, 1807, 1827, 1828 and 1833 to 1837 at the line, 1842 without one.
 extern const Block<Cmpnt> kCircuitCall;
@@ -141,8 +140,5 @@ extern const Block<Cmpnt> kCircuitCall;
 /// Looks up circuits, ports, pins and nodes of the calls and marks the circuits. Reports 1838 to 1841, 1843 and 1845
 /// (no line).
 void checkCircuitCalls(Run& run, const Cmpnt& component);
-
-/// Reports external circuits that no call uses (1844, no line).
-void checkExtCkts(Run& run);
 
 } // namespace kestrel

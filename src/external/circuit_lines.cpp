@@ -22,7 +22,6 @@ constexpr EnumerationMessages kLanguageMessages{1810, 1809};
 constexpr std::array<EnumerationRow<ExtCorner>, kExtCorners> kCorners{
     {{"Typ", ExtCorner::typ}, {"Min", ExtCorner::min}, {"Max", ExtCorner::max}}};
 
-/// The ports that a model has by itself.
 constexpr std::array<std::string_view, 15> kModelPorts{
     "D_drive",  "D_enable", "D_receive",    "D_switch",     "A_puref", "A_pdref", "A_pcref", "A_gcref",
     "A_extref", "A_signal", "A_signal_pos", "A_signal_neg", "A_pos",   "A_neg",   "A_gnd"};
@@ -137,7 +136,7 @@ void cornerLine(const Reading& reading, std::string_view text) {
 /// Whether names may have values, which are passed over.
 enum class NameValues : bool { none, passedOver };
 
-/// Reads names and tells `each` of them. Reports a line without any.
+/// Reads names and calls `each` with them. Reports a line without any.
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Context& context = reading.context;
@@ -172,14 +171,8 @@ void converterParametersLine(const Reading& reading, std::string_view text) {
 void portsLine(const Reading& reading, std::string_view text) {
     reading.circuit.ports_seen = true;
     nameLine(reading, "Ports", text, NameValues::none, [&reading](std::string_view name) {
-        Diagnostics& diagnostics = reading.context.diagnostics;
-        if (!reading.circuit.ports.add(name)) {
-            errorAtLine(diagnostics, 1815, name, reading.owner.kind, reading.owner.name);
-            return;
-        }
-        const bool looks_predefined = name.starts_with("A_") || name.starts_with("D_");
-        if (reading.owner.model == nullptr || !looks_predefined || contains(kModelPorts, name)) return;
-        warningAtLine(diagnostics, 1816, name);
+        if (reading.circuit.ports.add(name)) return;
+        errorAtLine(reading.context.diagnostics, 1815, name, reading.owner.kind, reading.owner.name);
     });
 }
 
@@ -211,7 +204,7 @@ std::string_view takePolarity(const Reading& reading, const ConverterForm& form,
 
 /// Of a line that was reported: unless it plainly served another port, the required one is not missed.
 void noteReported(const Reading& reading, const ConverterForm& form, const Converter& converter) {
-    if (converter.d_port != form.required_port && contains(kModelPorts, converter.d_port)) return;
+    if (converter.d_port != form.required_port && isPredefinedPort(converter.d_port)) return;
     reading.circuit.converter_reported[form.to_analog ? 1 : 0] = true;
 }
 
@@ -237,7 +230,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     converter.port2 = items[1];
     const bool known_port =
         form.to_analog ? contains(kDrivenPorts, converter.d_port) : contains(kReceivingPorts, converter.d_port);
-    if (reading.owner.model != nullptr && !known_port) {
+    if (reading.owner.is_model && !known_port) {
         errorAtLine(diagnostics, 1822, converter.d_port, form.name);
         noteReported(reading, form, converter);
     }
@@ -248,6 +241,8 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     if (items.has(without_corner)) {
         converter.corner = readCorner(reading.context, items[without_corner], form.name);
         corner_reads = converter.corner.has_value();
+    } else {
+        warningAtLine(diagnostics, 1846, form.name, converter.d_port);
     }
     const std::string_view corner = cornerText(converter.corner.value_or(ExtCorner::typ));
     std::string key(form.name);
@@ -285,6 +280,8 @@ void extCktLine(Context& context, ExtCkt& circuit, const ExtOwner& owner, std::s
     }
     form->read(Reading{context, circuit, owner}, text);
 }
+
+bool isPredefinedPort(std::string_view name) { return contains(kModelPorts, name); }
 
 std::string_view extLanguageText(ExtLanguage language) {
     const auto* const row = std::ranges::find(kLanguages, language, &EnumerationRow<ExtLanguage>::code);

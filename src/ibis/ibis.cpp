@@ -32,7 +32,7 @@ void finalChecks(Run& run) {
     checkRcvThs(run);
     checkCompositeCurrents(run, *root);
     checkDrvShs(run, *root);
-    checkAlgMods(run);
+    checkAmiFiles(run, run.ami_files, *root);
     checkMSels(run, *root);
     if (root->components.empty()) {
         error(run.diagnostics, 4101);

@@ -1,7 +1,7 @@
 #include "ibis/parse.hpp"
 
 #include "ami/check.hpp"
-#include "base/make_room.hpp"
+#include "ami/collect.hpp"
 #include "base/text.hpp"
 #include "ibis/check_boards.hpp"
 #include "ibis/modules.hpp"
@@ -15,13 +15,6 @@
 namespace kestrel {
 
 namespace {
-
-void announce(Run& run, std::string_view name, std::string_view version) {
-    if (run.parse.quiet) return;
-    std::string text("\nChecking ");
-    text.append(name).append(" for IBIS ").append(version).append(" Compatibility...\n\n");
-    run.out.write(text);
-}
 
 void resetReader(ParseState& parse, FileKind kind) {
     parse.kind = kind;
@@ -110,7 +103,7 @@ KeywordCode inContext(const ParseState& parse, KeywordCode code) {
     }
 }
 
-/// Finds the keyword of a line; reports 914, 915 or 916 when it is none.
+/// Finds the keyword of a line, or reports that it is none.
 std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
     const std::size_t bracket = line.find(']');
     if (bracket == std::string_view::npos) {
@@ -223,34 +216,7 @@ std::optional<std::string_view> announcedVersion(IbisVersion version) {
     return std::nullopt;
 }
 
-/// Cuts an .ami line at a comment and follows the quoted strings, which may run over many lines and hide the comment
-/// character.
-std::string_view cutAmiComment(ParseState& parse, std::string_view line) {
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') {
-            parse.in_string = !parse.in_string;
-            if (parse.in_string) parse.string_line = parse.line;
-        } else if (line[i] == parse.comment && !parse.in_string) {
-            return line.substr(0, i);
-        }
-    }
-    return line;
-}
-
-/// Adds a line without its comment to the collected text; one for which there is no memory is reported and left out.
-void collectAmiLine(Run& run, std::string_view line) {
-    const std::string_view kept = cutAmiComment(run.parse, line);
-    std::string& text = run.parse.ami_text;
-    const std::size_t size = text.size();
-    try {
-        text.append(kept).push_back('\n');
-    } catch (const std::bad_alloc&) {
-        text.resize(size);
-        errorHere(run.diagnostics, 922);
-    }
-}
-
-/// Does `work` and reports (1908) when the memory for it runs out; what was read until then stays.
+/// Does `work` and reports when the memory for it runs out; what was read until then stays.
 template <class Work> void withinMemory(Run& run, const Work& work) {
     try {
         work();
@@ -262,20 +228,33 @@ template <class Work> void withinMemory(Run& run, const Work& work) {
     }
 }
 
-/// `read` tells whether the file could be read; only a parameter file is not checked without that.
-void runCompletionChecks(Run& run, FileKind kind, bool read) {
+/// Nothing when the file could not be opened.
+std::optional<std::string> readAmi(Context& context, std::string_view name) {
+    announce(context, name, kAmiVersion);
+    const std::optional<Source> source = openSource(context, name, FileKind::ami);
+    return source ? std::optional(collectAmi(context, *source)) : std::nullopt;
+}
+
+/// A parameter file is checked if it could be read, the others in any case.
+void runCompletionChecks(Run& run, FileKind kind, const std::optional<std::string>& ami_text) {
     switch (kind) {
     case FileKind::ibs: finalChecks(run); break;
     // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
     case FileKind::pkg: finalPackageChecks(run, *currentRoot(run)); break;
     case FileKind::ebd: checkBoards(run, *currentRoot(run), false); break;
     case FileKind::ami:
-        if (read) checkAmi(run);
+        if (ami_text) checkAmi(run, *ami_text);
         break;
     }
 }
 
 } // namespace
+
+void announce(Context& context, std::string_view name, std::string_view version) {
+    std::string text("\nChecking ");
+    text.append(name).append(" for IBIS ").append(version).append(" Compatibility...\n\n");
+    context.out.write(text);
+}
 
 bool parseFile(Run& run, std::string_view name, FileKind kind) {
     resetReader(run.parse, kind);
@@ -301,32 +280,6 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
     return true;
 }
 
-bool collectAmi(Run& run, std::string_view name, const Source* opened) {
-    ParseState& parse = run.parse;
-    announce(run, name, "5.1");
-    const bool long_lines = parse.long_lines;
-    parse.long_lines = true;
-    parse.kind = FileKind::ami;
-    parse.line = 0;
-    parse.in_string = false;
-    parse.comment = '|';
-    parse.ami_text.clear();
-    std::optional<Source> source;
-    if (opened == nullptr) source = openSource(run, name, FileKind::ami);
-    if (source) opened = &*source;
-    if (opened != nullptr) {
-        makeRoom(parse.ami_text, opened->text->size() + 1);
-        LineReader reader{.text = opened->text};
-        while (const std::optional<std::string_view> line = readLongLine(run, reader)) {
-            ++parse.line;
-            collectAmiLine(run, *line);
-        }
-        if (parse.in_string) error(run.diagnostics, 924, static_cast<std::int64_t>(parse.string_line));
-    }
-    parse.long_lines = long_lines;
-    return opened != nullptr;
-}
-
 bool checkFile(Run& run, std::string_view name, FileKind kind) {
     try {
         createRoot(run);
@@ -338,8 +291,16 @@ bool checkFile(Run& run, std::string_view name, FileKind kind) {
     run.parse.top_level = true;
     const std::string_view path = name.substr(0, kMaxPath);
     bool read = false;
-    withinMemory(run, [&] { read = kind == FileKind::ami ? collectAmi(run, path) : parseFile(run, path, kind); });
-    withinMemory(run, [&] { runCompletionChecks(run, kind, read); });
+    std::optional<std::string> ami_text;
+    withinMemory(run, [&] {
+        if (kind == FileKind::ami) {
+            ami_text = readAmi(run, path);
+            read = ami_text.has_value();
+        } else {
+            read = parseFile(run, path, kind);
+        }
+    });
+    withinMemory(run, [&] { runCompletionChecks(run, kind, ami_text); });
     return read;
 }
 

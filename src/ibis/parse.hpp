@@ -6,17 +6,16 @@
 
 namespace kestrel {
 
+struct Context;
 struct Run;
-struct Source;
 
-/// Reads and checks one .ibs, .pkg or .ebd file line by line into the current root: announces it, or reports 900 when
+/// Prints the name of a file about to be read and the version that it is held to.
+void announce(Context& context, std::string_view name, std::string_view version);
+inline constexpr std::string_view kAmiVersion = "5.1"; ///< for parameter files
+
+/// Reads and checks one .ibs, .pkg or .ebd file line by line into the current root: announces it, or reports that
 /// its version is not one of 2 to 5. False when the file was not read.
 bool parseFile(Run& run, std::string_view name, FileKind kind);
-
-/// Reads an .ami file whole into the reader's state: announces it, polices its characters, drops its comments and
-/// reports a string left open (924). `opened` is the file if that has been opened before. False when it could not be
-/// opened.
-bool collectAmi(Run& run, std::string_view name, const Source* opened = nullptr);
 
 /// One parse run: a root of its own, the file, and the completion checks for its kind, which run even when the file was
 /// refused. False when the file was not read.

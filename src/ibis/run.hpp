@@ -4,6 +4,7 @@
 #include "component/cmpnt.hpp"
 #include "external/circuit.hpp"
 #include "header/hdr.hpp"
+#include "ibis/amifiles.hpp"
 #include "ibis/ibis.hpp"
 #include "ibis/pkgsearch.hpp"
 #include "model/mdl.hpp"
@@ -26,7 +27,7 @@ struct Run : Context {
     CmpntState cmpnt;
     CircuitState circuit;
     MdlState mdl;
-    AlgModState algmod;
+    AmiFiles ami_files;
     MSelState msel;
     SubMdlState submdl;
     TestDataState testdata;

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "base/text_hash.hpp"
-#include "reader/block.hpp"
+#include "model/types.hpp"
+#include "reader/sections.hpp"
 
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestrel {
-
-struct Run;
-struct Mdl;
 
 /// An "Executable" line.
 struct AlgExecutable {
@@ -22,23 +22,22 @@ struct AlgExecutable {
 struct AlgMod {
     std::vector<AlgExecutable> executables; ///< in file order
     TextSet platforms;
-    bool reported = false; ///< an "Executable" line was dropped, or that there is none was told
+    bool reported = false; ///< an "Executable" line was dropped, or it was reported that there is none
 };
 
-/// The algorithmic models of a run.
-struct AlgModState {
-    TextSet names; ///< of the parameter files looked for, as the lines give them
-    TextSet paths; ///< of those found
-};
+/// Begins an "[Algorithmic Model]"; a second one of a model goes on with the first.
+void openAlgMod(Context& context, std::unique_ptr<AlgMod>& algorithmic, std::string_view text);
 
-/// "[Algorithmic Model]" to its end. Reports 4601 to 4607 at the line, 4608 without one.
-extern const Block<Mdl> kAlgorithmicModel;
+/// Reads a line of it.
+void algModLine(Context& context, AlgMod& algorithmic, std::string_view text);
 
-/// Once a model is read, warns of an algorithmic model where its type has no use for one (4609, no line).
-void checkAlgModType(Run& run, const Mdl& model);
+/// Checks the whole block of the model of this name.
+void closeAlgMod(Context& context, AlgMod& algorithmic, std::string_view model);
 
-/// Once the file is read, checks each parameter file that the models name and that stands beside it, once per run, and
-/// warns of those that do not (4610, no line).
-void checkAlgMods(Run& run);
+/// "[End Algorithmic Model]".
+extern const BlockEnd kAlgModEnd;
+
+/// Once a model with an algorithmic model is read: warns where its type has no use for one.
+void checkAlgModType(Context& context, std::string_view model, ModelType type);
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #include "model/mdl.hpp"
 
+#include "model/extmdl.hpp"
 #include "model/mdl_parts.hpp"
 
 namespace kestrel {
@@ -130,6 +131,30 @@ void closeCompositeCurrent(Context& context, const MdlState& state) {
     closeWvfrm(context, *state.last_waveform->composite_current, kCompositeCurrent);
 }
 
+void openExternal(Context& context, MdlState& state, Mdl& model, std::string_view text) {
+    openExtMdl(context, state.external, model.external_model, model.name, text);
+}
+
+void externalLine(Context& context, MdlState& state, const Mdl& model, std::string_view text) {
+    extMdlLine(context, *state.external, model.name, text);
+}
+
+void closeExternal(Context& context, MdlState& state, Mdl& model) {
+    closeExtMdl(context, state.external, model.external_model, model.name, model.model_type);
+}
+
+void openAlgorithmic(Context& context, Mdl& model, std::string_view text) {
+    openAlgMod(context, model.algorithmic_model, text);
+}
+
+void algorithmicLine(Context& context, Mdl& model, std::string_view text) {
+    algModLine(context, *model.algorithmic_model, text);
+}
+
+void closeAlgorithmic(Context& context, const Mdl& model) {
+    closeAlgMod(context, *model.algorithmic_model, model.name);
+}
+
 constexpr auto kSections = sectionTable<MdlState>({
     section<MdlState, readModelName, lineByRun<readSubparameter>, checkSubparameters>(K::model),
     range(K::temperatureRange),
@@ -170,8 +195,10 @@ constexpr auto kSections = sectionTable<MdlState>({
     seriesElement(K::rcSeries),
     section<MdlState, openSeriesCurrent, seriesCurrentLine, closeSeriesCurrent>(K::seriesCurrent),
     section<MdlState, openSeriesMosfet, seriesMosfetLine, closeSeriesMosfet>(K::seriesMosfet),
-    blockByRun<kExternalModel>(K::externalModel, K::endExternalModel),
-    blockByRun<kAlgorithmicModel>(K::algorithmicModel, K::endAlgorithmicModel),
+    blockSection<MdlState, openExternal, externalLine, closeExternal>(K::externalModel, K::endExternalModel,
+                                                                      kExtMdlEnd),
+    blockSection<MdlState, openAlgorithmic, algorithmicLine, closeAlgorithmic>(K::algorithmicModel,
+                                                                               K::endAlgorithmicModel, kAlgModEnd),
     blockByRun<kEmiModel>(K::beginEmiModel, K::endEmiModel),
 });
 

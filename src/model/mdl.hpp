@@ -88,9 +88,8 @@ struct Mdl : RecordOf<SubjectKind::model> {
 
 /// The model being read, and what of it is open.
 struct MdlState : TablesState<Mdl> {
-    SeriesBlock* series_block = nullptr;       ///< section that series keywords go to
-    std::unique_ptr<ExtCkt> repeated_external; ///< of a second "[External Model]", which the model does not keep
-    ExtCkt* external = nullptr;                ///< the external model being read
+    SeriesBlock* series_block = nullptr; ///< section that series keywords go to
+    std::unique_ptr<ExtCkt> external;    ///< the external model being read
 };
 
 /// Reads models. At the end of one it is checked as a whole.

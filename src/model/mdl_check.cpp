@@ -216,7 +216,7 @@ void checkModel(Context& context, const Mdl& model) {
         if (block != nullptr) checkSMosVoltages(context, block->mosfets, model.name);
     }
     checkCCorner(runOf(context), model);
-    checkAlgModType(runOf(context), model);
+    if (model.algorithmic_model) checkAlgModType(context, model.name, model.model_type);
 }
 
 } // namespace kestrel

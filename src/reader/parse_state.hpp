@@ -30,11 +30,7 @@ struct ParseState {
     bool submodel_context = false;     ///< table keywords belong to a "[Submodel]"
     bool continuation_pending = false; ///< a construct over several lines is still open
     bool long_lines = false;           ///< no bound on white space and line length; on while an .ami file is read
-    bool quiet = false;                ///< leaves out the announcement
     bool top_level = false;            ///< set by the run driver; admits version texts 1.x
-    bool in_string = false;            ///< inside a quoted string of an .ami file
-    std::uint32_t string_line = 0;     ///< where that string began
-    std::string ami_text;              ///< the collected lines of an .ami file
 };
 
 /// Puts the reader back to where it was at the end of a nested parse, whatever happens in it.

@@ -129,7 +129,7 @@ template <class State> struct RecordModule {
     KeywordCode opens;                               ///< its section is the record's first
     const Section<State>* (*find)(KeywordCode code); ///< the section that a keyword begins or ends, or null
     void (*close)(Context& context, State& state, Record& record); ///< checks the whole record
-    void (*orphan)(Context& context, LineKind kind);               ///< a line outside any record
+    void (*orphan)(Context& context, const Line& line);            ///< a line outside any record
     void (*behind_end)(Context& context, const BlockEnd& end);     ///< data behind an end keyword
     void (*impossible)(Context& context, LineKind kind);           ///< a line that the dispatcher never hands over
     /// The opening keyword once more, where that does not begin another record; null where it does.
@@ -137,8 +137,8 @@ template <class State> struct RecordModule {
 };
 
 /// Reports the line of a module that stands outside its records, by one of two messages.
-template <CheckedMessage<> Keyword, CheckedMessage<> Data> void reportOrphan(Context& context, LineKind kind) {
-    errorAtLine(context.diagnostics, kind == LineKind::keyword ? Keyword : Data);
+template <CheckedMessage<> Keyword, CheckedMessage<> Data> void reportOrphan(Context& context, const Line& line) {
+    errorAtLine(context.diagnostics, line.kind == LineKind::keyword ? Keyword : Data);
 }
 
 /// Begins a record at its keyword, at the end of its list.
@@ -202,7 +202,7 @@ void recordLine(Context& context, State& state, const RecordModule<State>& modul
         return;
     }
     if (state.current == nullptr) {
-        module.orphan(context, line.kind);
+        module.orphan(context, line);
         return;
     }
     const About about(context.diagnostics, *state.current);

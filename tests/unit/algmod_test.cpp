@@ -22,8 +22,7 @@ std::string printedFor(std::string_view text, bool coded) {
     Output out;
     kestrel::Run run(out);
     run.diagnostics.coded_form = coded;
-    run.parse.ami_text = text;
-    checkAmi(run);
+    checkAmi(run, text);
     return out.text();
 }
 
@@ -168,7 +167,15 @@ TEST(AmiParameters, areCheckedByThemselves) {
         {"(Usage In) (Type Integer) (Steps 3 0 2 -1)", "E4643@ E4644@"},
         {"(Usage In) (Type Float) (Range 1 0 2) (Default 3)", "W4642@"},
         {"(Usage In) (Type Integer) (Steps 1 0 2 4) (Default 2)", ""},
-        {"(Usage In) (Type Float) (List 1 2) (Default 1.0)", "W4642@"},
+        {"(Usage In) (Type Float) (List 1 2) (Default 1.0)", ""},
+        {"(Usage In) (Type UI) (List 1n 3n) (Default 3e-9)", ""},
+        {"(Usage In) (Type Tap) (Range 1n 0 3e-9) (Default 3n)", ""}, // the scaled number rounds up
+        {"(Usage In) (Type Integer) (List 1 2) (Default +3)", "W4642@"},
+        {"(Usage In) (Type String) (List \"1\" 2) (Default 1.0)", "W4642@"},
+        {"(Usage In) (Type Integer) (List 1 2) (List_Tip \"one\" two)", "W4651@"},
+        {"(Usage In) (List_Tip one (x)) (Type Integer) (List 1 2) (List_Tip)", "W4651@ E4645@ E4634@"},
+        {"(List_Tip one) (Usage In) (Type Integer) (List 1 2 x)", "W4651@ E4637@ E4638@"},
+        {"(Usage In) (Type Integer) (Value 1) (List_Tip one two)", "W4651@"},
         {"(Usage In) (Type Float) (Value 1) (Default 1)", "W4648@"},
         {"(Usage In) (Type Float) (Range 1 0 x) (Default 3)", "E4638@"},
         // tables
@@ -269,6 +276,13 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
         "(Default 1))";
     EXPECT_EQ(codesFor(file("", "(Use_Init_Output (Usage Info) (Type Boolean) (Value True))", kOldWays)), "W4632@");
     EXPECT_EQ(codesFor(file(kVersion51, "", kOldWays)), "E4637@ E4632@ W4648@");
+    constexpr std::string_view kUsages =
+        "(p (Usage Inout) (Type Float) (Value 1)) (q (Type Float) (Value 1)) (r (Usage INOUT) (Type Float) (Value 1))";
+    EXPECT_EQ(codesFor(file("", "", kUsages)), "W4633@ E4636@");
+    EXPECT_EQ(codesFor(file(kVersion51, "", kUsages)), "E4636@ E4633@ E4636@");
+    constexpr std::string_view kNewer = "(Tx_Rj (Usage Info) (Type Float) (List 1 2) (List_Tip one))";
+    EXPECT_EQ(codesFor(file("", kNewer, "")), "W4651@ W4651@ E4637@");
+    EXPECT_EQ(codesFor(file(kLater, kNewer, "")), "E4662@ W4657@ E4637@");
     EXPECT_EQ(codesFor(file(kLater, "(Mine (Usage In) (Type Float) (Value 1))", kWords)), "E4662@ W4657@");
     EXPECT_EQ(codesFor(file(kLater, "", "(p (usage In) (Type (Float)) (Value 1))")), "E4662@ W4657@ E4633@ E4633@");
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (List \"5.0\") (Value \"6.0\"))", "",
@@ -353,6 +367,7 @@ TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
     put("folder/board.ibs",
         "[IBIS Ver] 5.1\n[Comment Char] #_char\n[Model] M\n[Algorithmic Model]\n"
         "Executable Linux_gcc_64 a.so inner/p.ami # in a folder\n"
+        "Executable Linux_gcc_32 a.so ././inner/./p.ami\n"
         "Executable Linux_gcc_32 a.so inner/../q.ami\n"
         "Executable Linux_gcc_32 a.so Q.AMI\n[End Algorithmic Model]\n[End]\n");
     put("folder/inner/p.ami", "(p | not a root\n");
@@ -361,6 +376,8 @@ TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
     const std::string& printed = out.text();
     EXPECT_NE(printed.find("\nChecking folder/inner/p.ami for IBIS 5.1 Compatibility...\n\nERROR - 1 closing"),
               std::string::npos);
+    // Not kept under this spelling, and known for the same without being looked for.
+    EXPECT_EQ(printed.find("././inner"), std::string::npos);
     EXPECT_NE(printed.find("WARNING - Parameter file 'inner/../q.ami' of Model 'M' was not found"), std::string::npos);
     EXPECT_NE(printed.find("\nChecking Q.AMI for IBIS 5.1 Compatibility...\n\n"
                            "ERROR - Unterminated string detected. Possibly started at line 3\n"
@@ -368,12 +385,10 @@ TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
               std::string::npos);
     EXPECT_EQ(run.parse.directory, "folder/");
     EXPECT_EQ(run.parse.file_name, "board.ibs");
-    EXPECT_EQ(run.parse.line, 9U);
+    EXPECT_EQ(run.parse.line, 10U);
     EXPECT_EQ(run.parse.kind, FileKind::ibs);
     EXPECT_EQ(run.parse.comment, '#');
     EXPECT_FALSE(run.parse.long_lines);
-    EXPECT_FALSE(run.parse.in_string);
-    EXPECT_EQ(run.parse.ami_text, "");
 }
 
 } // namespace

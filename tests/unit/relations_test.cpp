@@ -1,5 +1,6 @@
 // What a component keeps of the lines that relate its pins, and what it makes of numbers, names and brackets in them.
 
+#include "check_text.hpp"
 #include "codes.hpp"
 #include "ibis/run.hpp"
 
@@ -15,8 +16,8 @@ namespace kestrel {
 namespace {
 
 using K = KeywordCode;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 /// An open component of version 5 whose keywords are told and read as from a file.
 struct Relations {
@@ -94,7 +95,7 @@ TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
 TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     Relations test;
     ExtCkt circuit;
-    const ExtOwner owner{"External Circuit", "Net", nullptr};
+    const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line :
          {"Language VHDL-A(MS)", "Corner Typ a.vhd buf(arch one)", "Corner Min b.vhd buf (two)", "Corner Max c.vhd buf",
           "Ports p q", "Parameters low=5 high = x slow", "D_to_A d p q low 3.3V 1n 2n Max Inverting",
@@ -102,7 +103,7 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
         extCktLine(test.run, circuit, owner, line);
     }
     checkExtCkt(test.run, circuit, owner);
-    EXPECT_EQ(test.out.text(), "");
+    EXPECT_EQ(test.out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
     EXPECT_EQ(circuit.language, ExtLanguage::vhdlA);
     EXPECT_EQ(circuit.corners[0]->circuit, "buf(arch one)");
     EXPECT_EQ(circuit.corners[1]->circuit, "buf (two)");
@@ -119,17 +120,48 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     EXPECT_EQ(circuit.converters[1].corner, std::nullopt);
 }
 
+TEST(ExternalCircuits, areMissedByTheirEndKeyword) {
+    const std::string printed = testing::checkText("[IBIS Ver] 5.1\n[End External Circuit] more\nlate\n[End]\n");
+    EXPECT_NE(printed.find("Number of Line Items (1) For Keyword End External Circuit: Expecting 0\n"
+                           "ERROR (line    2) -\n"
+                           "    Keyword End_External_Circuit has no matching External_Circuit.\n"
+                           "ERROR (line    3) - Expecting Keyword.  Invalid Line\n"),
+              std::string::npos)
+        << printed;
+}
+
 TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
     Relations test;
     test.run.parse.version = IbisVersion::v4;
     test.run.diagnostics.coded_form = true;
     ExtCkt circuit;
-    const ExtOwner owner{"External Circuit", "Net", nullptr};
+    const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line : {"Language IBIS-ISS", "Converter_Parameters p", "Language SPICE", "Parameters p",
                                         "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
         extCktLine(test.run, circuit, owner, line);
     }
     EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
+}
+
+/// What an external model of one language says of its ports, given ahead of the language.
+std::string portsOf(std::string_view language) {
+    Relations test;
+    ExtCkt external;
+    const ExtOwner owner{.kind = "External Model", .name = "M", .is_model = true, .drives = true};
+    for (const std::string& line : {std::string("Ports A_signal my_port D_mine A_gnd"),
+                                    "Language " + std::string(language), std::string("Corner Typ a.file a")}) {
+        extCktLine(test.run, external, owner, line);
+    }
+    checkExtCkt(test.run, external, owner);
+    return test.out.text();
+}
+
+TEST(ExternalModels, nameTheirPortsByTheirLanguage) {
+    const std::string mine = "WARNING - Port 'D_mine' is not a predefined port name of an External Model\n";
+    EXPECT_EQ(portsOf("VHDL-AMS"),
+              "WARNING - Port 'my_port' is not a predefined port name of an External Model\n" + mine);
+    EXPECT_EQ(portsOf("Verilog-A(MS)"), mine);
+    EXPECT_EQ(portsOf("SPICE"), mine + "WARNING - External Model 'M': no D_to_A line drives the port D_drive\n");
 }
 
 TEST(EmiComponents, keepTheirValuesAndTables) {

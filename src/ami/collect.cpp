@@ -1,0 +1,64 @@
+#include "ami/collect.hpp"
+
+#include "base/make_room.hpp"
+#include "reader/context.hpp"
+
+#include <new>
+#include <utility>
+
+namespace kestrel {
+
+namespace {
+
+/// A parameter file being collected.
+struct Collector {
+    char comment;
+    std::string text{};
+    bool in_string = false;        ///< a quoted string may run over many lines and hides the comment character
+    std::uint32_t string_line = 0; ///< where it began
+};
+
+std::string_view cutComment(Collector& collector, std::string_view line, std::uint32_t number) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') {
+            collector.in_string = !collector.in_string;
+            if (collector.in_string) collector.string_line = number;
+        } else if (line[i] == collector.comment && !collector.in_string) {
+            return line.substr(0, i);
+        }
+    }
+    return line;
+}
+
+/// Adds a line; one for which there is no memory is reported and left out.
+void addLine(Context& context, std::string& text, std::string_view line) {
+    const std::size_t size = text.size();
+    try {
+        text.append(line).push_back('\n');
+    } catch (const std::bad_alloc&) {
+        text.resize(size);
+        errorHere(context.diagnostics, 922);
+    }
+}
+
+} // namespace
+
+std::string collectAmi(Context& context, const Source& source) {
+    ParseState& parse = context.parse;
+    const bool long_lines = std::exchange(parse.long_lines, true);
+    parse.kind = FileKind::ami;
+    parse.line = 0;
+    parse.comment = '|';
+    Collector collector{.comment = parse.comment};
+    makeRoom(collector.text, source.text->size() + 1);
+    LineReader reader{.text = source.text};
+    while (const std::optional<std::string_view> line = readLongLine(context, reader)) {
+        ++parse.line;
+        addLine(context, collector.text, cutComment(collector, *line, parse.line));
+    }
+    if (collector.in_string) error(context.diagnostics, 924, static_cast<std::int64_t>(collector.string_line));
+    parse.long_lines = long_lines;
+    return std::move(collector.text);
+}
+
+} // namespace kestrel

@@ -1,0 +1,62 @@
+#include "ibis/amifiles.hpp"
+
+#include "ami/check.hpp"
+#include "ami/collect.hpp"
+#include "ibis/ibis.hpp"
+#include "ibis/parse.hpp"
+#include "model/mdl.hpp"
+#include "reader/context.hpp"
+
+#include <filesystem>
+
+namespace kestrel {
+
+namespace {
+
+std::string normal(const std::filesystem::path& path) { return path.lexically_normal().string(); }
+
+/// True when the path leads to a file that was found under another spelling. Behind a folder that is not there ".."
+/// leads nowhere.
+bool wasFound(const AmiFiles& files, const std::filesystem::path& path) {
+    if (!files.paths.contains(normal(path))) return false;
+    std::error_code failure;
+    return path.string().find("..") == std::string::npos || std::filesystem::is_directory(path.parent_path(), failure);
+}
+
+void checkAmiFile(Context& context, AmiFiles& files, std::string_view model, const std::string& name) {
+    constexpr std::string_view kSeparators = "/\\";
+    const KeptParse kept(context.parse);
+    const bool is_absolute = kSeparators.find(name.front()) != std::string_view::npos;
+    const std::string path = is_absolute ? name : context.parse.directory + name;
+    if (wasFound(files, path)) return;
+    // One in a folder is sought from where the .ibs file is; a bare name is sought there anyhow.
+    const std::string& opened = name.find_first_of(kSeparators) == std::string::npos ? name : path;
+    const std::int64_t errors = context.diagnostics.errors;
+    std::optional<Source> source;
+    if (opened.size() < kMaxPath) source = openSource(context, opened, FileKind::ami, WhenAbsent::leave);
+    if (!source) {
+        if (context.diagnostics.errors == errors) warning(context.diagnostics, 4610, name, model);
+        return;
+    }
+    const bool is_new = files.paths.insert(normal(source->path)).second;
+    files.paths.insert(normal(path));
+    if (!is_new) return;
+    announce(context, opened, kAmiVersion);
+    checkAmi(context, collectAmi(context, *source));
+}
+
+} // namespace
+
+void checkAmiFiles(Context& context, AmiFiles& files, const Ibis& root) {
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (!model.algorithmic_model) continue;
+        for (const AlgExecutable& executable : model.algorithmic_model->executables) {
+            const std::string& name = executable.parameter_file;
+            // One of another kind was reported with its line.
+            if (kindOfName(name) != FileKind::ami || !files.names.insert(name).second) continue;
+            checkAmiFile(context, files, model.name, name);
+        }
+    }
+}
+
+} // namespace kestrel
