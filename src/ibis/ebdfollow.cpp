@@ -38,7 +38,7 @@ struct Target {
 
     [[nodiscard]] bool found() const { return component != nullptr || board != nullptr; }
     [[nodiscard]] bool hasPin(std::string_view pin) const {
-        return component != nullptr ? isKnownPin(*component, pin) : board->pin_names.contains(pin);
+        return component != nullptr ? isKnownPin(component->pins, pin) : board->pin_names.contains(pin);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
+#include "ibis/check_components.hpp"
 #include "ibis/run.hpp"
 #include "model/acdc.hpp"
 #include "model/testdata.hpp"
@@ -27,7 +28,7 @@ void freeRoot(Run& run, Ibis& root) {
 }
 
 void finalChecks(Run& run) {
-    const Ibis* root = currentRoot(run);
+    Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
     checkRcvThs(run);
     checkCompositeCurrents(run);
@@ -38,7 +39,7 @@ void finalChecks(Run& run) {
         error(run.diagnostics, 4101);
     } else {
         checkComponentCurrents(run);
-        checkCmpnts(run);
+        checkComponents(run, *root);
     }
     checkPkgMdls(run);
     checkTestData(run);

@@ -51,7 +51,7 @@ template <auto State> void forget(Run& run) { run.*State = {}; }
 
 constexpr std::array<Module, 13> kModules{{
     {Owner::hdr, kAnyFile, KeywordCode::ibisVer, openHeader, hdrKeywordSeen, hdrLine, forget<&Run::hdr>},
-    {Owner::cmpnt, kIbsOnly, KeywordCode::component, openCmpnt, cmpntKeywordSeen, cmpntLine, forget<&Run::cmpnt>},
+    recordModule<&Ibis::components, &Run::cmpnt, kCmpnt>(Owner::cmpnt, kIbsOnly, KeywordCode::component),
     {Owner::mdl, kIbsOnly, KeywordCode::model, openMdl, mdlKeywordSeen, mdlLine, forget<&Run::mdl>},
     {Owner::circuit, kIbsOnly, KeywordCode::notKey, nullptr, circuitKeywordSeen, circuitLine, forget<&Run::circuit>},
     recordModule<&Ibis::submodels, &Run::submdl, kSubMdl>(Owner::submdl, kAnyFile, KeywordCode::submodel),

@@ -204,7 +204,7 @@ void checkComponentCurrents(Run& run) {
     if (root == nullptr || run.diagnostics.silence_cautions) return;
     for (const Cmpnt& component : root->components.newestFirst()) {
         const auto leads = [root](const Pin& pin) { return leadsToCompositeCurrent(*root, pin.model_name); };
-        if (component.pin_map_columns.seen() || std::ranges::none_of(component.pins, leads)) continue;
+        if (component.pin_mapping != nullptr || std::ranges::none_of(component.pins, leads)) continue;
         caution(run.diagnostics, 1708, component.name);
     }
 }

@@ -63,7 +63,8 @@ std::unordered_set<std::string_view> usedModelNames(const Ibis& root) {
         for (const Pin& pin : component.pins) {
             names.insert(pin.model_name);
         }
-        for (const SPin& row : component.series_pins) {
+        if (component.series_pins == nullptr) continue;
+        for (const SPin& row : component.series_pins->rows) {
             names.insert(row.model_name);
         }
     }

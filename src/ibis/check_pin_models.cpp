@@ -1,0 +1,219 @@
+#include "ibis/check_pin_models.hpp"
+
+#include "component/cmpnt.hpp"
+#include "ibis/check_circuit_calls.hpp"
+#include "ibis/ibis.hpp"
+#include "model/mdl.hpp"
+#include "model/msel.hpp"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <unordered_set>
+
+namespace kestrel {
+
+namespace {
+
+constexpr ModelTypeSet kOnlyDrive{ModelType::output,       ModelType::threeState, ModelType::openDrain,
+                                  ModelType::openSink,     ModelType::openSource, ModelType::outputEcl,
+                                  ModelType::threeStateEcl};
+constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
+
+/// The model of exactly this name, which is marked as referenced, or null.
+const Mdl* referencedModel(const Ibis& root, std::string_view name) {
+    Mdl* const model = root.models.find(name);
+    if (model != nullptr) model->referenced = true;
+    return model;
+}
+
+/// True when some entry of a selector names a model for which `test` holds.
+template <class Test> bool anyEntry(const Ibis& root, const MSel& selector, Test test) {
+    return std::ranges::any_of(selector.entries, [&](const MSelEntry& entry) {
+        const Mdl* const model = root.models.find(entry.model_name);
+        return model != nullptr && test(*model);
+    });
+}
+
+PinModelKind pinModelKind(const Ibis& root, std::string_view name) {
+    if (const Mdl* const model = referencedModel(root, name)) {
+        if (isSeries(*model)) return PinModelKind::series;
+        return isDifferential(*model) ? PinModelKind::differential : PinModelKind::single;
+    }
+    const MSel* const selector = root.model_selectors.find(name);
+    if (selector == nullptr) return PinModelKind::undefined;
+    return anyEntry(root, *selector, isSeries) ? PinModelKind::series : PinModelKind::single;
+}
+
+/// False when there is nothing to report about this pin.
+bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin, PinModelKind kind) {
+    switch (kind) {
+    case PinModelKind::undefined: error(diagnostics, 609, pin.model_name, pin.name, component.name); return true;
+    case PinModelKind::series: error(diagnostics, 610, pin.name, component.name, pin.model_name); return true;
+    case PinModelKind::differential:
+        if (component.diff_pins != nullptr && isInDiffPin(*component.diff_pins, pin.name)) return false;
+        caution(diagnostics, 614, pin.model_name, pin.name, component.name);
+        return true;
+    case PinModelKind::single: return false;
+    }
+    return false;
+}
+
+/// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
+bool isCircuitCallPin(const Pin& pin, IbisVersion version) {
+    return version >= IbisVersion::v4 && isCircuitCallName(pin.model_name);
+}
+
+/// True when no model or selector is meant. Rows under a faulty header may lack the model name.
+bool needsNoModel(const Pin& pin) { return pin.model_name.empty() || isUnmodeledPinName(pin.model_name); }
+
+/// Looks a pin of a row up. The model that it names is returned, if it names one that may be compared.
+const Mdl* diffPinModel(Context& context, const Ibis& root, const Cmpnt& component, std::string_view name,
+                        bool reported) {
+    const Pin* const pin = name.empty() ? nullptr : component.pins.find(name);
+    if (pin == nullptr) {
+        if (!name.empty() && !reported && !isKnownPin(component.pins, name)) {
+            error(context.diagnostics, 811, name, component.name);
+        }
+        return nullptr;
+    }
+    if (isUnmodeledPinName(pin->model_name)) {
+        if (!reported) warning(context.diagnostics, 812, name, component.name, pin->model_name);
+        return nullptr;
+    }
+    return root.models.find(pin->model_name);
+}
+
+void compareModels(Context& context, const Cmpnt& component, const DifPin& row, const Mdl& model,
+                   const Mdl& inv_model) {
+    if ((isDifferential(model) || isDifferential(inv_model)) && &model != &inv_model) {
+        warning(context.diagnostics, 813, row.pin, row.inv_pin, component.name);
+    }
+    const auto opposed = [](const Mdl& driver, const Mdl& receiver) {
+        return kOnlyDrive.has(driver.model_type) && kOnlyReceive.has(receiver.model_type);
+    };
+    if (opposed(model, inv_model) || opposed(inv_model, model)) {
+        warning(context.diagnostics, 814, row.pin, row.inv_pin, component.name);
+    }
+}
+
+void checkSeriesPin(Context& context, const Cmpnt& component, std::string_view pin, bool reported) {
+    if (pin.empty() || reported || isKnownPin(component.pins, pin)) return;
+    error(context.diagnostics, 2610, pin, component.name);
+}
+
+/// A model without a type has been reported for that.
+bool isNoSeries(const Mdl& model) {
+    return !isSeries(model) && model.model_type != ModelType::notGiven && model.model_type != ModelType::noType;
+}
+
+SeriesModelKind seriesModelKind(const Ibis& root, std::string_view name) {
+    if (const Mdl* const model = referencedModel(root, name)) {
+        return isNoSeries(*model) ? SeriesModelKind::other : SeriesModelKind::series;
+    }
+    const MSel* const selector = root.model_selectors.find(name);
+    if (selector == nullptr) return SeriesModelKind::undefined;
+    return anyEntry(root, *selector, isNoSeries) ? SeriesModelKind::other : SeriesModelKind::series;
+}
+
+/// Reports the names of one kind, each at its first row that was not reported for it.
+void reportSeriesModels(Context& context, const Cmpnt& component, SeriesModels& models, SeriesModelKind kind,
+                        CheckedMessage<ArgKind::text, ArgKind::text> message) {
+    for (const SPin& row : component.series_pins->rows) {
+        if (row.model_name.empty() || row.model_reported) continue;
+        auto& model = models[row.model_name];
+        if (model.kind != kind || model.reported_for == &component) continue;
+        error(context.diagnostics, message, row.model_name, component.name);
+        model.reported_for = &component;
+    }
+}
+
+void checkSeriesModels(Context& context, const Ibis& root, const Cmpnt& component, SeriesModels& models) {
+    for (const SPin& row : component.series_pins->rows) {
+        if (row.model_name.empty()) continue;
+        const auto [at, is_new] = models.try_emplace(row.model_name);
+        if (is_new) at->second.kind = seriesModelKind(root, row.model_name);
+    }
+    reportSeriesModels(context, component, models, SeriesModelKind::undefined, 2611);
+    reportSeriesModels(context, component, models, SeriesModelKind::other, 2612);
+}
+
+/// Holds the rows to the groups that are switched.
+void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& component, const SwitchGroups& switches) {
+    const std::vector<SPin>& rows = component.series_pins->rows;
+    for (const SPin& row : rows) {
+        if (!row.group.empty() || row.pin_2.empty()) continue;
+        const Mdl* const model = root.models.find(row.model_name);
+        if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
+        warning(context.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
+    }
+    std::unordered_set<std::string_view> known(switches.dropped.begin(), switches.dropped.end());
+    for (const SwitchState& state : switches.states) {
+        known.insert(state.on.begin(), state.on.end());
+        known.insert(state.off.begin(), state.off.end());
+    }
+    for (const SPin& row : rows) {
+        if (row.group.empty() || row.group_reported || row.pin_2.empty() || !known.insert(row.group).second) continue;
+        warning(context.diagnostics, 2614, row.group, component.name);
+    }
+}
+
+/// Reports groups of states that no row has.
+void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGroups& switches) {
+    std::unordered_set<std::string_view> mapped;
+    if (component.series_pins != nullptr) {
+        for (const SPin& row : component.series_pins->rows) {
+            mapped.insert(row.group);
+        }
+    }
+    for (const std::string& group : switches.groups.names) {
+        if (!mapped.contains(group)) warning(context.diagnostics, 2508, group, component.name);
+    }
+}
+
+} // namespace
+
+void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, PinModels& models) {
+    const IbisVersion version = context.parse.version;
+    const auto called = circuitCallPins(component);
+    for (const Pin& pin : component.pins) {
+        if (needsNoModel(pin)) continue;
+        if (isCircuitCallPin(pin, version)) {
+            // A repeated pin is judged with the first of its name.
+            const bool judged = component.pins.isFirst(pin);
+            if (judged && !called.contains(pin.name)) error(context.diagnostics, 611, pin.name, component.name);
+            continue;
+        }
+        const auto [at, is_new] = models.try_emplace(pin.model_name);
+        auto& model = at->second;
+        if (is_new) model.kind = pinModelKind(root, pin.model_name);
+        if (pin.model_reported || model.reported_for == &component) continue;
+        if (reportPin(context.diagnostics, component, pin, model.kind)) model.reported_for = &component;
+    }
+}
+
+void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& component) {
+    if (component.diff_pins == nullptr || component.pins.empty()) return;
+    for (const DifPin& row : component.diff_pins->rows) {
+        const Mdl* const model = diffPinModel(context, root, component, row.pin, row.pin_reported);
+        const Mdl* const inv_model = diffPinModel(context, root, component, row.inv_pin, row.inv_pin_reported);
+        if (model != nullptr && inv_model != nullptr) compareModels(context, component, row, *model, *inv_model);
+    }
+}
+
+void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, SeriesModels& models) {
+    const SwitchGroups* const switches = component.switch_groups.get();
+    if (component.series_pins != nullptr) {
+        if (!component.pins.empty()) {
+            for (const SPin& row : component.series_pins->rows) {
+                checkSeriesPin(context, component, row.pin_1, row.pin_1_reported);
+                checkSeriesPin(context, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
+            }
+        }
+        checkSeriesModels(context, root, component, models);
+        if (switches != nullptr) checkSeriesGroups(context, root, component, *switches);
+    }
+    if (switches != nullptr) checkSwitchGroups(context, component, *switches);
+}
+
+} // namespace kestrel
