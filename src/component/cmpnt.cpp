@@ -148,18 +148,13 @@ CmpntEmi* emiBeingRead(const CmpntState& state) {
     return state.open_section == KeywordCode::beginEmiComponent ? state.current->emi.get() : nullptr;
 }
 
-void openEmiPins(Context& context, CmpntState& state, std::string_view text) {
+template <auto Table, auto Header> void openEmiTable(Context& context, CmpntState& state, std::string_view text) {
     CmpntEmi* const emi = emiBeingRead(state);
-    pinEmiHeader(context, emi == nullptr ? nullptr : &emi->pins, text);
+    Header(context, emi == nullptr ? nullptr : &(emi->*Table), text);
 }
 
 void readEmiPin(Context& context, CmpntState& state, std::string_view text) {
     if (CmpntEmi* const emi = emiBeingRead(state)) pinEmiLine(context, emi->pins, state.current->pins, text);
-}
-
-void openEmiDomains(Context& context, CmpntState& state, std::string_view text) {
-    CmpntEmi* const emi = emiBeingRead(state);
-    pinDomainEmiHeader(context, emi == nullptr ? nullptr : &emi->pin_domains, text);
 }
 
 void readEmiDomain(Context& context, CmpntState& state, std::string_view text) {
@@ -191,8 +186,8 @@ constexpr auto kSections = sectionTable<CmpntState>({
         K::circuitCall, K::endCircuitCall, kCircuitCallEnd),
     blockSection<CmpntState, openPart<&Cmpnt::emi, openCmpntEmi>, readPart<&Cmpnt::emi, cmpntEmiLine>, closeEmi>(
         K::beginEmiComponent, K::endEmiComponent, kCmpntEmiEnd),
-    section<CmpntState, openEmiPins, readEmiPin>(K::pinEmi),
-    section<CmpntState, openEmiDomains, readEmiDomain>(K::pinDomainEmi),
+    section<CmpntState, openEmiTable<&CmpntEmi::pins, pinEmiHeader>, readEmiPin>(K::pinEmi),
+    section<CmpntState, openEmiTable<&CmpntEmi::pin_domains, pinDomainEmiHeader>, readEmiDomain>(K::pinDomainEmi),
 });
 
 void closeCmpnt(Context& context, CmpntState& state, Cmpnt& component) {

@@ -47,8 +47,7 @@ void checkPackagePins(Context& context, const Cmpnt& component, const PkgMdl& pa
 
 /// What is looked up once for all components.
 struct LookedUp {
-    PinModels pin_models;
-    SeriesModels series_models;
+    ModelNames models;
     MappablePorts ports;
 };
 
@@ -59,12 +58,12 @@ void checkComponent(Run& run, Ibis& root, const Cmpnt& component, LookedUp& look
     if (pins.empty()) {
         error(run.diagnostics, 524, name);
     } else {
-        checkPinModels(run, root, component, looked_up.pin_models);
+        checkPinModels(run, root, component, looked_up.models);
         if (package != nullptr) checkPackagePins(run, component, *package);
     }
     if (component.pin_mapping != nullptr) checkPinMaps(run, *component.pin_mapping, pins, name);
     checkDiffPinModels(run, root, component);
-    checkSeriesPins(run, root, component, looked_up.series_models);
+    checkSeriesPins(run, root, component, looked_up.models);
     if (component.nodes != nullptr) checkNodes(run, *component.nodes, pins, name);
     checkCircuitCalls(run, root, component, looked_up.ports);
     if (component.emi != nullptr) checkCmpntEmi(run, *component.emi, pins, name);

@@ -6,10 +6,9 @@
 #include "model/mdl.hpp"
 #include "model/msel.hpp"
 
-#include <algorithm>
-#include <span>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace kestrel {
 
@@ -20,43 +19,50 @@ constexpr ModelTypeSet kOnlyDrive{ModelType::output,       ModelType::threeState
                                   ModelType::threeStateEcl};
 constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
 
-/// The model of exactly this name, which is marked as referenced, or null.
-const Mdl* referencedModel(const Ibis& root, std::string_view name) {
-    Mdl* const model = root.models.find(name);
-    if (model != nullptr) model->referenced = true;
-    return model;
+/// A model without a type has been reported for that.
+bool isNoSeries(const Mdl& model) {
+    return !isSeries(model) && model.model_type != ModelType::notGiven && model.model_type != ModelType::noType;
 }
 
-/// True when some entry of a selector names a model for which `test` holds.
-template <class Test> bool anyEntry(const Ibis& root, const MSel& selector, Test test) {
-    return std::ranges::any_of(selector.entries, [&](const MSelEntry& entry) {
-        const Mdl* const model = root.models.find(entry.model_name);
-        return model != nullptr && test(*model);
-    });
-}
-
-PinModelKind pinModelKind(const Ibis& root, std::string_view name) {
-    if (const Mdl* const model = referencedModel(root, name)) {
-        if (isSeries(*model)) return PinModelKind::series;
-        return isDifferential(*model) ? PinModelKind::differential : PinModelKind::single;
+/// Looks a name up among the models, which marks the one found, then among the selectors.
+NamedModel lookUp(const Ibis& root, std::string_view name) {
+    NamedModel named;
+    const auto note = [&named](const Mdl& model) {
+        named.series = named.series || isSeries(model);
+        named.not_series = named.not_series || isNoSeries(model);
+    };
+    if (Mdl* const model = root.models.find(name)) {
+        model->referenced = true;
+        named.found = true;
+        named.differential = isDifferential(*model);
+        note(*model);
+    } else if (const MSel* const selector = root.model_selectors.find(name)) {
+        named.found = true;
+        for (const MSelEntry& entry : selector->entries) {
+            if (const Mdl* const entered = root.models.find(entry.model_name)) note(*entered);
+        }
     }
-    const MSel* const selector = root.model_selectors.find(name);
-    if (selector == nullptr) return PinModelKind::undefined;
-    return anyEntry(root, *selector, isSeries) ? PinModelKind::series : PinModelKind::single;
+    return named;
+}
+
+NamedModel& namedModel(const Ibis& root, ModelNames& names, std::string_view name) {
+    const auto [at, is_new] = names.try_emplace(name);
+    if (is_new) at->second = lookUp(root, name);
+    return at->second;
 }
 
 /// False when there is nothing to report about this pin.
-bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin, PinModelKind kind) {
-    switch (kind) {
-    case PinModelKind::undefined: error(diagnostics, 609, pin.model_name, pin.name, component.name); return true;
-    case PinModelKind::series: error(diagnostics, 610, pin.name, component.name, pin.model_name); return true;
-    case PinModelKind::differential:
-        if (component.diff_pins != nullptr && isInDiffPin(*component.diff_pins, pin.name)) return false;
+bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin, const NamedModel& model) {
+    if (!model.found) {
+        error(diagnostics, 609, pin.model_name, pin.name, component.name);
+    } else if (model.series) {
+        error(diagnostics, 610, pin.name, component.name, pin.model_name);
+    } else if (model.differential && (component.diff_pins == nullptr || !isInDiffPin(*component.diff_pins, pin.name))) {
         caution(diagnostics, 614, pin.model_name, pin.name, component.name);
-        return true;
-    case PinModelKind::single: return false;
+    } else {
+        return false;
     }
-    return false;
+    return true;
 }
 
 /// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
@@ -102,40 +108,27 @@ void checkSeriesPin(Context& context, const Cmpnt& component, std::string_view p
     error(context.diagnostics, 2610, pin, component.name);
 }
 
-/// A model without a type has been reported for that.
-bool isNoSeries(const Mdl& model) {
-    return !isSeries(model) && model.model_type != ModelType::notGiven && model.model_type != ModelType::noType;
-}
-
-SeriesModelKind seriesModelKind(const Ibis& root, std::string_view name) {
-    if (const Mdl* const model = referencedModel(root, name)) {
-        return isNoSeries(*model) ? SeriesModelKind::other : SeriesModelKind::series;
-    }
-    const MSel* const selector = root.model_selectors.find(name);
-    if (selector == nullptr) return SeriesModelKind::undefined;
-    return anyEntry(root, *selector, isNoSeries) ? SeriesModelKind::other : SeriesModelKind::series;
-}
-
-/// Reports the names of one kind, each at its first row that was not reported for it.
-void reportSeriesModels(Context& context, const Cmpnt& component, SeriesModels& models, SeriesModelKind kind,
+/// Reports names for which `test` holds, each at its first row that was not reported for it.
+template <class Test>
+void reportSeriesModels(Context& context, const Cmpnt& component, ModelNames& names, Test test,
                         CheckedMessage<ArgKind::text, ArgKind::text> message) {
     for (const SPin& row : component.series_pins->rows) {
         if (row.model_name.empty() || row.model_reported) continue;
-        auto& model = models[row.model_name];
-        if (model.kind != kind || model.reported_for == &component) continue;
+        NamedModel& model = names[row.model_name];
+        if (!test(model) || model.rows_reported_for == &component) continue;
         error(context.diagnostics, message, row.model_name, component.name);
-        model.reported_for = &component;
+        model.rows_reported_for = &component;
     }
 }
 
-void checkSeriesModels(Context& context, const Ibis& root, const Cmpnt& component, SeriesModels& models) {
+void checkSeriesModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
     for (const SPin& row : component.series_pins->rows) {
-        if (row.model_name.empty()) continue;
-        const auto [at, is_new] = models.try_emplace(row.model_name);
-        if (is_new) at->second.kind = seriesModelKind(root, row.model_name);
+        if (!row.model_name.empty()) namedModel(root, names, row.model_name);
     }
-    reportSeriesModels(context, component, models, SeriesModelKind::undefined, 2611);
-    reportSeriesModels(context, component, models, SeriesModelKind::other, 2612);
+    reportSeriesModels(
+        context, component, names, [](const NamedModel& model) { return !model.found; }, 2611);
+    reportSeriesModels(
+        context, component, names, [](const NamedModel& model) { return model.not_series; }, 2612);
 }
 
 /// Holds the rows to the groups that are switched.
@@ -173,7 +166,7 @@ void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGro
 
 } // namespace
 
-void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, PinModels& models) {
+void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
     const IbisVersion version = context.parse.version;
     const auto called = circuitCallPins(component);
     for (const Pin& pin : component.pins) {
@@ -184,11 +177,9 @@ void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, 
             if (judged && !called.contains(pin.name)) error(context.diagnostics, 611, pin.name, component.name);
             continue;
         }
-        const auto [at, is_new] = models.try_emplace(pin.model_name);
-        auto& model = at->second;
-        if (is_new) model.kind = pinModelKind(root, pin.model_name);
-        if (pin.model_reported || model.reported_for == &component) continue;
-        if (reportPin(context.diagnostics, component, pin, model.kind)) model.reported_for = &component;
+        NamedModel& model = namedModel(root, names, pin.model_name);
+        if (pin.model_reported || model.pin_reported_for == &component) continue;
+        if (reportPin(context.diagnostics, component, pin, model)) model.pin_reported_for = &component;
     }
 }
 
@@ -201,7 +192,7 @@ void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& compone
     }
 }
 
-void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, SeriesModels& models) {
+void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
     const SwitchGroups* const switches = component.switch_groups.get();
     if (component.series_pins != nullptr) {
         if (!component.pins.empty()) {
@@ -210,7 +201,7 @@ void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component,
                 checkSeriesPin(context, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
             }
         }
-        checkSeriesModels(context, root, component, models);
+        checkSeriesModels(context, root, component, names);
         if (switches != nullptr) checkSeriesGroups(context, root, component, *switches);
     }
     if (switches != nullptr) checkSwitchGroups(context, component, *switches);
