@@ -1,15 +1,15 @@
 #include "component/cmpnt.hpp"
 
-#include "component/apkg.hpp"
-#include "component/node.hpp"
-#include "ibis/check_circuits.hpp"
-#include "ibis/run.hpp"
-#include "package/pkgmdl.hpp"
+#include "base/rows.hpp"
 #include "reader/enumeration.hpp"
+#include "reader/items.hpp"
+#include "reader/names.hpp"
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <memory>
+#include <string_view>
+#include <type_traits>
 
 namespace kestrel {
 
@@ -29,232 +29,186 @@ constexpr std::array<LocationLine, 2> kLocationLines{{
 constexpr std::array<EnumerationRow<Location>, 2> kLocations{{{"Pin", Location::pin}, {"Die", Location::die}}};
 constexpr EnumerationMessages kLocationMessages{512, 520};
 
-void nameLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.name, text, kLongNameLimit, "Component");
-    if (std::ranges::any_of(component.name, isSpace)) warningAtLine(run.diagnostics, 513, component.name);
-    checkNotReserved(run.diagnostics, component.name);
-    if (Ibis* const root = currentRoot(run)) root->components.enterName(component, component.name);
+void readName(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
+    setTextOnce(context.diagnostics, component.name, text, kLongNameLimit, "Component");
+    if (std::ranges::any_of(component.name, isSpace)) warningAtLine(context.diagnostics, 513, component.name);
+    checkNotReserved(context.diagnostics, component.name);
+    state.list->enterName(component, component.name);
 }
 
-void manufacturerLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.manufacturer, text, kLongNameLimit, "Manufacturer");
-    run.cmpnt.manufacturer_seen = true;
-}
-
-void packageModelLine(Run& run, Cmpnt& component, std::string_view text) {
-    setTextOnce(run.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
-    checkNotReserved(run.diagnostics, component.package_model);
-    run.cmpnt.package_model_seen = true;
-}
-
-void packageLine(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.package) {
-        errorAtLine(run.diagnostics, 517);
-        return;
-    }
-    if (!text.empty()) errorAtLine(run.diagnostics, 518);
-    component.package.emplace();
-}
-
-/// Reads "Si_location Pin" or "Timing_location = Die" behind its name; the "=" may be left out and is not counted.
-void locationLine(Run& run, Cmpnt& component, const LocationLine& row, std::string_view text) {
+/// Reads "Si_location Pin" or "Timing_location = Die"; the "=" may be left out and is not counted.
+void readLocation(Context& context, Cmpnt& component, const LocationLine& row, std::string_view text) {
     constexpr int kItems = 2;
     Location& value = component.*row.value;
     if (value != Location::notGiven) {
-        errorAtLine(run.diagnostics, 521, row.name, component.name);
+        errorAtLine(context.diagnostics, 521, row.name, component.name);
         return;
     }
-    const ItemList items = splitItems(run, text, kItems + 1, '=');
+    const ItemList items = splitItems(context, text, kItems + 1, '=');
     const int sign = items[1] == "=" ? 1 : 0;
-    if (items.count - sign != kItems) errorAtLine(run.diagnostics, 522, items.count - sign, row.name, kItems);
+    if (items.count - sign != kItems) errorAtLine(context.diagnostics, 522, items.count - sign, row.name, kItems);
     if (!items.has(1 + sign)) return;
-    const auto location = readEnumeration(run.diagnostics, kLocations, row.name, items[1 + sign], kLocationMessages);
-    value = location.value_or(Location::notGiven);
+    value = readEnumeration(context.diagnostics, kLocations, row.name, items[1 + sign], kLocationMessages)
+                .value_or(Location::notGiven);
 }
 
 /// Data under "[Component]" itself: the two locations, which came with version 3.
-void componentData(Run& run, Cmpnt& component, std::string_view text) {
+void componentLine(Context& context, Cmpnt& component, std::string_view text) {
     std::string_view rest = text;
-    const std::string_view name = takeItem(run, rest, '=');
-    const auto* const row =
-        std::ranges::find_if(kLocationLines, [name](const LocationLine& line) { return line.name == name; });
-    if (run.parse.version < IbisVersion::v3 || row == kLocationLines.end()) {
-        errorAtLine(run.diagnostics, 506);
+    const LocationLine* const row = rowOf(kLocationLines, takeItem(context, rest, '='), &LocationLine::name);
+    if (context.parse.version < IbisVersion::v3 || row == nullptr) {
+        errorAtLine(context.diagnostics, 506);
+    } else {
+        readLocation(context, component, *row, text);
+    }
+}
+
+void readManufacturer(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
+    setTextOnce(context.diagnostics, component.manufacturer, text, kLongNameLimit, "Manufacturer");
+    state.manufacturer_seen = true;
+}
+
+void readPackageModel(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
+    setTextOnce(context.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
+    checkNotReserved(context.diagnostics, component.package_model);
+    state.package_model_seen = true;
+}
+
+/// Data under a keyword that takes none.
+template <MessageCode Code> void noData(Context& context, std::string_view /*text*/) {
+    errorAtLine(context.diagnostics, Code);
+}
+
+void openPackage(Context& context, Cmpnt& component, std::string_view text) {
+    if (component.package != nullptr) {
+        errorAtLine(context.diagnostics, 517);
         return;
     }
-    locationLine(run, component, *row, text);
+    if (!text.empty()) errorAtLine(context.diagnostics, 518);
+    component.package = std::make_unique<Pkg>();
 }
 
-constexpr std::array<const Block<Cmpnt>*, 4> kBlocks{&kAlternatePackages, &kNodeDeclarations, &kCircuitCall,
-                                                     &kEmiComponent};
+/// Hands a keyword line to the module that begins a part, a data line to the one that reads it and the end of the lines
+/// to the one that checks it. Those that report it get the component's name.
+template <auto Part, auto Open> void openPart(Context& context, Cmpnt& component, std::string_view text) {
+    Open(context, component.*Part, text);
+}
 
-void blockData(Run& run, Cmpnt& component, const Block<Cmpnt>& block, const Line& line) {
-    if (line.key == block.begin) {
-        block.line(run, component, line.text);
+template <auto Part, auto Read> void readPart(Context& context, Cmpnt& component, std::string_view text) {
+    auto& part = *(component.*Part);
+    if constexpr (std::is_invocable_v<decltype(Read), Context&, decltype(part), std::string_view>) {
+        Read(context, part, text);
     } else {
-        errorAtLine(run.diagnostics, 509, block.end_name);
+        Read(context, part, component.name, text);
     }
 }
 
-void keywordLine(Run& run, Cmpnt& component, const Line& line) {
-    switch (line.key) {
-    case KeywordCode::component: nameLine(run, component, line.text); break;
-    case KeywordCode::manufacturer: manufacturerLine(run, component, line.text); break;
-    case KeywordCode::packageModel: packageModelLine(run, component, line.text); break;
-    case KeywordCode::package: packageLine(run, component, line.text); break;
-    case KeywordCode::pin: pinHeader(run, component, line.text); break;
-    case KeywordCode::pinMapping: pinMapHeader(run, component, line.text); break;
-    case KeywordCode::diffPin: diffPinHeader(run, component, line.text); break;
-    case KeywordCode::seriesSwitchGroups: switchGroupsHeader(run, component, line.text); break;
-    case KeywordCode::seriesPinMapping: seriesPinHeader(run, component, line.text); break;
-    case KeywordCode::pinEmi: pinEmiHeader(run, component, line.text); break;
-    case KeywordCode::pinDomainEmi: pinDomainEmiHeader(run, component, line.text); break;
-    default:
-        if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key)) {
-            blockKeywordLine(run, component, *block, run.cmpnt.block, line);
-        }
-        break;
-    }
+template <auto Part, auto Close> void closePart(Context& context, Cmpnt& component) {
+    Close(context, *(component.*Part), component.name);
 }
 
-void dataLine(Run& run, Cmpnt& component, const Line& line) {
-    switch (line.key) {
-    case KeywordCode::component: componentData(run, component, line.text); break;
-    case KeywordCode::manufacturer: errorAtLine(run.diagnostics, 507); break;
-    case KeywordCode::packageModel: errorAtLine(run.diagnostics, 508); break;
-    case KeywordCode::package:
-        if (component.package) pkgLine(run, *component.package, line.text);
-        break;
-    case KeywordCode::pin: pinLine(run, component, line.text); break;
-    case KeywordCode::pinMapping: pinMapLine(run, component, line.text); break;
-    case KeywordCode::diffPin: diffPinLine(run, component, line.text); break;
-    case KeywordCode::seriesSwitchGroups: switchGroupsLine(run, component, line.text); break;
-    case KeywordCode::seriesPinMapping: seriesPinLine(run, component, line.text); break;
-    case KeywordCode::pinEmi: pinEmiLine(run, component, line.text); break;
-    case KeywordCode::pinDomainEmi: pinDomainEmiLine(run, component, line.text); break;
-    default:
-        if (const Block<Cmpnt>* const block = blockOf<Cmpnt>(kBlocks, line.key))
-            blockData(run, component, *block, line);
-        break;
-    }
+/// A table that the first of its keyword lines makes.
+template <auto Part, auto Header> void openTable(Context& context, Cmpnt& component, std::string_view text) {
+    auto& table = component.*Part;
+    if (table == nullptr) table = std::make_unique<std::remove_reference_t<decltype(*table)>>();
+    Header(context, *table, text);
 }
 
-/// True for the keywords that belong to an open component.
-bool keepsOpen(KeywordCode code) {
-    return isBetween(code, KeywordCode::manufacturer, KeywordCode::endCircuitCall) ||
-           isBetween(code, KeywordCode::beginEmiComponent, KeywordCode::pinDomainEmi);
+void readPin(Context& context, Cmpnt& component, std::string_view text) {
+    pinLine(context, component.pins, component.name, text);
 }
 
-void closeCmpnt(Run& run, const Cmpnt& component) {
-    if (!run.cmpnt.manufacturer_seen) error(run.diagnostics, 514, component.name);
-    if (component.package) {
-        checkPkg(run, *component.package, component.name);
+void readSwitchGroups(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
+    switchGroupsLine(context, state.switches, *component.switch_groups, text);
+}
+
+/// What a keyword interrupts is over; the dispatcher has reported an unfinished state.
+void closeSwitchGroups(Context& /*context*/, CmpntState& state) { state.switches = SwitchReader(); }
+
+void openNodeDeclarations(Context& context, Cmpnt& component, std::string_view text) {
+    openNodes(context, component.nodes, !component.circuit_calls.empty(), text);
+}
+
+void closeNodes(Context& /*context*/, CmpntState& /*state*/) {}
+
+void readCall(Context& context, Cmpnt& component, std::string_view text) {
+    circuitCallLine(context, component.circuit_calls.back(), text);
+}
+
+void closeCall(Context& context, const Cmpnt& component) {
+    closeCircuitCall(context, component.circuit_calls.back(), component.name);
+}
+
+void closeEmi(Context& context, Cmpnt& component) {
+    checkDomainPercentages(context, component.emi->pin_domains, component.name);
+}
+
+/// The EMI record while its block is open; its tables have no other place.
+CmpntEmi* emiBeingRead(const CmpntState& state) {
+    return state.open_section == KeywordCode::beginEmiComponent ? state.current->emi.get() : nullptr;
+}
+
+template <auto Table, auto Header> void openEmiTable(Context& context, CmpntState& state, std::string_view text) {
+    CmpntEmi* const emi = emiBeingRead(state);
+    Header(context, emi == nullptr ? nullptr : &(emi->*Table), text);
+}
+
+void readEmiPin(Context& context, CmpntState& state, std::string_view text) {
+    if (CmpntEmi* const emi = emiBeingRead(state)) pinEmiLine(context, emi->pins, state.current->pins, text);
+}
+
+void readEmiDomain(Context& context, CmpntState& state, std::string_view text) {
+    if (CmpntEmi* const emi = emiBeingRead(state)) pinDomainEmiLine(context, emi->pin_domains, text);
+}
+
+using K = KeywordCode;
+
+constexpr auto kSections = sectionTable<CmpntState>({
+    section<CmpntState, readName, componentLine>(K::component),
+    section<CmpntState, readManufacturer, noData<507>>(K::manufacturer),
+    section<CmpntState, readPackageModel, noData<508>>(K::packageModel),
+    section<CmpntState, openPackage, readPart<&Cmpnt::package, pkgLine>>(K::package),
+    section<CmpntState, openPart<&Cmpnt::pins, pinHeader>, readPin>(K::pin),
+    section<CmpntState, openTable<&Cmpnt::pin_mapping, pinMapHeader>, readPart<&Cmpnt::pin_mapping, pinMapLine>>(
+        K::pinMapping),
+    section<CmpntState, openTable<&Cmpnt::diff_pins, diffPinHeader>, readPart<&Cmpnt::diff_pins, diffPinLine>>(
+        K::diffPin),
+    section<CmpntState, openTable<&Cmpnt::series_pins, seriesPinHeader>, readPart<&Cmpnt::series_pins, seriesPinLine>>(
+        K::seriesPinMapping),
+    section<CmpntState, openPart<&Cmpnt::switch_groups, openSwitchGroups>, readSwitchGroups, closeSwitchGroups>(
+        K::seriesSwitchGroups),
+    blockSection<CmpntState, openPart<&Cmpnt::alternates, openAlternates>, readPart<&Cmpnt::alternates, alternateLine>,
+                 closePart<&Cmpnt::alternates, closeAlternates>>(K::alternatePackageModels,
+                                                                 K::endAlternatePackageModels, kAlternatesEnd),
+    blockSection<CmpntState, openNodeDeclarations, readPart<&Cmpnt::nodes, nodeLine>, closeNodes>(
+        K::nodeDeclarations, K::endNodeDeclarations, kNodesEnd),
+    blockSection<CmpntState, openPart<&Cmpnt::circuit_calls, openCircuitCall>, readCall, closeCall>(
+        K::circuitCall, K::endCircuitCall, kCircuitCallEnd),
+    blockSection<CmpntState, openPart<&Cmpnt::emi, openCmpntEmi>, readPart<&Cmpnt::emi, cmpntEmiLine>, closeEmi>(
+        K::beginEmiComponent, K::endEmiComponent, kCmpntEmiEnd),
+    section<CmpntState, openEmiTable<&CmpntEmi::pins, pinEmiHeader>, readEmiPin>(K::pinEmi),
+    section<CmpntState, openEmiTable<&CmpntEmi::pin_domains, pinDomainEmiHeader>, readEmiDomain>(K::pinDomainEmi),
+});
+
+void closeCmpnt(Context& context, CmpntState& state, Cmpnt& component) {
+    if (!state.manufacturer_seen) error(context.diagnostics, 514, component.name);
+    if (component.package != nullptr) {
+        checkPkg(context, *component.package, component.name);
     } else {
-        error(run.diagnostics, 519, component.name);
+        error(context.diagnostics, 519, component.name);
     }
-    if (component.alternates_seen && !run.cmpnt.package_model_seen) error(run.diagnostics, 537, component.name);
-}
-
-/// Reports every pair of equal names: each component once per component of its name behind it in the list.
-void checkDuplicates(Run& run, const Ibis& root) {
-    std::unordered_map<std::string_view, std::size_t> behind;
-    for (const Cmpnt& component : root.components.newestFirst()) {
-        ++behind[component.name];
-    }
-    for (const Cmpnt& component : root.components.newestFirst()) {
-        for (std::size_t left = --behind[component.name]; left > 0; --left) {
-            error(run.diagnostics, 511, component.name);
-        }
-    }
-}
-
-/// Looks up the package models of a component. Its own is returned, if it has one and that is found.
-const PkgMdl* resolvePackage(Run& run, const Ibis& root, const Cmpnt& component) {
-    const std::string& package = component.package_model;
-    const bool found = !package.empty() && findPackageModel(run, package, component.name);
-    checkAlternatePackages(run, component);
-    return found ? root.package_models.find(package) : nullptr;
-}
-
-/// Warns of the first pin of a package model that the component does not have.
-void checkPackagePins(Run& run, const Cmpnt& component, const PkgMdl& package) {
-    for (const std::uint32_t place : package.own_pins) {
-        const std::string& name = package.pin_names[place];
-        if (isKnownPin(component, name)) continue;
-        warning(run.diagnostics, 613, package.name, name, component.name);
-        return;
-    }
+    if (component.alternates != nullptr && !state.package_model_seen) error(context.diagnostics, 537, component.name);
 }
 
 } // namespace
 
-void openCmpnt(Run& run) {
-    Ibis* const root = currentRoot(run);
-    if (root == nullptr) {
-        const SourceMark mark = here();
-        programBug(run.diagnostics, 501, mark.file, mark.line);
-        return;
-    }
-    run.cmpnt = CmpntState{};
-    run.cmpnt.current = &root->components.add(std::make_unique<Cmpnt>());
-}
-
-void cmpntKeywordSeen(Run& run, KeywordCode code) {
-    // What a keyword interrupts is over; the dispatcher has reported an unfinished state.
-    run.cmpnt.switches.list = SwitchReader::List::none;
-    if (run.cmpnt.current == nullptr) return;
-    blockKeywordSeen(run, *run.cmpnt.current, run.cmpnt.block, code);
-    if (keepsOpen(code)) return;
-    closeCmpnt(run, *run.cmpnt.current);
-    run.cmpnt.current = nullptr;
-}
-
-void cmpntLine(Run& run, const Line& line) {
-    Cmpnt* const component = run.cmpnt.current;
-    switch (line.kind) {
-    case LineKind::keyword:
-        if (component == nullptr) {
-            errorAtLine(run.diagnostics, 502);
-        } else {
-            keywordLine(run, *component, line);
-        }
-        return;
-    case LineKind::data:
-        if (component == nullptr) {
-            errorAtLine(run.diagnostics, 503);
-        } else {
-            dataLine(run, *component, line);
-        }
-        return;
-    case LineKind::blank: break;
-    }
-    const SourceMark mark = here();
-    programBugAtLine(run.diagnostics, 505, mark.file, mark.line);
-}
-
-void checkCmpnts(Run& run) {
-    const Ibis* const root = currentRoot(run);
-    if (root == nullptr) return;
-    checkDuplicates(run, *root);
-    PinModels models;
-    SeriesModels series_models;
-    for (const Cmpnt& component : root->components.newestFirst()) {
-        const PkgMdl* const package = resolvePackage(run, *root, component);
-        if (component.pins.empty()) {
-            error(run.diagnostics, 524, component.name);
-        } else {
-            checkPins(run, component, models);
-            if (package != nullptr) checkPackagePins(run, component, *package);
-        }
-        checkPinMaps(run, component);
-        checkDiffPins(run, component);
-        checkSeriesPins(run, component, series_models);
-        checkSwitchGroups(run, component);
-        checkNodes(run, component);
-        checkCircuitCalls(run, component);
-        checkPinEmi(run, component);
-    }
-    checkExtCkts(run, *root);
-}
+const RecordModule<CmpntState> kCmpnt{
+    .opens = K::component,
+    .find = [](K code) { return kSections.find(code); },
+    .close = closeCmpnt,
+    .orphan = reportOrphan<502, 503>,
+    .behind_end = [](Context& context, const BlockEnd& end) { errorAtLine(context.diagnostics, 509, end.name); },
+    .impossible = [](Context& context, LineKind) { programBugHereAtLine(context.diagnostics, 505); },
+};
 
 } // namespace kestrel

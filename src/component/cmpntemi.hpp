@@ -1,20 +1,17 @@
 #pragma once
 
-#include "base/text_hash.hpp"
+#include "component/pin.hpp"
 #include "component/pinemi.hpp"
-#include "reader/block.hpp"
-#include "reader/columns.hpp"
 #include "reader/enumeration.hpp"
+#include "reader/sections.hpp"
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <vector>
+#include <string_view>
 
 namespace kestrel {
-
-struct Run;
-struct Cmpnt;
 
 /// Whether a part works with digital or analog signals.
 enum class EmiDomain : std::uint8_t { notGiven = 0, digital = 1, analog = 2, mixed = 3, other = 4 };
@@ -26,24 +23,26 @@ inline constexpr std::array<EnumerationRow<EmiDomain>, 3> kEmiDomains{{
     {"Digital_analog", EmiDomain::mixed},
 }};
 
-/// What "[Begin EMI Component]" gives. Farads; tables are in file order.
+/// What "[Begin EMI Component]" gives. Farads.
 struct CmpntEmi {
     EmiDomain domain = EmiDomain::notGiven;
     std::optional<double> cpd; ///< the typical one of a range
     std::optional<double> c_heatsink_gnd;
     std::optional<double> c_heatsink_float;
-    TableColumns pin_columns; ///< of "[Pin EMI]"
-    std::vector<PinEmi> pins;
-    PinEmiIndex pin_index;       ///< of their pins
-    TableColumns domain_columns; ///< of "[Pin Domain EMI]"
-    std::vector<PinDomainEmi> pin_domains;
-    PinDomainEmiIndex domain_index;    ///< of their names
-    TextSet dropped_domains;           ///< of rows that were reported and dropped
-    double percentages = 0.0;          ///< sum of those that were not reported
-    bool percentages_reported = false; ///< their sum was
+    PinEmiTable pins;
+    PinDomainEmiTable pin_domains;
 };
 
-/// "[Begin EMI Component]" to its end. Reports 4701 to 4713 and 4715 at the line, and 4910 without one.
-extern const Block<Cmpnt> kEmiComponent;
+/// The end of the block.
+extern const BlockEnd kCmpntEmiEnd;
+
+/// Begins the block at its keyword, anew or once more.
+void openCmpntEmi(Context& context, std::unique_ptr<CmpntEmi>& emi, std::string_view text);
+
+/// Reads a subparameter; the component's name is for messages.
+void cmpntEmiLine(Context& context, CmpntEmi& emi, std::string_view component, std::string_view text);
+
+/// Compares the tables of the block with each other and with the component's pins.
+void checkCmpntEmi(Context& context, const CmpntEmi& emi, const PinList& pins, std::string_view component);
 
 } // namespace kestrel

@@ -1,15 +1,13 @@
 #pragma once
 
-#include "base/row_index.hpp"
+#include "base/indexed_rows.hpp"
+#include "reader/columns.hpp"
 #include "reader/values.hpp"
 
 #include <string>
 #include <string_view>
 
 namespace kestrel {
-
-struct Run;
-struct Cmpnt;
 
 /// One row of "[Diff Pin]". Volts and seconds; "NA" or missing means the default, of the last two the typical delay.
 struct DifPin {
@@ -23,20 +21,20 @@ struct DifPin {
     bool inv_pin_reported = false;
 };
 
-/// Find the rows by their non-inverting and by their inverting pins.
-using DifPinIndex = RowIndex<DifPin, &DifPin::pin>;
-using InvPinIndex = RowIndex<DifPin, &DifPin::inv_pin>;
+/// "[Diff Pin]".
+struct DiffPins {
+    TableColumns columns;
+    IndexedRows<DifPin, &DifPin::pin> rows;
+    RowIndex<DifPin, &DifPin::inv_pin> inv_pin_index;
+};
 
 /// True when a row names the pin on either side.
-[[nodiscard]] bool isInDiffPin(const Cmpnt& component, std::string_view pin);
+[[nodiscard]] bool isInDiffPin(const DiffPins& diff_pins, std::string_view pin);
 
-/// Reads the header words behind "[Diff Pin]". Reports 802 and 528 to 532.
-void diffPinHeader(Run& run, Cmpnt& component, std::string_view text);
+/// Reads the header words behind "[Diff Pin]".
+void diffPinHeader(Context& context, DiffPins& diff_pins, std::string_view text);
 
-/// Reads one row. Reports 803 to 810 and what the cell reader reports.
-void diffPinLine(Run& run, Cmpnt& component, std::string_view text);
-
-/// Looks up the pins of the rows and compares their models. Reports 811 to 814 (no line).
-void checkDiffPins(Run& run, const Cmpnt& component);
+/// Reads one row.
+void diffPinLine(Context& context, DiffPins& diff_pins, std::string_view text);
 
 } // namespace kestrel

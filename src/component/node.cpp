@@ -1,6 +1,8 @@
 #include "component/node.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/items.hpp"
+
+#include <string>
 
 namespace kestrel {
 
@@ -9,41 +11,36 @@ namespace {
 constexpr std::string_view kBegin = "Node_Declarations";
 constexpr std::string_view kEnd = "End_Node_Declarations";
 
-void open(Run& run, Cmpnt& component, std::string_view text) {
-    if (component.nodes_seen) errorAtLine(run.diagnostics, 1601);
-    component.nodes_seen = true;
-    if (!text.empty()) errorAtLine(run.diagnostics, 1602, kBegin);
-    if (!component.circuit_calls.empty()) errorAtLine(run.diagnostics, 3600);
-}
-
-void line(Run& run, Cmpnt& component, std::string_view text) {
-    for (std::string_view name = takeItem(run, text); !name.empty(); name = takeItem(run, text)) {
-        if (!component.nodes.add(name)) errorAtLine(run.diagnostics, 1603, name);
-    }
-}
-
-void close(Run& /*run*/, Cmpnt& /*component*/) {}
-
-void doNotMatch(Run& run) { errorAtLine(run.diagnostics, 1605); }
+void doNotMatch(Context& context) { errorAtLine(context.diagnostics, 1605); }
 
 } // namespace
 
-const Block<Cmpnt> kNodeDeclarations{
-    .begin = KeywordCode::nodeDeclarations,
-    .end = KeywordCode::endNodeDeclarations,
-    .end_name = kEnd,
-    .open = open,
-    .line = line,
-    .close = close,
-    .text_behind_end = [](Run& run, std::string_view /*text*/) { errorAtLine(run.diagnostics, 1602, kEnd); },
+const BlockEnd kNodesEnd{
+    .name = kEnd,
+    .text_behind = [](Context& context, std::string_view) { errorAtLine(context.diagnostics, 1602, kEnd); },
     .not_ended = doNotMatch,
     .no_begin = doNotMatch,
 };
 
-void checkNodes(Run& run, const Cmpnt& component) {
-    for (const std::string& node : component.nodes.names) {
-        if (findPin(component, listedPinName(component, node)) != nullptr)
-            error(run.diagnostics, 1604, node, component.name);
+void openNodes(Context& context, std::unique_ptr<Nodes>& nodes, bool behind_call, std::string_view text) {
+    if (nodes != nullptr) {
+        errorAtLine(context.diagnostics, 1601);
+    } else {
+        nodes = std::make_unique<Nodes>();
+    }
+    if (!text.empty()) errorAtLine(context.diagnostics, 1602, kBegin);
+    if (behind_call) errorAtLine(context.diagnostics, 3600);
+}
+
+void nodeLine(Context& context, Nodes& nodes, std::string_view text) {
+    for (std::string_view name = takeItem(context, text); !name.empty(); name = takeItem(context, text)) {
+        if (!nodes.add(name)) errorAtLine(context.diagnostics, 1603, name);
+    }
+}
+
+void checkNodes(Context& context, const Nodes& nodes, const PinList& pins, std::string_view component) {
+    for (const std::string& node : nodes.names) {
+        if (pins.has(listedPinName(pins, node))) error(context.diagnostics, 1604, node, component);
     }
 }
 

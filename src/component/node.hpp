@@ -1,17 +1,27 @@
 #pragma once
 
-#include "reader/block.hpp"
+#include "base/name_list.hpp"
+#include "component/pin.hpp"
+#include "reader/sections.hpp"
+
+#include <memory>
+#include <string_view>
 
 namespace kestrel {
 
-struct Run;
-struct Cmpnt;
+/// "[Node Declarations]": the nodes of the die that circuit calls use beside pins.
+using Nodes = NameList;
 
-/// "[Node Declarations]" to its end: the nodes of the die that circuit calls use beside pins. Reports 1601 to 1603,
-/// 1605 and 3600.
-extern const Block<Cmpnt> kNodeDeclarations;
+/// The end of the block.
+extern const BlockEnd kNodesEnd;
 
-/// Reports nodes that are named like a pin (1604, no line).
-void checkNodes(Run& run, const Cmpnt& component);
+/// Begins the block at its keyword, anew or once more; it should come before every circuit call.
+void openNodes(Context& context, std::unique_ptr<Nodes>& nodes, bool behind_call, std::string_view text);
+
+/// Reads a line of names.
+void nodeLine(Context& context, Nodes& nodes, std::string_view text);
+
+/// Reports nodes that are named like a pin.
+void checkNodes(Context& context, const Nodes& nodes, const PinList& pins, std::string_view component);
 
 } // namespace kestrel

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "base/row_index.hpp"
+#include "base/indexed_rows.hpp"
+#include "base/text_hash.hpp"
+#include "component/pin.hpp"
+#include "reader/columns.hpp"
 
 #include <string>
 #include <string_view>
 
 namespace kestrel {
-
-struct Run;
-struct Cmpnt;
-struct CmpntEmi;
 
 /// One row of "[Pin EMI]".
 struct PinEmi {
@@ -19,30 +18,45 @@ struct PinEmi {
     bool repeated = false;  ///< reported as a pin used before
 };
 
+/// "[Pin EMI]".
+struct PinEmiTable {
+    TableColumns columns;
+    IndexedRows<PinEmi, &PinEmi::pin> rows;
+};
+
 /// One row of "[Pin Domain EMI]".
 struct PinDomainEmi {
     std::string name;
     double percentage = 0.0; ///< of the component's power
 };
 
-/// Find the rows by their pins and by their names.
-using PinEmiIndex = RowIndex<PinEmi, &PinEmi::pin>;
-using PinDomainEmiIndex = RowIndex<PinDomainEmi, &PinDomainEmi::name>;
+/// "[Pin Domain EMI]".
+struct PinDomainEmiTable {
+    TableColumns columns;
+    IndexedRows<PinDomainEmi, &PinDomainEmi::name> rows;
+    TextSet dropped;                   ///< names of rows that were reported and dropped
+    double percentages = 0.0;          ///< sum of those that were not reported
+    bool percentages_reported = false; ///< their sum was
+};
 
-/// Read the header words behind the keywords. Report 528 to 530, 4714, 4901 and 4911.
-void pinEmiHeader(Run& run, Cmpnt& component, std::string_view text);
-void pinDomainEmiHeader(Run& run, Cmpnt& component, std::string_view text);
+/// Read the header words behind the keywords; without a table the keyword is out of its place, which is reported.
+void pinEmiHeader(Context& context, PinEmiTable* table, std::string_view text);
+void pinDomainEmiHeader(Context& context, PinDomainEmiTable* table, std::string_view text);
 
-/// Reads one row of "[Pin EMI]". Reports 4902 to 4905.
-void pinEmiLine(Run& run, Cmpnt& component, std::string_view text);
+/// Reads one row of "[Pin EMI]".
+void pinEmiLine(Context& context, PinEmiTable& table, const PinList& pins, std::string_view text);
 
-/// Reads one row of "[Pin Domain EMI]". Reports 4902, 4904, 4906 and 4907.
-void pinDomainEmiLine(Run& run, Cmpnt& component, std::string_view text);
+/// Reads one row of "[Pin Domain EMI]".
+void pinDomainEmiLine(Context& context, PinDomainEmiTable& table, std::string_view text);
 
-/// At the end of the block: the domains take no more power than there is (4910, no line), told once.
-void checkDomainPercentages(Run& run, Cmpnt& component);
+/// At the end of the block: the domains take no more power than there is, reported once.
+void checkDomainPercentages(Context& context, PinDomainEmiTable& table, std::string_view component);
 
-/// Compares the pins with the component's, and their domains with those listed. Reports 4908 and 4909 (no line).
-void checkPinEmi(Run& run, const Cmpnt& component);
+/// Compares the pins with the component's.
+void checkEmiPins(Context& context, const PinEmiTable& table, const PinList& pins, std::string_view component);
+
+/// Compares the domains of the pins with those listed.
+void checkEmiDomains(Context& context, const PinEmiTable& table, const PinDomainEmiTable& domains,
+                     std::string_view component);
 
 } // namespace kestrel

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "base/row_index.hpp"
+#include "base/indexed_rows.hpp"
+#include "component/pin.hpp"
+#include "reader/columns.hpp"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kestrel {
-
-struct Run;
-struct Cmpnt;
 
 /// Columns of "[Pin Mapping]" behind the pin name.
 enum class BusColumn : std::uint8_t { pulldownRef = 0, pullupRef, gndClampRef, powerClampRef, extRef };
@@ -27,16 +27,20 @@ struct PinMap {
     [[nodiscard]] const std::string& label(BusColumn column) const { return labels[static_cast<std::size_t>(column)]; }
 };
 
-/// Finds the rows by their pins.
-using PinMapIndex = RowIndex<PinMap, &PinMap::pin>;
+/// "[Pin Mapping]".
+struct PinMapping {
+    TableColumns columns;
+    IndexedRows<PinMap, &PinMap::pin> rows;
+    std::vector<PinMap> dropped_rows; ///< those that were reported and dropped
+};
 
-/// Reads the header words behind "[Pin Mapping]". Reports 528 to 530, 702 and 703.
-void pinMapHeader(Run& run, Cmpnt& component, std::string_view text);
+/// Reads the header words behind "[Pin Mapping]".
+void pinMapHeader(Context& context, PinMapping& mapping, std::string_view text);
 
-/// Reads one row. Reports 704 to 709.
-void pinMapLine(Run& run, Cmpnt& component, std::string_view text);
+/// Reads one row.
+void pinMapLine(Context& context, PinMapping& mapping, std::string_view text);
 
-/// Compares the rows with the component's pins and supplies. Reports 710 to 714 (no line).
-void checkPinMaps(Run& run, const Cmpnt& component);
+/// Compares the rows with the component's pins and supplies.
+void checkPinMaps(Context& context, const PinMapping& mapping, const PinList& pins, std::string_view component);
 
 } // namespace kestrel

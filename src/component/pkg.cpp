@@ -1,6 +1,7 @@
 #include "component/pkg.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/context.hpp"
+#include "reader/items.hpp"
 
 #include <algorithm>
 #include <array>
@@ -33,16 +34,16 @@ const PkgValue* findValue(std::string_view name) {
 
 } // namespace
 
-void pkgLine(Run& run, Pkg& package, std::string_view text) {
-    Diagnostics& diagnostics = run.diagnostics;
+void pkgLine(Context& context, Pkg& package, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
     if (!text.empty() && isSpace(text.front())) errorAtLine(diagnostics, 1201);
-    const ItemList items = splitItems(run, text, kItems);
+    const ItemList items = splitItems(context, text, kItems);
     if (items.count != kItems) {
         errorAtLine(diagnostics, 1202, kItems, items.count);
         return;
     }
 
-    const std::string_view name = takeItem(run, text);
+    const std::string_view name = takeItem(context, text);
     const PkgValue* const value = findValue(name);
     if (value == nullptr) {
         errorAtLine(diagnostics, 1206);
@@ -55,7 +56,7 @@ void pkgLine(Run& run, Pkg& package, std::string_view text) {
     }
 
     Rng range;
-    if (!readRange(run, text, name, range, OrderCheck::on)) {
+    if (!readRange(context, text, name, range, OrderCheck::on)) {
         errorAtLine(diagnostics, 1207, name);
         return;
     }
@@ -66,9 +67,9 @@ void pkgLine(Run& run, Pkg& package, std::string_view text) {
     if (range.max.state == CellState::missing) errorAtLine(diagnostics, 1211);
 }
 
-void checkPkg(Run& run, const Pkg& package, std::string_view component) {
+void checkPkg(Context& context, const Pkg& package, std::string_view component) {
     for (const PkgValue& value : kValues) {
-        if (!(package.*value.range)) error(run.diagnostics, value.missing, component);
+        if (!(package.*value.range)) error(context.diagnostics, value.missing, component);
     }
 }
 

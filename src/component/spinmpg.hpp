@@ -1,14 +1,12 @@
 #pragma once
 
-#include <cstdint>
+#include "reader/columns.hpp"
+
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace kestrel {
-
-struct Run;
-struct Cmpnt;
 
 /// One row of "[Series Pin Mapping]". A row that was dropped keeps nothing but its model name and its group, so that
 /// the model counts as used and the group as mapped.
@@ -23,25 +21,16 @@ struct SPin {
     bool group_reported = false;
 };
 
-/// What a model name of "[Series Pin Mapping]" stands for.
-enum class SeriesModelKind : std::uint8_t { undefined, series, other };
-
-/// A model name that rows use, and the component that it was last reported for.
-struct SeriesModel {
-    SeriesModelKind kind = SeriesModelKind::undefined;
-    const Cmpnt* reported_for = nullptr;
+/// "[Series Pin Mapping]".
+struct SeriesPins {
+    TableColumns columns;
+    std::vector<SPin> rows; ///< in file order
 };
 
-/// The model names of all rows of a file, so that each is looked up once. The names are views of the rows' own.
-using SeriesModels = std::unordered_map<std::string_view, SeriesModel>;
+/// Reads the header words behind "[Series Pin Mapping]".
+void seriesPinHeader(Context& context, SeriesPins& series_pins, std::string_view text);
 
-/// Reads the header words behind "[Series Pin Mapping]". Reports 2602 and 528 to 532.
-void seriesPinHeader(Run& run, Cmpnt& component, std::string_view text);
-
-/// Reads one row. Reports 2603 to 2609.
-void seriesPinLine(Run& run, Cmpnt& component, std::string_view text);
-
-/// Looks up pins, models and groups of the rows, marks the models found and reports 2610 to 2614 (no line).
-void checkSeriesPins(Run& run, const Cmpnt& component, SeriesModels& models);
+/// Reads one row.
+void seriesPinLine(Context& context, SeriesPins& series_pins, std::string_view text);
 
 } // namespace kestrel

@@ -304,7 +304,7 @@ inline constexpr std::array<MessageRow, 1206> kCatalog{{
     {806, "Diff Pin line uses pin '%s' for both pins."},
     {807, "Pin '%s' is already the non-inverting pin of a Diff Pin line."},
     {808, "Pin '%s' is used in more than one Diff Pin line."},
-    {809, "vdiff of Diff Pin '%s' is negative."},
+    {809, "Reserved."},
     {810, "tdelay_min of Diff Pin '%s' is larger than tdelay_max."},
     {811, "Pin '%s' in Diff Pin of Component '%s' is not in the Pin list."},
     {812, "Pin '%s' in Diff Pin of Component '%s' has the reserved model name '%s'."},

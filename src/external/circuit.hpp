@@ -12,14 +12,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
 
 struct Context;
-struct Run;
-struct Cmpnt;
 
 /// "Language" of an external file.
 enum class ExtLanguage : std::uint8_t { notGiven = 0, notKnown, spice, vhdlAms, verilogAms, vhdlA, verilogA, ibisIss };
@@ -79,27 +76,6 @@ struct ExtCkt : RecordOf<SubjectKind::externalCircuit> {
     bool used = false;                        ///< a circuit call names it
 };
 
-/// A "Port_map" line.
-struct PortMap {
-    std::string port;
-    std::string node;
-};
-
-/// The lines of a "[Circuit Call]" that name the pins it stands for; one of them at most is given.
-enum class CallPins : std::uint8_t { none, signal, diff, series };
-
-/// One "[Circuit Call]".
-struct CircuitCall {
-    std::string circuit; ///< at most 40 characters, empty when it was missing
-    CallPins kind = CallPins::none;
-    std::array<std::string, 2> pins; ///< as written, the second empty for a signal pin
-    std::vector<PortMap> port_map;   ///< in file order
-    TextSet mapped_ports;
-    TextSet dropped_ports; ///< of lines that were reported and dropped
-    TextSet dropped_nodes; ///< pins and nodes of such lines
-    bool port_map_seen = false;
-};
-
 /// What messages call an external block, and what is asked of it.
 struct ExtOwner {
     std::string_view kind; ///< "External Model" or "External Circuit"
@@ -130,15 +106,5 @@ using CircuitState = RecordState<ExtCkt>;
 /// Reads external circuits.
 extern const RecordModule<CircuitState> kExternalCircuit;
 
-/// "[Circuit Call]" to its end. Reports 1803, 1807, 1827, 1828 and 1833 to 1837 at the line, 1842 without one.
-extern const Block<Cmpnt> kCircuitCall;
-
-/// What may be names of pins in all circuit calls of a component, as the list has them, also in lines that were
-/// reported.
-[[nodiscard]] std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component);
-
-/// Looks up circuits, ports, pins and nodes of the calls and marks the circuits. Reports 1838 to 1841, 1843 and 1845
-/// (no line).
-void checkCircuitCalls(Run& run, const Cmpnt& component);
 
 } // namespace kestrel

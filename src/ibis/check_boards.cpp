@@ -101,7 +101,7 @@ void checkComponentReference(Diagnostics& diagnostics, const FollowedFile& file,
                              const StringList& pins) {
     if (const Cmpnt* const component = file.components.find(entry.component)) {
         checkPins(diagnostics, entry, pins, pinNameLimit(file.version),
-                  [component](std::string_view pin) { return isKnownPin(*component, pin); });
+                  [component](std::string_view pin) { return isKnownPin(component->pins, pin); });
     } else {
         error(diagnostics, 4390, entry.component, entry.file_name);
     }

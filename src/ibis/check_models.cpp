@@ -1,7 +1,7 @@
 #include "ibis/check_models.hpp"
 
 #include "component/cmpnt.hpp"
-#include "ibis/run.hpp"
+#include "ibis/ibis.hpp"
 #include "model/acdc.hpp"
 #include "model/msel.hpp"
 #include "model/submdl.hpp"
@@ -55,7 +55,8 @@ Names usedModelNames(const Ibis& root) {
         for (const Pin& pin : component.pins) {
             names.insert(pin.model_name);
         }
-        for (const SPin& row : component.series_pins) {
+        if (component.series_pins == nullptr) continue;
+        for (const SPin& row : component.series_pins->rows) {
             names.insert(row.model_name);
         }
     }
@@ -93,8 +94,6 @@ Mdl* referenceMdl(Ibis& root, std::string_view name) {
     return model;
 }
 
-Mdl* referenceMdl(Run& run, std::string_view name) { return referenceMdl(*currentRoot(run), name); }
-
 void checkCompositeCurrents(Context& context, const Ibis& root) {
     for (const Mdl& model : root.models.newestFirst()) {
         const About about(context.diagnostics, model);
@@ -106,8 +105,9 @@ void checkComponentCurrents(Context& context, const Ibis& root) {
     if (context.diagnostics.silence_cautions) return;
     const Names names = namesWithCurrent(root);
     for (const Cmpnt& component : root.components.newestFirst()) {
+        const About about(context.diagnostics, component);
         const auto has_current = [&names](const Pin& pin) { return names.contains(pin.model_name); };
-        if (component.pin_map_columns.seen() || std::ranges::none_of(component.pins, has_current)) continue;
+        if (component.pin_mapping != nullptr || std::ranges::none_of(component.pins, has_current)) continue;
         caution(context.diagnostics, 1708, component.name);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
+#include "ibis/check_components.hpp"
 #include "ibis/check_models.hpp"
 #include "ibis/run.hpp"
 #include "model/testdata.hpp"
@@ -38,7 +39,7 @@ void finalChecks(Run& run) {
         error(run.diagnostics, 4101);
     } else {
         checkComponentCurrents(run, *root);
-        checkCmpnts(run);
+        checkComponents(run, *root);
     }
     finalPackageChecks(run, *root);
     checkTestData(run);

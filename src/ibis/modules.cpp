@@ -56,7 +56,7 @@ template <auto State> void forget(Run& run) { run.*State = {}; }
 
 constexpr std::array<Module, 13> kModules{{
     headerModule(),
-    {Owner::cmpnt, kIbsOnly, KeywordCode::component, openCmpnt, cmpntKeywordSeen, cmpntLine, forget<&Run::cmpnt>},
+    recordModule<&Ibis::components, &Run::cmpnt, kCmpnt>(Owner::cmpnt, kIbsOnly, KeywordCode::component),
     recordModule<&Ibis::models, &Run::mdl, kMdl>(Owner::mdl, kIbsOnly, KeywordCode::model),
     recordModule<&Ibis::external_circuits, &Run::circuit, kExternalCircuit>(Owner::circuit, kIbsOnly,
                                                                             KeywordCode::externalCircuit),

@@ -98,9 +98,6 @@ extern const RecordModule<MdlState> kMdl;
 /// Whose tables they are.
 [[nodiscard]] CurveOwner curveOwner(const Mdl& model);
 
-/// Looks a model up by exact name in the current root and marks it as referenced; null when there is none.
-Mdl* referenceMdl(Run& run, std::string_view name);
-
 /// True for the four "_diff" types.
 [[nodiscard]] bool isDifferential(const Mdl& model);
 

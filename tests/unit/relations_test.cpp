@@ -2,10 +2,9 @@
 
 #include "check_text.hpp"
 #include "codes.hpp"
-#include "ibis/run.hpp"
+#include "component_file.hpp"
+#include "ibis/check_circuit_calls.hpp"
 
-#include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -15,61 +14,43 @@
 namespace kestrel {
 namespace {
 
-using K = KeywordCode;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-/// An open component of version 5 whose keywords are told and read as from a file.
-struct Relations {
-    Relations() : root(createRoot(run)) {
-        run.parse.version = IbisVersion::v5;
-        openCmpnt(run);
-    }
-    void read(K code, std::string_view text, std::initializer_list<std::string_view> rows) {
-        cmpntKeywordSeen(run, code);
-        cmpntLine(run, {LineKind::keyword, code, text});
-        for (const std::string_view row : rows) {
-            cmpntLine(run, {LineKind::data, code, row});
-        }
-    }
-    [[nodiscard]] const Cmpnt& component() const { return *run.cmpnt.current; }
-
-    Output out;
-    Run run{out};
-    Ibis& root;
-};
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 TEST(Relations, keepTheirRowsInTheirUnits) {
-    Relations test;
-    test.read(K::pinMapping, "pulldown_ref pullup_ref gnd_clamp_ref power_clamp_ref", {"1 G nc", "2 G P na P"});
-    test.read(K::diffPin, "inv_pin vdiff tdelay_typ tdelay_min tdelay_max", {"1 2 150mV -1ns NA 2n", "3 4 NA 0"});
-    test.read(K::seriesPinMapping, "pin_2 model_name function_table_group", {"1 2 Switch", "1 2 Switch 4"});
-    const Cmpnt& component = test.component();
-    ASSERT_EQ(component.pin_maps.size(), 2U);
-    EXPECT_THAT(component.pin_maps[0].labels, ElementsAre("G", "nc", "", "", ""));
-    EXPECT_THAT(component.pin_maps[1].labels, ElementsAre("G", "P", "NC", "P", ""));
-    ASSERT_EQ(component.diff_pins.size(), 2U);
-    const DifPin& pair = component.diff_pins[0];
-    EXPECT_DOUBLE_EQ(pair.vdiff.value, 0.15);
+    const ComponentFile file("5.1",
+                             "[Pin Mapping] pulldown_ref pullup_ref gnd_clamp_ref power_clamp_ref\n"
+                             "1 G nc\n"
+                             "2 G P na P\n"
+                             "[Diff Pin] inv_pin vdiff tdelay_typ tdelay_min tdelay_max\n"
+                             "1 2 -150mV -1ns NA 2n\n"
+                             "3 4 NA 0\n"
+                             "[Series Pin Mapping] pin_2 model_name function_table_group\n"
+                             "1 2 Switch\n"
+                             "1 2 Switch 4\n");
+    const Cmpnt& component = file.component();
+    ASSERT_EQ(component.pin_mapping->rows.size(), 2U);
+    EXPECT_THAT(component.pin_mapping->rows[0].labels, ElementsAre("G", "nc", "", "", ""));
+    EXPECT_THAT(component.pin_mapping->rows[1].labels, ElementsAre("G", "P", "NC", "P", ""));
+    const DiffPins& diff_pins = *component.diff_pins;
+    ASSERT_EQ(diff_pins.rows.size(), 2U);
+    const DifPin& pair = diff_pins.rows[0];
+    EXPECT_DOUBLE_EQ(pair.vdiff.value, -0.15);
     EXPECT_DOUBLE_EQ(pair.tdelay_typ.value, -1e-9);
     EXPECT_EQ(pair.tdelay_min.state, CellState::na);
     EXPECT_DOUBLE_EQ(pair.tdelay_max.value, 2e-9);
-    EXPECT_EQ(component.diff_pins[1].tdelay_min.state, CellState::missing);
-    EXPECT_TRUE(isInDiffPin(component, "4"));
-    EXPECT_FALSE(isInDiffPin(component, "5"));
-    ASSERT_EQ(component.series_pins.size(), 2U);
-    EXPECT_EQ(component.series_pins[0].group, "");
-    EXPECT_EQ(component.series_pins[1].group, "4");
-    EXPECT_EQ(test.run.diagnostics.errors, 0);
+    EXPECT_EQ(diff_pins.rows[1].tdelay_min.state, CellState::missing);
+    EXPECT_TRUE(isInDiffPin(diff_pins, "4"));
+    EXPECT_FALSE(isInDiffPin(diff_pins, "5"));
+    const auto& series_pins = component.series_pins->rows;
+    ASSERT_EQ(series_pins.size(), 2U);
+    EXPECT_EQ(series_pins[0].group, "");
+    EXPECT_EQ(series_pins[1].group, "4");
 }
 
 TEST(SwitchStates, runOverLinesUntilTheirSlash) {
-    Relations test;
-    test.read(K::seriesSwitchGroups, "", {"On 1 2", "Off 3/ Off", "4"});
-    EXPECT_TRUE(test.run.parse.continuation_pending);
-    cmpntLine(test.run, {LineKind::data, K::seriesSwitchGroups, "/"});
-    EXPECT_FALSE(test.run.parse.continuation_pending);
-    const auto& states = test.component().switch_states;
+    const ComponentFile file("5.1", "[Series Switch Groups]\nOn 1 2\nOff 3/ Off\n4\n/\n");
+    const auto& states = file.component().switch_groups->states;
     ASSERT_EQ(states.size(), 2U);
     EXPECT_THAT(states[0].on, ElementsAre("1", "2"));
     EXPECT_THAT(states[0].off, ElementsAre("3"));
@@ -78,12 +59,19 @@ TEST(SwitchStates, runOverLinesUntilTheirSlash) {
 }
 
 TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
-    Relations test;
-    test.read(K::pin, "signal_name model_name", {"123456789 A CIRCUITCALL"});
-    test.read(K::circuitCall, "Net",
-              {"Diff_signal_pins 1 2", "Signal_pin 3 10 11", "Port_map a 4.pad", "Port_map 5", "Port_map b 123456789",
-               "Port_map b 6", "Port_map c 7.x 8 9", "Port_map d abcdefghi"});
-    const auto pins = circuitCallPins(test.component());
+    const ComponentFile file("5.1",
+                             "[Pin] signal_name model_name\n"
+                             "123456789 A CIRCUITCALL\n"
+                             "[Circuit Call] Net\n"
+                             "Diff_signal_pins 1 2\n"
+                             "Signal_pin 3 10 11\n"
+                             "Port_map a 4.pad\n"
+                             "Port_map 5\n"
+                             "Port_map b 123456789\n"
+                             "Port_map b 6\n"
+                             "Port_map c 7.x 8 9\n"
+                             "Port_map d abcdefghi\n");
+    const auto pins = circuitCallPins(file.component());
     for (const std::string_view pin : {"1", "2", "3", "10", "11", "4", "5", "12345678", "6", "7"}) {
         EXPECT_TRUE(pins.contains(pin)) << pin;
     }
@@ -92,18 +80,42 @@ TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
     }
 }
 
+TEST(CircuitCalls, shouldMapThePortsThatNothingElseConnects) {
+    constexpr std::string_view kCall = "[Circuit Call] Net\nSignal_pin 1\nPort_map a 1\n";
+    constexpr std::string_view kCircuit =
+        "[External Circuit] Net\n"
+        "Language SPICE\n"
+        "Corner Typ net.spi net\n"
+        "Ports a A_gnd A_puref D_drive drive ref in b c\n"
+        "D_to_A D_drive drive ref 0 1 1n 1n Typ\n"
+        "A_to_D any in A_gnd 0 1 Typ\n"
+        "[End External Circuit]\n";
+    std::string lines = "[Pin] signal_name model_name\n1 A CIRCUITCALL\n";
+    lines.append(kCall).append("[End Circuit Call]\n").append(kCall).append("Port_map b 1\nPort_map c 1\n");
+    lines.append("[End Circuit Call]\n").append(kCircuit);
+    const ComponentFile file("4.2", lines);
+    // Of the first call alone, and there the first of two.
+    EXPECT_THAT(file.out.text(),
+                testing::EndsWith("CAUTION - Circuit Call of 'Net' in Component 'Chip': port 'b' is not mapped\n"));
+    EXPECT_EQ(file.run.diagnostics.cautions, 1);
+    EXPECT_EQ(file.run.diagnostics.errors + file.run.diagnostics.warnings, 0);
+}
+
 TEST(ExternalCircuits, keepFilesNamesAndConverters) {
-    Relations test;
+    Output out;
+    kestrel::Run run{out};
+    run.parse.version = IbisVersion::v5;
     ExtCkt circuit;
     const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line :
          {"Language VHDL-A(MS)", "Corner Typ a.vhd buf(arch one)", "Corner Min b.vhd buf (two)", "Corner Max c.vhd buf",
           "Ports p q", "Parameters low=5 high = x slow", "D_to_A d p q low 3.3V 1n 2n Max Inverting",
           "A_to_D d p q -1 1"}) {
-        extCktLine(test.run, circuit, owner, line);
+        extCktLine(run, circuit, owner, line);
     }
-    checkExtCkt(test.run, circuit, owner);
-    EXPECT_EQ(test.out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
+    checkExtCkt(run, circuit, owner);
+    EXPECT_EQ(out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name
+");
     EXPECT_EQ(circuit.language, ExtLanguage::vhdlA);
     EXPECT_EQ(circuit.corners[0]->circuit, "buf(arch one)");
     EXPECT_EQ(circuit.corners[1]->circuit, "buf (two)");
@@ -131,16 +143,17 @@ TEST(ExternalCircuits, areMissedByTheirEndKeyword) {
 }
 
 TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
-    Relations test;
-    test.run.parse.version = IbisVersion::v4;
-    test.run.diagnostics.coded_form = true;
+    Output out;
+    kestrel::Run run{out};
+    run.parse.version = IbisVersion::v4;
+    run.diagnostics.coded_form = true;
     ExtCkt circuit;
     const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
     for (const std::string_view line : {"Language IBIS-ISS", "Converter_Parameters p", "Language SPICE", "Parameters p",
                                         "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
-        extCktLine(test.run, circuit, owner, line);
+        extCktLine(run, circuit, owner, line);
     }
-    EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
+    EXPECT_EQ(codesOf(out.text()), "E1809@ E1807@ E1811@ E1819@");
 }
 
 /// What an external model of one language says of its ports, given ahead of the language.
@@ -165,27 +178,36 @@ TEST(ExternalModels, nameTheirPortsByTheirLanguage) {
 }
 
 TEST(EmiComponents, keepTheirValuesAndTables) {
-    Relations test;
-    test.read(K::beginEmiComponent, "",
-              {"Domain Mixed", "Cpd NA 5p 7p", "Cpd = 6p 5p 7p", "C_Heatsink_gnd = 3.7pF", "C_Heatsink_float = none"});
-    test.read(K::pinEmi, "domain_name clock_div", {"123456789 MEM 0.5", "2 na NA", "3 IO 0"});
-    test.read(K::pinDomainEmi, "percentage", {"MEM 40", "IO all"});
-    const auto& emi = test.component().emi;
-    ASSERT_TRUE(emi);
-    EXPECT_EQ(emi->domain, EmiDomain::other);
-    EXPECT_DOUBLE_EQ(emi->cpd.value_or(0.0), 6e-12);
-    EXPECT_DOUBLE_EQ(emi->c_heatsink_gnd.value_or(0.0), 3.7e-12);
-    EXPECT_EQ(emi->c_heatsink_float, std::nullopt);
-    ASSERT_EQ(emi->pins.size(), 3U);
-    EXPECT_EQ(emi->pins[0].pin, "123456789"); // as written: no message speaks of its length
-    EXPECT_EQ(emi->pins[0].domain, "MEM");
-    EXPECT_EQ(emi->pins[0].clock_div, 0.5);
-    EXPECT_EQ(emi->pins[1].domain, "");
-    EXPECT_EQ(emi->pins[1].clock_div, 1.0);
-    EXPECT_EQ(emi->pins[2].clock_div, 0.0);
-    ASSERT_EQ(emi->pin_domains.size(), 2U);
-    EXPECT_EQ(emi->pin_domains[0].percentage, 40.0);
-    EXPECT_EQ(emi->pin_domains[1].name, "IO");
+    const ComponentFile file("5.1",
+                             "[Begin EMI Component]\n"
+                             "Domain Mixed\n"
+                             "Cpd NA 5p 7p\n"
+                             "Cpd = 6p 5p 7p\n"
+                             "C_Heatsink_gnd = 3.7pF\n"
+                             "C_Heatsink_float = none\n"
+                             "[Pin EMI] domain_name clock_div\n"
+                             "123456789 MEM 0.5\n"
+                             "2 na NA\n"
+                             "3 IO 0\n"
+                             "[Pin Domain EMI] percentage\n"
+                             "MEM 40\n"
+                             "IO all\n");
+    const CmpntEmi& emi = *file.component().emi;
+    EXPECT_EQ(emi.domain, EmiDomain::other);
+    EXPECT_DOUBLE_EQ(emi.cpd.value_or(0.0), 6e-12);
+    EXPECT_DOUBLE_EQ(emi.c_heatsink_gnd.value_or(0.0), 3.7e-12);
+    EXPECT_EQ(emi.c_heatsink_float, std::nullopt);
+    const auto& pins = emi.pins.rows;
+    ASSERT_EQ(pins.size(), 3U);
+    EXPECT_EQ(pins[0].pin, "123456789"); // as written: no message speaks of its length
+    EXPECT_EQ(pins[0].domain, "MEM");
+    EXPECT_EQ(pins[0].clock_div, 0.5);
+    EXPECT_EQ(pins[1].domain, "");
+    EXPECT_EQ(pins[1].clock_div, 1.0);
+    EXPECT_EQ(pins[2].clock_div, 0.0);
+    ASSERT_EQ(emi.pin_domains.rows.size(), 2U);
+    EXPECT_EQ(emi.pin_domains.rows[0].percentage, 40.0);
+    EXPECT_EQ(emi.pin_domains.rows[1].name, "IO");
 }
 
 } // namespace

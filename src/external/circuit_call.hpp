@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/text_hash.hpp"
+#include "reader/sections.hpp"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+/// A "Port_map" line.
+struct PortMap {
+    std::string port;
+    std::string node;
+};
+
+/// The lines of a "[Circuit Call]" that name the pins it stands for; one of them at most is given.
+enum class CallPins : std::uint8_t { none, signal, diff, series };
+
+/// One "[Circuit Call]".
+struct CircuitCall {
+    std::string circuit; ///< at most 40 characters, empty when it was missing
+    CallPins kind = CallPins::none;
+    std::array<std::string, 2> pins; ///< as written, the second empty for a signal pin
+    std::vector<PortMap> port_map;   ///< in file order
+    TextSet mapped_ports;
+    TextSet dropped_ports; ///< of lines that were reported and dropped
+    TextSet dropped_nodes; ///< pins and nodes of such lines
+    bool port_map_seen = false;
+};
+
+/// The end of the block.
+extern const BlockEnd kCircuitCallEnd;
+
+/// Begins a call at its keyword.
+void openCircuitCall(Context& context, std::vector<CircuitCall>& calls, std::string_view text);
+
+/// Reads a line of a call.
+void circuitCallLine(Context& context, CircuitCall& call, std::string_view text);
+
+/// Checks a whole call by itself; the component's name is for messages.
+void closeCircuitCall(Context& context, const CircuitCall& call, std::string_view component);
+
+/// The pin that a node stands for: the whole of it, or what is before its first ".".
+[[nodiscard]] std::string_view pinOfNode(std::string_view node);
+
+} // namespace kestrel

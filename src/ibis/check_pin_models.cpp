@@ -1,0 +1,210 @@
+#include "ibis/check_pin_models.hpp"
+
+#include "component/cmpnt.hpp"
+#include "ibis/check_circuit_calls.hpp"
+#include "ibis/check_models.hpp"
+#include "ibis/ibis.hpp"
+#include "model/mdl.hpp"
+#include "model/msel.hpp"
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace kestrel {
+
+namespace {
+
+constexpr ModelTypeSet kOnlyDrive{ModelType::output,       ModelType::threeState, ModelType::openDrain,
+                                  ModelType::openSink,     ModelType::openSource, ModelType::outputEcl,
+                                  ModelType::threeStateEcl};
+constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
+
+/// A model without a type has been reported for that.
+bool isNoSeries(const Mdl& model) {
+    return !isSeries(model) && model.model_type != ModelType::notGiven && model.model_type != ModelType::noType;
+}
+
+/// Looks a name up among the models, which marks the one found, then among the selectors.
+NamedModel lookUp(Ibis& root, std::string_view name) {
+    NamedModel named;
+    const auto note = [&named](const Mdl& model) {
+        named.series = named.series || isSeries(model);
+        named.not_series = named.not_series || isNoSeries(model);
+    };
+    if (const Mdl* const model = referenceMdl(root, name)) {
+        named.found = true;
+        named.differential = isDifferential(*model);
+        note(*model);
+    } else if (const MSel* const selector = root.model_selectors.find(name)) {
+        named.found = true;
+        for (const MSelEntry& entry : selector->entries) {
+            if (const Mdl* const entered = root.models.find(entry.model_name)) note(*entered);
+        }
+    }
+    return named;
+}
+
+NamedModel& namedModel(Ibis& root, ModelNames& names, std::string_view name) {
+    const auto [at, is_new] = names.try_emplace(name);
+    if (is_new) at->second = lookUp(root, name);
+    return at->second;
+}
+
+/// False when there is nothing to report about this pin.
+bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin, const NamedModel& model) {
+    if (!model.found) {
+        error(diagnostics, 609, pin.model_name, pin.name, component.name);
+    } else if (model.series) {
+        error(diagnostics, 610, pin.name, component.name, pin.model_name);
+    } else if (model.differential && (component.diff_pins == nullptr || !isInDiffPin(*component.diff_pins, pin.name))) {
+        caution(diagnostics, 614, pin.model_name, pin.name, component.name);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+/// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
+bool isCircuitCallPin(const Pin& pin, IbisVersion version) {
+    return version >= IbisVersion::v4 && isCircuitCallName(pin.model_name);
+}
+
+/// True when no model or selector is meant. Rows under a faulty header may lack the model name.
+bool needsNoModel(const Pin& pin) { return pin.model_name.empty() || isUnmodeledPinName(pin.model_name); }
+
+/// Looks a pin of a row up. The model that it names is returned, if it names one that may be compared.
+const Mdl* diffPinModel(Context& context, const Ibis& root, const Cmpnt& component, std::string_view name,
+                        bool reported) {
+    const Pin* const pin = name.empty() ? nullptr : component.pins.find(name);
+    if (pin == nullptr) {
+        if (!name.empty() && !reported && !isKnownPin(component.pins, name)) {
+            error(context.diagnostics, 811, name, component.name);
+        }
+        return nullptr;
+    }
+    if (isUnmodeledPinName(pin->model_name)) {
+        if (!reported) warning(context.diagnostics, 812, name, component.name, pin->model_name);
+        return nullptr;
+    }
+    return root.models.find(pin->model_name);
+}
+
+void compareModels(Context& context, const Cmpnt& component, const DifPin& row, const Mdl& model,
+                   const Mdl& inv_model) {
+    if ((isDifferential(model) || isDifferential(inv_model)) && &model != &inv_model) {
+        warning(context.diagnostics, 813, row.pin, row.inv_pin, component.name);
+    }
+    const auto opposed = [](const Mdl& driver, const Mdl& receiver) {
+        return kOnlyDrive.has(driver.model_type) && kOnlyReceive.has(receiver.model_type);
+    };
+    if (opposed(model, inv_model) || opposed(inv_model, model)) {
+        warning(context.diagnostics, 814, row.pin, row.inv_pin, component.name);
+    }
+}
+
+void checkSeriesPin(Context& context, const Cmpnt& component, std::string_view pin, bool reported) {
+    if (pin.empty() || reported || isKnownPin(component.pins, pin)) return;
+    error(context.diagnostics, 2610, pin, component.name);
+}
+
+/// Reports names for which `test` holds, each at its first row that was not reported for it.
+template <class Test>
+void reportSeriesModels(Context& context, const Cmpnt& component, ModelNames& names, Test test,
+                        CheckedMessage<ArgKind::text, ArgKind::text> message) {
+    for (const SPin& row : component.series_pins->rows) {
+        if (row.model_name.empty() || row.model_reported) continue;
+        NamedModel& model = names[row.model_name];
+        if (!test(model) || model.rows_reported_for == &component) continue;
+        error(context.diagnostics, message, row.model_name, component.name);
+        model.rows_reported_for = &component;
+    }
+}
+
+void checkSeriesModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+    for (const SPin& row : component.series_pins->rows) {
+        if (!row.model_name.empty()) namedModel(root, names, row.model_name);
+    }
+    reportSeriesModels(
+        context, component, names, [](const NamedModel& model) { return !model.found; }, 2611);
+    reportSeriesModels(
+        context, component, names, [](const NamedModel& model) { return model.not_series; }, 2612);
+}
+
+/// Holds the rows to the groups that are switched.
+void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& component, const SwitchGroups& switches) {
+    const std::vector<SPin>& rows = component.series_pins->rows;
+    for (const SPin& row : rows) {
+        if (!row.group.empty() || row.pin_2.empty()) continue;
+        const Mdl* const model = root.models.find(row.model_name);
+        if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
+        warning(context.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
+    }
+    std::unordered_set<std::string_view> known(switches.dropped.begin(), switches.dropped.end());
+    for (const SwitchState& state : switches.states) {
+        known.insert(state.on.begin(), state.on.end());
+        known.insert(state.off.begin(), state.off.end());
+    }
+    for (const SPin& row : rows) {
+        if (row.group.empty() || row.group_reported || row.pin_2.empty() || !known.insert(row.group).second) continue;
+        warning(context.diagnostics, 2614, row.group, component.name);
+    }
+}
+
+/// Reports groups of states that no row has.
+void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGroups& switches) {
+    std::unordered_set<std::string_view> mapped;
+    if (component.series_pins != nullptr) {
+        for (const SPin& row : component.series_pins->rows) {
+            mapped.insert(row.group);
+        }
+    }
+    for (const std::string& group : switches.groups.names) {
+        if (!mapped.contains(group)) warning(context.diagnostics, 2508, group, component.name);
+    }
+}
+
+} // namespace
+
+void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+    const IbisVersion version = context.parse.version;
+    const auto called = circuitCallPins(component);
+    for (const Pin& pin : component.pins) {
+        if (needsNoModel(pin)) continue;
+        if (isCircuitCallPin(pin, version)) {
+            // A repeated pin is judged with the first of its name.
+            const bool judged = component.pins.isFirst(pin);
+            if (judged && !called.contains(pin.name)) error(context.diagnostics, 611, pin.name, component.name);
+            continue;
+        }
+        NamedModel& model = namedModel(root, names, pin.model_name);
+        if (pin.model_reported || model.pin_reported_for == &component) continue;
+        if (reportPin(context.diagnostics, component, pin, model)) model.pin_reported_for = &component;
+    }
+}
+
+void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& component) {
+    if (component.diff_pins == nullptr || component.pins.empty()) return;
+    for (const DifPin& row : component.diff_pins->rows) {
+        const Mdl* const model = diffPinModel(context, root, component, row.pin, row.pin_reported);
+        const Mdl* const inv_model = diffPinModel(context, root, component, row.inv_pin, row.inv_pin_reported);
+        if (model != nullptr && inv_model != nullptr) compareModels(context, component, row, *model, *inv_model);
+    }
+}
+
+void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+    const SwitchGroups* const switches = component.switch_groups.get();
+    if (component.series_pins != nullptr) {
+        if (!component.pins.empty()) {
+            for (const SPin& row : component.series_pins->rows) {
+                checkSeriesPin(context, component, row.pin_1, row.pin_1_reported);
+                checkSeriesPin(context, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
+            }
+        }
+        checkSeriesModels(context, root, component, names);
+        if (switches != nullptr) checkSeriesGroups(context, root, component, *switches);
+    }
+    if (switches != nullptr) checkSwitchGroups(context, component, *switches);
+}
+
+} // namespace kestrel
