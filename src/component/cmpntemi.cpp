@@ -65,8 +65,8 @@ std::optional<std::string_view> rangeText(const Run& run, const EmiRow& row, std
 void readCorners(Run& run, std::string_view text, std::string_view name, std::optional<double>& value) {
     Rng range;
     if (!readRange(run, text, name, range, OrderCheck::off)) return;
-    if (range.typ.isNumber()) {
-        value = range.typ.value;
+    if (range.typ().isNumber()) {
+        value = range.typ().value;
     } else {
         errorAtLine(run.diagnostics, 4708, name, splitItems(run, text, 1)[0]);
     }

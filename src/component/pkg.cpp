@@ -61,9 +61,9 @@ void pkgLine(Run& run, Pkg& package, std::string_view text) {
     }
     stored = range;
     // Four items were counted above, so that 1210 and 1211 stand guard over the range reader only.
-    if (!range.typ.isNumber()) errorAtLine(diagnostics, 1209);
-    if (range.min.state == CellState::missing) errorAtLine(diagnostics, 1210);
-    if (range.max.state == CellState::missing) errorAtLine(diagnostics, 1211);
+    if (!range.typ().isNumber()) errorAtLine(diagnostics, 1209);
+    if (range.min().state == CellState::missing) errorAtLine(diagnostics, 1210);
+    if (range.max().state == CellState::missing) errorAtLine(diagnostics, 1211);
 }
 
 void checkPkg(Run& run, const Pkg& package, std::string_view component) {

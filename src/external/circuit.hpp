@@ -3,6 +3,7 @@
 #include "base/name_list.hpp"
 #include "base/text_hash.hpp"
 #include "reader/block.hpp"
+#include "reader/corner.hpp"
 
 #include <array>
 #include <cstddef>
@@ -30,10 +31,6 @@ inline constexpr std::string_view kGroundPort = "A_gnd";
 inline constexpr std::string_view kDrivePort = "D_drive";
 inline constexpr std::string_view kReceivePort = "D_receive";
 
-/// Corners of an external file.
-enum class ExtCorner : std::uint8_t { typ = 0, min = 1, max = 2 };
-inline constexpr std::size_t kExtCorners = 3;
-
 /// A "Corner" line.
 struct ExtFile {
     std::string file;
@@ -50,7 +47,7 @@ struct Converter {
     double vhigh = 0.0;
     double trise = 0.0;
     double tfall = 0.0;
-    std::optional<ExtCorner> corner; ///< absent: all corners
+    std::optional<Corner> corner; ///< absent: all corners
 };
 
 /// A value of a converter that is no number, to be found among the block's parameters, which may follow.
@@ -65,7 +62,7 @@ struct NamedValue {
 struct ExtCkt {
     std::string name; ///< at most 40 characters, empty for a model
     ExtLanguage language = ExtLanguage::notGiven;
-    std::array<std::optional<ExtFile>, kExtCorners> corners; ///< by ExtCorner
+    PerCorner<std::optional<ExtFile>> corners;
     NameList parameters;
     NameList converter_parameters;
     NameList ports;

@@ -128,8 +128,8 @@ void checkRampTimes(Run& run, const Mdl& model) {
     if (!model.ramp) return;
     for (const Edge& edge : kEdges) {
         const std::optional<RampRate>& rate = *model.ramp.*edge.rate;
-        if (!rate || rate->corners.front().state != CellState::number) continue;
-        if (differsMuch(rate->corners.front(), model.*edge.waveforms)) {
+        if (!rate || rate->typ().state != CellState::number) continue;
+        if (differsMuch(rate->typ(), model.*edge.waveforms)) {
             caution(run.diagnostics, 1709, model.name, edge.rate_name);
         }
     }
@@ -179,8 +179,8 @@ void checkIsso(Run& run, const Mdl& model) {
         if (kNoTestLoadTypes.has(model.model_type)) {
             warning(run.diagnostics, 1502, model.name, row.name, modelTypeText(model.model_type));
         }
-        if (!model.voltage_range || !model.voltage_range->typ.isNumber()) continue;
-        const double supply = model.voltage_range->typ.value;
+        if (!model.voltage_range || !model.voltage_range->typ().isNumber()) continue;
+        const double supply = model.voltage_range->typ().value;
         if (!covers(*table, supply)) caution(run.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }

@@ -31,13 +31,12 @@ constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(5007), true};
 /// True when a corner lies below or above all three values of `own` by more than a millionth of the nearest.
 bool leaves(const Rng& corners, const Rng& own) {
     constexpr double kTolerance = 1e-6;
-    if (!own.typ.isNumber() || !own.min.isNumber() || !own.max.isNumber()) return false;
-    const auto [low, high] = std::minmax({own.typ.value, own.min.value, own.max.value});
+    if (!std::ranges::all_of(own, &Cell::isNumber)) return false;
+    const auto [low, high] = std::minmax({own.typ().value, own.min().value, own.max().value});
     const double floor = low - kTolerance * std::abs(low);
     const double ceiling = high + kTolerance * std::abs(high);
-    return std::ranges::any_of(std::array{corners.typ, corners.min, corners.max}, [&](const Cell& cell) {
-        return cell.isNumber() && (cell.value < floor || cell.value > ceiling);
-    });
+    return std::ranges::any_of(
+        corners, [&](const Cell& cell) { return cell.isNumber() && (cell.value < floor || cell.value > ceiling); });
 }
 
 } // namespace

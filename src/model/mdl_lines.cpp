@@ -84,10 +84,10 @@ void readEnumerated(Run& run, const SubparameterLine& line, const Rows& rows, Co
 bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value < b.value; }
 
 void checkCornerOrder(Run& run, const Mdl& model, std::string_view name, const Rng& range) {
-    if (isBelow(range.typ, range.min) || isBelow(range.max, range.min)) {
+    if (isBelow(range.typ(), range.min()) || isBelow(range.max(), range.min())) {
         warningAtLine(run.diagnostics, 177, model.name, name);
     }
-    if (isBelow(range.max, range.typ) || isBelow(range.max, range.min)) {
+    if (isBelow(range.max(), range.typ()) || isBelow(range.max(), range.min())) {
         warningAtLine(run.diagnostics, 179, model.name, name);
     }
 }
@@ -119,11 +119,7 @@ void readInto(Run& run, const Mdl& model, const SubparameterLine& line, std::opt
 }
 
 /// What a keyword says of its corners below zero.
-struct NegativeMessages {
-    PlainMessage typ;
-    PlainMessage min;
-    PlainMessage max;
-};
+using NegativeMessages = std::array<PlainMessage, kCornerCount>;
 
 /// A keyword whose range stands on its own line.
 struct RangeKeyword {
@@ -150,8 +146,11 @@ constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
     {KeywordCode::ttpower, "TTpower", &Mdl::ttpower, false, NegativeMessages{112, 113, 114}},
 }};
 
-void reportNegative(Diagnostics& diagnostics, const Cell& cell, PlainMessage message) {
-    if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, message);
+void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMessages& messages) {
+    for (const Corner corner : kCorners) {
+        const Cell& cell = range[corner];
+        if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, messages[placeOf(corner)]);
+    }
 }
 
 } // namespace
@@ -191,11 +190,7 @@ void readRangeKeyword(Run& run, Mdl& model, const Line& line) {
         errorAtLine(run.diagnostics, 204, model.name, row.name);
     }
     readRangeLine(run, line.text, row.name, kModelRangeRules, field);
-    if (field && row.negative) {
-        reportNegative(run.diagnostics, field->typ, row.negative->typ);
-        reportNegative(run.diagnostics, field->min, row.negative->min);
-        reportNegative(run.diagnostics, field->max, row.negative->max);
-    }
+    if (field && row.negative) reportNegative(run.diagnostics, *field, *row.negative);
 }
 
 } // namespace kestrel

@@ -116,12 +116,11 @@ bool hasLine(const MSpec& spec, Field field) { return has(spec, field) || spec.r
 /// True when `faulty` holds of the two fields in a corner of which both are numbers.
 template <class Faulty> bool anyCorner(const MSpec& spec, Field first, Field second, Faulty faulty) {
     if (!has(spec, first) || !has(spec, second)) return false;
-    const auto check = [&](Cell Rng::*corner) {
-        const Cell& a = *(spec.*first).*corner;
-        const Cell& b = *(spec.*second).*corner;
+    return std::ranges::any_of(kCorners, [&](Corner corner) {
+        const Cell& a = (*(spec.*first))[corner];
+        const Cell& b = (*(spec.*second))[corner];
         return a.isNumber() && b.isNumber() && faulty(a.value, b.value);
-    };
-    return check(&Rng::typ) || check(&Rng::min) || check(&Rng::max);
+    });
 }
 
 void checkThresholds(Run& run, const MSpec& spec, std::string_view model) {

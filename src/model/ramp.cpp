@@ -13,8 +13,6 @@ namespace kestrel {
 
 namespace {
 
-constexpr int kCorners = static_cast<int>(kCornerWords.size());
-
 /// A line that gives an edge rate.
 struct RateLine {
     std::string_view name;
@@ -50,20 +48,12 @@ RampCorner readCorner(Context& context, std::string_view cell, std::string_view 
     return {};
 }
 
-void reportCellCount(Diagnostics& diagnostics, int count, std::string_view name) {
-    // Of a line without any the typical one is missed when the ramp ends.
-    for (int corner = count; count > 0 && corner < kCorners; ++corner) {
-        errorAtLine(diagnostics, 1308, kMissingCornerWords[static_cast<std::size_t>(corner)], name);
-    }
-    if (count > kCorners) errorAtLine(diagnostics, 1304, count, name, kCorners);
-}
-
 /// A rate needs a typical corner, and steps above zero. A minimum or maximum that is missing or did not read counts as
 /// zero; a typical one has been reported.
 void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_view name) {
-    const RampCorner& typical = rate.corners.front();
+    const RampCorner& typical = rate.typ();
     if (typical.state == CellState::na) errorAtLine(diagnostics, 1309, name);
-    for (const RampCorner& corner : rate.corners) {
+    for (const RampCorner& corner : rate) {
         if (corner.state == CellState::na) continue;
         if (&corner == &typical && corner.state == CellState::missing) continue;
         if (corner.dv <= 0.0) errorAtLine(diagnostics, 1310, "dV");
@@ -73,12 +63,12 @@ void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_vi
 
 /// Reads the cells behind a rate's name.
 RampRate readRate(Context& context, std::string_view text, std::string_view name) {
-    const ItemList cells = splitItems(context, text, kCorners);
-    reportCellCount(context.diagnostics, cells.count, name);
+    const ItemList cells = splitItems(context, text, static_cast<int>(kCornerCount));
+    if (cells.count > 0) reportItemCount(context.diagnostics, cells.count, kMissingCornerWords, name, {1304, 1308});
     RampRate rate;
-    for (int i = 0; i < cells.kept; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        rate.corners[at] = readCorner(context, cells[i], name, kCornerWords[at]);
+    for (const Corner corner : kCorners) {
+        const auto at = static_cast<int>(corner);
+        if (cells.has(at)) rate[corner] = readCorner(context, cells[at], name, kCornerWords[placeOf(corner)]);
     }
     checkCorners(context.diagnostics, rate, name);
     return rate;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "reader/corner.hpp"
 #include "reader/values.hpp"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -18,10 +18,8 @@ struct RampCorner {
     CellState state = CellState::missing;
 };
 
-/// An edge rate: typical, minimum and maximum corner.
-struct RampRate {
-    std::array<RampCorner, 3> corners{};
-};
+/// An edge rate.
+using RampRate = PerCorner<RampCorner>;
 
 /// "[Ramp]" of a model or submodel.
 struct Ramp {

@@ -53,7 +53,8 @@ std::size_t rowLimit(IbisVersion version, WaveformForm form) {
 void timeRow(Context& context, std::vector<TableRow>& rows, std::string_view text, const FirstCell& first,
              std::string_view label, std::size_t limit) {
     const TableRow row = readRow(context, text, label, "Time", first);
-    const std::size_t count = appendRow(context.diagnostics, rows, row);
+    rows.push_back(row);
+    const std::size_t count = rows.size();
     if (count > limit) errorAtLine(context.diagnostics, 2018, static_cast<std::int32_t>(limit), label);
     if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 2019, "Time");
     if (count < 2 || !row.isNumber(kFirst)) return;

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <iterator>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <variant>
 
@@ -22,6 +23,20 @@ struct Context;
 
 /// A wrong number of items: their number, what has them, how many there should be.
 using CountMessage = CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer>;
+
+/// What a line of values, of which the last ones may be missing, reports of their number.
+struct ItemCountMessages {
+    CountMessage wrong;                                   ///< none or too many
+    CheckedMessage<ArgKind::text, ArgKind::text> missing; ///< the value, what has them
+};
+
+/// Which of several missing values are reported.
+enum class MissingItems : bool { each, first };
+
+/// Reports values that are missing, and a line with none or with more than `labels` has.
+void reportItemCount(Diagnostics& diagnostics, int count, std::span<const std::string_view> labels,
+                     std::string_view subject, const ItemCountMessages& messages,
+                     MissingItems reported = MissingItems::each);
 
 /// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
 void expectNoText(Context& context, std::string_view text, std::string_view keyword, CountMessage message);

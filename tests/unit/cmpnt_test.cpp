@@ -74,7 +74,7 @@ TEST(Component, keepsWhatWasReadInItsUnits) {
     const Cmpnt& component = *test.root.components.find("Chip");
     EXPECT_EQ(component.timing_location, Location::die);
     EXPECT_EQ(component.si_location, Location::notGiven);
-    EXPECT_DOUBLE_EQ(component.package->l_pkg->max.value, 7e-9);
+    EXPECT_DOUBLE_EQ(component.package->l_pkg->max().value, 7e-9);
     EXPECT_FALSE(component.package->r_pkg.has_value());
     ASSERT_EQ(component.pins.size(), 2U);
     const Pin& pin = component.pins[0];

@@ -28,11 +28,11 @@ TEST(Ramp, keepsRatesAndLoad) {
     closeRamp(section.run, *section.slot);
     EXPECT_EQ(section.printed(), "");
     const Ramp& ramp = *section.slot;
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->corners[2].dv, 1.8);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->corners[2].dt, 0.5e-9);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->corners[0].dv, 2.5);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->corners[0].dt, 1.5e-9);
-    EXPECT_EQ(ramp.dv_dt_f->corners[1].state, CellState::na);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->max().dv, 1.8);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->max().dt, 0.5e-9);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->typ().dv, 2.5);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->typ().dt, 1.5e-9);
+    EXPECT_EQ(ramp.dv_dt_f->min().state, CellState::na);
     EXPECT_TRUE(ramp.r_load_given);
     EXPECT_EQ(ramp.r_load, 1000.0);
 }

@@ -415,17 +415,17 @@ TEST(Ranges, takeTypMinMax) {
         TestRun test;
         Rng range;
         EXPECT_EQ(readRange(test.run, row.text, "Vinl", range, row.check), row.ok);
-        EXPECT_EQ(range.typ.state, row.typ);
-        EXPECT_EQ(range.min.state, row.min);
-        EXPECT_EQ(range.max.state, row.max);
+        EXPECT_EQ(range.typ().state, row.typ);
+        EXPECT_EQ(range.min().state, row.min);
+        EXPECT_EQ(range.max().state, row.max);
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
     TestRun test;
     Rng range;
     EXPECT_TRUE(readRange(test.run, "5V 4500m 5.5", "Vinl", range, OrderCheck::on));
-    EXPECT_DOUBLE_EQ(range.typ.value, 5.0);
-    EXPECT_DOUBLE_EQ(range.min.value, 4.5);
-    EXPECT_DOUBLE_EQ(range.max.value, 5.5);
+    EXPECT_DOUBLE_EQ(range.typ().value, 5.0);
+    EXPECT_DOUBLE_EQ(range.min().value, 4.5);
+    EXPECT_DOUBLE_EQ(range.max().value, 5.5);
 }
 
 TEST(TableRows, areMadeOfWhateverCanBeRead) {
@@ -470,25 +470,6 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
         }
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
-}
-
-TEST(TableRows, tellOfEveryEarlierRowOfTheSameFirstValue) {
-    TestRun test;
-    std::vector<TableRow> rows;
-    RepeatIndex repeats;
-    std::size_t count = 0;
-    for (const double first : {1.0, 2.0, 1.0, 1.0, -0.0, 0.0}) {
-        TableRow row;
-        row.value[kFirst] = first;
-        EXPECT_EQ(appendRow(test.run.diagnostics, rows, row, &repeats), ++count);
-    }
-    const std::string one = errorLine("Value 1.000000e+00 repeated in the First Column");
-    EXPECT_EQ(test.out.text(), one + one + one + errorLine("Value 0.000000e+00 repeated in the First Column"));
-    EXPECT_EQ(rows[1].value[kFirst], 2.0);
-
-    TestRun unchecked;
-    EXPECT_EQ(appendRow(unchecked.run.diagnostics, rows, rows.front()), 7U);
-    EXPECT_EQ(unchecked.out.text(), "");
 }
 
 TEST(SetText, onceAndWithinItsLimit) {
