@@ -4,10 +4,8 @@
 #include "component/pinemi.hpp"
 #include "reader/block.hpp"
 #include "reader/columns.hpp"
-#include "reader/enumeration.hpp"
+#include "reader/emi_domain.hpp"
 
-#include <array>
-#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -15,16 +13,6 @@ namespace kestrel {
 
 struct Run;
 struct Cmpnt;
-
-/// Whether a part works with digital or analog signals.
-enum class EmiDomain : std::uint8_t { notGiven = 0, digital = 1, analog = 2, mixed = 3, other = 4 };
-
-/// Their spellings in the file, the mixed one last, which a single model cannot have.
-inline constexpr std::array<EnumerationRow<EmiDomain>, 3> kEmiDomains{{
-    {"Digital", EmiDomain::digital},
-    {"Analog", EmiDomain::analog},
-    {"Digital_analog", EmiDomain::mixed},
-}};
 
 /// What "[Begin EMI Component]" gives. Farads; tables are in file order.
 struct CmpntEmi {

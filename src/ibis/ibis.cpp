@@ -2,10 +2,9 @@
 
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
+#include "ibis/check_tests.hpp"
 #include "ibis/run.hpp"
 #include "model/acdc.hpp"
-#include "model/testdata.hpp"
-#include "model/testload.hpp"
 #include "package/pkgmdl.hpp"
 
 #include <algorithm>
@@ -27,9 +26,11 @@ void freeRoot(Run& run, Ibis& root) {
 }
 
 void finalChecks(Run& run) {
-    const Ibis* root = currentRoot(run);
+    Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
-    checkRcvThs(run);
+    for (const Mdl& model : root->models.newestFirst()) {
+        if (model.receiver_thresholds) checkRcvTh(run, *model.receiver_thresholds, model.name);
+    }
     checkCompositeCurrents(run);
     checkDrvShs(run);
     checkAlgMods(run);
@@ -41,8 +42,8 @@ void finalChecks(Run& run) {
         checkCmpnts(run);
     }
     checkPkgMdls(run);
-    checkTestData(run);
-    checkTestLoads(run);
+    checkTestData(run, *root);
+    checkTestLoads(run, *root);
     checkAddedSubmodels(run);
     checkReferences(run);
 }

@@ -29,8 +29,8 @@ struct Run : Context {
     AlgModState algmod;
     MSelState msel;
     SubMdlState submdl;
-    TestDataState testdata;
-    TestLoadState testload;
+    RecordState<TestData> testdata;
+    RecordState<TestLoad> testload;
     PkgMdlState pkgmdl;
     EbdMdlState ebdmdl;
     PkgSearch pkgsearch;

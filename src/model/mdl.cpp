@@ -115,6 +115,18 @@ constexpr WaveformField waveformField(KeywordCode code) {
     return {kFallingWaveform, &Mdl::falling_waveforms};
 }
 
+constexpr Block<Mdl> kEmiModel{
+    .begin = KeywordCode::beginEmiModel,
+    .end = KeywordCode::endEmiModel,
+    .end_name = "End_EMI_Model",
+    .open = [](Run& run, Mdl& model, std::string_view text) { openMdlEmi(run, model.emi_model, text); },
+    .line = [](Run& run, Mdl& model, std::string_view text) { mdlEmiLine(run, *model.emi_model, text, model.name); },
+    .close = [](Run&, Mdl&) {}, // what it gives is judged with the model
+    .text_behind_end = [](Run& run, std::string_view text) { kMdlEmiEnd.text_behind(run, text); },
+    .not_ended = [](Run& run) { kMdlEmiEnd.not_ended(run); },
+    .no_begin = [](Run& run) { kMdlEmiEnd.no_begin(run); },
+};
+
 constexpr auto kBlocks = std::to_array<const Block<Mdl>*>({&kExternalModel, &kAlgorithmicModel, &kEmiModel});
 
 void blockData(Run& run, Mdl& model, const Block<Mdl>& block, const Line& line) {
@@ -138,7 +150,7 @@ void closeSection(Run& run, const Mdl& model) {
         break;
     }
     case Form::ramp: closeRamp(run, *model.ramp); break;
-    case Form::modelSpec: closeMSpec(run, model); break;
+    case Form::modelSpec: closeMSpec(run, *model.model_spec, model.name, model.model_type); break;
     case Form::waveform: {
         const WaveformField field = waveformField(section);
         closeWvfrm(run, *(model.*field.list).back(), field.label);
@@ -155,7 +167,7 @@ void closeSection(Run& run, const Mdl& model) {
         if (run.mdl.series_block != nullptr) closeSMos(run, run.mdl.series_block->mosfets.back(), model);
         break;
     case Form::compositeCurrent: closeCompositeCurrent(run); break;
-    case Form::cCompCorner: closeCCorner(run, model); break;
+    case Form::cCompCorner: closeCCorner(run, *model.c_comp_corner, model.name); break;
     default: break;
     }
 }
@@ -180,11 +192,11 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
     case Form::addSubmodel: openAddSubmodel(run, model, line.text); break;
     case Form::modelSpec:
         checkModelSpecOrder(run, model);
-        openMSpec(run, model, line.text);
+        openMSpec(run, model.model_spec, line.text);
         break;
     case Form::receiverThresholds:
         checkReceiverThresholdsOrder(run, model);
-        openRcvTh(run, model, line.text);
+        openRcvTh(run, model.receiver_thresholds, line.text);
         break;
     case Form::block: blockKeywordLine(run, model, *blockOf<Mdl>(kBlocks, line.key), run.mdl.block, line); break;
     case Form::seriesSection: openSeriesSection(run, model, line); break;
@@ -200,7 +212,7 @@ void keywordLine(Run& run, Mdl& model, const Line& line) {
         if (SeriesBlock* const block = currentSeriesBlock(run, model)) openSMos(run, block->mosfets, line.text);
         break;
     case Form::compositeCurrent: openCompositeCurrent(run, line.text); break;
-    case Form::cCompCorner: openCCorner(run, model, line.text); break;
+    case Form::cCompCorner: openCCorner(run, model.c_comp_corner, line.text); break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }
 }
@@ -232,12 +244,12 @@ void dataLine(Run& run, Mdl& model, const Line& line) {
         }
         break;
     case Form::compositeCurrent: compositeCurrentLine(run, line.text); break;
-    case Form::cCompCorner: cCornerLine(run, model, line.text); break;
+    case Form::cCompCorner: cCornerLine(run, *model.c_comp_corner, line.text, model.name); break;
     case Form::range:
     case Form::seriesSection:
     case Form::seriesRange: errorAtLine(run.diagnostics, 121); break;
-    case Form::modelSpec: mSpecLine(run, model, line.text); break;
-    case Form::receiverThresholds: rcvThLine(run, model, line.text); break;
+    case Form::modelSpec: mSpecLine(run, *model.model_spec, line.text, model.name); break;
+    case Form::receiverThresholds: rcvThLine(run, *model.receiver_thresholds, line.text, model.name); break;
     case Form::block: blockData(run, model, *blockOf<Mdl>(kBlocks, line.key), line); break;
     case Form::foreign: shouldNotBeHere(run, here()); break;
     }

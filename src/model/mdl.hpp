@@ -37,18 +37,13 @@ struct AddSubmodel {
 using GivenValue = std::optional<double>;
 
 /// One "[Model]". Volts, ohms, farads, degrees Celsius for the temperature, seconds for transit times.
-struct Mdl {
+struct Mdl : CComp {
     std::string name; ///< at most 20 or 40 characters, by version
     ModelType model_type = ModelType::notGiven;
     Polarity polarity = Polarity::notGiven;
     EnableMode enable = EnableMode::notGiven;
     GivenValue vinl;
     GivenValue vinh;
-    std::optional<Rng> c_comp;
-    std::optional<Rng> c_comp_pullup;
-    std::optional<Rng> c_comp_pulldown;
-    std::optional<Rng> c_comp_power_clamp;
-    std::optional<Rng> c_comp_gnd_clamp;
     GivenValue vmeas;
     GivenValue cref;
     GivenValue rref;

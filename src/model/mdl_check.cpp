@@ -1,3 +1,4 @@
+#include "base/rows.hpp"
 #include "ibis/run.hpp"
 #include "model/acdc.hpp"
 #include "model/mdl_parts.hpp"
@@ -111,6 +112,27 @@ void checkSeries(Run& run, const Mdl& model) {
     checkSeriesBlocks(run, model);
 }
 
+/// What a model has to give when its thresholds follow a supply.
+struct SupplyKeyword {
+    ReferenceSupply supply;
+    std::optional<Rng> Mdl::*reference;
+    CheckedMessage<ArgKind::text> missing;
+};
+constexpr auto kSupplyKeywords = std::to_array({
+    SupplyKeyword{ReferenceSupply::powerClamp, &Mdl::power_clamp_reference, 195},
+    SupplyKeyword{ReferenceSupply::gndClamp, &Mdl::gnd_clamp_reference, 196},
+    SupplyKeyword{ReferenceSupply::pullup, &Mdl::pullup_reference, 197},
+    SupplyKeyword{ReferenceSupply::pulldown, &Mdl::pulldown_reference, 198},
+    SupplyKeyword{ReferenceSupply::external, &Mdl::external_reference, 199},
+});
+
+/// Thresholds that follow a supply need its reference keyword.
+void checkReferenceSupply(Run& run, const Mdl& model) {
+    if (!model.receiver_thresholds) return;
+    const auto* const row = rowOf(kSupplyKeywords, model.receiver_thresholds->reference_supply, &SupplyKeyword::supply);
+    if (row != nullptr && !(model.*row->reference)) error(run.diagnostics, row->missing, model.name);
+}
+
 void checkTestLoad(Run& run, const Mdl& model) {
     // "[Model Spec]" may give what "[Model]" leaves out.
     const MSpec* const spec = model.model_spec.get();
@@ -147,12 +169,12 @@ void checkModel(Run& run, const Mdl& model) {
     if (isDifferential(model) && !model.external_model) {
         caution(run.diagnostics, 1829, model.name, modelTypeText(model.model_type));
     }
-    checkMdlEmi(run, model);
+    if (model.emi_model) checkMdlEmi(run, *model.emi_model, model.name, model.model_type);
     checkIsso(run, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(run, block->mosfets, model.name);
     }
-    checkCCorner(run, model);
+    if (model.c_comp_corner) checkCCorner(run, *model.c_comp_corner, model, model.name);
     checkAlgModType(run, model);
 }
 

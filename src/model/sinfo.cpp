@@ -1,5 +1,6 @@
 #include "model/sinfo.hpp"
 
+#include "base/rows.hpp"
 #include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
 

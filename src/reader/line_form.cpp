@@ -30,8 +30,6 @@ void expectNoText(Context& context, std::string_view text, std::string_view keyw
     if (count > 0) errorAtLine(context.diagnostics, message, count + 1, keyword, 1);
 }
 
-void reportUnknownLine(Context& context, CheckedMessage<> message) { errorAtLine(context.diagnostics, message); }
-
 ValueLine splitValueLine(const Context& context, std::string_view line) {
     const ItemList items = splitItems(context, line, ValueLine::kItems, '=');
     ValueLine parts;
