@@ -31,7 +31,7 @@ struct CmpntEmi {
     bool percentages_reported = false; ///< their sum was
 };
 
-/// "[Begin EMI Component]" to its end. Reports 4701 to 4713 and 4715 at the line, and 4910 without one.
+/// "[Begin EMI Component]" to its end.
 extern const Block<Cmpnt> kEmiComponent;
 
 } // namespace kestrel

@@ -17,10 +17,10 @@ struct Pkg {
     std::optional<Rng> c_pkg;
 };
 
-/// Reads one line of "[Package]". Reports 1201 to 1207 and 1209 to 1211; a rejected line changes nothing.
+/// Reads one line of "[Package]". A rejected line changes nothing.
 void pkgLine(Run& run, Pkg& package, std::string_view text);
 
-/// Reports the values that a component's package lacks (1213, 1215, 1217, no line).
+/// Reports the values that a component's package lacks; no line.
 void checkPkg(Run& run, const Pkg& package, std::string_view component);
 
 } // namespace kestrel

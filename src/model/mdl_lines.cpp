@@ -1,4 +1,3 @@
-#include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
 #include "reader/subparameters.hpp"
 
@@ -69,12 +68,12 @@ constexpr auto kSubparameters = subparameters<Row>(
 /// True when both are numbers and the first is the smaller.
 bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value < b.value; }
 
-void checkCornerOrder(Run& run, const Mdl& model, std::string_view name, const Rng& range) {
+void checkCornerOrder(Context& context, const Mdl& model, std::string_view name, const Rng& range) {
     if (isBelow(range.typ(), range.min()) || isBelow(range.max(), range.min())) {
-        warningAtLine(run.diagnostics, 177, model.name, name);
+        warningAtLine(context.diagnostics, 177, model.name, name);
     }
     if (isBelow(range.max(), range.typ()) || isBelow(range.max(), range.min())) {
-        warningAtLine(run.diagnostics, 179, model.name, name);
+        warningAtLine(context.diagnostics, 179, model.name, name);
     }
 }
 
@@ -115,31 +114,31 @@ void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMe
 
 } // namespace
 
-void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name) {
-    errorAtLine(run.diagnostics, 119, name, model.name);
+void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view name) {
+    errorAtLine(context.diagnostics, 119, name, model.name);
 }
 
-void readSubparameter(Run& run, Mdl& model, std::string_view text) {
-    const Row* const row = readSubparameter(run, kSubparameters, model, text, model.name);
+void readSubparameter(Context& context, Mdl& model, std::string_view text) {
+    const Row* const row = readSubparameter(context, kSubparameters, model, text, model.name);
     if (row == nullptr) return;
     if (const auto* const range = std::get_if<std::optional<Rng> Mdl::*>(&row->field)) {
-        checkCornerOrder(run, model, row->name, *(model.**range));
+        checkCornerOrder(context, model, row->name, *(model.**range));
     }
 }
 
-void readRangeKeyword(Run& run, Mdl& model, const Line& line) {
+void readRangeKeyword(Context& context, Mdl& model, const Line& line) {
     const RangeKeyword& row = *rowOf(kRangeKeywords, line.key, &RangeKeyword::code);
     std::optional<Rng>& field = model.*row.field;
     if (field) {
-        reportAlreadyDefined(run, model, row.name);
+        reportAlreadyDefined(context, model, row.name);
         return;
     }
     const bool sections_begun = model.on_block || model.off_block;
     if (row.before_sections && sections_begun && model.model_type == ModelType::seriesSwitch) {
-        errorAtLine(run.diagnostics, 204, model.name, row.name);
+        errorAtLine(context.diagnostics, 204, model.name, row.name);
     }
-    readRangeLine(run, line.text, row.name, kModelRangeRules, field);
-    if (field && row.negative) reportNegative(run.diagnostics, *field, *row.negative);
+    readRangeLine(context, line.text, row.name, kModelRangeRules, field);
+    if (field && row.negative) reportNegative(context.diagnostics, *field, *row.negative);
 }
 
 } // namespace kestrel

@@ -20,19 +20,17 @@ using Presence = bool (*)(const Mdl&);
 /// How a model's own lines and keywords give ranges.
 inline constexpr RangeLineRules kModelRangeRules{CheckedMessage<>(178), false};
 
-/// Error 119 at the line: `name` was given before.
-void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name);
+/// Reports at the line that `name` was given before.
+void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view name);
 
 /// Reads the model's name from its keyword line. Reports 128 to 131.
 void readModelName(Run& run, Mdl& model, std::string_view text);
 
-/// Reads a line "Model_type", "Vinl", "C_comp" and the like. Reports 119, 136, 137, 149, 158 to 179 and what the range
-/// reader reports.
-void readSubparameter(Run& run, Mdl& model, std::string_view text);
+/// Reads a line "Model_type", "Vinl", "C_comp" and the like.
+void readSubparameter(Context& context, Mdl& model, std::string_view text);
 
-/// Reads a keyword such as "[Voltage Range]" whose range stands on its own line. Reports 108 to 114, 119, 178, 204 and
-/// what the range reader reports.
-void readRangeKeyword(Run& run, Mdl& model, const Line& line);
+/// Reads a keyword such as "[Voltage Range]" whose range is on its own line.
+void readRangeKeyword(Context& context, Mdl& model, const Line& line);
 
 /// Reports "[Model Spec]" behind a keyword that it should precede (116).
 void checkModelSpecOrder(Run& run, const Mdl& model);

@@ -28,9 +28,7 @@ template <class Value> struct PerCorner {
     [[nodiscard]] constexpr const Value& typ() const { return values[placeOf(Corner::typ)]; }
     [[nodiscard]] constexpr const Value& min() const { return values[placeOf(Corner::min)]; }
     [[nodiscard]] constexpr const Value& max() const { return values[placeOf(Corner::max)]; }
-    [[nodiscard]] constexpr auto begin() { return values.begin(); }
     [[nodiscard]] constexpr auto begin() const { return values.begin(); }
-    [[nodiscard]] constexpr auto end() { return values.end(); }
     [[nodiscard]] constexpr auto end() const { return values.end(); }
 };
 

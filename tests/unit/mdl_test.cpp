@@ -510,7 +510,7 @@ TEST(Model, thresholdsThatBeginASet) {
         std::string codes;
     } rows[] = {
         // the line of the pair is refused, so that only the others tell what is meant
-        {"Vcross_low 1\nReference_supply Ext_ref", "E3208@ W3218"},
+        {"Vcross_low 1\nReference_supply Ext_ref", "E3208@ C3218"},
         {"Vcross_low 1\nVth_min = 1", "E3208@"s.append(kSix)},
         {"Vcross_low 1\nVth_max = 1", "E3208@"s.append(kSix)},
         {"Vcross_low 1\nReference_supply=Ext_ref\nThreshold_sensitivity = 1", "E3208@"s.append(kSix)},
@@ -519,7 +519,7 @@ TEST(Model, thresholdsThatBeginASet) {
     for (const auto& row : rows) {
         Reading reading(V::v4);
         reading.read("[Model] m\nModel_type Input\n[Receiver Thresholds]").read(row.lines);
-        checkRcvThs(reading.run);
+        checkRcvTh(reading.run, *reading.newest().receiver_thresholds, "m");
         EXPECT_EQ(reading.codes(), row.codes) << row.lines;
     }
 }
