@@ -4,9 +4,11 @@
 
 #include "base/string_list.hpp"
 #include "base/text.hpp"
+#include "codes.hpp"
 #include "ibis/run.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
+#include "reader/record_name.hpp"
 #include "reader/rng.hpp"
 #include "reader/rngp.hpp"
 
@@ -470,6 +472,28 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
         }
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
+}
+
+TEST(RecordNames, areEnteredAndHeldAgainstThoseBefore) {
+    const CheckedMessage<> bare = 2410;
+    RecordNameRules rules{"Model", bare, 2411, 2412, 2413, 2414};
+    const auto read = [&rules] {
+        TestRun test;
+        test.run.diagnostics.coded_form = true;
+        ObjectList<SubMdl> list;
+        for (const std::string_view text : {"abcd", "abcd x", "abcde", "GND", "GND", ""}) {
+            readRecordName(test.run, list, list.add(std::make_unique<SubMdl>()), text, rules, 4);
+        }
+
+        return codesOf(test.out.text()) + (list.find("") != nullptr ? " entered" : "");
+    };
+    // of "abcd x" the count, of the first "GND" that it is reserved
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2413@ E2413@ E2410@");
+    rules.repeats = RepeatedNames::ofWhole;
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2413@ E2413@ E2414@ E2410@");
+    rules.repeats = RepeatedNames::ofAll;
+    rules.missing = {};
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2414@ E2413@ E2413@ E2414@ E2411@ entered");
 }
 
 TEST(SetText, onceAndWithinItsLimit) {
