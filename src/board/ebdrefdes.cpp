@@ -2,7 +2,6 @@
 
 #include "base/text.hpp"
 #include "board/ebdmdl.hpp"
-#include "header/hdr.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 

@@ -129,8 +129,6 @@ void openNodeDeclarations(Context& context, Cmpnt& component, std::string_view t
     openNodes(context, component.nodes, !component.circuit_calls.empty(), text);
 }
 
-void closeNodes(Context& /*context*/, CmpntState& /*state*/) {}
-
 void readCall(Context& context, Cmpnt& component, std::string_view text) {
     circuitCallLine(context, component.circuit_calls.back(), text);
 }
@@ -180,7 +178,7 @@ constexpr auto kSections = sectionTable<CmpntState>({
     blockSection<CmpntState, openPart<&Cmpnt::alternates, openAlternates>, readPart<&Cmpnt::alternates, alternateLine>,
                  closePart<&Cmpnt::alternates, closeAlternates>>(K::alternatePackageModels,
                                                                  K::endAlternatePackageModels, kAlternatesEnd),
-    blockSection<CmpntState, openNodeDeclarations, readPart<&Cmpnt::nodes, nodeLine>, closeNodes>(
+    blockSection<CmpntState, openNodeDeclarations, readPart<&Cmpnt::nodes, nodeLine>>(
         K::nodeDeclarations, K::endNodeDeclarations, kNodesEnd),
     blockSection<CmpntState, openPart<&Cmpnt::circuit_calls, openCircuitCall>, readCall, closeCall>(
         K::circuitCall, K::endCircuitCall, kCircuitCallEnd),

@@ -2,26 +2,14 @@
 
 #include "component/pin.hpp"
 #include "component/pinemi.hpp"
-#include "reader/enumeration.hpp"
+#include "reader/emi_domain.hpp"
 #include "reader/sections.hpp"
 
-#include <array>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 namespace kestrel {
-
-/// Whether a part works with digital or analog signals.
-enum class EmiDomain : std::uint8_t { notGiven = 0, digital = 1, analog = 2, mixed = 3, other = 4 };
-
-/// Their spellings in the file, the mixed one last, which a single model cannot have.
-inline constexpr std::array<EnumerationRow<EmiDomain>, 3> kEmiDomains{{
-    {"Digital", EmiDomain::digital},
-    {"Analog", EmiDomain::analog},
-    {"Digital_analog", EmiDomain::mixed},
-}};
 
 /// What "[Begin EMI Component]" gives. Farads.
 struct CmpntEmi {

@@ -62,9 +62,9 @@ void pkgLine(Context& context, Pkg& package, std::string_view text) {
     }
     stored = range;
     // Four items were counted above, so that 1210 and 1211 stand guard over the range reader only.
-    if (!range.typ.isNumber()) errorAtLine(diagnostics, 1209);
-    if (range.min.state == CellState::missing) errorAtLine(diagnostics, 1210);
-    if (range.max.state == CellState::missing) errorAtLine(diagnostics, 1211);
+    if (!range.typ().isNumber()) errorAtLine(diagnostics, 1209);
+    if (range.min().state == CellState::missing) errorAtLine(diagnostics, 1210);
+    if (range.max().state == CellState::missing) errorAtLine(diagnostics, 1211);
 }
 
 void checkPkg(Context& context, const Pkg& package, std::string_view component) {

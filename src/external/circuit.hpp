@@ -3,7 +3,7 @@
 #include "base/name_list.hpp"
 #include "base/text_hash.hpp"
 #include "diagnostics/subject.hpp"
-#include "reader/block.hpp"
+#include "reader/corner.hpp"
 #include "reader/sections.hpp"
 
 #include <array>
@@ -28,10 +28,6 @@ inline constexpr std::string_view kGroundPort = "A_gnd";
 inline constexpr std::string_view kDrivePort = "D_drive";
 inline constexpr std::string_view kReceivePort = "D_receive";
 
-/// Corners of an external file.
-enum class ExtCorner : std::uint8_t { typ = 0, min = 1, max = 2 };
-inline constexpr std::size_t kExtCorners = 3;
-
 /// A "Corner" line.
 struct ExtFile {
     std::string file;
@@ -48,7 +44,7 @@ struct Converter {
     double vhigh = 0.0;
     double trise = 0.0;
     double tfall = 0.0;
-    std::optional<ExtCorner> corner; ///< absent: all corners
+    std::optional<Corner> corner; ///< absent: all corners
 };
 
 /// A value of a converter that is no number, to be found among the block's parameters, which may follow.
@@ -63,7 +59,7 @@ struct NamedValue {
 /// none.
 struct ExtCkt : RecordOf<SubjectKind::externalCircuit> {
     ExtLanguage language = ExtLanguage::notGiven;
-    std::array<std::optional<ExtFile>, kExtCorners> corners; ///< by ExtCorner
+    PerCorner<std::optional<ExtFile>> corners;
     NameList parameters;
     NameList converter_parameters;
     NameList ports;
@@ -105,6 +101,5 @@ using CircuitState = RecordState<ExtCkt>;
 
 /// Reads external circuits.
 extern const RecordModule<CircuitState> kExternalCircuit;
-
 
 } // namespace kestrel

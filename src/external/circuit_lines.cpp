@@ -19,8 +19,8 @@ constexpr std::array<EnumerationRow<ExtLanguage>, 6> kLanguages{{{"SPICE", ExtLa
                                                                  {"IBIS-ISS", ExtLanguage::ibisIss}}};
 constexpr EnumerationMessages kLanguageMessages{1810, 1809};
 
-constexpr std::array<EnumerationRow<ExtCorner>, kExtCorners> kCorners{
-    {{"Typ", ExtCorner::typ}, {"Min", ExtCorner::min}, {"Max", ExtCorner::max}}};
+constexpr std::array<EnumerationRow<Corner>, kCornerCount> kCornerRows{
+    {{kShortCornerWords[0], Corner::typ}, {kShortCornerWords[1], Corner::min}, {kShortCornerWords[2], Corner::max}}};
 
 constexpr std::array<std::string_view, 15> kModelPorts{
     "D_drive",  "D_enable", "D_receive",    "D_switch",     "A_puref", "A_pdref", "A_pcref", "A_gcref",
@@ -63,8 +63,8 @@ struct Reading {
     const ExtOwner& owner;
 };
 
-std::optional<ExtCorner> readCorner(Context& context, std::string_view text, std::string_view line_name) {
-    const auto hit = lookUpEnumeration(kCorners, text);
+std::optional<Corner> readCorner(Context& context, std::string_view text, std::string_view line_name) {
+    const auto hit = lookUpEnumeration(kCornerRows, text);
     if (hit.row == nullptr) {
         errorAtLine(context.diagnostics, 1812, text, line_name);
         return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<ExtCorner> readCorner(Context& context, std::string_view text, std
     return hit.row->code;
 }
 
-std::string_view cornerText(ExtCorner corner) { return kCorners[static_cast<std::size_t>(corner)].text; }
+std::string_view cornerText(Corner corner) { return kShortCornerWords[placeOf(corner)]; }
 
 void languageLine(const Reading& reading, std::string_view text) {
     Diagnostics& diagnostics = reading.context.diagnostics;
@@ -118,14 +118,14 @@ void cornerLine(const Reading& reading, std::string_view text) {
     const int more = splitItems(reading.context, text, 0).count;
     const int count = 1 + (corner_name.empty() ? 0 : 1) + (file.empty() ? 0 : 1) + (circuit.empty() ? 0 : 1) + more;
     if (count != 4) errorAtLine(diagnostics, 1811, count, "Corner", "4");
-    std::optional<ExtCorner> corner;
+    std::optional<Corner> corner;
     if (!corner_name.empty()) corner = readCorner(reading.context, corner_name, "Corner");
     if (!corner) {
-        const auto meant = lookUpEnumeration(kCorners, corner_name);
-        if (meant.row == nullptr || meant.row->code == ExtCorner::typ) reading.circuit.corner_reported = true;
+        const auto meant = lookUpEnumeration(kCornerRows, corner_name);
+        if (meant.row == nullptr || meant.row->code == Corner::typ) reading.circuit.corner_reported = true;
         return;
     }
-    auto& stored = reading.circuit.corners[static_cast<std::size_t>(*corner)];
+    auto& stored = reading.circuit.corners[*corner];
     if (stored) {
         errorAtLine(diagnostics, 1813, cornerText(*corner), reading.owner.kind, reading.owner.name);
         return;
@@ -244,7 +244,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     } else {
         warningAtLine(diagnostics, 1846, form.name, converter.d_port);
     }
-    const std::string_view corner = cornerText(converter.corner.value_or(ExtCorner::typ));
+    const std::string_view corner = cornerText(converter.corner.value_or(Corner::typ));
     std::string key(form.name);
     key.append(" ").append(converter.d_port).append(" ").append(corner).append(" ").append(polarity);
     if (corner_reads && !reading.circuit.converter_keys.insert(std::move(key)).second) {

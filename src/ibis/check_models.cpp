@@ -3,6 +3,7 @@
 #include "component/cmpnt.hpp"
 #include "ibis/ibis.hpp"
 #include "model/acdc.hpp"
+#include "model/mdl.hpp"
 #include "model/msel.hpp"
 #include "model/submdl.hpp"
 #include "reader/names.hpp"
@@ -92,6 +93,14 @@ Mdl* referenceMdl(Ibis& root, std::string_view name) {
     Mdl* const model = root.models.find(name);
     if (model != nullptr) model->referenced = true;
     return model;
+}
+
+void checkRcvThs(Context& context, const Ibis& root) {
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (!model.receiver_thresholds) continue;
+        const About about(context.diagnostics, model);
+        checkRcvTh(context, *model.receiver_thresholds, model.name);
+    }
 }
 
 void checkCompositeCurrents(Context& context, const Ibis& root) {

@@ -13,6 +13,9 @@ struct Mdl;
 /// Looks a model up by exact name and marks it as referenced; null when there is none.
 Mdl* referenceMdl(Ibis& root, std::string_view name);
 
+/// Checks the receiver thresholds of all models.
+void checkRcvThs(Context& context, const Ibis& root);
+
 /// Checks the composite currents of all models.
 void checkCompositeCurrents(Context& context, const Ibis& root);
 

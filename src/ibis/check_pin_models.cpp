@@ -121,7 +121,7 @@ void reportSeriesModels(Context& context, const Cmpnt& component, ModelNames& na
     }
 }
 
-void checkSeriesModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkSeriesModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
     for (const SPin& row : component.series_pins->rows) {
         if (!row.model_name.empty()) namedModel(root, names, row.model_name);
     }
@@ -166,7 +166,7 @@ void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGro
 
 } // namespace
 
-void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
     const IbisVersion version = context.parse.version;
     const auto called = circuitCallPins(component);
     for (const Pin& pin : component.pins) {
@@ -192,7 +192,7 @@ void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& compone
     }
 }
 
-void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkSeriesPins(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
     const SwitchGroups* const switches = component.switch_groups.get();
     if (component.series_pins != nullptr) {
         if (!component.pins.empty()) {

@@ -24,13 +24,13 @@ using ModelNames = std::unordered_map<std::string_view, NamedModel>;
 
 /// Looks up the model names of a component's pins and marks the models found; each name is reported once. Pins that
 /// circuit calls should name are looked up in those.
-void checkPinModels(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names);
+void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names);
 
 /// Looks up the pins of the "[Diff Pin]" rows and compares their models.
 void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& component);
 
 /// Looks up pins, models and groups of the "[Series Pin Mapping]" rows, marks the models found, and compares the groups
 /// with those of "[Series Switch Groups]".
-void checkSeriesPins(Context& context, const Ibis& root, const Cmpnt& component, ModelNames& names);
+void checkSeriesPins(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names);
 
 } // namespace kestrel

@@ -4,9 +4,8 @@
 #include "external/circuit.hpp"
 #include "ibis/check_components.hpp"
 #include "ibis/check_models.hpp"
+#include "ibis/check_tests.hpp"
 #include "ibis/run.hpp"
-#include "model/testdata.hpp"
-#include "model/testload.hpp"
 #include "package/pkgmdl.hpp"
 
 #include <algorithm>
@@ -30,7 +29,7 @@ void freeRoot(Run& run, Ibis& root) {
 void finalChecks(Run& run) {
     Ibis* const root = currentRoot(run);
     if (root == nullptr) return;
-    checkRcvThs(run);
+    checkRcvThs(run, *root);
     checkCompositeCurrents(run, *root);
     checkDrvShs(run, *root);
     checkAmiFiles(run, run.ami_files, *root);
@@ -42,8 +41,8 @@ void finalChecks(Run& run) {
         checkComponents(run, *root);
     }
     finalPackageChecks(run, *root);
-    checkTestData(run);
-    checkTestLoads(run);
+    checkTestData(run, *root);
+    checkTestLoads(run, *root);
     checkAddedSubmodels(run, *root);
     checkReferences(run, *root);
 }

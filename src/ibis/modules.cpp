@@ -52,8 +52,6 @@ void strayLine(Run& run, const Line& line) { errorAtLine(run.diagnostics, 907, l
 /// Such a line is dealt with ahead of the dispatch.
 void commentCharLine(Run& /*run*/, const Line& /*line*/) {}
 
-template <auto State> void forget(Run& run) { run.*State = {}; }
-
 constexpr std::array<Module, 13> kModules{{
     headerModule(),
     recordModule<&Ibis::components, &Run::cmpnt, kCmpnt>(Owner::cmpnt, kIbsOnly, KeywordCode::component),
@@ -62,10 +60,8 @@ constexpr std::array<Module, 13> kModules{{
                                                                             KeywordCode::externalCircuit),
     recordModule<&Ibis::submodels, &Run::submdl, kSubMdl>(Owner::submdl, kAnyFile, KeywordCode::submodel),
     recordModule<&Ibis::model_selectors, &Run::msel, kMSel>(Owner::msel, kIbsOnly, KeywordCode::modelSelector),
-    {Owner::testdata, kAnyFile, KeywordCode::testData, openTestData, testDataKeywordSeen, testDataLine,
-     forget<&Run::testdata>},
-    {Owner::testload, kAnyFile, KeywordCode::testLoad, openTestLoad,
-     [](Run& run, KeywordCode) { testLoadKeywordSeen(run); }, testLoadLine, forget<&Run::testload>},
+    recordModule<&Ibis::test_data, &Run::testdata, kTestData>(Owner::testdata, kAnyFile, KeywordCode::testData),
+    recordModule<&Ibis::test_loads, &Run::testload, kTestLoad>(Owner::testload, kAnyFile, KeywordCode::testLoad),
     recordModule<&Ibis::package_models, &Run::pkgmdl, kPkgMdl>(Owner::pkgmdl, kNoBoards,
                                                                KeywordCode::definePackageModel),
     recordModule<&Ibis::board_descriptions, &Run::ebdmdl, kEbdMdl>(Owner::ebdmdl, kEbdOnly,

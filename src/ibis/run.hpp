@@ -30,8 +30,8 @@ struct Run : Context {
     AmiFiles ami_files;
     MSelState msel;
     SubMdlState submdl;
-    TestDataState testdata;
-    TestLoadState testload;
+    RecordState<TestData> testdata;
+    RecordState<TestLoad> testload;
     PkgMdlState pkgmdl;
     EbdMdlState ebdmdl;
     PkgSearch pkgsearch;

@@ -42,7 +42,7 @@ void appendValue(Text& text, std::string_view label, const std::optional<double>
 }
 
 /// Behind each of three corners: two are parted from what follows, the last ends the line.
-constexpr std::array<std::string_view, 3> kBehindCorner{"; ", "; ", "\n"};
+constexpr std::array<std::string_view, kCornerCount> kBehindCorner{"; ", "; ", "\n"};
 
 void appendRange(Text& text, std::string_view label, const std::optional<Rng>& range, std::string_view unit) {
     text.append(label);
@@ -50,28 +50,27 @@ void appendRange(Text& text, std::string_view label, const std::optional<Rng>& r
         text.append("-\n");
         return;
     }
-    const std::array<const Cell*, 3> corners{&range->typ, &range->min, &range->max};
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        if (corners[i]->isNumber()) {
-            appendQuantity(text, corners[i]->value, unit);
+    for (const Corner corner : kCorners) {
+        if (const Cell& cell = (*range)[corner]; cell.isNumber()) {
+            appendQuantity(text, cell.value, unit);
         } else {
             text.push_back('-');
         }
-        text.append(kBehindCorner[i]);
+        text.append(kBehindCorner[placeOf(corner)]);
     }
 }
 
 void appendRate(Text& text, std::string_view label, const std::optional<RampRate>& rate) {
     text.append(label);
-    for (std::size_t i = 0; i < kBehindCorner.size(); ++i) {
-        if (rate && rate->corners[i].state == CellState::number) {
-            appendGeneral(text, rate->corners[i].dv);
+    for (const Corner corner : kCorners) {
+        if (rate && (*rate)[corner].state == CellState::number) {
+            appendGeneral(text, (*rate)[corner].dv);
             text.push_back('/');
-            appendGeneral(text, rate->corners[i].dt);
+            appendGeneral(text, (*rate)[corner].dt);
         } else {
             text.push_back('-');
         }
-        text.append(kBehindCorner[i]);
+        text.append(kBehindCorner[placeOf(corner)]);
     }
 }
 

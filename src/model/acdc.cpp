@@ -87,8 +87,8 @@ void checkRampTimes(Context& context, const Mdl& model) {
     if (!ramp) return;
     for (const Edge& edge : kEdges) {
         const std::optional<RampRate>& rate = *ramp.*edge.rate;
-        if (!rate || rate->corners.front().state != CellState::number) continue;
-        if (differsMuch(rate->corners.front(), (*model.tables).*edge.waveforms)) {
+        if (!rate || rate->typ().state != CellState::number) continue;
+        if (differsMuch(rate->typ(), (*model.tables).*edge.waveforms)) {
             caution(context.diagnostics, 1709, model.name, edge.rate_name);
         }
     }

@@ -1,84 +1,67 @@
 #include "model/ccorner.hpp"
 
-#include "ibis/run.hpp"
+#include "reader/subparameters.hpp"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <memory>
 
 namespace kestrel {
 
 namespace {
 
-/// A capacitance by its spelling, and the model's own of the same name.
-struct CornerRow {
-    std::string_view name;
-    std::optional<Rng> CCorner::*value;
-    std::optional<Rng> Mdl::*own;
-};
+using Field = std::optional<Rng> CComp::*;
+constexpr std::array<Field, 5> kFields{&CComp::c_comp, &CComp::c_comp_pullup, &CComp::c_comp_pulldown,
+                                       &CComp::c_comp_power_clamp, &CComp::c_comp_gnd_clamp};
 
-constexpr auto kRows = std::to_array({
-    CornerRow{"C_comp", &CCorner::c_comp, &Mdl::c_comp},
-    CornerRow{"C_comp_pullup", &CCorner::c_comp_pullup, &Mdl::c_comp_pullup},
-    CornerRow{"C_comp_pulldown", &CCorner::c_comp_pulldown, &Mdl::c_comp_pulldown},
-    CornerRow{"C_comp_power_clamp", &CCorner::c_comp_power_clamp, &Mdl::c_comp_power_clamp},
-    CornerRow{"C_comp_gnd_clamp", &CCorner::c_comp_gnd_clamp, &Mdl::c_comp_gnd_clamp},
-});
-
-constexpr RangeLineRules kRangeRules{CheckedMessage<ArgKind::text>(5007), true};
+constexpr auto kCorner = subparameters<Subparameter<CCorner>>(
+    {
+        {"C_comp", &CCorner::c_comp, Bound::notBelowZero},
+        {"C_comp_pullup", &CCorner::c_comp_pullup, Bound::notBelowZero},
+        {"C_comp_pulldown", &CCorner::c_comp_pulldown, Bound::notBelowZero},
+        {"C_comp_power_clamp", &CCorner::c_comp_power_clamp, Bound::notBelowZero},
+        {"C_comp_gnd_clamp", &CCorner::c_comp_gnd_clamp, Bound::notBelowZero},
+    },
+    {
+        .unknown = CheckedMessage<>(5005),
+        .repeated = 5006,
+        .range = RangeLineRules{CheckedMessage<ArgKind::text>(5007), true},
+        .out_of_bounds = CheckedMessage<ArgKind::text>(5008),
+    });
 
 /// True when a corner lies below or above all three values of `own` by more than a millionth of the nearest.
 bool leaves(const Rng& corners, const Rng& own) {
     constexpr double kTolerance = 1e-6;
-    if (!own.typ.isNumber() || !own.min.isNumber() || !own.max.isNumber()) return false;
-    const auto [low, high] = std::minmax({own.typ.value, own.min.value, own.max.value});
+    if (!std::ranges::all_of(own, &Cell::isNumber)) return false;
+    const auto [low, high] = std::minmax({own.typ().value, own.min().value, own.max().value});
     const double floor = low - kTolerance * std::abs(low);
     const double ceiling = high + kTolerance * std::abs(high);
-    return std::ranges::any_of(std::array{corners.typ, corners.min, corners.max}, [&](const Cell& cell) {
-        return cell.isNumber() && (cell.value < floor || cell.value > ceiling);
-    });
+    return std::ranges::any_of(
+        corners, [&](const Cell& cell) { return cell.isNumber() && (cell.value < floor || cell.value > ceiling); });
 }
 
 } // namespace
 
-void openCCorner(Run& run, Mdl& model, std::string_view text) {
-    if (model.c_comp_corner) errorAtLine(run.diagnostics, 5001);
-    model.c_comp_corner = std::make_unique<CCorner>();
-    expectNoText(run, text, "C Comp Corner", 5004);
+void openCCorner(Context& context, std::unique_ptr<CCorner>& slot, std::string_view text) {
+    if (slot) errorAtLine(context.diagnostics, 5001);
+    slot = std::make_unique<CCorner>();
+    expectNoText(context, text, "C Comp Corner", 5004);
 }
 
-void cCornerLine(Run& run, Mdl& model, std::string_view text) {
-    const CornerRow* const row = takeSubparameter(run, kRows, text, 5005);
-    if (row == nullptr) return;
-    CCorner& corner = *model.c_comp_corner;
-    std::optional<Rng>& value = corner.*row->value;
-    if (value) {
-        errorAtLine(run.diagnostics, 5006, row->name, model.name);
-    } else if (!readRangeLine(run, text, row->name, kRangeRules, value)) {
-        corner.refused.add(rowPlace(kRows, row->name, &CornerRow::name));
-    } else if (anyBelowZero(*value)) {
-        warningAtLine(run.diagnostics, 5008, row->name);
-    }
+void cCornerLine(Context& context, CCorner& corner, std::string_view text, std::string_view model) {
+    readSubparameter(context, kCorner, corner, text, model);
 }
 
-void closeCCorner(Run& run, const Mdl& model) {
-    const CCorner& corner = *model.c_comp_corner;
-    const bool given =
-        std::ranges::any_of(kRows, [&corner](const CornerRow& row) { return (corner.*row.value).has_value(); });
-    if (!given && !corner.refused.any()) error(run.diagnostics, 5009, model.name);
+void closeCCorner(Context& context, const CCorner& corner, std::string_view model) {
+    if (!anyGiven(kCorner, corner) && !corner.refused.any()) error(context.diagnostics, 5009, model);
 }
 
-void checkCCorner(Run& run, const Mdl& model) {
-    if (!model.c_comp_corner) return;
-    for (const CornerRow& row : kRows) {
-        const std::optional<Rng>& value = *model.c_comp_corner.*row.value;
-        if (!value) continue;
-        const std::optional<Rng>& own = model.*row.own;
-        if (!own) {
-            caution(run.diagnostics, 5010, model.name, row.name, row.name);
-        } else if (leaves(*value, *own)) {
-            caution(run.diagnostics, 5011, model.name, row.name, row.name);
+void checkCCorner(Context& context, const CCorner& corner, const CComp& own, std::string_view model) {
+    for (const Field field : kFields) {
+        if (!(corner.*field)) continue;
+        const std::string_view name = kCorner.nameOf(field);
+        if (!(own.*field)) {
+            caution(context.diagnostics, 5010, model, name, name);
+        } else if (leaves(*(corner.*field), *(own.*field))) {
+            caution(context.diagnostics, 5011, model, name, name);
         }
     }
 }

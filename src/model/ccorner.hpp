@@ -2,35 +2,37 @@
 
 #include "reader/line_form.hpp"
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
 namespace kestrel {
 
-struct Run;
-struct Mdl;
-
-/// "[C Comp Corner]": the capacitances (farads) of the corners. Minimum and maximum are those of the corner, whichever
-/// of them is the smaller.
-struct CCorner {
+/// The capacitances of a buffer as a whole or by its structures, in farads.
+struct CComp {
     std::optional<Rng> c_comp;
     std::optional<Rng> c_comp_pullup;
     std::optional<Rng> c_comp_pulldown;
     std::optional<Rng> c_comp_power_clamp;
     std::optional<Rng> c_comp_gnd_clamp;
+};
+
+/// "[C Comp Corner]": the capacitances of the corners. Minimum and maximum are those of the corner, whichever of them
+/// is the smaller.
+struct CCorner : CComp {
     RefusedLines refused;
 };
 
-/// Opens a model's corners at their keyword line. Reports 5001 (the old ones are replaced) and 5004.
-void openCCorner(Run& run, Mdl& model, std::string_view text);
+/// Opens a model's corners at their keyword line; they take the place of old ones, which is reported.
+void openCCorner(Context& context, std::unique_ptr<CCorner>& slot, std::string_view text);
 
-/// Reads one line of them. Reports 5005 to 5008 and what the range reader reports.
-void cCornerLine(Run& run, Mdl& model, std::string_view text);
+/// Reads one line of them; `model` is the model's name in messages.
+void cCornerLine(Context& context, CCorner& corner, std::string_view text, std::string_view model);
 
-/// Reports corners without a value (5009, no line).
-void closeCCorner(Run& run, const Mdl& model);
+/// Reports corners without a value; no line.
+void closeCCorner(Context& context, const CCorner& corner, std::string_view model);
 
-/// Once the model is read, compares its corners with its own capacitances (cautions 5010 and 5011, no line).
-void checkCCorner(Run& run, const Mdl& model);
+/// Once the model is read, compares its corners with its own capacitances; cautions without line.
+void checkCCorner(Context& context, const CCorner& corner, const CComp& own, std::string_view model);
 
 } // namespace kestrel

@@ -155,7 +155,8 @@ void beginCrv(const Context& context, CrvState& state, Crv& curve) {
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
     const TableRow row = readRow(context, text, label, kFirstWord);
-    const std::size_t count = appendRow(context.diagnostics, curve.rows, row);
+    curve.rows.push_back(row);
+    const std::size_t count = curve.rows.size();
     followColumns(context, state, row, label);
     if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 1106);
     if (row.isNumber(kFirst)) {

@@ -2,6 +2,7 @@
 
 #include "reader/context.hpp"
 #include "reader/items.hpp"
+#include "reader/line_form.hpp"
 #include "reader/values.hpp"
 
 #include <algorithm>
@@ -20,14 +21,6 @@ enum Delay : std::uint8_t { kRiseOn = 0, kRiseOff = 1, kFallOn = 2, kFallOff = 3
 constexpr std::array<std::string_view, kDelays> kLabels{"Rise_on_dly", "Rise_off_dly", "Fall_on_dly", "Fall_off_dly"};
 
 using Delays = std::array<Cell, kDelays>;
-
-void reportCount(Diagnostics& diagnostics, int count, std::string_view model_name) {
-    if (count == 0 || count > kDelays) {
-        errorAtLine(diagnostics, 4502, count, model_name, kDelays);
-    } else if (count < kDelays) {
-        errorAtLine(diagnostics, 4501, kLabels[static_cast<std::size_t>(count)], model_name);
-    }
-}
 
 /// Reads all four, so that each unreadable one is told of; true when there was none.
 bool readCells(Diagnostics& diagnostics, const ItemList& items, std::string_view model_name, Delays& delays) {
@@ -95,7 +88,7 @@ void checkDelays(Diagnostics& diagnostics, const Delays& delays) {
 
 Dly readDly(Context& context, std::string_view text, std::string_view model_name) {
     const ItemList items = splitItems(context, text, kDelays);
-    reportCount(context.diagnostics, items.count, model_name);
+    reportItemCount(context.diagnostics, items.count, kLabels, model_name, {4502, 4501}, MissingItems::first);
     Delays delays;
     if (readCells(context.diagnostics, items, model_name, delays)) checkDelays(context.diagnostics, delays);
     return {delays[kRiseOn], delays[kRiseOff], delays[kFallOn], delays[kFallOff]};

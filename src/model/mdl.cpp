@@ -9,56 +9,35 @@ namespace {
 
 using K = KeywordCode;
 
-/// Calls into modules that take the whole run.
-template <void (*Function)(Run&, Mdl&, std::string_view)>
-void lineByRun(Context& context, Mdl& model, std::string_view text) {
-    Function(runOf(context), model, text);
+/// A part of a model that has a reader of its own: opened at its keyword, then read line by line.
+template <auto Part, auto Open> void openPart(Context& context, Mdl& model, std::string_view text) {
+    Open(context, model.*Part, text);
 }
-template <void (*Function)(Run&, const Mdl&)> void closeByRun(Context& context, const Mdl& model) {
-    Function(runOf(context), model);
-}
-template <const Block<Mdl>& Form>
-constexpr BlockEnd kEndByRun{
-    .name = {},
-    .text_behind = [](Context& context, std::string_view text) { Form.text_behind_end(runOf(context), text); },
-    .not_ended = [](Context& context) { Form.not_ended(runOf(context)); },
-    .no_begin = [](Context& context) { Form.no_begin(runOf(context)); },
-};
-template <const Block<Mdl>& Form> constexpr Section<MdlState> blockByRun(K key, K end_key) {
-    constexpr auto kOpen = [](Context& context, Mdl& model, std::string_view text) {
-        Form.open(runOf(context), model, text);
-    };
-    constexpr auto kLine = [](Context& context, Mdl& model, std::string_view text) {
-        Form.line(runOf(context), model, text);
-    };
-    constexpr auto kClose = [](Context& context, Mdl& model) { Form.close(runOf(context), model); };
-    return blockSection<MdlState, kOpen, kLine, kClose>(key, end_key, kEndByRun<Form>);
+
+template <auto Part, auto Read> void partLine(Context& context, Mdl& model, std::string_view text) {
+    Read(context, *(model.*Part), text, model.name);
 }
 
 /// A data line under a keyword that has none.
 void strayLine(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 121); }
 
-void readRange(Context& context, Mdl& model, const Line& line) { readRangeKeyword(runOf(context), model, line); }
-
-constexpr Section<MdlState> range(K key) { return section<MdlState, readRange, strayLine>(key); }
-
-void openSchedule(Context& context, Mdl& model, std::string_view text) {
-    openDrvSh(context, model.driver_schedule, text);
-}
-
-void scheduleLine(Context& context, Mdl& model, std::string_view text) {
-    drvShLine(context, *model.driver_schedule, text, model.name);
-}
+constexpr Section<MdlState> range(K key) { return section<MdlState, readRangeKeyword, strayLine>(key); }
 
 void openSpec(Context& context, Mdl& model, std::string_view text) {
     checkModelSpecOrder(context, model);
-    openMSpec(runOf(context), model, text);
+    openMSpec(context, model.model_spec, text);
+}
+
+void closeSpec(Context& context, const Mdl& model) {
+    closeMSpec(context, *model.model_spec, model.name, model.model_type);
 }
 
 void openThresholds(Context& context, Mdl& model, std::string_view text) {
     checkReceiverThresholdsOrder(context, model);
-    openRcvTh(runOf(context), model, text);
+    openRcvTh(context, model.receiver_thresholds, text);
 }
+
+void closeCorner(Context& context, const Mdl& model) { closeCCorner(context, *model.c_comp_corner, model.name); }
 
 template <std::unique_ptr<SeriesBlock> Mdl::*Slot, const std::string_view& Label>
 constexpr Section<MdlState> seriesSection(K key) {
@@ -143,10 +122,6 @@ void closeExternal(Context& context, MdlState& state, Mdl& model) {
     closeExtMdl(context, state.external, model.external_model, model.name, model.model_type);
 }
 
-void openAlgorithmic(Context& context, Mdl& model, std::string_view text) {
-    openAlgMod(context, model.algorithmic_model, text);
-}
-
 void algorithmicLine(Context& context, Mdl& model, std::string_view text) {
     algModLine(context, *model.algorithmic_model, text);
 }
@@ -156,7 +131,7 @@ void closeAlgorithmic(Context& context, const Mdl& model) {
 }
 
 constexpr auto kSections = sectionTable<MdlState>({
-    section<MdlState, readModelName, lineByRun<readSubparameter>, checkSubparameters>(K::model),
+    section<MdlState, readModelName, readSubparameter, checkSubparameters>(K::model),
     range(K::temperatureRange),
     range(K::voltageRange),
     range(K::pullupReference),
@@ -180,11 +155,13 @@ constexpr auto kSections = sectionTable<MdlState>({
     waveformSection<MdlState, &Tables::rising_waveforms, kRisingWaveform>(K::risingWaveform),
     waveformSection<MdlState, &Tables::falling_waveforms, kFallingWaveform>(K::fallingWaveform),
     section<MdlState, openCompositeCurrent, compositeCurrentLine, closeCompositeCurrent>(K::compositeCurrent),
-    section<MdlState, openSchedule, scheduleLine>(K::driverSchedule),
+    section<MdlState, openPart<&Mdl::driver_schedule, openDrvSh>, partLine<&Mdl::driver_schedule, drvShLine>>(
+        K::driverSchedule),
     section<MdlState, openAddSubmodel, readAddSubmodel>(K::addSubmodel),
-    section<MdlState, openSpec, lineByRun<mSpecLine>, closeByRun<closeMSpec>>(K::modelSpec),
-    section<MdlState, openThresholds, lineByRun<rcvThLine>>(K::receiverThresholds),
-    section<MdlState, lineByRun<openCCorner>, lineByRun<cCornerLine>, closeByRun<closeCCorner>>(K::cCompCorner),
+    section<MdlState, openSpec, partLine<&Mdl::model_spec, mSpecLine>, closeSpec>(K::modelSpec),
+    section<MdlState, openThresholds, partLine<&Mdl::receiver_thresholds, rcvThLine>>(K::receiverThresholds),
+    section<MdlState, openPart<&Mdl::c_comp_corner, openCCorner>, partLine<&Mdl::c_comp_corner, cCornerLine>,
+            closeCorner>(K::cCompCorner),
     seriesSection<&Mdl::on_block, kOnLabel>(K::on),
     seriesSection<&Mdl::off_block, kOffLabel>(K::off),
     seriesElement(K::rSeries),
@@ -197,9 +174,10 @@ constexpr auto kSections = sectionTable<MdlState>({
     section<MdlState, openSeriesMosfet, seriesMosfetLine, closeSeriesMosfet>(K::seriesMosfet),
     blockSection<MdlState, openExternal, externalLine, closeExternal>(K::externalModel, K::endExternalModel,
                                                                       kExtMdlEnd),
-    blockSection<MdlState, openAlgorithmic, algorithmicLine, closeAlgorithmic>(K::algorithmicModel,
-                                                                               K::endAlgorithmicModel, kAlgModEnd),
-    blockByRun<kEmiModel>(K::beginEmiModel, K::endEmiModel),
+    blockSection<MdlState, openPart<&Mdl::algorithmic_model, openAlgMod>, algorithmicLine, closeAlgorithmic>(
+        K::algorithmicModel, K::endAlgorithmicModel, kAlgModEnd),
+    blockSection<MdlState, openPart<&Mdl::emi_model, openMdlEmi>, partLine<&Mdl::emi_model, mdlEmiLine>>(
+        K::beginEmiModel, K::endEmiModel, kMdlEmiEnd),
 });
 
 void closeModel(Context& context, MdlState& /*state*/, Mdl& model) {

@@ -41,17 +41,12 @@ struct MdlTables : Tables {
 
 /// One "[Model]", whose name has at most 20 or 40 characters, by version. Volts, ohms, farads, degrees Celsius for the
 /// temperature, seconds for transit times.
-struct Mdl : RecordOf<SubjectKind::model> {
+struct Mdl : RecordOf<SubjectKind::model>, CComp {
     ModelType model_type = ModelType::notGiven;
     Polarity polarity = Polarity::notGiven;
     EnableMode enable = EnableMode::notGiven;
     GivenValue vinl;
     GivenValue vinh;
-    std::optional<Rng> c_comp;
-    std::optional<Rng> c_comp_pullup;
-    std::optional<Rng> c_comp_pulldown;
-    std::optional<Rng> c_comp_power_clamp;
-    std::optional<Rng> c_comp_gnd_clamp;
     GivenValue vmeas;
     GivenValue cref;
     GivenValue rref;

@@ -1,3 +1,4 @@
+#include "base/rows.hpp"
 #include "model/mdl_parts.hpp"
 
 #include <algorithm>
@@ -110,6 +111,27 @@ void checkSeriesSection(Context& context, const Mdl& model, const SeriesBlock& b
     checkSeriesBlock(context, block, label, model.name);
 }
 
+/// What a model has to give when its thresholds follow a supply.
+struct SupplyKeyword {
+    ReferenceSupply supply;
+    std::optional<Rng> Mdl::*reference;
+    CheckedMessage<ArgKind::text> missing;
+};
+constexpr auto kSupplyKeywords = std::to_array({
+    SupplyKeyword{ReferenceSupply::powerClamp, &Mdl::power_clamp_reference, 195},
+    SupplyKeyword{ReferenceSupply::gndClamp, &Mdl::gnd_clamp_reference, 196},
+    SupplyKeyword{ReferenceSupply::pullup, &Mdl::pullup_reference, 197},
+    SupplyKeyword{ReferenceSupply::pulldown, &Mdl::pulldown_reference, 198},
+    SupplyKeyword{ReferenceSupply::external, &Mdl::external_reference, 199},
+});
+
+/// Thresholds that follow a supply need its reference keyword.
+void checkReferenceSupply(Context& context, const Mdl& model) {
+    if (!model.receiver_thresholds) return;
+    const auto* const row = rowOf(kSupplyKeywords, model.receiver_thresholds->reference_supply, &SupplyKeyword::supply);
+    if (row != nullptr && !(model.*row->reference)) error(context.diagnostics, row->missing, model.name);
+}
+
 void checkSeriesSections(Context& context, const Mdl& model) {
     if (model.model_type == ModelType::series && model.on_block) {
         checkSeriesSection(context, model, *model.on_block, "Series");
@@ -181,8 +203,8 @@ void checkIsso(Context& context, const Mdl& model) {
         if (kNoTestLoadTypes.has(model.model_type)) {
             warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.model_type));
         }
-        if (!model.voltage_range || !model.voltage_range->typ.isNumber()) continue;
-        const double supply = model.voltage_range->typ.value;
+        if (!model.voltage_range || !model.voltage_range->typ().isNumber()) continue;
+        const double supply = model.voltage_range->typ().value;
         if (!covers(*table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }
@@ -205,17 +227,17 @@ void checkModel(Context& context, const Mdl& model) {
     checkReferenceVoltages(context, model);
     checkRamp(context, model);
     checkSeries(context, model);
-    checkReferenceSupply(runOf(context), model);
+    checkReferenceSupply(context, model);
     checkTestLoad(context, model);
     if (isDifferential(model) && !model.external_model) {
         caution(context.diagnostics, 1829, model.name, modelTypeText(model.model_type));
     }
-    checkMdlEmi(runOf(context), model);
+    if (model.emi_model) checkMdlEmi(context, *model.emi_model, model.name, model.model_type);
     checkIsso(context, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(context, block->mosfets, model.name);
     }
-    checkCCorner(runOf(context), model);
+    if (model.c_comp_corner) checkCCorner(context, *model.c_comp_corner, model, model.name);
     if (model.algorithmic_model) checkAlgModType(context, model.name, model.model_type);
 }
 

@@ -1,129 +1,84 @@
-#include "ibis/run.hpp"
 #include "model/mdl_parts.hpp"
-
-#include <algorithm>
-#include <type_traits>
-#include <variant>
+#include "reader/subparameters.hpp"
 
 namespace kestrel {
 
 namespace {
 
 using PlainMessage = CheckedMessage<>;
+using Row = Subparameter<Mdl, ModelType, Polarity, EnableMode>;
+using Gate = bool (*)(Context& context, const Mdl& model);
 
-constexpr ValueLineMessages kValueMessages{176, 137, 149, std::nullopt, ValueGiven::whenAccepted};
-constexpr SettingMessages kSettingMessages{175, 176, 137};
-constexpr EnumerationMessages kEnumerationMessages{136, 158};
-
-/// Which types a subparameter is for; to the others it is a warning that names the type.
-struct TypeGate {
-    ModelTypeSet admitted;
-    CheckedMessage<ArgKind::text> refusal;
-    bool silent_without_type = false; ///< nothing is said before the type is given
-};
-
-/// Where a subparameter is stored, which tells how its line is written.
-using Field =
-    std::variant<ModelType Mdl::*, Polarity Mdl::*, EnableMode Mdl::*, GivenValue Mdl::*, std::optional<Rng> Mdl::*>;
-
-struct Subparameter {
-    std::string_view name;
-    Field field;
-    std::optional<PlainMessage> from_class_4; ///< what older files are told
-    std::optional<TypeGate> gate;
-};
-
-constexpr ModelTypeSet kTestLoadTypes = kNoTestLoadTypes.others();
-
-constexpr std::array<Subparameter, 16> kSubparameters{{
-    {"Model_type", &Mdl::model_type, {}, {}},
-    {"Polarity", &Mdl::polarity, {}, {}},
-    {"Enable", &Mdl::enable, {}, {}},
-    {"Vinl", &Mdl::vinl, {}, TypeGate{kInputTypes, 159, true}},
-    {"Vinh", &Mdl::vinh, {}, TypeGate{kInputTypes, 161, true}},
-    {"Vmeas", &Mdl::vmeas, {}, TypeGate{kTestLoadTypes, 166}},
-    {"Cref", &Mdl::cref, {}, TypeGate{kTestLoadTypes, 167}},
-    {"Rref", &Mdl::rref, {}, TypeGate{kTestLoadTypes, 168}},
-    {"Vref", &Mdl::vref, {}, TypeGate{kTestLoadTypes, 169}},
-    {"Rref_diff", &Mdl::rref_diff, PlainMessage(164), TypeGate{kDiffLoadTypes, 165}},
-    {"Cref_diff", &Mdl::cref_diff, PlainMessage(162), TypeGate{kDiffLoadTypes, 163}},
-    {"C_comp", &Mdl::c_comp, {}, {}},
-    {"C_comp_pullup", &Mdl::c_comp_pullup, PlainMessage(170), {}},
-    {"C_comp_pulldown", &Mdl::c_comp_pulldown, PlainMessage(171), {}},
-    {"C_comp_power_clamp", &Mdl::c_comp_power_clamp, PlainMessage(172), {}},
-    {"C_comp_gnd_clamp", &Mdl::c_comp_gnd_clamp, PlainMessage(173), {}},
-}};
-
-/// A subparameter line: the name, the whole line and what follows the name.
-struct SubparameterLine {
-    std::string_view name;
-    std::string_view text;
-    std::string_view rest;
-};
-
-/// True when the model's type admits the subparameter.
-bool admits(Run& run, const Mdl& model, const TypeGate& gate) {
-    if (gate.admitted.has(model.model_type)) return true;
-    if (model.model_type != ModelType::notGiven || !gate.silent_without_type) {
-        warningAtLine(run.diagnostics, gate.refusal, modelTypeText(model.model_type));
-    }
+/// Admits a subparameter to models of these types; to the others it is a warning that names the type.
+template <const ModelTypeSet& Types, MessageCode Refusal> bool ofType(Context& context, const Mdl& model) {
+    if (Types.has(model.model_type)) return true;
+    warningAtLine(context.diagnostics, Refusal, modelTypeText(model.model_type));
     return false;
 }
 
-/// Reads a setting by its table; a line that gives none still counts as the one line that the model may have.
-template <EnumerationTable Rows>
-void readEnumerated(Run& run, const SubparameterLine& line, const Rows& rows, CodeOf<Rows>& field) {
-    constexpr CodeOf<Rows> kNone{1};
-    field = kNone;
-    const std::optional<std::string_view> setting = readSetting(run, line.text, line.name, kSettingMessages);
-    if (!setting) return;
-    field = readEnumeration(run.diagnostics, rows, line.name, *setting, kEnumerationMessages).value_or(kNone);
+/// The same, but nothing is said before the type is given.
+template <const ModelTypeSet& Types, MessageCode Refusal> bool ofGivenType(Context& context, const Mdl& model) {
+    return model.model_type != ModelType::notGiven && ofType<Types, Refusal>(context, model);
 }
+
+/// Admits a subparameter to files of class 4 and later.
+template <MessageCode Refusal> bool fromClass4(Context& context, const Mdl& /*model*/) {
+    if (context.parse.version >= IbisVersion::v4) return true;
+    errorAtLine(context.diagnostics, Refusal);
+    return false;
+}
+
+template <Gate First, Gate Second> bool both(Context& context, const Mdl& model) {
+    return First(context, model) && Second(context, model);
+}
+
+constexpr Row gated(std::string_view name, const Row::Field& field, Gate gate) {
+    return {name, field, Bound::none, IbisVersion::none, gate};
+}
+
+constexpr ModelTypeSet kTestLoadTypes = kNoTestLoadTypes.others();
+
+constexpr auto kSubparameters = subparameters<Row>(
+    {
+        {"Model_type", WordField<Mdl, ModelType>{&Mdl::model_type, modelTypes}},
+        {"Polarity", wordOf<kPolarities>(&Mdl::polarity)},
+        {"Enable", wordOf<kEnableModes>(&Mdl::enable)},
+        gated("Vinl", &Mdl::vinl, ofGivenType<kInputTypes, 159>),
+        gated("Vinh", &Mdl::vinh, ofGivenType<kInputTypes, 161>),
+        gated("Vmeas", &Mdl::vmeas, ofType<kTestLoadTypes, 166>),
+        gated("Cref", &Mdl::cref, ofType<kTestLoadTypes, 167>),
+        gated("Rref", &Mdl::rref, ofType<kTestLoadTypes, 168>),
+        gated("Vref", &Mdl::vref, ofType<kTestLoadTypes, 169>),
+        gated("Rref_diff", &Mdl::rref_diff, both<fromClass4<164>, ofType<kDiffLoadTypes, 165>>),
+        gated("Cref_diff", &Mdl::cref_diff, both<fromClass4<162>, ofType<kDiffLoadTypes, 163>>),
+        {"C_comp", &Mdl::c_comp},
+        gated("C_comp_pullup", &Mdl::c_comp_pullup, fromClass4<170>),
+        gated("C_comp_pulldown", &Mdl::c_comp_pulldown, fromClass4<171>),
+        gated("C_comp_power_clamp", &Mdl::c_comp_power_clamp, fromClass4<172>),
+        gated("C_comp_gnd_clamp", &Mdl::c_comp_gnd_clamp, fromClass4<173>),
+    },
+    {
+        .unknown = CheckedMessage<>(174),
+        .repeated = 119,
+        .value = ValueLineMessages{176, 137, 149, std::nullopt, ValueGiven::whenAccepted},
+        .range = kModelRangeRules,
+        .word = WordMessages{SettingMessages{175, 176, 137}, {136, 158}},
+    });
 
 /// True when both are numbers and the first is the smaller.
 bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value < b.value; }
 
-void checkCornerOrder(Run& run, const Mdl& model, std::string_view name, const Rng& range) {
-    if (isBelow(range.typ, range.min) || isBelow(range.max, range.min)) {
-        warningAtLine(run.diagnostics, 177, model.name, name);
+void checkCornerOrder(Context& context, const Mdl& model, std::string_view name, const Rng& range) {
+    if (isBelow(range.typ(), range.min()) || isBelow(range.max(), range.min())) {
+        warningAtLine(context.diagnostics, 177, model.name, name);
     }
-    if (isBelow(range.max, range.typ) || isBelow(range.max, range.min)) {
-        warningAtLine(run.diagnostics, 179, model.name, name);
+    if (isBelow(range.max(), range.typ()) || isBelow(range.max(), range.min())) {
+        warningAtLine(context.diagnostics, 179, model.name, name);
     }
-}
-
-template <class Code>
-requires std::is_enum_v<Code>
-bool isGiven(Code field) { return field != Code{}; }
-template <class Value> bool isGiven(const std::optional<Value>& field) { return field.has_value(); }
-
-void readInto(Run& run, const Mdl&, const SubparameterLine& line, ModelType& field) {
-    readEnumerated(run, line, modelTypes(run.parse.version), field);
-}
-
-void readInto(Run& run, const Mdl&, const SubparameterLine& line, Polarity& field) {
-    readEnumerated(run, line, kPolarities, field);
-}
-
-void readInto(Run& run, const Mdl&, const SubparameterLine& line, EnableMode& field) {
-    readEnumerated(run, line, kEnableModes, field);
-}
-
-void readInto(Run& run, const Mdl&, const SubparameterLine& line, GivenValue& field) {
-    readValueLine(run, line.text, kValueMessages, {line.name, line.name, line.name}, field);
-}
-
-void readInto(Run& run, const Mdl& model, const SubparameterLine& line, std::optional<Rng>& field) {
-    readRangeLine(run, line.rest, line.name, kModelRangeRules, field);
-    if (field) checkCornerOrder(run, model, line.name, *field);
 }
 
 /// What a keyword says of its corners below zero.
-struct NegativeMessages {
-    PlainMessage typ;
-    PlainMessage min;
-    PlainMessage max;
-};
+using NegativeMessages = std::array<PlainMessage, kCornerCount>;
 
 /// A keyword whose range stands on its own line.
 struct RangeKeyword {
@@ -150,52 +105,40 @@ constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
     {KeywordCode::ttpower, "TTpower", &Mdl::ttpower, false, NegativeMessages{112, 113, 114}},
 }};
 
-void reportNegative(Diagnostics& diagnostics, const Cell& cell, PlainMessage message) {
-    if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, message);
+void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMessages& messages) {
+    for (const Corner corner : kCorners) {
+        const Cell& cell = range[corner];
+        if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, messages[placeOf(corner)]);
+    }
 }
 
 } // namespace
 
-void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name) {
-    errorAtLine(run.diagnostics, 119, name, model.name);
+void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view name) {
+    errorAtLine(context.diagnostics, 119, name, model.name);
 }
 
-void readSubparameter(Run& run, Mdl& model, std::string_view text) {
-    std::string_view rest = text;
-    const Subparameter* const row = takeSubparameter(run, kSubparameters, rest, 174);
+void readSubparameter(Context& context, Mdl& model, std::string_view text) {
+    const Row* const row = readSubparameter(context, kSubparameters, model, text, model.name);
     if (row == nullptr) return;
-    if (row->from_class_4 && run.parse.version < IbisVersion::v4) {
-        errorAtLine(run.diagnostics, *row->from_class_4);
-        return;
+    if (const auto* const range = std::get_if<std::optional<Rng> Mdl::*>(&row->field)) {
+        checkCornerOrder(context, model, row->name, *(model.**range));
     }
-    if (row->gate && !admits(run, model, *row->gate)) return;
-    const auto read = [&](auto field) {
-        if (isGiven(model.*field)) {
-            reportAlreadyDefined(run, model, row->name);
-        } else {
-            readInto(run, model, {row->name, text, rest}, model.*field);
-        }
-    };
-    std::visit(read, row->field);
 }
 
-void readRangeKeyword(Run& run, Mdl& model, const Line& line) {
-    const RangeKeyword& row = *std::ranges::find(kRangeKeywords, line.key, &RangeKeyword::code);
+void readRangeKeyword(Context& context, Mdl& model, const Line& line) {
+    const RangeKeyword& row = *rowOf(kRangeKeywords, line.key, &RangeKeyword::code);
     std::optional<Rng>& field = model.*row.field;
     if (field) {
-        reportAlreadyDefined(run, model, row.name);
+        reportAlreadyDefined(context, model, row.name);
         return;
     }
     const bool sections_begun = model.on_block || model.off_block;
     if (row.before_sections && sections_begun && model.model_type == ModelType::seriesSwitch) {
-        errorAtLine(run.diagnostics, 204, model.name, row.name);
+        errorAtLine(context.diagnostics, 204, model.name, row.name);
     }
-    readRangeLine(run, line.text, row.name, kModelRangeRules, field);
-    if (field && row.negative) {
-        reportNegative(run.diagnostics, field->typ, row.negative->typ);
-        reportNegative(run.diagnostics, field->min, row.negative->min);
-        reportNegative(run.diagnostics, field->max, row.negative->max);
-    }
+    readRangeLine(context, line.text, row.name, kModelRangeRules, field);
+    if (field && row.negative) reportNegative(context.diagnostics, *field, *row.negative);
 }
 
 } // namespace kestrel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ibis/run.hpp"
 #include "model/mdl.hpp"
 #include "reader/line_form.hpp"
 
@@ -8,9 +7,6 @@
 
 /// What the files of the model reader share among themselves.
 namespace kestrel {
-
-/// The run of which this is the context, for calls into modules that take it whole.
-[[nodiscard]] inline Run& runOf(Context& context) { return static_cast<Run&>(context); }
 
 /// True when the model or its tables have what `Field` holds: a value, a table, at least one entry, a flag.
 template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
@@ -33,17 +29,17 @@ using Presence = bool (*)(const Mdl&);
 /// How a model's own lines and keywords give ranges.
 inline constexpr RangeLineRules kModelRangeRules{CheckedMessage<>(178), false};
 
-/// Reports, at the line, that `name` was given before.
-void reportAlreadyDefined(Run& run, const Mdl& model, std::string_view name);
+/// Reports at the line that `name` was given before.
+void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view name);
 
 /// Reads the model's name from its keyword line.
 void readModelName(Context& context, MdlState& state, Mdl& model, std::string_view text);
 
 /// Reads a line "Model_type", "Vinl", "C_comp" and the like.
-void readSubparameter(Run& run, Mdl& model, std::string_view text);
+void readSubparameter(Context& context, Mdl& model, std::string_view text);
 
 /// Reads a keyword such as "[Voltage Range]" whose range is on its own line.
-void readRangeKeyword(Run& run, Mdl& model, const Line& line);
+void readRangeKeyword(Context& context, Mdl& model, const Line& line);
 
 /// Reports "[Model Spec]" behind a keyword that it should precede.
 void checkModelSpecOrder(Context& context, const Mdl& model);

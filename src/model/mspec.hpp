@@ -1,14 +1,13 @@
 #pragma once
 
+#include "model/types.hpp"
 #include "reader/line_form.hpp"
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
 namespace kestrel {
-
-struct Run;
-struct Mdl;
 
 /// "[Model Spec]": thresholds, overshoot limits and timing test loads that take the place of the model's own. Volts,
 /// seconds, farads, ohms, amperes; areas in volt seconds.
@@ -51,14 +50,14 @@ struct MSpec {
     RefusedLines refused;
 };
 
-/// Opens a model's spec at its keyword line. Reports 3801 (the old one is replaced) and 3804.
-void openMSpec(Run& run, Mdl& model, std::string_view text);
+/// Opens a model's spec at its keyword line; it takes the place of an old one, which is reported.
+void openMSpec(Context& context, std::unique_ptr<MSpec>& slot, std::string_view text);
 
-/// Reads one line of it. Reports 3805 to 3808, 3810 and what the range reader reports.
-void mSpecLine(Run& run, Mdl& model, std::string_view text);
+/// Reads one line of it; `model` is the model's name in messages.
+void mSpecLine(Context& context, MSpec& spec, std::string_view text, std::string_view model);
 
-/// Ends the block: what is missing beside what is given, what contradicts itself or the model's type (3809, 3811 to
-/// 3816). Warnings without line.
-void closeMSpec(Run& run, const Mdl& model);
+/// Ends the block: what is missing beside what is given, what contradicts itself or the model's type. Warnings without
+/// line.
+void closeMSpec(Context& context, const MSpec& spec, std::string_view model, ModelType type);
 
 } // namespace kestrel

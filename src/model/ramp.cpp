@@ -1,32 +1,14 @@
 #include "model/ramp.hpp"
 
 #include "base/text.hpp"
-#include "model/table_ends.hpp"
-#include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/line_form.hpp"
-#include "reader/values.hpp"
-
-#include <algorithm>
+#include "reader/subparameters.hpp"
 
 namespace kestrel {
 
 namespace {
 
-constexpr int kCorners = static_cast<int>(kCornerWords.size());
-
-/// A line that gives an edge rate.
-struct RateLine {
-    std::string_view name;
-    std::optional<RampRate> Ramp::*rate;
-};
-constexpr auto kRateLines = std::to_array({
-    RateLine{"dV/dt_r", &Ramp::dv_dt_r},
-    RateLine{"dV/dt_f", &Ramp::dv_dt_f},
-});
-
-constexpr std::string_view kLoadName = "R_load";
-constexpr ValueLineMessages kLoadMessages{1313, 1304, 1314, ScaleMessage(1311)};
+constexpr std::string_view kRising = "dV/dt_r";
+constexpr std::string_view kFalling = "dV/dt_f";
 
 /// Reads one number of a cell: 1311 for digits in its scale.
 bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view name, std::string_view word,
@@ -50,20 +32,12 @@ RampCorner readCorner(Context& context, std::string_view cell, std::string_view 
     return {};
 }
 
-void reportCellCount(Diagnostics& diagnostics, int count, std::string_view name) {
-    // Of a line without any the typical one is missed when the ramp ends.
-    for (int corner = count; count > 0 && corner < kCorners; ++corner) {
-        errorAtLine(diagnostics, 1308, kMissingCornerWords[static_cast<std::size_t>(corner)], name);
-    }
-    if (count > kCorners) errorAtLine(diagnostics, 1304, count, name, kCorners);
-}
-
 /// A rate needs a typical corner, and steps above zero. A minimum or maximum that is missing or did not read counts as
 /// zero; a typical one has been reported.
 void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_view name) {
-    const RampCorner& typical = rate.corners.front();
+    const RampCorner& typical = rate.typ();
     if (typical.state == CellState::na) errorAtLine(diagnostics, 1309, name);
-    for (const RampCorner& corner : rate.corners) {
+    for (const RampCorner& corner : rate) {
         if (corner.state == CellState::na) continue;
         if (&corner == &typical && corner.state == CellState::missing) continue;
         if (corner.dv <= 0.0) errorAtLine(diagnostics, 1310, "dV");
@@ -73,24 +47,38 @@ void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_vi
 
 /// Reads the cells behind a rate's name.
 RampRate readRate(Context& context, std::string_view text, std::string_view name) {
-    const ItemList cells = splitItems(context, text, kCorners);
-    reportCellCount(context.diagnostics, cells.count, name);
+    const ItemList cells = splitItems(context, text, static_cast<int>(kCornerCount));
+    if (cells.count > 0) reportItemCount(context.diagnostics, cells.count, kMissingCornerWords, name, {1304, 1308});
     RampRate rate;
-    for (int i = 0; i < cells.kept; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        rate.corners[at] = readCorner(context, cells[i], name, kCornerWords[at]);
+    for (const Corner corner : kCorners) {
+        const auto at = static_cast<int>(corner);
+        if (cells.has(at)) rate[corner] = readCorner(context, cells[at], name, kCornerWords[placeOf(corner)]);
     }
     checkCorners(context.diagnostics, rate, name);
     return rate;
 }
 
-void readLoad(Context& context, Ramp& ramp, std::string_view text) {
-    std::optional<double> ohms;
-    readValueLine(context, text, kLoadMessages, {kLoadName, "Ramp", kLoadName}, ohms);
-    if (!ohms) return;
-    ramp.r_load = *ohms;
-    ramp.r_load_given = true;
-}
+template <std::optional<RampRate> Ramp::*Rate>
+constexpr OwnForm<Ramp> kRateLine{
+    [](const Ramp& ramp) { return (ramp.*Rate).has_value(); },
+    [](Context& context, Ramp& ramp, const SubparameterLine& line) {
+        ramp.*Rate = readRate(context, line.rest, line.name);
+        return true;
+    },
+};
+
+constexpr auto kRamp = subparameters<Subparameter<Ramp>>(
+    {
+        {kRising, kRateLine<&Ramp::dv_dt_r>},
+        {kFalling, kRateLine<&Ramp::dv_dt_f>},
+        {"R_load", &Ramp::r_load},
+    },
+    {
+        .unknown = CheckedMessage<>(1305),
+        .repeated = 1307,
+        .value = ValueLineMessages{1313, 1304, 1314, ScaleMessage(1311)},
+        .group = "Ramp",
+    });
 
 } // namespace
 
@@ -102,26 +90,13 @@ void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text
 }
 
 void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name) {
-    std::string_view rest = text;
-    const std::string_view name = takeItem(context, rest, '=');
-    const auto* const line = std::ranges::find(kRateLines, name, &RateLine::name);
-    const bool is_rate = line != kRateLines.end();
-    if (!is_rate && name != kLoadName) {
-        errorAtLine(context.diagnostics, 1305);
-    } else if (is_rate ? (ramp.*line->rate).has_value() : ramp.r_load_given) {
-        errorAtLine(context.diagnostics, 1307, name, owner_name);
-    } else if (is_rate) {
-        ramp.*line->rate = readRate(context, rest, name);
-    } else {
-        readLoad(context, ramp, text);
-    }
+    readSubparameter(context, kRamp, ramp, text, owner_name);
 }
 
 void closeRamp(Context& context, const Ramp& ramp) {
-    for (const RateLine& line : kRateLines) {
-        if ((ramp.*line.rate).has_value()) continue;
-        error(context.diagnostics, 1306, line.name, static_cast<std::int32_t>(ramp.line));
-    }
+    const auto line = static_cast<std::int32_t>(ramp.line);
+    if (!ramp.dv_dt_r) error(context.diagnostics, 1306, kRising, line);
+    if (!ramp.dv_dt_f) error(context.diagnostics, 1306, kFalling, line);
 }
 
 } // namespace kestrel

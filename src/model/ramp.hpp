@@ -1,8 +1,8 @@
 #pragma once
 
+#include "reader/corner.hpp"
 #include "reader/values.hpp"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -18,27 +18,24 @@ struct RampCorner {
     CellState state = CellState::missing;
 };
 
-/// An edge rate: typical, minimum and maximum corner.
-struct RampRate {
-    std::array<RampCorner, 3> corners{};
-};
+/// An edge rate.
+using RampRate = PerCorner<RampCorner>;
 
 /// "[Ramp]" of a model or submodel.
 struct Ramp {
     std::uint32_t line = 0; ///< at which it began
     std::optional<RampRate> dv_dt_r;
     std::optional<RampRate> dv_dt_f;
-    double r_load = 0.0; ///< ohms
-    bool r_load_given = false;
+    std::optional<double> r_load; ///< ohms
 };
 
-/// Opens a ramp at its keyword line. Reports 1300 (the old one is replaced) and 1304.
+/// Opens a ramp at its keyword line; it takes the place of an old one, which is reported.
 void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text);
 
-/// Reads a rate or load line. Reports 1304, 1305, 1307 to 1314; `owner_name` is the model's or submodel's name.
+/// Reads a rate or load line; `owner_name` is the model's or submodel's name.
 void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name);
 
-/// Ends the open ramp: reports the rates it lacks (1306, no line).
+/// Ends the open ramp: reports the rates that it lacks; no line.
 void closeRamp(Context& context, const Ramp& ramp);
 
 } // namespace kestrel

@@ -3,13 +3,11 @@
 #include "reader/line_form.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 
 namespace kestrel {
-
-struct Run;
-struct Mdl;
 
 /// "Reference_supply": the supply that the thresholds follow.
 enum class ReferenceSupply : std::uint8_t { notGiven, powerClamp, gndClamp, pullup, pulldown, external };
@@ -35,17 +33,13 @@ struct RcvTh {
     RefusedLines refused;
 };
 
-/// Opens a model's thresholds at their keyword line. Reports 3201 (the old ones are replaced) and 3204.
-void openRcvTh(Run& run, Mdl& model, std::string_view text);
+/// Opens a model's thresholds at their keyword line; they take the place of old ones, which is reported.
+void openRcvTh(Context& context, std::unique_ptr<RcvTh>& slot, std::string_view text);
 
-/// Reads one line of them. Reports 3204 and 3206 to 3214.
-void rcvThLine(Run& run, Mdl& model, std::string_view text);
+/// Reads one line of them; `model` is the model's name in messages.
+void rcvThLine(Context& context, RcvTh& thresholds, std::string_view text, std::string_view model);
 
-/// Reports a supply named by a model's thresholds whose reference keyword the model lacks (195 to 199, no line).
-void checkReferenceSupply(Run& run, const Mdl& model);
-
-/// Once the file is read, checks the thresholds of all models: what they lack and what contradicts itself (3215 to
-/// 3220, no line).
-void checkRcvThs(Run& run);
+/// Once the file is read, checks the thresholds of a model: what they lack and what contradicts itself. No line.
+void checkRcvTh(Context& context, const RcvTh& thresholds, std::string_view model);
 
 } // namespace kestrel

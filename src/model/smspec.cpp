@@ -1,28 +1,18 @@
 #include "model/smspec.hpp"
 
-#include "reader/context.hpp"
-#include "reader/line_form.hpp"
-
-#include <algorithm>
-#include <array>
+#include "reader/subparameters.hpp"
 
 namespace kestrel {
 
 namespace {
 
-/// A range of "[Submodel Spec]" by its spelling in the file.
-struct SpecRow {
-    std::string_view name;
-    std::optional<Rng> SmSpec::*value;
-};
-
-constexpr std::array<SpecRow, 3> kRows{{
-    {"V_trigger_r", &SmSpec::v_trigger_r},
-    {"V_trigger_f", &SmSpec::v_trigger_f},
-    {"Off_delay", &SmSpec::off_delay},
-}};
-
-constexpr RangeLineRules kRangeRules{CheckedMessage<>(2708), false};
+constexpr auto kSpec = subparameters<Subparameter<SmSpec>>(
+    {
+        {"V_trigger_r", &SmSpec::v_trigger_r},
+        {"V_trigger_f", &SmSpec::v_trigger_f},
+        {"Off_delay", &SmSpec::off_delay},
+    },
+    {.unknown = CheckedMessage<>(2706), .repeated = 2707, .range = RangeLineRules{CheckedMessage<>(2708), false}});
 
 } // namespace
 
@@ -33,20 +23,11 @@ void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view 
 }
 
 void smSpecLine(Context& context, SmSpec& spec, std::string_view text, std::string_view submodel) {
-    const SpecRow* const row = takeSubparameter(context, kRows, text, 2706);
-    if (row == nullptr) return;
-    std::optional<Rng>& value = spec.*(row->value);
-    if (value) {
-        errorAtLine(context.diagnostics, 2707, row->name, submodel);
-    } else {
-        readRangeLine(context, text, row->name, kRangeRules, value);
-    }
+    readSubparameter(context, kSpec, spec, text, submodel);
 }
 
 void closeSmSpec(Context& context, const SmSpec& spec, std::string_view submodel) {
-    const bool empty =
-        std::ranges::none_of(kRows, [&spec](const SpecRow& row) { return (spec.*row.value).has_value(); });
-    if (empty) error(context.diagnostics, 2705, submodel);
+    if (!anyGiven(kSpec, spec)) error(context.diagnostics, 2705, submodel);
 }
 
 } // namespace kestrel

@@ -16,13 +16,13 @@ struct SmSpec {
     std::optional<Rng> off_delay;
 };
 
-/// Opens a spec at its keyword line. Reports 2700 (the old one is replaced) and 2704.
+/// Opens a spec at its keyword line; it takes the place of an old one, which is reported.
 void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view text);
 
-/// Reads one line of it. Reports 2706 to 2708 and what the range reader reports.
+/// Reads one line of it.
 void smSpecLine(Context& context, SmSpec& spec, std::string_view text, std::string_view submodel);
 
-/// Reports a spec without any of its values (2705, no line).
+/// Reports a spec without any of its values (no line).
 void closeSmSpec(Context& context, const SmSpec& spec, std::string_view submodel);
 
 } // namespace kestrel

@@ -89,23 +89,16 @@ bool isFaulty(Cell waveform, Cell waveform_typ, Cell trigger, Cell trigger_typ, 
 
 void checkEnd(Context& context, std::string_view submodel, const TableRow& row, const Rng& trigger,
               const EndRule& rule) {
-    struct Corner {
-        std::string_view word;
-        Column column;
-        Cell trigger;
-    };
-    const std::array<Corner, 3> corners{
-        {{"Typ", kTyp, trigger.typ}, {"Min", kMin, trigger.min}, {"Max", kMax, trigger.max}}};
-    for (const Corner& corner : corners) {
-        if (isFaulty(cellOf(row, corner.column), cellOf(row, kTyp), corner.trigger, trigger.typ, rule.fault)) {
-            warning(context.diagnostics, rule.message, submodel, corner.word);
+    for (const Corner corner : kCorners) {
+        if (isFaulty(cellOf(row, columnOf(corner)), cellOf(row, kTyp), trigger[corner], trigger.typ(), rule.fault)) {
+            warning(context.diagnostics, rule.message, submodel, kShortCornerWords[placeOf(corner)]);
         }
     }
 }
 
 void checkTrigger(Context& context, std::string_view submodel, const std::vector<std::unique_ptr<Wvfrm>>& waveforms,
                   const std::optional<Rng>& trigger, const TriggerRule& rule) {
-    if (!trigger || !trigger->typ.isNumber()) return;
+    if (!trigger || !trigger->typ().isNumber()) return;
     for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
         const std::vector<TableRow>& rows = waveform->rows;
         if (rows.empty() || !rows.front().isNumber(kTyp)) continue;

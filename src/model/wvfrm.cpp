@@ -2,13 +2,7 @@
 
 #include "base/text.hpp"
 #include "model/table_ends.hpp"
-#include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/line_form.hpp"
-#include "reader/values.hpp"
-
-#include <algorithm>
-#include <array>
+#include "reader/subparameters.hpp"
 
 namespace kestrel {
 
@@ -16,27 +10,27 @@ namespace {
 
 constexpr std::size_t kMaxWaveforms = 100;
 
-constexpr ValueLineMessages kFixtureMessages{2015, 2003, 2017, ScaleMessage(2016)};
 constexpr TableEndsMessages kEndsMessages{2005, 2006};
 constexpr TableEndsMessages kGoldenEndsMessages{2329, 2330};
 
-/// A line that gives a value of the test fixture or of the device under test.
-struct FixtureLine {
-    std::string_view name;
-    std::optional<double> Wvfrm::*value;
-    bool required; ///< in a model's waveform
-};
-constexpr auto kFixtureLines = std::to_array({
-    FixtureLine{"R_fixture", &Wvfrm::r_fixture, true},
-    FixtureLine{"V_fixture", &Wvfrm::v_fixture, true},
-    FixtureLine{"V_fixture_min", &Wvfrm::v_fixture_min, false},
-    FixtureLine{"V_fixture_max", &Wvfrm::v_fixture_max, false},
-    FixtureLine{"C_fixture", &Wvfrm::c_fixture, false},
-    FixtureLine{"L_fixture", &Wvfrm::l_fixture, false},
-    FixtureLine{"R_dut", &Wvfrm::r_dut, false},
-    FixtureLine{"L_dut", &Wvfrm::l_dut, false},
-    FixtureLine{"C_dut", &Wvfrm::c_dut, false},
-});
+/// Values of the test fixture and of the device under test.
+constexpr auto kFixture = subparameters<Subparameter<Wvfrm>>(
+    {
+        {"R_fixture", &Wvfrm::r_fixture},
+        {"V_fixture", &Wvfrm::v_fixture},
+        {"V_fixture_min", &Wvfrm::v_fixture_min},
+        {"V_fixture_max", &Wvfrm::v_fixture_max},
+        {"C_fixture", &Wvfrm::c_fixture},
+        {"L_fixture", &Wvfrm::l_fixture},
+        {"R_dut", &Wvfrm::r_dut},
+        {"L_dut", &Wvfrm::l_dut},
+        {"C_dut", &Wvfrm::c_dut},
+    },
+    {
+        .repeated = 2014,
+        .value = ValueLineMessages{2015, 2003, 2017, ScaleMessage(2016)},
+        .about_owner = true,
+    });
 
 /// Deals with what follows the keyword and notes where the table begins.
 void beginTable(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text) {
@@ -53,7 +47,8 @@ std::size_t rowLimit(IbisVersion version, WaveformForm form) {
 void timeRow(Context& context, std::vector<TableRow>& rows, std::string_view text, const FirstCell& first,
              std::string_view label, std::size_t limit) {
     const TableRow row = readRow(context, text, label, "Time", first);
-    const std::size_t count = appendRow(context.diagnostics, rows, row);
+    rows.push_back(row);
+    const std::size_t count = rows.size();
     if (count > limit) errorAtLine(context.diagnostics, 2018, static_cast<std::int32_t>(limit), label);
     if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 2019, "Time");
     if (count < 2 || !row.isNumber(kFirst)) return;
@@ -62,22 +57,9 @@ void timeRow(Context& context, std::vector<TableRow>& rows, std::string_view tex
         errorAtLine(context.diagnostics, 2020);
 }
 
-void fixtureLine(Context& context, Wvfrm& waveform, const FixtureLine& line, std::string_view text,
-                 std::string_view label) {
-    if (!waveform.rows.empty()) errorAtLine(context.diagnostics, 2013, line.name);
-    std::optional<double>& value = waveform.*line.value;
-    if (value) {
-        errorAtLine(context.diagnostics, 2014, label, line.name);
-        return;
-    }
-    readValueLine(context, text, kFixtureMessages, {label, label, line.name}, value);
-}
-
 /// The fixture line that begins with `item`, or null. Rows, of which there are many, are told by their first character.
-const FixtureLine* findFixtureLine(std::string_view item) {
-    if (item.empty() || !isAlpha(item.front())) return nullptr;
-    const auto* const line = std::ranges::find(kFixtureLines, item, &FixtureLine::name);
-    return line == kFixtureLines.end() ? nullptr : line;
+const Subparameter<Wvfrm>* findFixtureLine(std::string_view item) {
+    return !item.empty() && isAlpha(item.front()) ? kFixture.find(item) : nullptr;
 }
 
 void checkEnds(Context& context, const Wvfrm& waveform, const WaveformLabel& label) {
@@ -138,12 +120,15 @@ void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const Wavef
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text) {
     std::string_view rest = text;
     const std::string_view first = takeItem(context, rest, '=');
-    if (const FixtureLine* line = findFixtureLine(first)) {
+    if (const auto* const line = findFixtureLine(first)) {
         switch (label.form) {
         case WaveformForm::golden: errorAtLine(context.diagnostics, 2010); break;
         case WaveformForm::current: errorAtLine(context.diagnostics, 1704, line->name); break;
         case WaveformForm::model:
-        case WaveformForm::pulse: fixtureLine(context, waveform, *line, text, label.rows); break;
+        case WaveformForm::pulse:
+            if (!waveform.rows.empty()) errorAtLine(context.diagnostics, 2013, line->name);
+            readSubparameter(context, kFixture, *line, waveform, text, rest, label.rows);
+            break;
         }
         return;
     }
@@ -158,9 +143,9 @@ void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, st
 void closeWvfrm(Context& context, const Wvfrm& waveform, const WaveformLabel& label) {
     const auto line = static_cast<std::int32_t>(waveform.line);
     if (label.form == WaveformForm::model) {
-        for (const FixtureLine& fixture : kFixtureLines) {
-            if (!fixture.required || (waveform.*fixture.value).has_value()) continue;
-            error(context.diagnostics, 2004, fixture.name, label.open, line);
+        for (const auto required : {&Wvfrm::r_fixture, &Wvfrm::v_fixture}) {
+            if (waveform.*required) continue;
+            error(context.diagnostics, 2004, kFixture.nameOf(required), label.open, line);
         }
     }
     checkEnds(context, waveform, label);

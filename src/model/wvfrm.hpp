@@ -55,19 +55,18 @@ inline constexpr WaveformLabel kGndPulse{"GND Pulse", "GND Pulse Table", Wavefor
 inline constexpr WaveformLabel kPowerPulse{"POWER Pulse", "POWER Pulse Table", WaveformForm::pulse,
                                            OffsetLimit::notAboveZero};
 
-/// Appends a waveform to its list at the keyword line and returns it. Reports 2000 (more than 100) and 2003.
+/// Appends a waveform to its list at the keyword line and returns it. Lists of more than 100 are reported.
 Wvfrm& openWvfrm(Context& context, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
                  std::string_view text);
 
-/// Opens a table that stands alone; the caller has dealt with an older one. Reports 2003, or 1703 in the form
-/// `current`.
+/// Opens a table that is no part of a list; the caller has dealt with an older one.
 void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
 
-/// Reads a fixture line or a table row. Reports 1704, 2003, 2010, 2011, 2013 to 2020 and what the row reader reports.
+/// Reads a fixture line or a table row.
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
 
-/// Ends the open waveform: 2004 (model waveforms), then 2005 and 2006, 2329 and 2330 or 1705 and 1706 by the form; of
-/// a pulse table also 2007, and 2008 or 2009. All without line.
+/// Ends the open waveform: checks by its form that the fixture is there, that the table has two rows and values at its
+/// ends, and that a pulse keeps to its side. All without line.
 void closeWvfrm(Context& context, const Wvfrm& waveform, const WaveformLabel& label);
 
 } // namespace kestrel

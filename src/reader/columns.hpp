@@ -33,21 +33,21 @@ struct TableHeader {
     bool any_order = false;                     ///< of the optional ones
 };
 
-/// Cuts the words of a header line, up to `most`, and counts their columns. Reports a line without words (528).
+/// Cuts the words of a header line, up to `most`, and counts their columns. Reports a line without words.
 ItemList readHeaderWords(Context& context, std::string_view keyword, TableColumns& columns, std::string_view text,
                          int most);
 
 /// Which of the words that are missing or other ones are reported.
 enum class WrongHeaders : bool { first, each };
 
-/// Holds the words to `expected`, in this order, of which the first `required` must be there. Reports 529.
+/// Holds the words to `expected`, in this order, of which the first `required` must be there.
 void expectHeaders(Context& context, TableColumns& columns, const ItemList& words,
                    std::span<const std::string_view> expected, int required, WrongHeaders told);
 
-/// Reports a word behind the first `most` (530), for which readHeaderWords() must have left room.
+/// Reports a word behind the first `most`, for which readHeaderWords() must have left room.
 void expectNoMoreHeaders(Context& context, TableColumns& columns, const ItemList& words, int most);
 
-/// Reads a whole header line, unless it is a repeated one, which is reported so. Reports 528 to 532.
+/// Reads a whole header line, unless it is a repeated one, which is reported so.
 void readTableHeader(Context& context, const TableHeader& header, TableColumns& columns, std::string_view text,
                      CheckedMessage<> repeated);
 

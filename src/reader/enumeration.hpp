@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/rows.hpp"
 #include "base/text.hpp"
 #include "diagnostics/diagnostics.hpp"
 
-#include <cstddef>
 #include <optional>
 #include <ranges>
 #include <string_view>
@@ -29,11 +29,7 @@ template <EnumerationTable Rows> using CodeOf = decltype(std::ranges::range_valu
 
 /// True when each row stands at the place that its code gives, so that a table can be asked by code as well.
 template <EnumerationTable Rows> consteval bool standAtCodes(const Rows& rows) {
-    std::size_t place = 0;
-    for (const auto& row : rows) {
-        if (static_cast<std::size_t>(row.code) != place++) return false;
-    }
-    return true;
+    return rowsInOrder(rows, [](const auto& row) { return row.code; });
 }
 
 /// The row that a text names. `exact` is false when only the case of letters differs; without a row no spelling fits.

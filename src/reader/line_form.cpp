@@ -11,12 +11,24 @@ std::string_view withoutEqualsSign(const Context& context, std::string_view text
     return takeItem(context, behind, '=') == "=" ? behind : text;
 }
 
+void reportItemCount(Diagnostics& diagnostics, int count, std::span<const std::string_view> labels,
+                     std::string_view subject, const ItemCountMessages& messages, MissingItems reported) {
+    const auto items = static_cast<std::size_t>(count);
+    if (count == 0 || items > labels.size()) {
+        errorAtLine(diagnostics, messages.wrong, count, subject, static_cast<int>(labels.size()));
+        return;
+    }
+    const std::size_t missing = labels.size() - items;
+    for (const std::string_view label :
+         labels.subspan(items, reported == MissingItems::first ? missing > 0 : missing)) {
+        errorAtLine(diagnostics, messages.missing, label, subject);
+    }
+}
+
 void expectNoText(Context& context, std::string_view text, std::string_view keyword, CountMessage message) {
     const int count = splitItems(context, text, 0).count;
     if (count > 0) errorAtLine(context.diagnostics, message, count + 1, keyword, 1);
 }
-
-void reportUnknownLine(Context& context, CheckedMessage<> message) { errorAtLine(context.diagnostics, message); }
 
 ValueLine splitValueLine(const Context& context, std::string_view line) {
     const ItemList items = splitItems(context, line, ValueLine::kItems, '=');
@@ -72,7 +84,7 @@ bool readRangeLine(Context& context, std::string_view rest, std::string_view nam
     Rng range;
     if (!readRange(context, values, name, range, OrderCheck::off)) return false;
     value = range;
-    if (range.typ.state != CellState::na) return true;
+    if (range.typ().state != CellState::na) return true;
     if (const auto* const named = std::get_if<CheckedMessage<ArgKind::text>>(&rules.typ_na)) {
         errorAtLine(context.diagnostics, *named, name);
     } else {

@@ -1,21 +1,19 @@
 #pragma once
 
-#include "base/rows.hpp"
 #include "diagnostics/diagnostics.hpp"
 #include "reader/items.hpp"
 #include "reader/rng.hpp"
 #include "reader/values.hpp"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <variant>
 
-/// The forms in which lines give subparameters: "name = number", "name word", "name typ min max". A list of words needs
-/// no form of its own: takeItem() hands them out one by one.
+/// The forms of lines that give values: "name = number", "name word", "name typ min max". A list of words needs no form
+/// of its own: takeItem() hands them out one by one.
 namespace kestrel {
 
 struct Context;
@@ -23,35 +21,36 @@ struct Context;
 /// A wrong number of items: their number, what has them, how many there should be.
 using CountMessage = CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer>;
 
+/// What a line of values, of which the last ones may be missing, reports of their number.
+struct ItemCountMessages {
+    CountMessage wrong;                                   ///< none or too many
+    CheckedMessage<ArgKind::text, ArgKind::text> missing; ///< the value, what has them
+};
+
+/// Which of several missing values are reported.
+enum class MissingItems : bool { each, first };
+
+/// Reports values that are missing, and a line with none or with more than `labels` has.
+void reportItemCount(Diagnostics& diagnostics, int count, std::span<const std::string_view> labels,
+                     std::string_view subject, const ItemCountMessages& messages,
+                     MissingItems reported = MissingItems::each);
+
 /// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
 void expectNoText(Context& context, std::string_view text, std::string_view keyword, CountMessage message);
 
 /// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
 [[nodiscard]] std::string_view withoutEqualsSign(const Context& context, std::string_view text);
 
-/// Reports, at the line, a line whose first item names nothing.
-void reportUnknownLine(Context& context, CheckedMessage<> message);
-
-/// The row of `rows` that the first item of a line names, which is taken off `text`; null, with `unknown` reported,
-/// when no row does.
-template <class Rows>
-auto takeSubparameter(Context& context, const Rows& rows, std::string_view& text, CheckedMessage<> unknown) {
-    const std::string_view name = takeItem(context, text, '=');
-    const auto* row = std::data(rows);
-    for (const auto* const end = row + std::size(rows); row != end; ++row) {
-        if (row->name == name) return row;
-    }
-    reportUnknownLine(context, unknown);
-    return decltype(row){nullptr};
-}
-
 /// The subparameters of a block of which a line was refused, by their places in its table. They have been reported, so
 /// that a later check does not miss them once more.
 class RefusedLines {
 public:
     constexpr void add(std::size_t place) { bits_ |= bitOf(place); }
-    /// A later line for it was read after all.
-    constexpr void remove(std::size_t place) { bits_ &= ~bitOf(place); }
+    /// The last line for it was refused, or read after all.
+    constexpr void set(std::size_t place, bool refused) {
+        bits_ &= ~bitOf(place);
+        if (refused) add(place);
+    }
     [[nodiscard]] constexpr bool has(std::size_t place) const { return (bits_ & bitOf(place)) != 0; }
     [[nodiscard]] constexpr bool any() const { return bits_ != 0; }
 

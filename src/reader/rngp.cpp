@@ -2,6 +2,7 @@
 
 #include "reader/context.hpp"
 #include "reader/items.hpp"
+#include "reader/line_form.hpp"
 #include "reader/values.hpp"
 
 namespace kestrel {
@@ -10,15 +11,9 @@ namespace {
 
 constexpr int kItems = static_cast<int>(kColumns);
 
-void reportCount(Diagnostics& diagnostics, int count, std::string_view table) {
-    if (count == 0 || count > kItems) {
-        errorAtLine(diagnostics, 1402, count, table, kItems);
-        return;
-    }
-    for (auto column = static_cast<std::size_t>(count); column < kColumns; ++column) {
-        errorAtLine(diagnostics, 1401, kMissingCornerWords[column - kTyp], table);
-    }
-}
+/// What messages call a missing column; a row without its first one has no items at all.
+constexpr std::array<std::string_view, kColumns> kMissingColumns{"", kMissingCornerWords[0], kMissingCornerWords[1],
+                                                                 kMissingCornerWords[2]};
 
 } // namespace
 
@@ -33,9 +28,7 @@ FirstCell readFirstCell(std::string_view item) {
 TableRow readRow(Context& context, std::string_view text, std::string_view table, std::string_view first_label,
                  const FirstCell& first) {
     const ItemList items = splitItems(context, text, kItems);
-    if (items.count != kItems) {
-        reportCount(context.diagnostics, items.count, table);
-    }
+    reportItemCount(context.diagnostics, items.count, kMissingColumns, table, {1402, 1401});
     // Where the line was split at more than blanks, the item read ahead is but a part of the row's.
     const bool is_read = first.result == ReadResult::number && first.item.size() == items[0].size();
     TableRow row;
@@ -50,19 +43,6 @@ TableRow readRow(Context& context, std::string_view text, std::string_view table
         row.state[at] = cell.state;
     }
     return row;
-}
-
-std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
-                      RepeatIndex* repeats) {
-    if (repeats != nullptr) {
-        std::uint32_t& earlier = (*repeats)[row.value[kFirst]];
-        for (std::uint32_t i = 0; i < earlier; ++i) {
-            errorAtLine(diagnostics, 1403, row.value[kFirst]);
-        }
-        ++earlier;
-    }
-    rows.push_back(row);
-    return rows.size();
 }
 
 } // namespace kestrel

@@ -3,14 +3,15 @@
 #include "reader/rng.hpp"
 
 #include <array>
-#include <unordered_map>
-#include <vector>
 
 namespace kestrel {
 
 /// The columns of an I-V or V-t table.
 enum Column : std::uint8_t { kFirst = 0, kTyp = 1, kMin = 2, kMax = 3 };
 inline constexpr std::size_t kColumns = 4;
+
+/// The column of a corner's values.
+[[nodiscard]] constexpr Column columnOf(Corner corner) { return static_cast<Column>(kTyp + placeOf(corner)); }
 
 /// The word for a column in messages about its values; the first column goes by the table's own word.
 [[nodiscard]] constexpr std::string_view columnWord(Column column) { return kCornerWords[column - kTyp]; }
@@ -22,9 +23,6 @@ struct TableRow {
 
     [[nodiscard]] bool isNumber(Column column) const { return state[column] == CellState::number; }
 };
-
-/// How often each first-column value stands in a table; only for tables that forbid repeats.
-using RepeatIndex = std::unordered_map<double, std::uint32_t>;
 
 /// The first item of a line, read ahead to tell whether the line is a row.
 struct FirstCell {
@@ -39,14 +37,8 @@ struct FirstCell {
 /// Reads the first item of a line and reports nothing.
 [[nodiscard]] FirstCell readFirstCell(std::string_view item);
 
-/// Reads one line of a table. Reports 1401 (missing columns), 1402 (number of items) and what readCell reports; a row
-/// is made whatever its cells hold, callers go by their states.
+/// Reads one line of a table. A row is made whatever its cells hold, callers go by their states.
 [[nodiscard]] TableRow readRow(Context& context, std::string_view text, std::string_view table,
                                std::string_view first_label, const FirstCell& first = {});
-
-/// Appends the row and returns the number of rows. With `repeats`, every earlier row of the same first-column value
-/// gives error 1403.
-std::size_t appendRow(Diagnostics& diagnostics, std::vector<TableRow>& rows, const TableRow& row,
-                      RepeatIndex* repeats = nullptr);
 
 } // namespace kestrel

@@ -94,7 +94,12 @@ template <class State, auto Open, auto DataLine, auto Close> constexpr Section<S
     return {key, callSection<Open, State>, callSection<DataLine, State>, closeSectionBy<Close, State>};
 }
 
-/// A section that has an end keyword.
+/// Sections that have an end keyword.
+template <class State, auto Open, auto DataLine>
+constexpr Section<State> blockSection(KeywordCode key, KeywordCode end_key, const BlockEnd& end) {
+    return {key, callSection<Open, State>, callSection<DataLine, State>, nullptr, end_key, &end};
+}
+
 template <class State, auto Open, auto DataLine, auto Close>
 constexpr Section<State> blockSection(KeywordCode key, KeywordCode end_key, const BlockEnd& end) {
     return {key, callSection<Open, State>, callSection<DataLine, State>, closeSectionBy<Close, State>, end_key, &end};
@@ -191,7 +196,7 @@ void sectionKeywordLine(Context& context, State& state, const RecordModule<State
         return;
     }
     state.open_section = KeywordCode::notKey;
-    section.close(context, state);
+    if (section.close != nullptr) section.close(context, state);
 }
 
 /// Reads a keyword line of a record or a data line under one.

@@ -141,11 +141,11 @@ TEST(Model, keepsWhatItsLinesGive) {
     EXPECT_EQ(model.cref, 5000.0);
     EXPECT_EQ(model.rref, 0.0);
     EXPECT_FALSE(model.vref);
-    EXPECT_DOUBLE_EQ(model.c_comp->min.value, 4e-12);
-    EXPECT_EQ(model.c_comp->max.state, CellState::na);
-    EXPECT_EQ(model.c_comp_gnd_clamp->typ.state, CellState::missing);
+    EXPECT_DOUBLE_EQ(model.c_comp->min().value, 4e-12);
+    EXPECT_EQ(model.c_comp->max().state, CellState::na);
+    EXPECT_EQ(model.c_comp_gnd_clamp->typ().state, CellState::missing);
     EXPECT_FALSE(model.voltage_range);
-    EXPECT_DOUBLE_EQ(model.ttpower->typ.value, -1e-9);
+    EXPECT_DOUBLE_EQ(model.ttpower->typ().value, -1e-9);
     EXPECT_TRUE(model.gnd_clamp_reference);
 }
 
@@ -341,16 +341,16 @@ TEST(Model, seriesKeywordsFillTheirSection) {
         "[Lc Series] 4n NA NA\n[Series Current]\n0 0 0 0\n1 1 1 1");
     const Mdl& model = reading.newest();
     ASSERT_TRUE(model.on_block && model.off_block);
-    EXPECT_DOUBLE_EQ(model.on_block->l_series->max.value, 3e-9);
+    EXPECT_DOUBLE_EQ(model.on_block->l_series->max().value, 3e-9);
     EXPECT_FALSE(model.on_block->rl_series || model.on_block->series_current);
-    EXPECT_EQ(model.off_block->rl_series->typ.value, 3.0);
-    EXPECT_DOUBLE_EQ(model.off_block->lc_series->typ.value, 4e-9);
+    EXPECT_EQ(model.off_block->rl_series->typ().value, 3.0);
+    EXPECT_DOUBLE_EQ(model.off_block->lc_series->typ().value, 4e-9);
     EXPECT_FALSE(model.off_block->rc_series);
     EXPECT_EQ(model.off_block->series_current->rows.size(), 2U);
     // The next model has sections of its own.
     reading.read("[Model] n\nModel_type Series\n[Rl Series] 5 NA NA");
     ASSERT_TRUE(reading.newest().on_block);
-    EXPECT_EQ(reading.newest().on_block->rl_series->typ.value, 5.0);
+    EXPECT_EQ(reading.newest().on_block->rl_series->typ().value, 5.0);
 }
 
 constexpr std::string_view kRamp = "[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\ndV/dt_f 1/1n 1/1n 1/1n\n";
@@ -515,7 +515,7 @@ TEST(Model, thresholdsThatBeginASet) {
         std::string codes;
     } rows[] = {
         // the line of the pair is refused, so that only the others tell what is meant
-        {"Vcross_low 1\nReference_supply Ext_ref", "E3208@ W3218"},
+        {"Vcross_low 1\nReference_supply Ext_ref", "E3208@ C3218"},
         {"Vcross_low 1\nVth_min = 1", "E3208@"s.append(kSix)},
         {"Vcross_low 1\nVth_max = 1", "E3208@"s.append(kSix)},
         {"Vcross_low 1\nReference_supply=Ext_ref\nThreshold_sensitivity = 1", "E3208@"s.append(kSix)},
@@ -524,7 +524,7 @@ TEST(Model, thresholdsThatBeginASet) {
     for (const auto& row : rows) {
         Reading reading(V::v4);
         reading.read("[Model] m\nModel_type Input\n[Receiver Thresholds]").read(row.lines);
-        checkRcvThs(reading.run);
+        checkRcvTh(reading.run, *reading.newest().receiver_thresholds, "m");
         EXPECT_EQ(reading.codes(), row.codes) << row.lines;
     }
 }

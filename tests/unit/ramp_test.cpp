@@ -28,12 +28,11 @@ TEST(Ramp, keepsRatesAndLoad) {
     closeRamp(section.run, *section.slot);
     EXPECT_EQ(section.printed(), "");
     const Ramp& ramp = *section.slot;
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->corners[2].dv, 1.8);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->corners[2].dt, 0.5e-9);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->corners[0].dv, 2.5);
-    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->corners[0].dt, 1.5e-9);
-    EXPECT_EQ(ramp.dv_dt_f->corners[1].state, CellState::na);
-    EXPECT_TRUE(ramp.r_load_given);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->max().dv, 1.8);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_r->max().dt, 0.5e-9);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->typ().dv, 2.5);
+    EXPECT_DOUBLE_EQ(ramp.dv_dt_f->typ().dt, 1.5e-9);
+    EXPECT_EQ(ramp.dv_dt_f->min().state, CellState::na);
     EXPECT_EQ(ramp.r_load, 1000.0);
 }
 
@@ -106,7 +105,7 @@ TEST(Ramp, ratesAreGivenByTheirLine) {
               "E1304 (line 4) - Incorrect Number of Line Items (2) For Ramp: Expecting 1\n"
               "E1306 - dV/dt_r Not Defined For Ramp Beginning on Line 4\n"
               "E1306 - dV/dt_f Not Defined For Ramp Beginning on Line 4\n");
-    EXPECT_FALSE(section.slot->r_load_given);
+    EXPECT_FALSE(section.slot->r_load);
 }
 
 } // namespace

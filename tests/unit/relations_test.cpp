@@ -14,8 +14,8 @@
 namespace kestrel {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST(Relations, keepTheirRowsInTheirUnits) {
     const ComponentFile file("5.1",
@@ -96,7 +96,7 @@ TEST(CircuitCalls, shouldMapThePortsThatNothingElseConnects) {
     const ComponentFile file("4.2", lines);
     // Of the first call alone, and there the first of two.
     EXPECT_THAT(file.out.text(),
-                testing::EndsWith("CAUTION - Circuit Call of 'Net' in Component 'Chip': port 'b' is not mapped\n"));
+                ::testing::EndsWith("CAUTION - Circuit Call of 'Net' in Component 'Chip': port 'b' is not mapped\n"));
     EXPECT_EQ(file.run.diagnostics.cautions, 1);
     EXPECT_EQ(file.run.diagnostics.errors + file.run.diagnostics.warnings, 0);
 }
@@ -114,18 +114,17 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
         extCktLine(run, circuit, owner, line);
     }
     checkExtCkt(run, circuit, owner);
-    EXPECT_EQ(out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name
-");
+    EXPECT_EQ(out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
     EXPECT_EQ(circuit.language, ExtLanguage::vhdlA);
-    EXPECT_EQ(circuit.corners[0]->circuit, "buf(arch one)");
-    EXPECT_EQ(circuit.corners[1]->circuit, "buf (two)");
-    EXPECT_EQ(circuit.corners[2]->circuit, "buf");
-    EXPECT_EQ(circuit.corners[2]->file, "c.vhd");
+    EXPECT_EQ(circuit.corners.typ()->circuit, "buf(arch one)");
+    EXPECT_EQ(circuit.corners.min()->circuit, "buf (two)");
+    EXPECT_EQ(circuit.corners.max()->circuit, "buf");
+    EXPECT_EQ(circuit.corners.max()->file, "c.vhd");
     EXPECT_THAT(circuit.ports.names, ElementsAre("p", "q"));
     EXPECT_THAT(circuit.parameters.names, ElementsAre("low", "high", "slow"));
     ASSERT_EQ(circuit.converters.size(), 2U);
     const Converter& driver = circuit.converters[0];
-    EXPECT_EQ(driver.corner, ExtCorner::max);
+    EXPECT_EQ(driver.corner, Corner::max);
     EXPECT_DOUBLE_EQ(driver.vhigh, 3.3);
     EXPECT_DOUBLE_EQ(driver.tfall, 2e-9);
     EXPECT_FALSE(circuit.converters[1].to_analog);
@@ -158,15 +157,17 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
 
 /// What an external model of one language says of its ports, given ahead of the language.
 std::string portsOf(std::string_view language) {
-    Relations test;
+    Output out;
+    kestrel::Run run{out};
+    run.parse.version = IbisVersion::v5;
     ExtCkt external;
     const ExtOwner owner{.kind = "External Model", .name = "M", .is_model = true, .drives = true};
     for (const std::string& line : {std::string("Ports A_signal my_port D_mine A_gnd"),
                                     "Language " + std::string(language), std::string("Corner Typ a.file a")}) {
-        extCktLine(test.run, external, owner, line);
+        extCktLine(run, external, owner, line);
     }
-    checkExtCkt(test.run, external, owner);
-    return test.out.text();
+    checkExtCkt(run, external, owner);
+    return out.text();
 }
 
 TEST(ExternalModels, nameTheirPortsByTheirLanguage) {

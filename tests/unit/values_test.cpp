@@ -4,9 +4,11 @@
 
 #include "base/string_list.hpp"
 #include "base/text.hpp"
+#include "codes.hpp"
 #include "ibis/run.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
+#include "reader/record_name.hpp"
 #include "reader/rng.hpp"
 #include "reader/rngp.hpp"
 
@@ -415,17 +417,17 @@ TEST(Ranges, takeTypMinMax) {
         TestRun test;
         Rng range;
         EXPECT_EQ(readRange(test.run, row.text, "Vinl", range, row.check), row.ok);
-        EXPECT_EQ(range.typ.state, row.typ);
-        EXPECT_EQ(range.min.state, row.min);
-        EXPECT_EQ(range.max.state, row.max);
+        EXPECT_EQ(range.typ().state, row.typ);
+        EXPECT_EQ(range.min().state, row.min);
+        EXPECT_EQ(range.max().state, row.max);
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
     TestRun test;
     Rng range;
     EXPECT_TRUE(readRange(test.run, "5V 4500m 5.5", "Vinl", range, OrderCheck::on));
-    EXPECT_DOUBLE_EQ(range.typ.value, 5.0);
-    EXPECT_DOUBLE_EQ(range.min.value, 4.5);
-    EXPECT_DOUBLE_EQ(range.max.value, 5.5);
+    EXPECT_DOUBLE_EQ(range.typ().value, 5.0);
+    EXPECT_DOUBLE_EQ(range.min().value, 4.5);
+    EXPECT_DOUBLE_EQ(range.max().value, 5.5);
 }
 
 TEST(TableRows, areMadeOfWhateverCanBeRead) {
@@ -472,23 +474,26 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
     }
 }
 
-TEST(TableRows, tellOfEveryEarlierRowOfTheSameFirstValue) {
-    TestRun test;
-    std::vector<TableRow> rows;
-    RepeatIndex repeats;
-    std::size_t count = 0;
-    for (const double first : {1.0, 2.0, 1.0, 1.0, -0.0, 0.0}) {
-        TableRow row;
-        row.value[kFirst] = first;
-        EXPECT_EQ(appendRow(test.run.diagnostics, rows, row, &repeats), ++count);
-    }
-    const std::string one = errorLine("Value 1.000000e+00 repeated in the First Column");
-    EXPECT_EQ(test.out.text(), one + one + one + errorLine("Value 0.000000e+00 repeated in the First Column"));
-    EXPECT_EQ(rows[1].value[kFirst], 2.0);
+TEST(RecordNames, areEnteredAndHeldAgainstThoseBefore) {
+    const CheckedMessage<> bare = 2410;
+    RecordNameRules rules{"Model", bare, 2411, 2412, 2413, 2414};
+    const auto read = [&rules] {
+        TestRun test;
+        test.run.diagnostics.coded_form = true;
+        ObjectList<SubMdl> list;
+        for (const std::string_view text : {"abcd", "abcd x", "abcde", "GND", "GND", ""}) {
+            readRecordName(test.run, list, list.add(std::make_unique<SubMdl>()), text, rules, 4);
+        }
 
-    TestRun unchecked;
-    EXPECT_EQ(appendRow(unchecked.run.diagnostics, rows, rows.front()), 7U);
-    EXPECT_EQ(unchecked.out.text(), "");
+        return codesOf(test.out.text()) + (list.find("") != nullptr ? " entered" : "");
+    };
+    // of "abcd x" the count, of the first "GND" that it is reserved
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2413@ E2413@ E2410@");
+    rules.repeats = RepeatedNames::ofWhole;
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2413@ E2413@ E2414@ E2410@");
+    rules.repeats = RepeatedNames::ofAll;
+    rules.missing = {};
+    EXPECT_EQ(read(), "E2411@ E2414@ E2412@ E2414@ E2413@ E2413@ E2414@ E2411@ entered");
 }
 
 TEST(SetText, onceAndWithinItsLimit) {
