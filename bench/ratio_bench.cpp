@@ -77,7 +77,7 @@ void requireChecked(const SampleFile& file) {
     kestrel::checkFile(run, file.path, *kestrel::kindOfName(file.path));
     const kestrel::Diagnostics& found = run.diagnostics;
     require(found.errors == 0 && found.bugs == 0 && found.warnings == 0, "diagnostics:\n" + out.text().substr(0, 2000));
-    require(contentsOf(*currentRoot(run)) == file.contents, file.path + " was not read whole");
+    require(contentsOf(currentRoot(run)) == file.contents, file.path + " was not read whole");
 }
 
 const SampleFile& sampleOf(Samples& samples, const SampleKind& kind, std::size_t megabytes) {

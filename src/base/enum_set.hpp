@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <initializer_list>
 
@@ -31,7 +32,10 @@ public:
     }
 
 private:
-    static constexpr std::uint32_t bitOf(Code code) { return std::uint32_t{1} << static_cast<unsigned>(code); }
+    static constexpr std::uint32_t bitOf(Code code) {
+        assert(static_cast<unsigned>(code) < 32);
+        return std::uint32_t{1} << static_cast<unsigned>(code);
+    }
 
     std::uint32_t bits_ = 0;
 };

@@ -5,14 +5,15 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace kestrel {
 
-/// Walk over owned objects from the last to the first.
+/// Walk over owned objects from the last to the first, which hands them out as `T`, constant or not.
 template <class T> class NewestFirst {
-    using Objects = std::vector<std::unique_ptr<T>>;
+    using Objects = std::vector<std::unique_ptr<std::remove_const_t<T>>>;
 
 public:
     explicit NewestFirst(const Objects& objects) : objects_(&objects) {}
@@ -52,16 +53,18 @@ public:
     [[nodiscard]] std::size_t size() const { return objects_.size(); }
 
     /// The one way to walk the list: from the last-defined object to the first.
-    [[nodiscard]] NewestFirst<T> newestFirst() const { return NewestFirst<T>(objects_); }
+    [[nodiscard]] NewestFirst<T> newestFirst() { return NewestFirst<T>(objects_); }
+    [[nodiscard]] NewestFirst<const T> newestFirst() const { return NewestFirst<const T>(objects_); }
 
     /// Enters the object under its finished name, which must not change any more. Of equal names the newest is found.
     void enterName(T& object, std::string_view name) { by_name_.insert_or_assign(name, &object); }
 
     /// The newest object entered under exactly this name, or null.
-    [[nodiscard]] T* find(std::string_view name) const {
+    [[nodiscard]] const T* find(std::string_view name) const {
         const auto at = by_name_.find(name);
         return at == by_name_.end() ? nullptr : at->second;
     }
+    [[nodiscard]] T* find(std::string_view name) { return const_cast<T*>(std::as_const(*this).find(name)); }
 
     /// Walks the objects as newestFirst() does and calls `report` with each that has others of its name behind it, and
     /// how many those are.

@@ -28,10 +28,9 @@ std::uint64_t wordAt(const char* text, std::size_t length) {
 HashSeed::HashSeed() {
     static const char kInProgram = 0;
     const char on_stack = 0;
-    // Systems load programs and put stacks at random places.
-    const auto program = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&kInProgram));
-    const auto stack = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&on_stack));
-    value_ = fold(program ^ kOdd1, stack ^ kOdd2) | 1;
+    // Systems load programs and place stacks and heaps at random.
+    const auto place = [](const void* at) { return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(at)); };
+    value_ = fold(fold(place(&kInProgram) ^ kOdd1, place(&on_stack) ^ kOdd2), place(this) ^ kOdd1) | 1;
 }
 
 std::uint64_t HashSeed::hashOf(std::string_view text) const {

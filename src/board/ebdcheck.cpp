@@ -1,12 +1,11 @@
 #include "board/ebdcheck.hpp"
 
 #include "base/text.hpp"
+#include "base/text_hash.hpp"
 #include "board/ebdmdl.hpp"
 #include "reader/names.hpp"
 
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
@@ -43,7 +42,7 @@ void checkPins(Diagnostics& diagnostics, const EbdMdlState& state, const EbdMdl&
         error(diagnostics, 4327);
         return;
     }
-    std::unordered_map<std::string_view, std::int32_t> references;
+    ViewMap<std::int32_t> references;
     for (const EbdPath& path : board.paths) {
         for (const std::string& pin : path.pins) {
             ++references[pin];
@@ -92,7 +91,7 @@ void checkPaths(Diagnostics& diagnostics, const EbdMdl& board) {
 }
 
 void warnOfUnusedDesignators(Diagnostics& diagnostics, const EbdMdl& board) {
-    std::unordered_set<std::string_view> used;
+    ViewSet used;
     for (const EbdPath& path : board.paths) {
         for (const EbdNode& node : path.nodes) {
             used.insert(node.designator);

@@ -1,11 +1,11 @@
 #include "component/pinemi.hpp"
 
+#include "base/text_hash.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 
 #include <array>
 #include <span>
-#include <unordered_set>
 #include <utility>
 
 namespace kestrel {
@@ -131,7 +131,7 @@ void checkEmiPins(Context& context, const PinEmiTable& table, const PinList& pin
 
 void checkEmiDomains(Context& context, const PinEmiTable& table, const PinDomainEmiTable& domains,
                      std::string_view component) {
-    std::unordered_set<std::string_view> reported;
+    ViewSet reported;
     for (const PinEmi& row : table.rows) {
         if (row.domain.empty() || domains.rows.has(row.domain) || domains.dropped.contains(row.domain)) continue;
         if (reported.insert(row.domain).second) warning(context.diagnostics, 4909, row.domain, component);

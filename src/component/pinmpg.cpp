@@ -1,12 +1,12 @@
 #include "component/pinmpg.hpp"
 
+#include "base/text_hash.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
 #include <algorithm>
 #include <span>
-#include <unordered_set>
 #include <utility>
 
 namespace kestrel {
@@ -72,7 +72,7 @@ void checkRowPins(Context& context, const MappedPins& of) {
 }
 
 void checkPinRows(Context& context, const MappedPins& of) {
-    std::unordered_set<std::string_view> dropped;
+    ViewSet dropped;
     for (const PinMap& row : of.mapping.dropped_rows) {
         dropped.insert(row.pin);
     }
@@ -117,8 +117,8 @@ void checkSupplies(Context& context, const MappedPins& of, const std::vector<Sup
 
 /// The labels of supplies, and those that may be: of dropped rows, unless their pin is known to be none, and of rows
 /// whose pin was dropped.
-std::unordered_set<std::string_view> supplyLabels(const MappedPins& of, const std::vector<SupplyRow>& supplies) {
-    std::unordered_set<std::string_view> labels;
+ViewSet supplyLabels(const MappedPins& of, const std::vector<SupplyRow>& supplies) {
+    ViewSet labels;
     const auto add = [&labels](const PinMap& row) { labels.insert(row.labels.begin(), row.labels.end()); };
     for (const SupplyRow& supply : supplies) {
         add(supply.row);
@@ -134,7 +134,7 @@ std::unordered_set<std::string_view> supplyLabels(const MappedPins& of, const st
 }
 
 void checkLabels(Context& context, const MappedPins& of, const std::vector<SupplyRow>& supplies) {
-    std::unordered_set<std::string_view> known = supplyLabels(of, supplies);
+    ViewSet known = supplyLabels(of, supplies);
     for (const PinMap& row : of.mapping.rows) {
         for (std::size_t column = 0; column < kBusColumns; ++column) {
             const std::string& label = row.labels[column];

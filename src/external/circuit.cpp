@@ -1,11 +1,11 @@
 #include "external/circuit.hpp"
 
+#include "base/text_hash.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace kestrel {
 
@@ -28,7 +28,7 @@ bool isMixedSignal(ExtLanguage language) {
 
 void checkConverterPorts(Context& context, const ExtCkt& circuit, const ExtOwner& owner) {
     if (circuit.ports.names.empty()) return;
-    std::unordered_set<std::string_view> reported;
+    ViewSet reported;
     for (const Converter& converter : circuit.converters) {
         for (const std::string_view port : {std::string_view(converter.port1), std::string_view(converter.port2)}) {
             if (port == kGroundPort || circuit.ports.has(port) || !reported.insert(port).second) continue;

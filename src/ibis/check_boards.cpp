@@ -2,13 +2,13 @@
 
 #include "base/string_list.hpp"
 #include "base/text.hpp"
+#include "base/text_hash.hpp"
 #include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "reader/names.hpp"
 
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -18,7 +18,7 @@ namespace kestrel {
 namespace {
 
 /// The distinct pins that paths use of each designator, in reading order.
-using UsedPins = std::unordered_map<std::string_view, StringList>;
+using UsedPins = ViewMap<StringList>;
 
 UsedPins collectUsedPins(const EbdMdl& board) {
     UsedPins used;
@@ -144,7 +144,7 @@ FollowedFile readFile(Run& run, std::string_view name, FileKind kind) {
     if (!file.is_read) return file;
     file.version = run.parse.version;
     if (kind == FileKind::ibs) {
-        finalChecks(run);
+        finalChecks(run, nested.root);
     } else {
         checkBoards(run, nested.root, true);
     }

@@ -1,5 +1,6 @@
 #include "ibis/check_circuit_calls.hpp"
 
+#include "base/text_hash.hpp"
 #include "component/cmpnt.hpp"
 #include "external/circuit.hpp"
 #include "ibis/ibis.hpp"
@@ -22,7 +23,7 @@ void checkPorts(Context& context, const Cmpnt& component, const CircuitCall& cal
 
 /// What was reported for the calls of a component; other calls do not report it again.
 struct Reported {
-    std::unordered_set<std::string_view> circuits;
+    ViewSet circuits;
     std::unordered_set<const Pin*> pins;
 };
 
@@ -50,7 +51,7 @@ void checkPins(Context& context, const Cmpnt& component, const CircuitCall& call
 void checkNodesOf(Context& context, const Cmpnt& component, const CircuitCall& call) {
     const PinList& pins = component.pins;
     const auto is_pin = [&pins](std::string_view name) { return isKnownPin(pins, listedPinName(pins, name)); };
-    std::unordered_set<std::string_view> missing;
+    ViewSet missing;
     for (const PortMap& map : call.port_map) {
         if (component.nodes != nullptr && component.nodes->has(map.node)) continue;
         if (is_pin(map.node) || is_pin(pinOfNode(map.node))) continue;
@@ -63,7 +64,7 @@ void checkNodesOf(Context& context, const Cmpnt& component, const CircuitCall& c
 /// Ports that reach a pad or a node. The simulator's ground, ports of reserved names and those that a converter serves
 /// are connected without a call.
 std::vector<std::string_view> mappablePorts(const ExtCkt& circuit) {
-    std::unordered_set<std::string_view> served{kGroundPort};
+    ViewSet served{kGroundPort};
     for (const Converter& converter : circuit.converters) {
         served.insert({converter.d_port, converter.port1, converter.port2});
     }
@@ -86,7 +87,7 @@ void checkUnmapped(Context& context, const Cmpnt& component, const CircuitCall& 
     if (missing != at->second.end()) caution(context.diagnostics, 1843, call.circuit, component.name, *missing);
 }
 
-void checkCall(Context& context, const Ibis& root, const Cmpnt& component, const CircuitCall& call, Reported& reported,
+void checkCall(Context& context, Ibis& root, const Cmpnt& component, const CircuitCall& call, Reported& reported,
                MappablePorts& ports) {
     ExtCkt* const circuit = root.external_circuits.find(call.circuit);
     if (circuit != nullptr) {
@@ -104,8 +105,8 @@ void checkCall(Context& context, const Ibis& root, const Cmpnt& component, const
 
 } // namespace
 
-std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component) {
-    std::unordered_set<std::string_view> names;
+ViewSet circuitCallPins(const Cmpnt& component) {
+    ViewSet names;
     const auto add = [&](std::string_view name) { names.insert(listedPinName(component.pins, name)); };
     const auto add_node = [&](std::string_view node) {
         add(node);
@@ -119,7 +120,7 @@ std::unordered_set<std::string_view> circuitCallPins(const Cmpnt& component) {
     return names;
 }
 
-void checkCircuitCalls(Context& context, const Ibis& root, const Cmpnt& component, MappablePorts& ports) {
+void checkCircuitCalls(Context& context, Ibis& root, const Cmpnt& component, MappablePorts& ports) {
     Reported reported;
     for (const CircuitCall& call : component.circuit_calls) {
         checkCall(context, root, component, call, reported, ports);

@@ -1,5 +1,6 @@
 #include "ibis/check_models.hpp"
 
+#include "base/text_hash.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/ibis.hpp"
 #include "model/acdc.hpp"
@@ -10,13 +11,12 @@
 
 #include <algorithm>
 #include <ranges>
-#include <unordered_set>
 
 namespace kestrel {
 
 namespace {
 
-using Names = std::unordered_set<std::string_view>;
+using Names = ViewSet;
 
 /// Types that cannot drive and so cannot be scheduled.
 constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelType::terminator, ModelType::series,

@@ -1,5 +1,6 @@
 #include "ibis/check_pin_models.hpp"
 
+#include "base/text_hash.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/check_circuit_calls.hpp"
 #include "ibis/check_models.hpp"
@@ -8,7 +9,6 @@
 #include "model/msel.hpp"
 
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
@@ -140,7 +140,7 @@ void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& componen
         if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
         warning(context.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
     }
-    std::unordered_set<std::string_view> known(switches.dropped.begin(), switches.dropped.end());
+    ViewSet known(switches.dropped.begin(), switches.dropped.end());
     for (const SwitchState& state : switches.states) {
         known.insert(state.on.begin(), state.on.end());
         known.insert(state.off.begin(), state.off.end());
@@ -153,7 +153,7 @@ void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& componen
 
 /// Reports groups of states that no row has.
 void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGroups& switches) {
-    std::unordered_set<std::string_view> mapped;
+    ViewSet mapped;
     if (component.series_pins != nullptr) {
         for (const SPin& row : component.series_pins->rows) {
             mapped.insert(row.group);

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "base/text_hash.hpp"
+
 #include <string_view>
-#include <unordered_map>
 
 namespace kestrel {
 
@@ -20,7 +21,7 @@ struct NamedModel {
 };
 
 /// The model names of a file, so that each is looked up once. The names are views of the rows' own.
-using ModelNames = std::unordered_map<std::string_view, NamedModel>;
+using ModelNames = ViewMap<NamedModel>;
 
 /// Looks up the model names of a component's pins and marks the models found; each name is reported once. Pins that
 /// circuit calls should name are looked up in those.

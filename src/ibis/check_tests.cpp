@@ -25,7 +25,7 @@ void checkDriver(Context& context, const Ibis& root, const TestData& data, std::
     }
 }
 
-void checkLoad(Context& context, const Ibis& root, const TestData& data) {
+void checkLoad(Context& context, Ibis& root, const TestData& data) {
     if (data.test_load.empty()) return;
     TestLoad* const load = root.test_loads.find(data.test_load);
     if (load == nullptr) {

@@ -15,36 +15,31 @@ namespace kestrel {
 Ibis::Ibis() = default;
 Ibis::~Ibis() = default;
 
-Ibis& createRoot(Run& run) {
-    run.roots.roots.push_back(std::make_unique<Ibis>());
-    return *run.roots.roots.back();
-}
+Ibis& createRoot(Run& run) { return *run.roots.emplace_back(std::make_unique<Ibis>()); }
 
-Ibis* currentRoot(const Run& run) { return run.roots.roots.empty() ? nullptr : run.roots.roots.back().get(); }
+Ibis& currentRoot(const Run& run) { return *run.roots.back(); }
 
 void freeRoot(Run& run, Ibis& root) {
-    std::erase_if(run.roots.roots, [&root](const std::unique_ptr<Ibis>& held) { return held.get() == &root; });
+    std::erase_if(run.roots, [&root](const std::unique_ptr<Ibis>& held) { return held.get() == &root; });
 }
 
-void finalChecks(Run& run) {
-    Ibis* const root = currentRoot(run);
-    if (root == nullptr) return;
-    checkRcvThs(run, *root);
-    checkCompositeCurrents(run, *root);
-    checkDrvShs(run, *root);
-    checkAmiFiles(run, run.ami_files, *root);
-    checkMSels(run, *root);
-    if (root->components.empty()) {
+void finalChecks(Run& run, Ibis& root) {
+    checkRcvThs(run, root);
+    checkCompositeCurrents(run, root);
+    checkDrvShs(run, root);
+    checkAmiFiles(run, run.ami_files, root);
+    checkMSels(run, root);
+    if (root.components.empty()) {
         error(run.diagnostics, 4101);
     } else {
-        checkComponentCurrents(run, *root);
-        checkComponents(run, *root);
+        checkComponentCurrents(run, root);
+        checkComponents(run, root);
     }
-    finalPackageChecks(run, *root);
-    checkTestData(run, *root);
-    checkTestLoads(run, *root);
-    checkAddedSubmodels(run, *root);
-    checkReferences(run, *root);
+    finalPackageChecks(run, root);
+    checkTestData(run, root);
+    checkTestLoads(run, root);
+    checkAddedSubmodels(run, root);
+    checkReferences(run, root);
 }
 
 void finalPackageChecks(Run& run, const Ibis& root) {

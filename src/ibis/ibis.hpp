@@ -2,9 +2,6 @@
 
 #include "base/object_list.hpp"
 
-#include <memory>
-#include <vector>
-
 namespace kestrel {
 
 struct Run;
@@ -38,23 +35,17 @@ struct Ibis {
     ObjectList<TestLoad> test_loads;
 };
 
-/// The roots of a run: the last is the current one, beneath it wait the roots of the parses that it is nested in.
-struct RootStack {
-    std::vector<std::unique_ptr<Ibis>> roots;
-};
-
 /// Puts a new, empty root on the stack and returns it.
 Ibis& createRoot(Run& run);
 
-/// The current root, or null before the first is made.
-[[nodiscard]] Ibis* currentRoot(const Run& run);
+/// The root of the file being read or checked; there must be one.
+[[nodiscard]] Ibis& currentRoot(const Run& run);
 
 /// Unlinks `root` wherever it stands on the stack and frees it with all that it owns.
 void freeRoot(Run& run, Ibis& root);
 
-/// Cross-record checks over the current root once an .ibs file has been read, in their fixed order; nothing without a
-/// root.
-void finalChecks(Run& run);
+/// Checks over the records of a root once its .ibs file is read, in their fixed order.
+void finalChecks(Run& run, Ibis& root);
 
 /// Checks over the package models of a root once its file is read: repeated names.
 void finalPackageChecks(Run& run, const Ibis& root);

@@ -24,7 +24,7 @@ constexpr Module recordModule(Owner owner, KindSet kinds, KeywordCode opens) {
         .owner = owner,
         .kinds = kinds,
         .opens = opens,
-        .open = [](Run& run) { openRecord(run, run.*State, (*currentRoot(run)).*List); },
+        .open = [](Run& run) { openRecord(run, run.*State, currentRoot(run).*List); },
         .keyword_seen = [](Run& run, KeywordCode code) { recordKeywordSeen(run, run.*State, Reader, code); },
         .line = [](Run& run, const Line& line) { recordLine(run, run.*State, Reader, line); },
         .forget = [](Run& run) { run.*State = {}; },
@@ -35,7 +35,7 @@ constexpr Module recordModule(Owner owner, KindSet kinds, KeywordCode opens) {
 constexpr Module headerModule() {
     Module module = recordModule<&Ibis::headers, &Run::hdr, kHdr>(Owner::hdr, kAnyFile, KeywordCode::ibisVer);
     module.open = [](Run& run) {
-        if (!run.parse.version_seen) openRecord(run, run.hdr, currentRoot(run)->headers);
+        if (!run.parse.version_seen) openRecord(run, run.hdr, currentRoot(run).headers);
         run.parse.version_seen = true;
     };
     return module;

@@ -238,10 +238,10 @@ std::optional<std::string> readAmi(Context& context, std::string_view name) {
 /// A parameter file is checked if it could be read, the others in any case.
 void runCompletionChecks(Run& run, FileKind kind, const std::optional<std::string>& ami_text) {
     switch (kind) {
-    case FileKind::ibs: finalChecks(run); break;
+    case FileKind::ibs: finalChecks(run, currentRoot(run)); break;
     // Read for itself, a package file has no .ibs file whose final checks would look at its package models.
-    case FileKind::pkg: finalPackageChecks(run, *currentRoot(run)); break;
-    case FileKind::ebd: checkBoards(run, *currentRoot(run), false); break;
+    case FileKind::pkg: finalPackageChecks(run, currentRoot(run)); break;
+    case FileKind::ebd: checkBoards(run, currentRoot(run), false); break;
     case FileKind::ami:
         if (ami_text) checkAmi(run, *ami_text);
         break;

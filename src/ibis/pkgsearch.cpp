@@ -141,7 +141,7 @@ bool readMatchingFiles(Run& run, std::string_view wanted) {
 } // namespace
 
 bool findPackageModel(Run& run, std::string_view name, std::string_view component) {
-    const ObjectList<PkgMdl>& models = currentRoot(run)->package_models;
+    const ObjectList<PkgMdl>& models = currentRoot(run).package_models;
     if (models.find(name) != nullptr) return true;
     if (readMatchingFiles(run, name) && (models.empty() || models.find(name) != nullptr)) return true;
     error(run.diagnostics, 516, name, component);

@@ -22,7 +22,7 @@ namespace kestrel {
 struct Run : Context {
     explicit Run(Output& output) : Context(output) {}
 
-    RootStack roots;
+    std::vector<std::unique_ptr<Ibis>> roots; ///< the current one last, above those of the parses that it is nested in
     HdrState hdr;
     CmpntState cmpnt;
     CircuitState circuit;

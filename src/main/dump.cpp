@@ -1,9 +1,9 @@
 #include "main/dump.hpp"
 
+#include "base/text_hash.hpp"
 #include "ibis/run.hpp"
 
 #include <array>
-#include <unordered_map>
 #include <vector>
 
 namespace kestrel {
@@ -35,7 +35,7 @@ PinCounts classifyPins(const Cmpnt& component) {
 /// The distinct model names of a component's pins, in the order in which the pins first name them.
 std::vector<std::string_view> usedModels(const Cmpnt& component) {
     std::vector<std::string_view> names;
-    std::unordered_set<std::string_view> seen;
+    ViewSet seen;
     for (const Pin& pin : component.pins) {
         if (!isUnmodeledPinName(pin.model_name) && seen.insert(pin.model_name).second) names.push_back(pin.model_name);
     }
@@ -67,9 +67,9 @@ bool reportComponent(Run& run, const Cmpnt& component) {
     appendCount(text, "  #Other Pins: ", counts.other);
     const std::vector<std::string_view> names = usedModels(component);
     appendCount(text, "      #Models: ", names.size());
-    const Ibis* root = currentRoot(run);
+    const ObjectList<Mdl>& models = currentRoot(run).models;
     for (const std::string_view name : names) {
-        const Mdl* model = root->models.find(name);
+        const Mdl* const model = models.find(name);
         text.append("        Model: ").append(name).append("\t\t(");
         text.append(reportedType(model != nullptr ? model->model_type : ModelType::notGiven)).append(")\n");
     }
@@ -81,16 +81,16 @@ bool reportComponent(Run& run, const Cmpnt& component) {
 
 /// Reports the newest component of this name.
 bool reportNamedComponent(Run& run, std::string_view name) {
-    const Ibis* root = currentRoot(run);
-    if (root == nullptr) {
+    if (run.roots.empty()) {
         run.out.write("Unable to get IBIS pointer!\n");
         return false;
     }
-    if (root->components.empty()) {
+    const ObjectList<Cmpnt>& components = currentRoot(run).components;
+    if (components.empty()) {
         run.out.write("Unable to get components pointer!\n");
         return false;
     }
-    if (const Cmpnt* component = root->components.find(name)) return reportComponent(run, *component);
+    if (const Cmpnt* const component = components.find(name)) return reportComponent(run, *component);
     std::string text("Unable to find component ");
     run.out.write(text.append(name).append("!\n"));
     return false;
@@ -123,11 +123,10 @@ bool reportComponents(Run& run, std::string_view selection) {
         }
         return true;
     }
-    if (const Ibis* root = currentRoot(run)) {
-        for (const Cmpnt& component : root->components.newestFirst()) {
-            // By name, so that of components with equal names the newest is reported each time.
-            if (!reportNamedComponent(run, component.name)) return false;
-        }
+    if (run.roots.empty()) return true;
+    for (const Cmpnt& component : currentRoot(run).components.newestFirst()) {
+        // By name, so that of components with equal names the newest is reported each time.
+        if (!reportNamedComponent(run, component.name)) return false;
     }
     return true;
 }

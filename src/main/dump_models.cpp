@@ -216,16 +216,16 @@ bool reportModel(Run& run, const Ibis& root, std::string_view name, bool tables,
 } // namespace
 
 bool reportModels(Run& run, std::string_view selection, bool tables, char delimiter) {
-    const Ibis* root = currentRoot(run);
-    if (root == nullptr) return true;
+    if (run.roots.empty()) return true;
+    const Ibis& root = currentRoot(run);
     if (!selection.empty()) {
         while (const std::optional<std::string_view> name = takePiece(selection)) {
-            if (!reportModel(run, *root, *name, tables, delimiter)) return false;
+            if (!reportModel(run, root, *name, tables, delimiter)) return false;
         }
         return true;
     }
-    for (const Mdl& model : root->models.newestFirst()) {
-        if (!reportModel(run, *root, model.name, tables, delimiter)) return false;
+    for (const Mdl& model : root.models.newestFirst()) {
+        if (!reportModel(run, root, model.name, tables, delimiter)) return false;
     }
     return true;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/text_hash.hpp"
 #include "reader/sections.hpp"
 
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace kestrel {
@@ -23,7 +23,7 @@ struct MSel : RecordOf<SubjectKind::modelSelector> {
 
 /// The selector being read.
 struct MSelState : RecordState<MSel> {
-    std::unordered_set<std::string> entry_names; ///< for the test of repeated names
+    TextSet entry_names; ///< for the test of repeated names
 };
 
 /// Reads selectors. At the end of one its number of entries is checked.

@@ -3,7 +3,7 @@
 #include "reader/context.hpp"
 #include "reader/line_form.hpp"
 
-#include <unordered_map>
+#include <map>
 
 namespace kestrel {
 
@@ -67,7 +67,7 @@ void closeSMos(Context& context, const CrvState& state, const SMos& mosfet, cons
 }
 
 void checkSMosVoltages(Context& context, const std::vector<SMos>& list, std::string_view model) {
-    std::unordered_map<double, std::size_t> tables;
+    std::map<double, std::size_t> tables;
     for (const SMos& mosfet : list) {
         if (mosfet.vds && ++tables[*mosfet.vds] == 2) warning(context.diagnostics, 2809, model, *mosfet.vds);
     }

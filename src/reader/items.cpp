@@ -43,6 +43,7 @@ std::string_view skipWhiteSpace(const Context& context, std::string_view text) {
 }
 
 ItemList splitItems(const Context& context, std::string_view text, int max, char split) {
+    assert(max <= kMaxItems);
     const char stop = stopFor(split);
     const char* const end = text.data() + text.size();
     ItemList list;

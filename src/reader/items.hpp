@@ -3,6 +3,7 @@
 #include "base/text.hpp"
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <string_view>
 
@@ -20,7 +21,10 @@ struct ItemList {
     int count = 0; ///< items on the line, those not kept included
 
     /// The item, or an empty view where the line has none.
-    [[nodiscard]] std::string_view operator[](int index) const { return items[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] std::string_view operator[](int index) const {
+        assert(index >= 0 && index < kMaxItems);
+        return items[static_cast<std::size_t>(index)];
+    }
     [[nodiscard]] bool has(int index) const { return index < kept; }
 };
 

@@ -5,6 +5,7 @@
 #include "reader/rng.hpp"
 #include "reader/values.hpp"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -55,7 +56,10 @@ public:
     [[nodiscard]] constexpr bool any() const { return bits_ != 0; }
 
 private:
-    static constexpr std::uint64_t bitOf(std::size_t place) { return std::uint64_t{1} << place; }
+    static constexpr std::uint64_t bitOf(std::size_t place) {
+        assert(place < 64);
+        return std::uint64_t{1} << place;
+    }
 
     std::uint64_t bits_ = 0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/text_hash.hpp"
 #include "reader/parse_state.hpp"
 
 #include <cstdint>
@@ -7,7 +8,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace kestrel {
 
@@ -24,8 +24,8 @@ using SourceText = std::shared_ptr<const std::string>;
 
 /// Source texts in memory, so that the pre-scans and the parse of a file read the disk once.
 struct SourceStore {
-    std::unordered_map<std::string, SourceText> texts; ///< put in by a caller, by path; found like files
-    std::string last_path;                             ///< the file read last from the disk
+    TextMap<SourceText> texts; ///< put in by a caller, by path; found like files
+    std::string last_path;     ///< the file read last from the disk
     SourceText last;
 };
 

@@ -29,7 +29,7 @@ struct ComponentFile {
         run.diagnostics.coded_form = coded_form;
         checkFile(run, "chip.ibs", FileKind::ibs);
     }
-    [[nodiscard]] const Ibis& root() const { return *currentRoot(run); }
+    [[nodiscard]] const Ibis& root() const { return currentRoot(run); }
     [[nodiscard]] const Cmpnt& component() const { return *root().components.find("Chip"); }
 
     Output out;

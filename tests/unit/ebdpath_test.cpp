@@ -136,7 +136,7 @@ TEST(Path, hangsTogetherAsWritten) {
                            "Pin 123456789 Len=0/ Len=0/ Fork Node U.7\nFork NC\nEndfork Endfork\nFork\n"
                            "Pin 2 Endfork Node V.A NC\n[Path Description] Q\nPin 3");
     files.check("b.ebd");
-    const EbdMdl& board = *currentRoot(files.run)->board_descriptions.find("B");
+    const EbdMdl& board = *currentRoot(files.run).board_descriptions.find("B");
     ASSERT_EQ(board.paths.size(), 2U);
     EXPECT_EQ(writtenOut(board.paths[0]), "12345678ss(U.7(-))(2)V.A-");
     EXPECT_EQ(writtenOut(board.paths[1]), "3");

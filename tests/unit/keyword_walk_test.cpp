@@ -49,7 +49,7 @@ FileKind kindOf(K code) { return ownerOf(code) == Owner::ebdmdl ? FileKind::ebd 
 
 /// The free texts of the file's header, one after the other.
 std::string headerTexts(const kestrel::Run& run) {
-    const Hdr& header = *currentRoot(run)->headers.newestFirst().begin();
+    const Hdr& header = *currentRoot(run).headers.newestFirst().begin();
     return header.source.value_or("") + header.notes.value_or("") + header.disclaimer.value_or("") +
            header.copyright.value_or("");
 }

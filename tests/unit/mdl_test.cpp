@@ -49,7 +49,7 @@ struct Reading {
     }
 
     [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
-    [[nodiscard]] const Mdl& newest() const { return *currentRoot(run)->models.newestFirst().begin(); }
+    [[nodiscard]] const Mdl& newest() const { return *currentRoot(run).models.newestFirst().begin(); }
 
     Output out;
     Run run{out};
@@ -176,7 +176,7 @@ TEST(Model, names) {
         EXPECT_EQ(reading.newest().name, row.name) << row.line;
         // Of models of one name the last one is meant.
         if (!row.name.empty()) {
-            EXPECT_EQ(referenceMdl(*currentRoot(reading.run), row.name), &reading.newest()) << row.line;
+            EXPECT_EQ(referenceMdl(currentRoot(reading.run), row.name), &reading.newest()) << row.line;
         }
     }
 }
@@ -486,7 +486,7 @@ TEST(Model, rampsAndCurrentsAgainstWaveforms) {
         Reading reading(V::v5);
         reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p").read(row.lines).read("[Rgnd] x");
         const std::size_t before = reading.codes().size();
-        checkCompositeCurrents(reading.run, *currentRoot(reading.run));
+        checkCompositeCurrents(reading.run, currentRoot(reading.run));
         EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.lines;
     }
 }

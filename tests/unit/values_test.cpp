@@ -555,6 +555,19 @@ TEST(Words, reservedAndRequired) {
     EXPECT_EQ(test.out.text(), expected);
 }
 
+TEST(HashSeeds, differFromContainerToContainer) {
+    const HashSeed one;
+    const HashSeed other;
+    const std::string text(20, 'x');
+    // Of no length do two seeds agree, nor does one seed take texts of different ends or lengths for equal.
+    for (std::size_t length = 0; length <= text.size(); ++length) {
+        const std::string_view part = std::string_view(text).substr(0, length);
+        EXPECT_NE(one.hashOf(part), other.hashOf(part)) << length;
+        EXPECT_EQ(one.hashOf(part), one.hashOf(std::string(part))) << length;
+        EXPECT_NE(one.hashOf(part), one.hashOf(std::string(part) + '\0')) << length;
+    }
+}
+
 TEST(StringLists, holdEachTextOnce) {
     StringList list;
     EXPECT_TRUE(addUnique(list, "clk"));
