@@ -25,6 +25,8 @@ public:
     /// True for a row that is found by its name, not one that repeats it.
     [[nodiscard]] bool isFirst(const Row& row) const { return find(std::invoke(Name, row)) == &row; }
 
+    [[nodiscard]] bool anyRepeated() const { return index_.size() != rows_.size(); }
+
     [[nodiscard]] const std::vector<Row>& rows() const { return rows_; }
     [[nodiscard]] bool empty() const { return rows_.empty(); }
     [[nodiscard]] std::size_t size() const { return rows_.size(); }

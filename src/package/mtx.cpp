@@ -31,7 +31,10 @@ bool reportShortRow(Diagnostics& diagnostics, const Mtx& mtx, const MtxRow& row)
 
 } // namespace
 
-std::uint32_t pinPlace(const PackagePins& pins, std::string_view name) {
+std::uint32_t pinPlace(const PackagePins& pins, std::string_view name, std::size_t guess) {
+    if (!pins.anyRepeated() && guess - 1 < pins.size() && pins[guess - 1] == name) {
+        return static_cast<std::uint32_t>(guess);
+    }
     const std::string* const pin = pins.find(name);
     return pin == nullptr ? 0 : static_cast<std::uint32_t>(pin - &pins[0] + 1);
 }

@@ -123,7 +123,8 @@ std::uint32_t readColumn(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& 
         return 0;
     }
     if (name == row.pin_name) row.self_coupled = true;
-    const std::uint32_t column = pinPlace(pins, name);
+    const std::size_t guess = row.filled == 0 ? mtx.rows.size() : std::size_t{mtx.columns.back()} + 1;
+    const std::uint32_t column = pinPlace(pins, name, guess);
     if (column == 0) {
         errorAtLine(diagnostics, 3100, name);
         return 0;
@@ -177,7 +178,7 @@ void beginRow(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::
         errorAtLine(diagnostics, 3122);
         return;
     }
-    const std::uint32_t index = pinPlace(pins, name);
+    const std::uint32_t index = pinPlace(pins, name, mtx.rows.size() + 1);
     if (index == 0) errorAtLine(diagnostics, 3100, name);
     for (std::uint32_t earlier = countRow(mtx, pins, name, index); earlier > 0; --earlier) {
         errorAtLine(diagnostics, 3101, name);

@@ -99,8 +99,8 @@ TEST(PackageModel, plainPins) {
     PackageLines lines;
     lines.feed("[Define Package Model] P\n[Number Of Pins] 4\n[Pin Numbers]\nA\nABCDEF\nA");
     EXPECT_EQ(lines.newest().pin_names.rows(), (std::vector<std::string>{"A", "ABCDE", "A"}));
-    EXPECT_EQ(pinPlace(lines.newest().pin_names, "A"), 1U);
-    EXPECT_EQ(pinPlace(lines.newest().pin_names, "ABCDEF"), 0U);
+    EXPECT_EQ(pinPlace(lines.newest().pin_names, "A", 9), 1U);
+    EXPECT_EQ(pinPlace(lines.newest().pin_names, "ABCDEF", 1), 0U);
 }
 
 TEST(PackageModel, pinsWithSections) {
