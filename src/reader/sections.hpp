@@ -122,7 +122,7 @@ consteval SectionTable<State, Count> sectionTable(const Section<State> (&rows)[C
     for (std::size_t i = 0; i < Count; ++i) {
         const auto place = static_cast<std::uint8_t>(i + 1);
         table.places[static_cast<std::size_t>(rows[i].key)] = place;
-        if (rows[i].end != nullptr) table.places[static_cast<std::size_t>(rows[i].end_key)] = place;
+        if (rows[i].end_key != KeywordCode::notKey) table.places[static_cast<std::size_t>(rows[i].end_key)] = place;
     }
     return table;
 }
