@@ -1,8 +1,6 @@
 #include "external/circuit.hpp"
 
-#include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/names.hpp"
+#include "reader/record_name.hpp"
 
 #include <algorithm>
 #include <unordered_set>
@@ -13,6 +11,7 @@ namespace {
 
 constexpr std::string_view kKind = "External Circuit";
 constexpr std::string_view kKeyword = "External_Circuit";
+constexpr RecordNameRules kName{kKind, CheckedMessage<ArgKind::text>(1802), 1803, 1804, 1805, 1806};
 
 /// Values that are no numbers have to be parameters; now all of those are known.
 void checkNamedValues(Context& context, const ExtCkt& circuit) {
@@ -62,22 +61,6 @@ void checkDigitalSide(Context& context, const ExtCkt& circuit, const ExtOwner& o
 
 ExtOwner ownerOf(const ExtCkt& circuit) { return {.kind = kKind, .name = circuit.name}; }
 
-/// Reads the name behind "[External Circuit]". A cut or reserved name is not reported again as one given before.
-void openCircuit(Context& context, CircuitState& state, ExtCkt& circuit, std::string_view text) {
-    Diagnostics& diagnostics = context.diagnostics;
-    const ItemList items = splitItems(context, text, 1);
-    if (items.count == 0) {
-        errorAtLine(diagnostics, 1802, kKind);
-        return;
-    }
-    if (items.count > 1) errorAtLine(diagnostics, 1803, items.count, kKind, 1);
-    const bool fits = storeName(diagnostics, circuit.name, items[0], kLongNameLimit, 1804);
-    const bool reserved = isReservedWord(circuit.name);
-    if (reserved) errorAtLine(diagnostics, 1805, circuit.name);
-    if (fits && !reserved && state.list->find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
-    state.list->enterName(circuit, circuit.name);
-}
-
 void readLine(Context& context, ExtCkt& circuit, std::string_view text) {
     extCktLine(context, circuit, ownerOf(circuit), text);
 }
@@ -93,8 +76,8 @@ constexpr BlockEnd kEnd{
 };
 
 constexpr auto kSections = sectionTable<CircuitState>({
-    blockSection<CircuitState, openCircuit, readLine, closeCircuit>(KeywordCode::externalCircuit,
-                                                                    KeywordCode::endExternalCircuit, kEnd),
+    blockSection<CircuitState, openNamed<kName, CircuitState>, readLine, closeCircuit>(
+        KeywordCode::externalCircuit, KeywordCode::endExternalCircuit, kEnd),
 });
 
 void reportStray(Context& context) { errorAtLine(context.diagnostics, 121); }

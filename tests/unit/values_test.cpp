@@ -477,12 +477,14 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
 TEST(RecordNames, areEnteredAndHeldAgainstThoseBefore) {
     const CheckedMessage<> bare = 2410;
     RecordNameRules rules{"Model", bare, 2411, 2412, 2413, 2414};
+    rules.limit = [](IbisVersion) { return 4; };
     const auto read = [&rules] {
         TestRun test;
         test.run.diagnostics.coded_form = true;
         ObjectList<SubMdl> list;
+        RecordState<SubMdl> state{.list = &list};
         for (const std::string_view text : {"abcd", "abcd x", "abcde", "GND", "GND", ""}) {
-            readRecordName(test.run, list, list.add(std::make_unique<SubMdl>()), text, rules, 4);
+            readRecordName(test.run, state, list.add(std::make_unique<SubMdl>()), text, rules);
         }
 
         return codesOf(test.out.text()) + (list.find("") != nullptr ? " entered" : "");
