@@ -1,5 +1,3 @@
-#include "board/ebdcheck.hpp"
-
 #include "base/text.hpp"
 #include "board/ebdmdl.hpp"
 #include "reader/names.hpp"

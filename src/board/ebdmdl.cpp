@@ -1,8 +1,6 @@
 #include "board/ebdmdl.hpp"
 
 #include "base/text.hpp"
-#include "board/ebdcheck.hpp"
-#include "board/ebdrefdes.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 #include "reader/number.hpp"

@@ -7,7 +7,6 @@
 #include "reader/sections.hpp"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -5,7 +5,6 @@
 #include "ibis/ibis.hpp"
 
 #include <algorithm>
-#include <string>
 
 namespace kestrel {
 
@@ -123,6 +122,15 @@ void checkCircuitCalls(Context& context, const Ibis& root, const Cmpnt& componen
     Reported reported;
     for (const CircuitCall& call : component.circuit_calls) {
         checkCall(context, root, component, call, reported, ports);
+    }
+}
+
+void checkExtCkts(Context& context, const Ibis& root) {
+    for (const ExtCkt& circuit : root.external_circuits.newestFirst()) {
+        const About about(context.diagnostics, circuit);
+        // A repeated name is taken by the last-defined circuit.
+        if (circuit.name.empty() || circuit.used || root.external_circuits.find(circuit.name) != &circuit) continue;
+        warning(context.diagnostics, 1844, circuit.name);
     }
 }
 

@@ -1,6 +1,5 @@
-#include "ibis/check_models.hpp"
-
 #include "component/cmpnt.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
 #include "model/acdc.hpp"
 #include "model/mdl.hpp"

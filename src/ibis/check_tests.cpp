@@ -1,5 +1,4 @@
-#include "ibis/check_tests.hpp"
-
+#include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
 #include "model/mdl.hpp"
 #include "model/testdata.hpp"

@@ -1,15 +1,13 @@
 #include "ibis/parse.hpp"
 
 #include "ami/check.hpp"
-#include "ami/collect.hpp"
 #include "base/text.hpp"
-#include "ibis/check_boards.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/modules.hpp"
 #include "ibis/run.hpp"
 #include "reader/items.hpp"
 
 #include <algorithm>
-#include <array>
 #include <new>
 
 namespace kestrel {

@@ -3,7 +3,6 @@
 #include "ibis/run.hpp"
 
 #include <array>
-#include <unordered_map>
 #include <vector>
 
 namespace kestrel {

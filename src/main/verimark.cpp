@@ -7,7 +7,6 @@
 #include "main/version.hpp"
 
 #include <algorithm>
-#include <optional>
 #include <vector>
 
 namespace kestrel {

@@ -1,11 +1,9 @@
 #include "model/submdl.hpp"
 
-#include "model/submdl_check.hpp"
 #include "reader/record_name.hpp"
 #include "reader/subparameters.hpp"
 
 #include <array>
-#include <cstddef>
 #include <span>
 
 namespace kestrel {

@@ -1,5 +1,3 @@
-#include "model/submdl_check.hpp"
-
 #include "model/submdl.hpp"
 #include "reader/context.hpp"
 #include "reader/values.hpp"

@@ -1,8 +1,6 @@
 #include "package/pkgmdl.hpp"
 
 #include "base/rows.hpp"
-#include "package/pkgpin.hpp"
-#include "package/row.hpp"
 #include "reader/names.hpp"
 #include "reader/number.hpp"
 

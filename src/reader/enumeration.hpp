@@ -10,8 +10,6 @@
 
 namespace kestrel {
 
-struct Context;
-
 /// One spelling of an enumerated setting. Tables are constexpr arrays; a version that knows fewer settings is given a
 /// span of the first rows.
 template <class Code> struct EnumerationRow {
@@ -68,16 +66,5 @@ std::optional<CodeOf<Rows>> readEnumeration(Diagnostics& diagnostics, const Rows
     }
     return hit.row->code;
 }
-
-/// What to say, at the line, of a line that is not "name setting".
-struct SettingMessages {
-    CheckedMessage<ArgKind::text> missing;                                   ///< name
-    CheckedMessage<ArgKind::text> equals_sign;                               ///< name; the second item is "="
-    CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer> count; ///< items, name, 2
-};
-
-/// The second item of a line "name setting"; reports any other number of items and then gives nothing.
-[[nodiscard]] std::optional<std::string_view> readSetting(Context& context, std::string_view line,
-                                                          std::string_view name, const SettingMessages& messages);
 
 } // namespace kestrel

@@ -1,6 +1,5 @@
 #include "reader/items.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
 
 namespace kestrel {

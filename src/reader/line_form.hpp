@@ -125,6 +125,17 @@ struct WordLineMessages {
 [[nodiscard]] std::optional<std::string_view> readWordLine(Context& context, std::string_view rest,
                                                            std::string_view name, const WordLineMessages& messages);
 
+/// What to say, at the line, of a line that is not "name setting".
+struct SettingMessages {
+    CheckedMessage<ArgKind::text> missing;     ///< name
+    CheckedMessage<ArgKind::text> equals_sign; ///< name; the second item is "="
+    CountMessage count;                        ///< items, name, 2
+};
+
+/// The second item of a line "name setting"; reports any other number of items and then gives nothing.
+[[nodiscard]] std::optional<std::string_view> readSetting(Context& context, std::string_view line,
+                                                          std::string_view name, const SettingMessages& messages);
+
 /// How the lines "name typ min max" of one block are read.
 struct RangeLineRules {
     /// The typical value is "NA"; some texts show the name.

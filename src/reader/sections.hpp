@@ -11,7 +11,6 @@
 #include <span>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 
 /// The one form in which a module reads a record: a table of sections, each with its keyword and what is done at the
 /// keyword's own line, at the data lines under it, and when the next keyword comes.

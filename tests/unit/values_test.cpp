@@ -2,7 +2,7 @@
 
 #include "reader/values.hpp"
 
-#include "base/string_list.hpp"
+#include "base/name_list.hpp"
 #include "base/text.hpp"
 #include "codes.hpp"
 #include "ibis/run.hpp"
@@ -557,12 +557,12 @@ TEST(Words, reservedAndRequired) {
     EXPECT_EQ(test.out.text(), expected);
 }
 
-TEST(StringLists, holdEachTextOnce) {
-    StringList list;
-    EXPECT_TRUE(addUnique(list, "clk"));
-    EXPECT_TRUE(addUnique(list, "CLK"));
-    EXPECT_FALSE(addUnique(list, "clk"s));
-    EXPECT_THAT(list.texts, ElementsAre("clk", "CLK"));
+TEST(NameViews, holdEachNameOnce) {
+    NameViews list;
+    EXPECT_TRUE(list.add("clk"));
+    EXPECT_TRUE(list.add("CLK"));
+    EXPECT_FALSE(list.add("clk"s));
+    EXPECT_THAT(list.names, ElementsAre("clk", "CLK"));
 }
 
 } // namespace
