@@ -265,9 +265,7 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     const bool outside = (bounds && !(atMost(bounds->min, number) && atMost(number, bounds->max))) ||
                          (complete && leaf.format == AmiFormat::list && !isMember(leaf, *initial));
     leaf.default_outside = outside;
-    if (outside) {
-        warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
-    }
+    if (outside) warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
 }
 
 } // namespace kestrel

@@ -112,9 +112,7 @@ void checkExtCkt(Context& context, const ExtCkt& circuit, const ExtOwner& owner)
     Diagnostics& diagnostics = context.diagnostics;
     checkNamedValues(context, circuit);
     if (circuit.language == ExtLanguage::notGiven) error(diagnostics, 1823, owner.kind, owner.name);
-    if (!circuit.corners[Corner::typ] && !circuit.corner_reported) {
-        error(diagnostics, 1824, owner.kind, owner.name);
-    }
+    if (!circuit.corners[Corner::typ] && !circuit.corner_reported) error(diagnostics, 1824, owner.kind, owner.name);
     if (!circuit.ports_seen) error(diagnostics, 1825, owner.kind, owner.name);
     const std::string_view language = extLanguageText(circuit.language);
     if (isMixedSignal(circuit.language) && !circuit.converters.empty()) {

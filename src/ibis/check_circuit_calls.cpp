@@ -31,9 +31,7 @@ void checkPin(Context& context, const Cmpnt& component, const CircuitCall& call,
     const std::string_view listed = listedPinName(component.pins, name);
     const Pin* const pin = component.pins.find(listed);
     if (pin == nullptr) {
-        if (!isKnownPin(component.pins, listed)) {
-            error(context.diagnostics, 1840, call.circuit, component.name, name);
-        }
+        if (!isKnownPin(component.pins, listed)) error(context.diagnostics, 1840, call.circuit, component.name, name);
         return;
     }
     if (isCircuitCallName(pin->model_name) || pin->model_reported) return;
@@ -53,9 +51,7 @@ void checkNodesOf(Context& context, const Cmpnt& component, const CircuitCall& c
     for (const PortMap& map : call.port_map) {
         if (component.nodes != nullptr && component.nodes->has(map.node)) continue;
         if (is_pin(map.node) || is_pin(pinOfNode(map.node))) continue;
-        if (missing.insert(map.node).second) {
-            error(context.diagnostics, 1841, call.circuit, component.name, map.node);
-        }
+        if (missing.insert(map.node).second) error(context.diagnostics, 1841, call.circuit, component.name, map.node);
     }
 }
 

@@ -54,9 +54,7 @@ void checkTestData(Context& context, Ibis& root) {
         const About about(context.diagnostics, data);
         checkDriver(context, root, data, &TestData::driver_model);
         // A model that drives both sides is reported once.
-        if (data.driver_model_inv != data.driver_model) {
-            checkDriver(context, root, data, &TestData::driver_model_inv);
-        }
+        if (data.driver_model_inv != data.driver_model) checkDriver(context, root, data, &TestData::driver_model_inv);
         checkLoad(context, root, data);
     }
 }

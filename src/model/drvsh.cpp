@@ -46,12 +46,8 @@ void checkPair(Diagnostics& diagnostics, const Delays& delays) {
     const auto equal_pair = [&delays](Delay on, Delay off) {
         return delays[on].isNumber() && delays[off].isNumber() && delays[on].value == delays[off].value;
     };
-    if (equal_pair(kRiseOn, kRiseOff)) {
-        errorAtLine(diagnostics, 4507, kLabels[kRiseOn], kLabels[kRiseOff]);
-    }
-    if (equal_pair(kFallOn, kFallOff)) {
-        errorAtLine(diagnostics, 4508, kLabels[kFallOn], kLabels[kFallOff]);
-    }
+    if (equal_pair(kRiseOn, kRiseOff)) errorAtLine(diagnostics, 4507, kLabels[kRiseOn], kLabels[kRiseOff]);
+    if (equal_pair(kFallOn, kFallOff)) errorAtLine(diagnostics, 4508, kLabels[kFallOn], kLabels[kFallOff]);
 }
 
 /// Of all four: the driver turns on before it turns off at the one edge and the other way round at the other.

@@ -37,9 +37,7 @@ void entryLine(Context& context, MSelState& state, MSel& selector, std::string_v
     storeName(context.diagnostics, entry.model_name, items[0], modelNameLimit(context.parse.version), 4017);
     if (equalsNoCase(entry.model_name, "NA")) errorAtLine(context.diagnostics, 4018);
     entry.description = entryDescription(context, trim(text.substr(name_end)), entry.model_name.size());
-    if (!state.entry_names.insert(entry.model_name).second) {
-        errorAtLine(context.diagnostics, 4025, entry.model_name);
-    }
+    if (!state.entry_names.insert(entry.model_name).second) errorAtLine(context.diagnostics, 4025, entry.model_name);
 }
 
 void closeSelector(Context& context, MSelState& /*state*/, MSel& selector) {

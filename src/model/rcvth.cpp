@@ -56,9 +56,7 @@ constexpr std::array<Field, 3> kSingleEndedToo{&RcvTh::vth_min, &RcvTh::vth_max,
 
 void requireAll(Context& context, const RcvTh& thresholds, std::string_view model, std::span<const Field> fields) {
     for (const Field field : fields) {
-        if (!isSeen(kThresholds, thresholds, field)) {
-            error(context.diagnostics, 3216, model, kThresholds.nameOf(field));
-        }
+        if (!isSeen(kThresholds, thresholds, field)) error(context.diagnostics, 3216, model, kThresholds.nameOf(field));
     }
 }
 

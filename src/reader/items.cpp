@@ -16,9 +16,7 @@ const char* skipSpaces(const Context& context, const char* at, const char* end) 
     while (at != end && isSpace(*at)) {
         ++at;
     }
-    if (at - begin > kMaxSkip && !context.parse.long_lines) {
-        assertionFailed(context.out, here());
-    }
+    if (at - begin > kMaxSkip && !context.parse.long_lines) assertionFailed(context.out, here());
     return at;
 }
 
@@ -48,9 +46,7 @@ ItemList splitItems(const Context& context, std::string_view text, int max, char
     for (const char* at = skipSpaces(context, text.data(), end); at != end; at = skipSpaces(context, at, end)) {
         const char* const item = at;
         at = itemEnd(item, end, stop);
-        if (list.kept < max) {
-            list.items[static_cast<std::size_t>(list.kept++)] = std::string_view(item, at);
-        }
+        if (list.kept < max) list.items[static_cast<std::size_t>(list.kept++)] = std::string_view(item, at);
         ++list.count;
     }
     return list;
@@ -58,9 +54,7 @@ ItemList splitItems(const Context& context, std::string_view text, int max, char
 
 std::string_view takeItem(const Context& context, std::string_view& text, char split) {
     text = skipWhiteSpace(context, text);
-    if (text.empty()) {
-        return text;
-    }
+    if (text.empty()) return text;
     const char* const end = text.data() + text.size();
     const std::string_view item(text.data(), itemEnd(text.data(), end, stopFor(split)));
     text.remove_prefix(item.size());

@@ -28,19 +28,13 @@ bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_v
         errorAtLine(diagnostics, 1911, keyword);
         return false;
     }
-    if (text.empty()) {
-        errorAtLine(diagnostics, 1913, keyword);
-    }
+    if (text.empty()) errorAtLine(diagnostics, 1913, keyword);
     const std::uint32_t printed_limit = std::min(limit, kMaxPrintedLimit);
     if (overlong == Overlong::cut) {
-        if (text.size() > limit) {
-            errorAtLine(diagnostics, 1912, keyword, text, printed_limit);
-        }
+        if (text.size() > limit) errorAtLine(diagnostics, 1912, keyword, text, printed_limit);
         destination = text.substr(0, limit);
     } else {
-        if (text.size() > limit) {
-            errorAtLine(diagnostics, 1914, keyword, text, printed_limit);
-        }
+        if (text.size() > limit) errorAtLine(diagnostics, 1914, keyword, text, printed_limit);
         destination = text.substr(0, kMaxWholeText);
     }
     return true;
@@ -82,9 +76,7 @@ bool isReservedWord(std::string_view text) {
 }
 
 bool checkNotReserved(Diagnostics& diagnostics, std::string_view text) {
-    if (!isReservedWord(text)) {
-        return true;
-    }
+    if (!isReservedWord(text)) return true;
     errorAtLine(diagnostics, 1916, text);
     return false;
 }
