@@ -9,9 +9,8 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kKind = "External Circuit";
-constexpr std::string_view kKeyword = "External_Circuit";
-constexpr RecordNameRules kName{kKind, CheckedMessage<ArgKind::text>(1802), 1803, 1804, 1805, 1806};
+constexpr ExternalNames kNames{"External Circuit", "External_Circuit", "End External Circuit", "End_External_Circuit"};
+constexpr RecordNameRules kName{kNames.kind, CheckedMessage<ArgKind::text>(1802), 1803, 1804, 1805, 1806};
 
 /// Values that are no numbers have to be parameters; now all of those are known.
 void checkNamedValues(Context& context, const ExtCkt& circuit) {
@@ -59,7 +58,7 @@ void checkDigitalSide(Context& context, const ExtCkt& circuit, const ExtOwner& o
     if (owner.receives && !serves(false, kReceivePort)) warning(context.diagnostics, 1831, owner.name);
 }
 
-ExtOwner ownerOf(const ExtCkt& circuit) { return {.kind = kKind, .name = circuit.name}; }
+ExtOwner ownerOf(const ExtCkt& circuit) { return {.kind = kNames.kind, .name = circuit.name}; }
 
 void readLine(Context& context, ExtCkt& circuit, std::string_view text) {
     extCktLine(context, circuit, ownerOf(circuit), text);
@@ -67,13 +66,7 @@ void readLine(Context& context, ExtCkt& circuit, std::string_view text) {
 
 void closeCircuit(Context& context, const ExtCkt& circuit) { checkExtCkt(context, circuit, ownerOf(circuit)); }
 
-constexpr BlockEnd kEnd{
-    .name = "End_External_Circuit",
-    .text_behind = [](Context& context,
-                      std::string_view text) { reportExtraText(context, "End External Circuit", text); },
-    .not_ended = [](Context& context) { errorAtLine(context.diagnostics, 1827, kKeyword, kKeyword); },
-    .no_begin = [](Context& context) { errorAtLine(context.diagnostics, 1828, kKeyword, kKeyword); },
-};
+constexpr const BlockEnd& kEnd = kExternalEnd<kNames>;
 
 constexpr auto kSections = sectionTable<CircuitState>({
     blockSection<CircuitState, openNamed<kName, CircuitState>, readLine, closeCircuit>(
@@ -102,11 +95,6 @@ const RecordModule<CircuitState> kExternalCircuit{
     .behind_end = [](Context& context, const BlockEnd&) { reportStray(context); },
     .impossible = [](Context& context, LineKind) { reportStray(context); },
 };
-
-void reportExtraText(Context& context, std::string_view keyword, std::string_view text) {
-    const int count = splitItems(context, text, 0).count;
-    if (count > 0) errorAtLine(context.diagnostics, 1803, count, keyword, 0);
-}
 
 void checkExtCkt(Context& context, const ExtCkt& circuit, const ExtOwner& owner) {
     Diagnostics& diagnostics = context.diagnostics;

@@ -74,7 +74,7 @@ std::vector<FileReference> collectFiles(const EbdMdl& board, const UsedPins& use
     return files;
 }
 
-/// Holds the pins used of a component or board to those that it has, which `has_pin` tells.
+/// Holds the pins used of a component or board to those that it has, by `has_pin`.
 template <class HasPin>
 void checkPins(Diagnostics& diagnostics, const EbdRefDes& entry, const NameViews& pins, int limit, HasPin has_pin) {
     for (const std::string_view pin : pins.names) {

@@ -14,14 +14,14 @@ Ibis::Ibis() = default;
 Ibis::~Ibis() = default;
 
 Ibis& createRoot(Run& run) {
-    run.roots.roots.push_back(std::make_unique<Ibis>());
-    return *run.roots.roots.back();
+    run.roots.push_back(std::make_unique<Ibis>());
+    return *run.roots.back();
 }
 
-Ibis* currentRoot(const Run& run) { return run.roots.roots.empty() ? nullptr : run.roots.roots.back().get(); }
+Ibis* currentRoot(const Run& run) { return run.roots.empty() ? nullptr : run.roots.back().get(); }
 
 void freeRoot(Run& run, Ibis& root) {
-    std::erase_if(run.roots.roots, [&root](const std::unique_ptr<Ibis>& held) { return held.get() == &root; });
+    std::erase_if(run.roots, [&root](const std::unique_ptr<Ibis>& held) { return held.get() == &root; });
 }
 
 void finalChecks(Run& run) {

@@ -2,9 +2,6 @@
 
 #include "base/object_list.hpp"
 
-#include <memory>
-#include <vector>
-
 namespace kestrel {
 
 struct Run;
@@ -38,18 +35,13 @@ struct Ibis {
     ObjectList<TestLoad> test_loads;
 };
 
-/// The roots of a run: the last is the current one, beneath it wait the roots of the parses that it is nested in.
-struct RootStack {
-    std::vector<std::unique_ptr<Ibis>> roots;
-};
-
 /// Puts a new, empty root on the stack and returns it.
 Ibis& createRoot(Run& run);
 
 /// The current root, or null before the first is made.
 [[nodiscard]] Ibis* currentRoot(const Run& run);
 
-/// Unlinks `root` wherever it stands on the stack and frees it with all that it owns.
+/// Unlinks `root` wherever it is on the stack and frees it with all that it owns.
 void freeRoot(Run& run, Ibis& root);
 
 /// Cross-record checks over the current root once an .ibs file has been read, in their fixed order; nothing without a

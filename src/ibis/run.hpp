@@ -15,6 +15,9 @@
 #include "package/pkgmdl.hpp"
 #include "reader/context.hpp"
 
+#include <memory>
+#include <vector>
+
 namespace kestrel {
 
 /// Everything that one run knows: the context, the roots and each module's state. Passed explicitly wherever it is
@@ -22,7 +25,8 @@ namespace kestrel {
 struct Run : Context {
     explicit Run(Output& output) : Context(output) {}
 
-    RootStack roots;
+    /// The last is the current one, beneath it wait the roots of the parses that it is nested in.
+    std::vector<std::unique_ptr<Ibis>> roots;
     HdrState hdr;
     CmpntState cmpnt;
     CircuitState circuit;

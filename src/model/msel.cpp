@@ -48,14 +48,6 @@ void closeSelector(Context& context, MSelState& /*state*/, MSel& selector) {
     }
 }
 
-void reportImpossible(Context& context, LineKind kind) {
-    if (kind == LineKind::keyword) {
-        programBugHereAtLine(context.diagnostics, 4003);
-    } else {
-        programBugHereAtLine(context.diagnostics, 4004);
-    }
-}
-
 using K = KeywordCode;
 
 constexpr auto kSections =
@@ -68,8 +60,7 @@ const RecordModule<MSelState> kMSel{
     .find = [](K code) { return kSections.find(code); },
     .close = closeSelector,
     .orphan = reportOrphan<4001, 4002>,
-    .behind_end = nullptr,
-    .impossible = reportImpossible,
+    .impossible = reportImpossible<LineKind::keyword, 4003, 4004>,
 };
 
 } // namespace kestrel

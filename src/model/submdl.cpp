@@ -99,7 +99,6 @@ const RecordModule<SubMdlState> kSubMdl{
     .find = [](K code) { return kSections.find(code); },
     .close = [](Context& context, SubMdlState&, SubMdl& submodel) { checkSubMdl(context, submodel); },
     .orphan = reportOrphan<2402, 2403>,
-    .behind_end = nullptr,
     .impossible = [](Context& context, LineKind) { programBugHereAtLine(context.diagnostics, 2407); },
 };
 

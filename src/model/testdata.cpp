@@ -106,7 +106,6 @@ const RecordModule<State> kTestData{
     .find = [](K code) { return kSections.find(code); },
     .close = closeTestData,
     .orphan = reportOrphan<2302, 2303>,
-    .behind_end = nullptr,
     .impossible = [](Context&, LineKind) {},
 };
 

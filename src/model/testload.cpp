@@ -102,7 +102,6 @@ const RecordModule<RecordState<TestLoad>> kTestLoad{
     .find = [](KeywordCode code) { return kSections.find(code); },
     .close = closeTestLoad,
     .orphan = reportOrphan<2202, 2203>,
-    .behind_end = nullptr,
     .impossible = [](Context&, LineKind) {},
 };
 

@@ -25,7 +25,7 @@ concept EnumerationTable = std::ranges::contiguous_range<Rows> && requires(std::
 
 template <EnumerationTable Rows> using CodeOf = decltype(std::ranges::range_value_t<Rows>::code);
 
-/// True when each row stands at the place that its code gives, so that a table can be asked by code as well.
+/// True when each row is at the place that its code gives, so that a table can be indexed by code as well.
 template <EnumerationTable Rows> consteval bool standAtCodes(const Rows& rows) {
     return rowsInOrder(rows, [](const auto& row) { return row.code; });
 }
@@ -45,7 +45,7 @@ template <EnumerationTable Rows>
     return {};
 }
 
-/// What to say, at the line, of a setting that is not one of the spellings.
+/// What is reported at the line of a setting that is not one of the spellings.
 struct EnumerationMessages {
     CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text> wrong_case; ///< name, text, right spelling
     CheckedMessage<ArgKind::text, ArgKind::text> unknown;                   ///< name, text

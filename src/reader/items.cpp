@@ -6,7 +6,7 @@ namespace kestrel {
 
 namespace {
 
-/// Most white space that may stand between two items.
+/// Most white space that may be between two items.
 constexpr std::ptrdiff_t kMaxSkip = 120;
 
 /// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
@@ -29,7 +29,7 @@ const char* itemEnd(const char* at, const char* end, char split) {
     return at == begin ? at + 1 : at;
 }
 
-/// Without a split character the blank stands in for it: it ends an item anyway and never begins one.
+/// Without a split character the blank takes its place: it ends an item anyway and never begins one.
 constexpr char stopFor(char split) { return split == '\0' ? ' ' : split; }
 
 } // namespace

@@ -188,7 +188,7 @@ TEST(BoardReferences, eachFileIsReadOnceAndTheReaderPutBack) {
     EXPECT_EQ(files.run.parse.kind, FileKind::ebd);
     EXPECT_EQ(files.run.parse.comment, '|');
     EXPECT_EQ(files.run.parse.version, IbisVersion::v3);
-    EXPECT_EQ(files.run.roots.roots.size(), 1U);
+    EXPECT_EQ(files.run.roots.size(), 1U);
     ASSERT_NE(currentRoot(files.run)->board_descriptions.find("A"), nullptr);
 }
 
