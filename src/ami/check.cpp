@@ -13,7 +13,7 @@ namespace kestrel {
 
 namespace {
 
-/// What may stand in the root.
+/// What may be in the root.
 enum class Section : std::uint8_t { reserved, specific, description };
 
 constexpr std::array<EnumerationRow<Section>, 3> kSections{{
@@ -195,7 +195,7 @@ private:
         if (empty) warningAtLine(at(check_, branch), 4647, shown(branch.text));
     }
 
-    /// Finds names that stand twice among all that the branches hold, and second descriptions of one of them.
+    /// Finds names that are there twice among all that the branches hold, and second descriptions of one of them.
     void markRepeated(std::span<const AmiItem* const> branches, Names names) {
         names_.clear();
         for (const AmiItem* const branch : branches) {
@@ -244,11 +244,11 @@ private:
 struct OpenNode {
     const AmiItem* node;
     bool holds_rows;               ///< it is the table of a parameter
-    bool in_rows;                  ///< it is a row or stands in one, so that it is no parameter
-    std::optional<bool> is_leaf{}; ///< asked for once
+    bool in_rows;                  ///< it is a row or in one, so that it is no parameter
+    std::optional<bool> is_leaf{}; ///< looked up once
 };
 
-/// True when `item`, which stands in `parent`, is the table of a parameter.
+/// True when `item`, which is in `parent`, is the table of a parameter.
 bool isTableOf(const AmiItem& item, OpenNode& parent) {
     if (!isAmiTable(item) || parent.holds_rows || parent.in_rows) return false;
     if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);

@@ -1,5 +1,4 @@
-#include "ami/collect.hpp"
-
+#include "ami/check.hpp"
 #include "base/make_room.hpp"
 #include "reader/context.hpp"
 

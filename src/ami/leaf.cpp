@@ -38,7 +38,7 @@ std::optional<CodeOf<Rows>> readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart par
 /// Whether a part holds one word or may hold several.
 enum class Words : bool { one, several };
 
-/// Finds the first word of a part; what else stands there is reported.
+/// Finds the first word of a part; what else is there is reported.
 void findWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& child, Words words) {
     AmiLeaf::Given& given = leaf[part];
     bool has_nodes = false;
@@ -125,7 +125,7 @@ void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
 
 void readDefault(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     findWord(check, leaf, AmiPart::initial, child, Words::one);
-    if (child.size > 1) return; // of a node in place of the word enough was said
+    if (child.size > 1) return; // a node in place of the word was reported
     errorAtLine(at(check, child), 4637, leaf.name(), nameOf(AmiPart::initial), 0, 1);
 }
 

@@ -60,8 +60,9 @@ void checkReservedFormat(AmiCheck& check, const ReservedRow& row, const AmiLeaf&
     const AmiLeaf::Given& format = leaf[AmiPart::format];
     if (leaf.format) {
         const AmiItem& word = *format.word;
-        if (leaf.format_fits && !row.formats.has(*leaf.format))
+        if (leaf.format_fits && !row.formats.has(*leaf.format)) {
             warningAtLine(at(check, word), 4655, row.text, word.text);
+        }
     } else if (initial != nullptr && !format.met && !format.reported && !row.formats.has(AmiFormat::value)) {
         warningAtLine(at(check, *initial), 4655, row.text, kAmiFormats.front().text);
     }

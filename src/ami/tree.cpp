@@ -15,7 +15,7 @@ enum class TokenKind : std::uint8_t { open, close, word, string, end };
 
 struct Token {
     TokenKind kind;
-    std::string_view text; ///< of a string: what stands between its quotes
+    std::string_view text; ///< of a string: what is between its quotes
 };
 
 constexpr bool endsWord(char c) { return isSpace(c) || c == '(' || c == ')' || c == '"'; }
@@ -74,7 +74,7 @@ private:
 constexpr bool isText(const Token& token) { return token.kind == TokenKind::word || token.kind == TokenKind::string; }
 
 /// Builds the list of items. However deep the nodes are nested, the open ones need no room of their own: until it is
-/// closed, a node's size holds the place of the node that it stands in.
+/// closed, a node's size holds the place of the node that it is in.
 class TreeBuilder {
 public:
     TreeBuilder(Context& context, std::string_view text) : context_(context), scanner_(text), lines_(text) {

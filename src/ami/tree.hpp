@@ -15,13 +15,13 @@ struct AmiItem {
     std::string_view text;   ///< a word, a string without its quotes, or a node's name
     std::size_t size : 62;   ///< items that this one is made of, itself included
     std::size_t is_node : 1; ///< "(" name item... ")"; only the rows of a table may go without a name
-    std::size_t quoted : 1;  ///< the word or name stands in quotes
+    std::size_t quoted : 1;  ///< the word or name is in quotes
 
     [[nodiscard]] bool hasName() const { return quoted != 0 || !text.empty(); }
 };
 static_assert(sizeof(AmiItem) == sizeof(std::string_view) + sizeof(std::size_t));
 
-/// The items that stand directly in a node, or some of them that follow each other.
+/// The items directly in a node, or some of them that follow each other.
 class AmiItems {
 public:
     AmiItems() = default;
@@ -61,10 +61,10 @@ private:
     const AmiItem* last_ = nullptr;
 };
 
-/// What stands in a node behind its name.
+/// What is in a node behind its name.
 [[nodiscard]] inline AmiItems itemsOf(const AmiItem& node) { return {&node + 1, &node + node.size}; }
 
-/// Tells on which line of a text a place in it lies; quick as long as the places asked for lie close to each other.
+/// Finds the line of a text on which a place in it lies; quick as long as the places lie close to each other.
 class LineFinder {
 public:
     explicit LineFinder(std::string_view text) : last_(text.data()) {}

@@ -23,7 +23,7 @@ bool isWholeNumber(std::string_view text) {
     return !text.empty() && std::ranges::all_of(text, isDigit);
 }
 
-/// What stands in some items, taken together.
+/// What is in some items, taken together.
 struct Contents {
     int texts = 0;
     bool has_nodes = false;
@@ -47,7 +47,7 @@ void reportNodes(AmiCheck& check, const AmiLeaf& leaf, AmiItems items) {
     }
 }
 
-/// True when `value` is one of the type; otherwise it is reported. `part` tells where it stands.
+/// True when `value` is one of the type; otherwise it is reported. `part` is where it was given.
 bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiItem& value, std::string_view part) {
     double number = 0.0;
     switch (type) {
@@ -265,9 +265,7 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     const bool outside = (bounds && !(atMost(bounds->min, number) && atMost(number, bounds->max))) ||
                          (complete && leaf.format == AmiFormat::list && !isMember(leaf, *initial));
     leaf.default_outside = outside;
-    if (outside) {
-        warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
-    }
+    if (outside) warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
 }
 
 } // namespace kestrel

@@ -9,9 +9,9 @@
 namespace kestrel {
 
 /// Names in file order, each once.
-struct NameList {
-    std::vector<std::string> names;
-    TextSet index;
+template <class Name, class Index> struct DistinctNames {
+    std::vector<Name> names;
+    Index index;
 
     /// False when the name is there already.
     bool add(std::string_view name) {
@@ -21,5 +21,8 @@ struct NameList {
     }
     [[nodiscard]] bool has(std::string_view name) const { return index.contains(name); }
 };
+
+using NameList = DistinctNames<std::string, TextSet>;
+using NameViews = DistinctNames<std::string_view, ViewSet>; ///< of names that belong to somebody else
 
 } // namespace kestrel

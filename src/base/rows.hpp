@@ -17,6 +17,12 @@ template <std::ranges::contiguous_range Rows, class Value, class Member>
     return at == std::ranges::end(rows) ? nullptr : std::to_address(at);
 }
 
+/// True when `value` is among the values.
+template <std::ranges::input_range Values, class Value>
+[[nodiscard]] constexpr bool contains(const Values& values, const Value& value) {
+    return std::ranges::find(values, value) != std::ranges::end(values);
+}
+
 /// The place in a table of the row whose `member` is `value`; there must be one.
 template <class Rows, class Value, class Member>
 [[nodiscard]] constexpr std::size_t rowPlace(const Rows& rows, const Value& value, Member member) {

@@ -1,5 +1,3 @@
-#include "board/ebdcheck.hpp"
-
 #include "base/text.hpp"
 #include "base/text_hash.hpp"
 #include "board/ebdmdl.hpp"
@@ -52,9 +50,7 @@ void checkPins(Diagnostics& diagnostics, const EbdMdlState& state, const EbdMdl&
         const auto at = references.find(pin.name);
         checkReferences(diagnostics, pin, at == references.end() ? 0 : at->second);
     }
-    if (board.pins.size() != board.number_of_pins) {
-        error(diagnostics, 4331, board.number_of_pins, board.pins.size());
-    }
+    if (board.pins.size() != board.number_of_pins) error(diagnostics, 4331, board.number_of_pins, board.pins.size());
 }
 
 /// Elements hang only from elements that were read before them, so one pass in reading order meets every branch from

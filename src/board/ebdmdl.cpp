@@ -1,8 +1,6 @@
 #include "board/ebdmdl.hpp"
 
 #include "base/text.hpp"
-#include "board/ebdcheck.hpp"
-#include "board/ebdrefdes.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 #include "reader/number.hpp"
@@ -118,14 +116,6 @@ void closeBoard(Context& context, EbdMdlState& state, EbdMdl& board) {
     setContext(context.diagnostics, std::nullopt);
 }
 
-void reportImpossible(Context& context, LineKind kind) {
-    if (kind == LineKind::blank) {
-        programBugHereAtLine(context.diagnostics, 4305);
-    } else {
-        programBugHereAtLine(context.diagnostics, 4304);
-    }
-}
-
 } // namespace
 
 const RecordModule<EbdMdlState> kEbdMdl{
@@ -133,8 +123,7 @@ const RecordModule<EbdMdlState> kEbdMdl{
     .find = [](K code) { return kKeywords.find(code); },
     .close = closeBoard,
     .orphan = reportOrphan<4301, 4302>,
-    .behind_end = nullptr,
-    .impossible = reportImpossible,
+    .impossible = reportImpossible<LineKind::blank, 4305, 4304>,
 };
 
 } // namespace kestrel

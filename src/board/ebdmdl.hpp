@@ -43,4 +43,11 @@ struct EbdMdlState : RecordState<EbdMdl> {
 /// Reads boards. At the end of one it is checked as a whole.
 extern const RecordModule<EbdMdlState> kEbdMdl;
 
+/// Reads a row of "[Reference Designator Map]"; it is kept whatever was wrong with it.
+void refDesLine(Context& context, EbdMdl& board, std::string_view text);
+
+/// Checks a board as a whole when it ends: its texts, its pins against its paths, its paths against its pins and its
+/// map, its map against its paths.
+void checkBoard(Diagnostics& diagnostics, const EbdMdlState& state, const EbdMdl& board);
+
 } // namespace kestrel

@@ -2,7 +2,6 @@
 
 #include "package/sect.hpp"
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -1,5 +1,3 @@
-#include "board/ebdrefdes.hpp"
-
 #include "base/text.hpp"
 #include "board/ebdmdl.hpp"
 #include "reader/items.hpp"

@@ -40,9 +40,7 @@ constexpr SubparameterMessages kMessages{
 bool readCpd(Context& context, CmpntEmi& emi, const SubparameterLine& line) {
     const std::string_view text = withoutEqualsSign(context, line.rest);
     const ItemList items = splitItems(context, text, 1);
-    if (items.count < static_cast<int>(kCornerCount)) {
-        return readSubparameterValue(context, kMessages, line, emi.cpd);
-    }
+    if (items.count < static_cast<int>(kCornerCount)) return readSubparameterValue(context, kMessages, line, emi.cpd);
     Rng range;
     if (!readRange(context, text, line.name, range, OrderCheck::off)) return false;
     if (range.typ().isNumber()) {

@@ -7,27 +7,17 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 namespace kestrel {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> kRequired{"inv_pin", "vdiff", "tdelay_typ"};
-constexpr std::array<std::string_view, 2> kOptional{"tdelay_min", "tdelay_max"};
-constexpr TableHeader kHeader{"Diff_Pin", kRequired, kOptional};
+/// Of the columns behind the first.
+constexpr std::array<std::string_view, 5> kHeaders{"inv_pin", "vdiff", "tdelay_typ", "tdelay_min", "tdelay_max"};
+constexpr TableHeader kHeader{"Diff_Pin", std::span(kHeaders).first(3), std::span(kHeaders).last(2)};
 constexpr std::array<int, 2> kRowColumns{4, 6};
-
-/// A value of a row, behind the two pins.
-struct Value {
-    std::string_view label;
-    Cell DifPin::*cell;
-};
-
-constexpr std::array<Value, 4> kValues{{{"vdiff", &DifPin::vdiff},
-                                        {"tdelay_typ", &DifPin::tdelay_typ},
-                                        {"tdelay_min", &DifPin::tdelay_min},
-                                        {"tdelay_max", &DifPin::tdelay_max}}};
 
 bool isInverting(const DiffPins& diff_pins, std::string_view pin) {
     return diff_pins.inv_pin_index.find(diff_pins.rows.rows(), pin) != nullptr;
@@ -45,15 +35,17 @@ void checkRepeatedPins(Context& context, const DiffPins& diff_pins, DifPin& row)
 }
 
 void readValues(Context& context, DifPin& row, const ItemList& items, int columns) {
-    constexpr int kPins = 2;
-    for (std::size_t i = 0; i < kValues.size(); ++i) {
-        const int place = kPins + static_cast<int>(i);
-        if (place >= columns) break;
-        readCell(context.diagnostics, items[place], items.has(place), "Diff Pin", kValues[i].label,
-                 row.*kValues[i].cell);
+    const auto read = [&](std::size_t column, Cell& cell) {
+        const auto place = static_cast<int>(column);
+        if (place >= columns) return;
+        readCell(context.diagnostics, items[place], items.has(place), "Diff Pin", kHeaders[column - 1], cell);
+    };
+    read(2, row.vdiff);
+    for (const Corner corner : kCorners) {
+        read(3 + placeOf(corner), row.tdelay[corner]);
     }
-    const bool both = row.tdelay_min.isNumber() && row.tdelay_max.isNumber();
-    if (both && std::abs(row.tdelay_min.value) > std::abs(row.tdelay_max.value)) {
+    const bool both = row.tdelay.min().isNumber() && row.tdelay.max().isNumber();
+    if (both && std::abs(row.tdelay.min().value) > std::abs(row.tdelay.max().value)) {
         caution(context.diagnostics, 810, row.pin);
     }
 }

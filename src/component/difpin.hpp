@@ -2,21 +2,20 @@
 
 #include "base/indexed_rows.hpp"
 #include "reader/columns.hpp"
-#include "reader/values.hpp"
+#include "reader/rng.hpp"
 
 #include <string>
 #include <string_view>
 
 namespace kestrel {
 
-/// One row of "[Diff Pin]". Volts and seconds; "NA" or missing means the default, of the last two the typical delay.
+/// One row of "[Diff Pin]". Volts and seconds; "NA" or missing means the default, of a minimum or maximum the typical
+/// delay.
 struct DifPin {
     std::string pin; ///< the non-inverting one
     std::string inv_pin;
     Cell vdiff;
-    Cell tdelay_typ;
-    Cell tdelay_min;
-    Cell tdelay_max;
+    Rng tdelay;
     bool pin_reported = false;
     bool inv_pin_reported = false;
 };

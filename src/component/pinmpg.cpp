@@ -1,11 +1,11 @@
 #include "component/pinmpg.hpp"
 
+#include "base/rows.hpp"
 #include "base/text_hash.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <algorithm>
 #include <span>
 #include <utility>
 
@@ -157,7 +157,7 @@ void pinMapHeader(Context& context, PinMapping& mapping, std::string_view text) 
     const ItemList words = readHeaderWords(context, "Pin_Mapping", columns, text, most + 1);
     if (words.kept == 0) return;
     columns.count = 1 + words.count;
-    if (std::ranges::find(allowed.columns, columns.count) == allowed.columns.end()) {
+    if (!contains(allowed.columns, columns.count)) {
         errorAtLine(context.diagnostics, 703, columns.count, allowed.text);
         columns.faulty = true;
     }

@@ -1,9 +1,9 @@
 #include "component/pkg.hpp"
 
+#include "base/rows.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 
-#include <algorithm>
 #include <array>
 
 namespace kestrel {
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kItems = 4; ///< name, typ, min, max
 
-/// A value of a package and what to say when it is given twice or not at all.
+/// A value of a package and what is reported when it is given twice or not at all.
 struct PkgValue {
     std::string_view name;
     std::optional<Rng> Pkg::*range;
@@ -26,12 +26,6 @@ constexpr std::array<PkgValue, 3> kValues{{
     {"C_pkg", &Pkg::c_pkg, 1205, 1217},
 }};
 
-const PkgValue* findValue(std::string_view name) {
-    const auto* const at =
-        std::ranges::find_if(kValues, [name](const PkgValue& value) { return equalsNoCase(value.name, name); });
-    return at == kValues.end() ? nullptr : at;
-}
-
 } // namespace
 
 void pkgLine(Context& context, Pkg& package, std::string_view text) {
@@ -44,7 +38,8 @@ void pkgLine(Context& context, Pkg& package, std::string_view text) {
     }
 
     const std::string_view name = takeItem(context, text);
-    const PkgValue* const value = findValue(name);
+    const auto is_named = [name](const PkgValue& one) { return equalsNoCase(one.name, name); };
+    const PkgValue* const value = rowOf(kValues, true, is_named);
     if (value == nullptr) {
         errorAtLine(diagnostics, 1206);
         return;
@@ -61,7 +56,7 @@ void pkgLine(Context& context, Pkg& package, std::string_view text) {
         return;
     }
     stored = range;
-    // Four items were counted above, so that 1210 and 1211 stand guard over the range reader only.
+    // Four items were counted above, so that a missing one would be a fault of the range reader.
     if (!range.typ().isNumber()) errorAtLine(diagnostics, 1209);
     if (range.min().state == CellState::missing) errorAtLine(diagnostics, 1210);
     if (range.max().state == CellState::missing) errorAtLine(diagnostics, 1211);

@@ -92,7 +92,7 @@ void format(std::string& text, std::string_view format, std::span<const Arg> arg
     if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
 }
 
-/// Writes what stands ahead of a message: its class, or its number in the coded form, and the line.
+/// Writes what is ahead of a message: its class, or its number in the coded form, and the line.
 void printHead(const Diagnostics& diagnostics, const SeverityForm& form, std::optional<MessageCode> code) {
     Output& out = *diagnostics.out;
     std::string number;

@@ -48,7 +48,7 @@ struct Diagnostics {
     Output* out;
     const std::uint32_t* line;                      ///< of the diagnostics at a line; AtLine sets another
     const Subject* subject = nullptr;               ///< the record being read or checked; About sets it
-    std::function<void(const Finding&)> on_finding; ///< told of every diagnostic that is printed
+    std::function<void(const Finding&)> on_finding; ///< called with every diagnostic that is printed
     std::int64_t bugs = 0;
     std::int64_t errors = 0;
     std::int64_t warnings = 0;

@@ -1,9 +1,7 @@
 #include "external/circuit.hpp"
 
 #include "base/text_hash.hpp"
-#include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/names.hpp"
+#include "reader/record_name.hpp"
 
 #include <algorithm>
 
@@ -11,8 +9,8 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kKind = "External Circuit";
-constexpr std::string_view kKeyword = "External_Circuit";
+constexpr ExternalNames kNames{"External Circuit", "External_Circuit", "End External Circuit", "End_External_Circuit"};
+constexpr RecordNameRules kName{kNames.kind, CheckedMessage<ArgKind::text>(1802), 1803, 1804, 1805, 1806};
 
 /// Values that are no numbers have to be parameters; now all of those are known.
 void checkNamedValues(Context& context, const ExtCkt& circuit) {
@@ -60,23 +58,7 @@ void checkDigitalSide(Context& context, const ExtCkt& circuit, const ExtOwner& o
     if (owner.receives && !serves(false, kReceivePort)) warning(context.diagnostics, 1831, owner.name);
 }
 
-ExtOwner ownerOf(const ExtCkt& circuit) { return {.kind = kKind, .name = circuit.name}; }
-
-/// Reads the name behind "[External Circuit]". A cut or reserved name is not reported again as one given before.
-void openCircuit(Context& context, CircuitState& state, ExtCkt& circuit, std::string_view text) {
-    Diagnostics& diagnostics = context.diagnostics;
-    const ItemList items = splitItems(context, text, 1);
-    if (items.count == 0) {
-        errorAtLine(diagnostics, 1802, kKind);
-        return;
-    }
-    if (items.count > 1) errorAtLine(diagnostics, 1803, items.count, kKind, 1);
-    const bool fits = storeName(diagnostics, circuit.name, items[0], kLongNameLimit, 1804);
-    const bool reserved = isReservedWord(circuit.name);
-    if (reserved) errorAtLine(diagnostics, 1805, circuit.name);
-    if (fits && !reserved && state.list->find(circuit.name) != nullptr) errorAtLine(diagnostics, 1806, circuit.name);
-    state.list->enterName(circuit, circuit.name);
-}
+ExtOwner ownerOf(const ExtCkt& circuit) { return {.kind = kNames.kind, .name = circuit.name}; }
 
 void readLine(Context& context, ExtCkt& circuit, std::string_view text) {
     extCktLine(context, circuit, ownerOf(circuit), text);
@@ -84,17 +66,11 @@ void readLine(Context& context, ExtCkt& circuit, std::string_view text) {
 
 void closeCircuit(Context& context, const ExtCkt& circuit) { checkExtCkt(context, circuit, ownerOf(circuit)); }
 
-constexpr BlockEnd kEnd{
-    .name = "End_External_Circuit",
-    .text_behind = [](Context& context,
-                      std::string_view text) { reportExtraText(context, "End External Circuit", text); },
-    .not_ended = [](Context& context) { errorAtLine(context.diagnostics, 1827, kKeyword, kKeyword); },
-    .no_begin = [](Context& context) { errorAtLine(context.diagnostics, 1828, kKeyword, kKeyword); },
-};
+constexpr const BlockEnd& kEnd = kExternalEnd<kNames>;
 
 constexpr auto kSections = sectionTable<CircuitState>({
-    blockSection<CircuitState, openCircuit, readLine, closeCircuit>(KeywordCode::externalCircuit,
-                                                                    KeywordCode::endExternalCircuit, kEnd),
+    blockSection<CircuitState, openNamed<kName, CircuitState>, readLine, closeCircuit>(
+        KeywordCode::externalCircuit, KeywordCode::endExternalCircuit, kEnd),
 });
 
 void reportStray(Context& context) { errorAtLine(context.diagnostics, 121); }
@@ -120,18 +96,11 @@ const RecordModule<CircuitState> kExternalCircuit{
     .impossible = [](Context& context, LineKind) { reportStray(context); },
 };
 
-void reportExtraText(Context& context, std::string_view keyword, std::string_view text) {
-    const int count = splitItems(context, text, 0).count;
-    if (count > 0) errorAtLine(context.diagnostics, 1803, count, keyword, 0);
-}
-
 void checkExtCkt(Context& context, const ExtCkt& circuit, const ExtOwner& owner) {
     Diagnostics& diagnostics = context.diagnostics;
     checkNamedValues(context, circuit);
     if (circuit.language == ExtLanguage::notGiven) error(diagnostics, 1823, owner.kind, owner.name);
-    if (!circuit.corners[Corner::typ] && !circuit.corner_reported) {
-        error(diagnostics, 1824, owner.kind, owner.name);
-    }
+    if (!circuit.corners[Corner::typ] && !circuit.corner_reported) error(diagnostics, 1824, owner.kind, owner.name);
     if (!circuit.ports_seen) error(diagnostics, 1825, owner.kind, owner.name);
     const std::string_view language = extLanguageText(circuit.language);
     if (isMixedSignal(circuit.language) && !circuit.converters.empty()) {

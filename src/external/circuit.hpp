@@ -3,11 +3,10 @@
 #include "base/name_list.hpp"
 #include "base/text_hash.hpp"
 #include "diagnostics/subject.hpp"
+#include "external/circuit_call.hpp"
 #include "reader/corner.hpp"
-#include "reader/sections.hpp"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -72,7 +71,7 @@ struct ExtCkt : RecordOf<SubjectKind::externalCircuit> {
     bool used = false;                        ///< a circuit call names it
 };
 
-/// What messages call an external block, and what is asked of it.
+/// What messages call an external block, and what it has to serve.
 struct ExtOwner {
     std::string_view kind; ///< "External Model" or "External Circuit"
     std::string_view name;
@@ -92,9 +91,6 @@ void extCktLine(Context& context, ExtCkt& circuit, const ExtOwner& owner, std::s
 
 /// Checks a whole "[External Model]" or "[External Circuit]".
 void checkExtCkt(Context& context, const ExtCkt& circuit, const ExtOwner& owner);
-
-/// Reports text behind a keyword of these blocks that takes none.
-void reportExtraText(Context& context, std::string_view keyword, std::string_view text);
 
 /// The external circuit being read.
 using CircuitState = RecordState<ExtCkt>;

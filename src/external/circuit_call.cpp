@@ -8,8 +8,7 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kKind = "Circuit Call";
-constexpr std::string_view kKeyword = "Circuit_Call";
+constexpr ExternalNames kNames{"Circuit Call", "Circuit_Call", "End Circuit Call", "End_Circuit_Call"};
 
 /// A line that names pins.
 struct PinLine {
@@ -53,10 +52,10 @@ void pinLine(Context& context, CircuitCall& call, const PinLine& line, std::stri
 }
 
 void portMapLine(Context& context, CircuitCall& call, std::string_view text) {
-    constexpr int kNames = 2; // port and node
+    constexpr int kItems = 2; // port and node
     call.port_map_seen = true;
-    const ItemList items = splitItems(context, text, kNames);
-    if (items.count != kNames) {
+    const ItemList items = splitItems(context, text, kItems);
+    if (items.count != kItems) {
         errorAtLine(context.diagnostics, 1836, items.count);
         if (items.kept == 0) return;
         call.dropped_ports.emplace(items[0]);
@@ -71,23 +70,14 @@ void portMapLine(Context& context, CircuitCall& call, std::string_view text) {
     call.port_map.push_back({std::string(items[0]), std::string(items[1])});
 }
 
-void textBehindEnd(Context& context, std::string_view text) {
-    errorAtLine(context.diagnostics, 1803, splitItems(context, text, 0).count, "End Circuit Call", 0);
-}
-
 } // namespace
 
-const BlockEnd kCircuitCallEnd{
-    .name = "End_Circuit_Call",
-    .text_behind = textBehindEnd,
-    .not_ended = [](Context& context) { errorAtLine(context.diagnostics, 1827, kKeyword, kKeyword); },
-    .no_begin = [](Context& context) { errorAtLine(context.diagnostics, 1828, kKeyword, kKeyword); },
-};
+const BlockEnd kCircuitCallEnd = kExternalEnd<kNames>;
 
 void openCircuitCall(Context& context, std::vector<CircuitCall>& calls, std::string_view text) {
     const ItemList items = splitItems(context, text, 1);
     if (items.count == 0) errorAtLine(context.diagnostics, 1833);
-    if (items.count > 1) errorAtLine(context.diagnostics, 1803, items.count, kKind, 1);
+    if (items.count > 1) errorAtLine(context.diagnostics, 1803, items.count, kNames.kind, 1);
     calls.emplace_back().circuit = cutName(items[0], kLongNameLimit);
 }
 
@@ -98,12 +88,17 @@ void circuitCallLine(Context& context, CircuitCall& call, std::string_view text)
     } else if (name == "Port_map") {
         portMapLine(context, call, text);
     } else {
-        errorAtLine(context.diagnostics, 1807, kKind);
+        errorAtLine(context.diagnostics, 1807, kNames.kind);
     }
 }
 
 void closeCircuitCall(Context& context, const CircuitCall& call, std::string_view component) {
     if (!call.port_map_seen) error(context.diagnostics, 1842, call.circuit, component);
+}
+
+void reportExtraText(Context& context, std::string_view keyword, std::string_view text) {
+    const int count = splitItems(context, text, 0).count;
+    if (count > 0) errorAtLine(context.diagnostics, 1803, count, keyword, 0);
 }
 
 std::string_view pinOfNode(std::string_view node) { return node.substr(0, node.find('.')); }

@@ -32,6 +32,26 @@ struct CircuitCall {
     bool port_map_seen = false;
 };
 
+/// What messages call an external block or a call, and its keywords.
+struct ExternalNames {
+    std::string_view kind;
+    std::string_view keyword;
+    std::string_view end;
+    std::string_view end_keyword;
+};
+
+/// Reports text behind a keyword of these blocks that takes none.
+void reportExtraText(Context& context, std::string_view keyword, std::string_view text);
+
+/// How such a block ends.
+template <const ExternalNames& Names>
+inline constexpr BlockEnd kExternalEnd{
+    .name = Names.end_keyword,
+    .text_behind = [](Context& context, std::string_view text) { reportExtraText(context, Names.end, text); },
+    .not_ended = [](Context& context) { errorAtLine(context.diagnostics, 1827, Names.keyword, Names.keyword); },
+    .no_begin = [](Context& context) { errorAtLine(context.diagnostics, 1828, Names.keyword, Names.keyword); },
+};
+
 /// The end of the block.
 extern const BlockEnd kCircuitCallEnd;
 

@@ -4,7 +4,6 @@
 #include "reader/items.hpp"
 #include "reader/values.hpp"
 
-#include <algorithm>
 #include <span>
 
 namespace kestrel {
@@ -27,10 +26,6 @@ constexpr std::array<std::string_view, 15> kModelPorts{
     "A_extref", "A_signal", "A_signal_pos", "A_signal_neg", "A_pos",   "A_neg",   "A_gnd"};
 constexpr std::array<std::string_view, 3> kDrivenPorts{kDrivePort, "D_enable", "D_switch"};
 constexpr std::array<std::string_view, 1> kReceivingPorts{kReceivePort};
-
-template <class Names> bool contains(const Names& names, std::string_view name) {
-    return std::ranges::find(names, name) != std::ranges::end(names);
-}
 
 /// A value of a converter line, behind the three ports.
 struct ConverterValue {
@@ -140,7 +135,7 @@ enum class NameValues : bool { none, passedOver };
 template <class Each>
 void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
     const Context& context = reading.context;
-    // Values came with version 5; before it only an "=" that stands alone is no part of a name, nor what follows it.
+    // Values came with version 5; before it only an "=" by itself is no part of a name, nor what follows it.
     const bool splits = values == NameValues::passedOver && context.parse.version >= IbisVersion::v5;
     const char split = splits ? '=' : '\0';
     bool found = false;
@@ -273,8 +268,8 @@ constexpr std::array<LineForm, 7> kLines{
 
 void extCktLine(Context& context, ExtCkt& circuit, const ExtOwner& owner, std::string_view text) {
     const std::string_view name = takeItem(context, text);
-    const auto* const form = std::ranges::find(kLines, name, &LineForm::name);
-    if (form == kLines.end() || context.parse.version < form->since) {
+    const LineForm* const form = rowOf(kLines, name, &LineForm::name);
+    if (form == nullptr || context.parse.version < form->since) {
         errorAtLine(context.diagnostics, 1807, owner.kind);
         return;
     }
@@ -284,8 +279,8 @@ void extCktLine(Context& context, ExtCkt& circuit, const ExtOwner& owner, std::s
 bool isPredefinedPort(std::string_view name) { return contains(kModelPorts, name); }
 
 std::string_view extLanguageText(ExtLanguage language) {
-    const auto* const row = std::ranges::find(kLanguages, language, &EnumerationRow<ExtLanguage>::code);
-    return row == kLanguages.end() ? std::string_view() : row->text;
+    const auto* const row = rowOf(kLanguages, language, &EnumerationRow<ExtLanguage>::code);
+    return row == nullptr ? std::string_view() : row->text;
 }
 
 } // namespace kestrel

@@ -4,9 +4,7 @@
 #include "base/text.hpp"
 #include "reader/names.hpp"
 
-#include <algorithm>
 #include <array>
-#include <optional>
 #include <utility>
 
 namespace kestrel {
@@ -59,7 +57,7 @@ bool anyOtherKeywordSeen(const HdrState& state) {
 }
 
 bool isLegalVersion(std::string_view text, bool top_level) {
-    return std::ranges::find(kVersions, text) != kVersions.end() || (top_level && text.starts_with("1."));
+    return contains(kVersions, text) || (top_level && text.starts_with("1."));
 }
 
 void ibisVerLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
@@ -112,8 +110,9 @@ void fileNameLine(Context& context, HdrState& state, Hdr& header, std::string_vi
     storeFileName(context, header, text);
     const std::string& name = header.file_name;
     if (!name.empty()) checkFileName(context.diagnostics, name);
-    if (!equalsNoCase(name, context.parse.file_name))
+    if (!equalsNoCase(name, context.parse.file_name)) {
         errorAtLine(context.diagnostics, 1014, context.parse.file_name, name);
+    }
     checkNotReserved(context.diagnostics, name);
 }
 
@@ -185,7 +184,6 @@ const RecordModule<HdrState> kHdr{
     .find = [](K code) { return kSections.find(code); },
     .close = close,
     .orphan = reportOrphan<1001, 1002>,
-    .behind_end = nullptr,
     .impossible = reportImpossible,
     .reopened = [](Context& context) { errorAtLine(context.diagnostics, 1005); },
 };

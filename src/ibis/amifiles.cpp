@@ -1,7 +1,6 @@
 #include "ibis/amifiles.hpp"
 
 #include "ami/check.hpp"
-#include "ami/collect.hpp"
 #include "ibis/ibis.hpp"
 #include "ibis/parse.hpp"
 #include "model/mdl.hpp"

@@ -1,8 +1,7 @@
-#include "ibis/check_boards.hpp"
-
-#include "base/string_list.hpp"
+#include "base/name_list.hpp"
 #include "base/text.hpp"
 #include "base/text_hash.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "reader/names.hpp"
@@ -18,13 +17,13 @@ namespace kestrel {
 namespace {
 
 /// The distinct pins that paths use of each designator, in reading order.
-using UsedPins = ViewMap<StringList>;
+using UsedPins = ViewMap<NameViews>;
 
 UsedPins collectUsedPins(const EbdMdl& board) {
     UsedPins used;
     for (const EbdPath& path : board.paths) {
         for (const EbdNode& node : path.nodes) {
-            addUnique(used[node.designator], node.pin);
+            used[node.designator].add(node.pin);
         }
     }
     return used;
@@ -75,10 +74,10 @@ std::vector<FileReference> collectFiles(const EbdMdl& board, const UsedPins& use
     return files;
 }
 
-/// Holds the pins used of a component or board to those that it has, which `has_pin` tells.
+/// Holds the pins used of a component or board to those that it has, by `has_pin`.
 template <class HasPin>
-void checkPins(Diagnostics& diagnostics, const EbdRefDes& entry, const StringList& pins, int limit, HasPin has_pin) {
-    for (const std::string_view pin : pins.texts) {
+void checkPins(Diagnostics& diagnostics, const EbdRefDes& entry, const NameViews& pins, int limit, HasPin has_pin) {
+    for (const std::string_view pin : pins.names) {
         if (std::cmp_greater(pin.size(), limit)) {
             error(diagnostics, 4393, pin, entry.component);
         } else if (!has_pin(pin)) {
@@ -88,7 +87,7 @@ void checkPins(Diagnostics& diagnostics, const EbdRefDes& entry, const StringLis
 }
 
 void checkBoardReference(Diagnostics& diagnostics, const ObjectList<EbdMdl>& boards, const EbdRefDes& entry,
-                         const StringList& pins) {
+                         const NameViews& pins) {
     if (const EbdMdl* const board = boards.find(entry.component)) {
         checkPins(diagnostics, entry, pins, kBoardPinLimit,
                   [board](std::string_view pin) { return board->pins.has(pin); });
@@ -98,7 +97,7 @@ void checkBoardReference(Diagnostics& diagnostics, const ObjectList<EbdMdl>& boa
 }
 
 void checkComponentReference(Diagnostics& diagnostics, const FollowedFile& file, const EbdRefDes& entry,
-                             const StringList& pins) {
+                             const NameViews& pins) {
     if (const Cmpnt* const component = file.components.find(entry.component)) {
         checkPins(diagnostics, entry, pins, pinNameLimit(file.version),
                   [component](std::string_view pin) { return isKnownPin(component->pins, pin); });
@@ -178,7 +177,7 @@ void checkOtherFile(Run& run, const Ibis& root, const EbdMdl& board, const FileR
     if (!target.is_read) return;
     const About about(run.diagnostics, board);
     for (const EbdRefDes* const entry : file.entries) {
-        const StringList& pins = used.at(entry->designator);
+        const NameViews& pins = used.at(entry->designator);
         if (file.kind == FileKind::ibs) {
             checkComponentReference(run.diagnostics, target, *entry, pins);
         } else {

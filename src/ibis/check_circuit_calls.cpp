@@ -6,7 +6,6 @@
 #include "ibis/ibis.hpp"
 
 #include <algorithm>
-#include <string>
 
 namespace kestrel {
 
@@ -33,9 +32,7 @@ void checkPin(Context& context, const Cmpnt& component, const CircuitCall& call,
     const std::string_view listed = listedPinName(component.pins, name);
     const Pin* const pin = component.pins.find(listed);
     if (pin == nullptr) {
-        if (!isKnownPin(component.pins, listed)) {
-            error(context.diagnostics, 1840, call.circuit, component.name, name);
-        }
+        if (!isKnownPin(component.pins, listed)) error(context.diagnostics, 1840, call.circuit, component.name, name);
         return;
     }
     if (isCircuitCallName(pin->model_name) || pin->model_reported) return;
@@ -55,9 +52,7 @@ void checkNodesOf(Context& context, const Cmpnt& component, const CircuitCall& c
     for (const PortMap& map : call.port_map) {
         if (component.nodes != nullptr && component.nodes->has(map.node)) continue;
         if (is_pin(map.node) || is_pin(pinOfNode(map.node))) continue;
-        if (missing.insert(map.node).second) {
-            error(context.diagnostics, 1841, call.circuit, component.name, map.node);
-        }
+        if (missing.insert(map.node).second) error(context.diagnostics, 1841, call.circuit, component.name, map.node);
     }
 }
 
@@ -124,6 +119,15 @@ void checkCircuitCalls(Context& context, Ibis& root, const Cmpnt& component, Map
     Reported reported;
     for (const CircuitCall& call : component.circuit_calls) {
         checkCall(context, root, component, call, reported, ports);
+    }
+}
+
+void checkExtCkts(Context& context, const Ibis& root) {
+    for (const ExtCkt& circuit : root.external_circuits.newestFirst()) {
+        const About about(context.diagnostics, circuit);
+        // A repeated name is taken by the last-defined circuit.
+        if (circuit.name.empty() || circuit.used || root.external_circuits.find(circuit.name) != &circuit) continue;
+        warning(context.diagnostics, 1844, circuit.name);
     }
 }
 

@@ -23,4 +23,7 @@ using MappablePorts = std::unordered_map<const ExtCkt*, std::vector<std::string_
 /// Looks up circuits, ports, pins and nodes of a component's calls and marks the circuits as used.
 void checkCircuitCalls(Context& context, Ibis& root, const Cmpnt& component, MappablePorts& ports);
 
+/// Once the calls of all components are checked: warns of external circuits that none of them has used.
+void checkExtCkts(Context& context, const Ibis& root);
+
 } // namespace kestrel

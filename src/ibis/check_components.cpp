@@ -1,8 +1,6 @@
-#include "ibis/check_components.hpp"
-
 #include "ibis/check_circuit_calls.hpp"
-#include "ibis/check_circuits.hpp"
 #include "ibis/check_pin_models.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/run.hpp"
 
 #include <cstddef>

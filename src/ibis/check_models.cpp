@@ -1,7 +1,6 @@
-#include "ibis/check_models.hpp"
-
 #include "base/text_hash.hpp"
 #include "component/cmpnt.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
 #include "model/acdc.hpp"
 #include "model/mdl.hpp"
@@ -41,8 +40,9 @@ Names namesWithCurrent(const Ibis& root) {
     Names names = models;
     for (const MSel& selector : root.model_selectors.newestFirst()) {
         // A name means a model before it means a selector, and the newest of its kind.
-        if (root.models.find(selector.name) != nullptr || root.model_selectors.find(selector.name) != &selector)
+        if (root.models.find(selector.name) != nullptr || root.model_selectors.find(selector.name) != &selector) {
             continue;
+        }
         const auto has_current = [&models](const MSelEntry& entry) { return models.contains(entry.model_name); };
         if (std::ranges::any_of(selector.entries, has_current)) names.insert(selector.name);
     }

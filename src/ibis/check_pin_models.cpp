@@ -3,7 +3,7 @@
 #include "base/text_hash.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/check_circuit_calls.hpp"
-#include "ibis/check_models.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
 #include "model/mdl.hpp"
 #include "model/msel.hpp"

@@ -1,5 +1,4 @@
-#include "ibis/check_tests.hpp"
-
+#include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
 #include "model/mdl.hpp"
 #include "model/testdata.hpp"
@@ -10,18 +9,25 @@ namespace kestrel {
 
 namespace {
 
-/// Types that a load may end at; a model without a type has been reported.
-constexpr ModelTypeSet kReceivers =
-    kReceivingTypes.with({ModelType::terminator, ModelType::notGiven, ModelType::noType});
+/// Types that a load cannot end at; a model without a type has been reported.
+constexpr ModelTypeSet kNoReceivers =
+    kReceivingTypes.with({ModelType::terminator, ModelType::notGiven, ModelType::noType}).others();
 
-void checkDriver(Context& context, const Ibis& root, const TestData& data, std::string TestData::*field) {
-    const std::string& name = data.*field;
-    if (name.empty()) return;
-    const Mdl* const model = root.models.find(name);
-    if (model == nullptr) {
-        if (!isRefused(data, field)) error(context.diagnostics, 2325, name, data.name);
-    } else if (kNoTestLoadTypes.has(model->model_type)) {
-        warning(context.diagnostics, 2326, name, data.name);
+using NamedMessage = CheckedMessage<ArgKind::text, ArgKind::text>;
+
+/// Looks up the models that a test names for its sides; one that serves both is reported once.
+template <NamedMessage Missing, NamedMessage WrongType, class Test>
+void checkModels(Context& context, const Ibis& root, const Test& test, std::array<std::string Test::*, 2> sides,
+                 const ModelTypeSet& wrong_types) {
+    for (const auto side : sides) {
+        const std::string& name = test.*side;
+        if (name.empty() || (side != sides[0] && name == test.*sides[0])) continue;
+        const Mdl* const model = root.models.find(name);
+        if (model == nullptr) {
+            if (!isRefused(test, side)) error(context.diagnostics, Missing, name, test.name);
+        } else if (wrong_types.has(model->model_type)) {
+            warning(context.diagnostics, WrongType, name, test.name);
+        }
     }
 }
 
@@ -37,27 +43,13 @@ void checkLoad(Context& context, Ibis& root, const TestData& data) {
     error(context.diagnostics, 2328, data.test_load, data.name);
 }
 
-void checkReceiver(Context& context, const Ibis& root, const TestLoad& load, std::string TestLoad::*field) {
-    const std::string& name = load.*field;
-    if (name.empty()) return;
-    const Mdl* const model = root.models.find(name);
-    if (model == nullptr) {
-        if (!isRefused(load, field)) error(context.diagnostics, 2228, name, load.name);
-    } else if (!kReceivers.has(model->model_type)) {
-        warning(context.diagnostics, 2229, name, load.name);
-    }
-}
-
 } // namespace
 
 void checkTestData(Context& context, Ibis& root) {
     for (const TestData& data : root.test_data.newestFirst()) {
         const About about(context.diagnostics, data);
-        checkDriver(context, root, data, &TestData::driver_model);
-        // A model that drives both sides is reported once.
-        if (data.driver_model_inv != data.driver_model) {
-            checkDriver(context, root, data, &TestData::driver_model_inv);
-        }
+        checkModels<2325, 2326>(context, root, data, {&TestData::driver_model, &TestData::driver_model_inv},
+                                kNoTestLoadTypes);
         checkLoad(context, root, data);
     }
 }
@@ -65,11 +57,8 @@ void checkTestData(Context& context, Ibis& root) {
 void checkTestLoads(Context& context, Ibis& root) {
     for (const TestLoad& load : root.test_loads.newestFirst()) {
         const About about(context.diagnostics, load);
-        checkReceiver(context, root, load, &TestLoad::receiver_model);
-        // A model that receives both sides is reported once.
-        if (load.receiver_model_inv != load.receiver_model) {
-            checkReceiver(context, root, load, &TestLoad::receiver_model_inv);
-        }
+        checkModels<2228, 2229>(context, root, load, {&TestLoad::receiver_model, &TestLoad::receiver_model_inv},
+                                kNoReceivers);
         // Of loads of one name, which has been reported, only the newest can be used.
         if (load.used || root.test_loads.find(load.name) != &load) continue;
         warning(context.diagnostics, 2230, load.name);

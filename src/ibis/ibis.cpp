@@ -2,9 +2,7 @@
 
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
-#include "ibis/check_components.hpp"
-#include "ibis/check_models.hpp"
-#include "ibis/check_tests.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 

@@ -41,7 +41,7 @@ Ibis& createRoot(Run& run);
 /// The root of the file being read or checked; there must be one.
 [[nodiscard]] Ibis& currentRoot(const Run& run);
 
-/// Unlinks `root` wherever it stands on the stack and frees it with all that it owns.
+/// Unlinks `root` wherever it is on the stack and frees it with all that it owns.
 void freeRoot(Run& run, Ibis& root);
 
 /// Checks over the records of a root once its .ibs file is read, in their fixed order.

@@ -21,7 +21,7 @@ struct Module {
     void (*forget)(Run& run) = nullptr; ///< drops what is being read; no later keyword closes it
 };
 
-/// All modules, in the order in which they are told of keywords.
+/// All modules, in the order in which they see keywords.
 [[nodiscard]] std::span<const Module> modules();
 
 /// The module that a keyword belongs to.

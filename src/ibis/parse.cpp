@@ -1,15 +1,13 @@
 #include "ibis/parse.hpp"
 
 #include "ami/check.hpp"
-#include "ami/collect.hpp"
 #include "base/text.hpp"
-#include "ibis/check_boards.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/modules.hpp"
 #include "ibis/run.hpp"
 #include "reader/items.hpp"
 
 #include <algorithm>
-#include <array>
 #include <new>
 
 namespace kestrel {
@@ -39,7 +37,7 @@ void finishLine(Run& run, std::string_view line) {
     }
 }
 
-/// Classifies a line by what stands behind its leading white space.
+/// Classifies a line by what is behind its leading white space.
 LineKind classify(Run& run, std::string_view line, std::string_view body) {
     if (body.empty()) return LineKind::blank;
     if (body.front() != '[') return body.front() == run.parse.comment ? LineKind::blank : LineKind::data;
@@ -79,7 +77,7 @@ void changeCommentChar(Run& run, std::string_view line) {
     if (!rest.empty() && rest.front() != wanted) errorAtLine(run.diagnostics, 919);
 }
 
-/// Some names belong to several keywords; which one is meant follows from where they stand.
+/// Some names belong to several keywords; which one is meant follows from where they are.
 KeywordCode inContext(const ParseState& parse, KeywordCode code) {
     using K = KeywordCode;
     if (code == K::manufacturer) {
@@ -115,8 +113,9 @@ std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
         errorAtLine(run.diagnostics, 915);
         return std::nullopt;
     }
-    if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version))
+    if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version)) {
         return inContext(run.parse, *code);
+    }
     std::string shown(name);
     std::replace(shown.begin(), shown.end(), ' ', '_');
     errorAtLine(run.diagnostics, 916, shown);
@@ -125,7 +124,7 @@ std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
 
 /// Whether the module of a keyword takes lines of a file of this kind.
 bool takesKind(const ParseState& parse, const Module& module) {
-    // The oldest versions know no boards, and took package models wherever they stood.
+    // The oldest versions know no boards, and took package models wherever they were.
     if (module.owner == Owner::pkgmdl && parse.version < IbisVersion::v3) return true;
     return module.kinds.has(parse.kind);
 }

@@ -15,6 +15,9 @@
 #include "package/pkgmdl.hpp"
 #include "reader/context.hpp"
 
+#include <memory>
+#include <vector>
+
 namespace kestrel {
 
 /// Everything that one run knows: the context, the roots and each module's state. Passed explicitly wherever it is

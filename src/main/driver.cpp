@@ -13,7 +13,7 @@ namespace kestrel {
 
 namespace {
 
-/// Prints the reports that were asked for, components first; false when one could not be made.
+/// Prints the reports of the options, components first; false when one could not be made.
 bool report(Run& run, const Options& options) {
     try {
         if (options.component_flags != 0 && !reportComponents(run, options.components.value_or(""))) return false;

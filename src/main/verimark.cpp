@@ -7,7 +7,6 @@
 #include "main/version.hpp"
 
 #include <algorithm>
-#include <optional>
 #include <vector>
 
 namespace kestrel {
@@ -51,7 +50,7 @@ VerimarkStatus notChecked(Output& out, Output& errors, std::string_view name, Ve
     return status;
 }
 
-/// Checks one file. A name without an extension that tells a kind is handled as that of an .ibs file, as kestrel does.
+/// Checks one file. A name without an extension that gives a kind is handled as that of an .ibs file, as kestrel does.
 VerimarkStatus checkOne(Output& out, Output& errors, std::string_view name) {
     Run run(out);
     const FileKind kind = kindOfName(name).value_or(FileKind::ibs);

@@ -15,8 +15,8 @@ enum VerimarkStatus : int {
 };
 
 /// Checks the files of the command line one after the other, each in a run of its own, from the arguments (without the
-/// program's name) to the exit status. What is wrong with the command line, and which files were not checked, is told
-/// on `errors`.
+/// program's name) to the exit status. What is wrong with the command line, and which files were not checked, is
+/// reported on `errors`.
 int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments);
 
 } // namespace kestrel

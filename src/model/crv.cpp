@@ -117,8 +117,9 @@ void checkTrend(Context& context, const CrvState& state, const Crv& curve, const
 /// True when a column has currents on one side of zero only and none that counts as zero.
 bool neverZero(const Crv& curve, Column column) {
     if (curve.rows.empty()) return false;
-    if (curve.rows.front().state[column] == CellState::na || curve.rows.back().state[column] == CellState::na)
+    if (curve.rows.front().state[column] == CellState::na || curve.rows.back().state[column] == CellState::na) {
         return false;
+    }
     bool below = false;
     bool above = false;
     for (const TableRow& row : curve.rows) {

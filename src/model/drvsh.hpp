@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/dly.hpp"
+#include "reader/values.hpp"
 
 #include <memory>
 #include <optional>
@@ -11,6 +11,14 @@
 namespace kestrel {
 
 struct Context;
+
+/// The four delays (seconds) of a scheduled driver; "NA" where not given.
+struct Dly {
+    Cell rise_on;
+    Cell rise_off;
+    Cell fall_on;
+    Cell fall_off;
+};
 
 /// One line of "[Driver Schedule]".
 struct DrvShEntry {

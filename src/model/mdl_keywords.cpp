@@ -1,6 +1,5 @@
 #include "model/mdl_parts.hpp"
-#include "reader/line_form.hpp"
-#include "reader/names.hpp"
+#include "reader/record_name.hpp"
 
 #include <algorithm>
 #include <span>
@@ -42,6 +41,8 @@ bool hasAny(const Mdl& model, std::span<const Presence> list) {
     return std::ranges::any_of(list, [&model](Presence present) { return present(model); });
 }
 
+constexpr RecordNameRules kName{"Model", {}, 128, 129, 130, 131, RepeatedNames::ofWhole, modelNameLimit};
+
 constexpr EnumerationMessages kModeMessages{136, 158};
 
 constexpr ModelTypeSet kNeverDriving{ModelType::input, ModelType::inputEcl, ModelType::terminator};
@@ -60,18 +61,7 @@ SubmodelMode readSubmodelMode(Context& context, ModelType type, std::string_view
 } // namespace
 
 void readModelName(Context& context, MdlState& state, Mdl& model, std::string_view text) {
-    const ItemList items = splitItems(context, text, 1);
-    if (items.count != 1) errorAtLine(context.diagnostics, 128, items.count, "Model", 1);
-    ObjectList<Mdl>& models = *state.list;
-    if (items.count == 0) {
-        models.enterName(model, model.name);
-        return;
-    }
-    if (storeName(context.diagnostics, model.name, items[0], modelNameLimit(context.parse.version), 129)) {
-        if (isReservedWord(model.name)) errorAtLine(context.diagnostics, 130, model.name);
-        if (models.find(model.name) != nullptr) errorAtLine(context.diagnostics, 131, model.name);
-    }
-    models.enterName(model, model.name);
+    readRecordName(context, state, model, text, kName);
 }
 
 void checkModelSpecOrder(Context& context, const Mdl& model) {

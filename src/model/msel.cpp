@@ -1,9 +1,7 @@
 #include "model/msel.hpp"
 
 #include "base/text.hpp"
-#include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/names.hpp"
+#include "reader/record_name.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -13,24 +11,11 @@ namespace kestrel {
 namespace {
 
 constexpr std::string_view kKeyword = "Model Selector";
+constexpr RecordNameRules kName{kKeyword, CheckedMessage<>(4010), 4011,          4012, 4013,
+                                4014,     RepeatedNames::ofAll,   modelNameLimit};
 
 /// Room that the name and the description of an entry share, in characters.
 constexpr std::size_t kEntryRoom = 120;
-
-/// Reads the name behind "[Model Selector]"; a cut name is judged like any other.
-void readName(Context& context, MSelState& state, MSel& selector, std::string_view text) {
-    Diagnostics& diagnostics = context.diagnostics;
-    const ItemList items = splitItems(context, text, 1);
-    if (items.count == 0) {
-        errorAtLine(diagnostics, 4010);
-        return;
-    }
-    if (items.count > 1) errorAtLine(diagnostics, 4011, items.count, kKeyword, 1);
-    storeName(diagnostics, selector.name, items[0], modelNameLimit(context.parse.version), 4012);
-    if (isReservedWord(selector.name)) errorAtLine(diagnostics, 4013, selector.name);
-    if (state.list->find(selector.name) != nullptr) errorAtLine(diagnostics, 4014, selector.name);
-    state.list->enterName(selector, selector.name);
-}
 
 std::string_view entryDescription(Context& context, std::string_view text, std::size_t name_length) {
     const std::size_t room = kEntryRoom - name_length;
@@ -52,9 +37,7 @@ void entryLine(Context& context, MSelState& state, MSel& selector, std::string_v
     storeName(context.diagnostics, entry.model_name, items[0], modelNameLimit(context.parse.version), 4017);
     if (equalsNoCase(entry.model_name, "NA")) errorAtLine(context.diagnostics, 4018);
     entry.description = entryDescription(context, trim(text.substr(name_end)), entry.model_name.size());
-    if (!state.entry_names.insert(entry.model_name).second) {
-        errorAtLine(context.diagnostics, 4025, entry.model_name);
-    }
+    if (!state.entry_names.insert(entry.model_name).second) errorAtLine(context.diagnostics, 4025, entry.model_name);
 }
 
 void closeSelector(Context& context, MSelState& /*state*/, MSel& selector) {
@@ -65,17 +48,10 @@ void closeSelector(Context& context, MSelState& /*state*/, MSel& selector) {
     }
 }
 
-void reportImpossible(Context& context, LineKind kind) {
-    if (kind == LineKind::keyword) {
-        programBugHereAtLine(context.diagnostics, 4003);
-    } else {
-        programBugHereAtLine(context.diagnostics, 4004);
-    }
-}
-
 using K = KeywordCode;
 
-constexpr auto kSections = sectionTable<MSelState>({section<MSelState, readName, entryLine>(K::modelSelector)});
+constexpr auto kSections =
+    sectionTable<MSelState>({section<MSelState, openNamed<kName, MSelState>, entryLine>(K::modelSelector)});
 
 } // namespace
 
@@ -84,8 +60,7 @@ const RecordModule<MSelState> kMSel{
     .find = [](K code) { return kSections.find(code); },
     .close = closeSelector,
     .orphan = reportOrphan<4001, 4002>,
-    .behind_end = nullptr,
-    .impossible = reportImpossible,
+    .impossible = reportImpossible<LineKind::keyword, 4003, 4004>,
 };
 
 } // namespace kestrel

@@ -69,7 +69,7 @@ constexpr std::span<const Row> kTestLoadRows =
 constexpr std::array<Field, 4> kHysteresis{&MSpec::vinh_plus, &MSpec::vinh_minus, &MSpec::vinl_plus,
                                            &MSpec::vinl_minus};
 
-/// What is given only together with something else; two that need the same are told of together.
+/// What is given only together with something else; two that need the same are reported together.
 struct Companion {
     std::array<Field, 2> given; ///< the second may be null
     Field needed;

@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view kRising = "dV/dt_r";
 constexpr std::string_view kFalling = "dV/dt_f";
 
-/// Reads one number of a cell: 1311 for digits in its scale.
+/// Reads one number of a cell and warns of digits in its scale.
 bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view name, std::string_view word,
               double& value) {
     const ReadResult result = readScaled(text, value);
@@ -18,7 +18,7 @@ bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view 
     return result != ReadResult::noNumber;
 }
 
-/// Reads a cell "dV/dt" or "NA"; 1312 for any other, which leaves the corner as if it were missing.
+/// Reads a cell "dV/dt" or "NA"; any other is reported and leaves the corner as if it were missing.
 RampCorner readCorner(Context& context, std::string_view cell, std::string_view name, std::string_view word) {
     const ItemList parts = splitItems(context, cell, 3, '/');
     if (parts.count == 1 && equalsNoCase(parts[0], "NA")) return {.state = CellState::na};

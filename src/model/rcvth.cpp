@@ -56,9 +56,7 @@ constexpr std::array<Field, 3> kSingleEndedToo{&RcvTh::vth_min, &RcvTh::vth_max,
 
 void requireAll(Context& context, const RcvTh& thresholds, std::string_view model, std::span<const Field> fields) {
     for (const Field field : fields) {
-        if (!isSeen(kThresholds, thresholds, field)) {
-            error(context.diagnostics, 3216, model, kThresholds.nameOf(field));
-        }
+        if (!isSeen(kThresholds, thresholds, field)) error(context.diagnostics, 3216, model, kThresholds.nameOf(field));
     }
 }
 
@@ -99,7 +97,7 @@ void checkRcvTh(Context& context, const RcvTh& thresholds, std::string_view mode
     const auto given = [&](Field field) { return isGiven(thresholds.*field); };
     const auto seen = [&](Field field) { return isSeen(kThresholds, thresholds, field); };
     // Either input of a differential pair may give thresholds of its own, but it need not.
-    // Of a pair that was begun only with lines that were refused nothing is asked.
+    // A pair that was begun only with lines that were refused need not give more.
     if (std::ranges::any_of(kDifferential, given)) {
         requireAll(context, thresholds, model, kDifferential);
     } else if (std::ranges::any_of(kSingleEnded, given) || std::ranges::any_of(kSingleEndedToo, given) ||

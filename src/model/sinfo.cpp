@@ -34,7 +34,7 @@ constexpr RangeLineRules kRangeRules{CheckedMessage<>(178), false};
 
 constexpr std::size_t placeOf(Field field) { return rowPlace(kElements, field, &SeriesElement::field); }
 
-/// An element that stands in series with another one.
+/// An element that is in series with another one.
 struct Companion {
     Field given;
     Field needed;

@@ -1,69 +1,44 @@
 #include "model/submdl.hpp"
 
-#include "model/submdl_check.hpp"
-#include "reader/context.hpp"
-#include "reader/enumeration.hpp"
-#include "reader/items.hpp"
-#include "reader/names.hpp"
+#include "reader/record_name.hpp"
+#include "reader/subparameters.hpp"
 
 #include <array>
-#include <cstddef>
 #include <span>
 
 namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kKeyword = "Sub Model";
-constexpr std::string_view kTypeName = "Submodel_type";
+constexpr RecordNameRules kName{"Sub Model", CheckedMessage<>(2410), 2411, 2412, 2413, 2414, RepeatedNames::ofWhole};
 
 constexpr std::array<EnumerationRow<SubmodelType>, 3> kTypes{{
     {"Dynamic_clamp", SubmodelType::dynamicClamp},
     {"Bus_hold", SubmodelType::busHold},
     {"Fall_back", SubmodelType::fallBack},
 }};
-constexpr SettingMessages kTypeLine{2418, 2419, 2420};
-constexpr EnumerationMessages kTypeValue{2421, 2422};
 
 /// The types that files of a version may give; class 4 brought the last one.
 std::span<const EnumerationRow<SubmodelType>> typesOf(IbisVersion version) {
     return std::span(kTypes).first(version < IbisVersion::v4 ? kTypes.size() - 1 : kTypes.size());
 }
 
-void readName(Context& context, SubMdlState& state, SubMdl& submodel, std::string_view text) {
-    Diagnostics& diagnostics = context.diagnostics;
-    const ItemList items = splitItems(context, text, 1);
-    if (items.count == 0) {
-        errorAtLine(diagnostics, 2410);
-        return;
-    }
-    if (items.count > 1) errorAtLine(diagnostics, 2411, items.count, kKeyword, 1);
-    if (storeName(diagnostics, submodel.name, items[0], kLongNameLimit, 2412)) {
-        if (isReservedWord(submodel.name)) errorAtLine(diagnostics, 2413, submodel.name);
-        if (state.list->find(submodel.name) != nullptr) errorAtLine(diagnostics, 2414, submodel.name);
-    }
-    state.list->enterName(submodel, submodel.name);
-}
+constexpr auto kType = subparameters<Subparameter<SubMdl, SubmodelType>>(
+    {
+        {"Submodel_type", WordField<SubMdl, SubmodelType>{&SubMdl::type, typesOf}},
+    },
+    {
+        .unknown = CheckedMessage<>(2416),
+        .repeated = 2417,
+        .word = WordMessages{SettingMessages{2418, 2419, 2420}, {2421, 2422}},
+    });
 
-void readType(Context& context, SubMdl& submodel, std::string_view text) {
-    std::string_view rest = text;
-    if (takeItem(context, rest, '=') != kTypeName) {
-        errorAtLine(context.diagnostics, 2416);
-        return;
-    }
-    if (submodel.type != SubmodelType::notGiven) {
-        errorAtLine(context.diagnostics, 2417, kTypeName, submodel.name);
-        return;
-    }
-    submodel.type = SubmodelType::noType;
-    const std::optional<std::string_view> value = readSetting(context, text, kTypeName, kTypeLine);
-    if (!value) return;
-    submodel.type = readEnumeration(context.diagnostics, typesOf(context.parse.version), kTypeName, *value, kTypeValue)
-                        .value_or(SubmodelType::noType);
+void typeLine(Context& context, SubMdl& submodel, std::string_view text) {
+    readSubparameter(context, kType, submodel, text, submodel.name);
 }
 
 void requireType(Context& context, const SubMdl& submodel) {
-    if (submodel.type == SubmodelType::notGiven) error(context.diagnostics, 2423, submodel.name, kTypeName);
+    if (submodel.type == SubmodelType::notGiven) error(context.diagnostics, 2423, submodel.name, kType.rows[0].name);
 }
 
 void openSpec(Context& context, SubMdl& submodel, std::string_view text) {
@@ -102,7 +77,7 @@ constexpr Section<SubMdlState> pulse(KeywordCode key) {
 using K = KeywordCode;
 
 constexpr auto kSections = sectionTable<SubMdlState>({
-    section<SubMdlState, readName, readType, requireType>(K::submodel),
+    section<SubMdlState, openNamed<kName, SubMdlState>, typeLine, requireType>(K::submodel),
     section<SubMdlState, openSpec, specLine, closeSpec>(K::submodelSpec),
     pulse<kGndPulse, &SubMdl::gnd_pulse, 2404>(K::gndPulseTable),
     pulse<kPowerPulse, &SubMdl::power_pulse, 2405>(K::powerPulseTable),
@@ -124,7 +99,6 @@ const RecordModule<SubMdlState> kSubMdl{
     .find = [](K code) { return kSections.find(code); },
     .close = [](Context& context, SubMdlState&, SubMdl& submodel) { checkSubMdl(context, submodel); },
     .orphan = reportOrphan<2402, 2403>,
-    .behind_end = nullptr,
     .impossible = [](Context& context, LineKind) { programBugHereAtLine(context.diagnostics, 2407); },
 };
 

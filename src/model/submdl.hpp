@@ -34,4 +34,8 @@ using SubMdlState = TablesState<SubMdl>;
 /// Reads submodels. At the end of one it is checked as a whole.
 extern const RecordModule<SubMdlState> kSubMdl;
 
+/// Checks a submodel that has ended, without line: what its type requires and forbids, then its trigger voltages
+/// against the ends of its waveforms.
+void checkSubMdl(Context& context, const SubMdl& submodel);
+
 } // namespace kestrel

@@ -1,5 +1,3 @@
-#include "model/submdl_check.hpp"
-
 #include "model/submdl.hpp"
 #include "reader/context.hpp"
 #include "reader/values.hpp"
@@ -76,7 +74,7 @@ constexpr TriggerRule kFallingRule{{Side::below, 2443}, {Side::above, 2444}};
 
 Cell cellOf(const TableRow& row, Column column) { return {row.value[column], row.state[column]}; }
 
-/// Of a corner that only one side gives, the other side's typical value stands in for its "NA".
+/// Of a corner that only one side gives, the other side's typical value takes the place of its "NA".
 bool isFaulty(Cell waveform, Cell waveform_typ, Cell trigger, Cell trigger_typ, Side fault) {
     const bool waveform_na = waveform.state == CellState::na;
     const bool trigger_na = trigger.state == CellState::na;

@@ -14,7 +14,7 @@ namespace kestrel {
 /// The columns that hold values.
 inline constexpr auto kValueColumns = std::to_array({kTyp, kMin, kMax});
 
-/// What a finished table is told about its size and its end rows; the numbers are begin lines.
+/// What is reported of the size and the end rows of a finished table; the numbers are begin lines.
 struct TableEndsMessages {
     /// Fewer than two rows: the label, the line.
     CheckedMessage<ArgKind::text, ArgKind::integer> too_few;

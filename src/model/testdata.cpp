@@ -40,10 +40,6 @@ constexpr auto kTables = std::to_array({
 });
 constexpr std::size_t kFirstDiff = 4;
 
-void nameLine(Context& context, State& state, TestData& data, std::string_view text) {
-    readRecordName(context, *state.list, data, text, kName);
-}
-
 void dataLine(Context& context, TestData& data, std::string_view text) {
     readSubparameter(context, kData, data, text, data.name);
 }
@@ -74,7 +70,7 @@ template <std::size_t Table> constexpr Section<State> table(K key) {
 }
 
 constexpr auto kSections = sectionTable<State>({
-    section<State, nameLine, dataLine>(K::testData),
+    section<State, openNamed<kName, State>, dataLine>(K::testData),
     table<0>(K::risingWaveformNear),
     table<1>(K::risingWaveformFar),
     table<2>(K::fallingWaveformNear),
@@ -110,7 +106,6 @@ const RecordModule<State> kTestData{
     .find = [](K code) { return kSections.find(code); },
     .close = closeTestData,
     .orphan = reportOrphan<2302, 2303>,
-    .behind_end = nullptr,
     .impossible = [](Context&, LineKind) {},
 };
 

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "model/testblock.hpp"
+#include "model/testload.hpp"
 #include "model/wvfrm.hpp"
-#include "reader/line_form.hpp"
-#include "reader/sections.hpp"
 
 #include <array>
 #include <memory>

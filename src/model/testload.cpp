@@ -57,10 +57,6 @@ constexpr std::array<Termination, 2> kTerminations{{
     {{&TestLoad::rp2_near, &TestLoad::rp2_far}, &TestLoad::v_term2},
 }};
 
-void openTestLoad(Context& context, RecordState<TestLoad>& state, TestLoad& load, std::string_view text) {
-    readRecordName(context, *state.list, load, text, kName);
-}
-
 void dataLine(Context& context, TestLoad& load, std::string_view text) {
     readSubparameter(context, kLoad, load, text, load.name);
 }
@@ -96,7 +92,7 @@ void closeTestLoad(Context& context, RecordState<TestLoad>& /*state*/, TestLoad&
 }
 
 constexpr auto kSections = sectionTable<RecordState<TestLoad>>({
-    section<RecordState<TestLoad>, openTestLoad, dataLine>(KeywordCode::testLoad),
+    section<RecordState<TestLoad>, openNamed<kName, RecordState<TestLoad>>, dataLine>(KeywordCode::testLoad),
 });
 
 } // namespace
@@ -106,7 +102,6 @@ const RecordModule<RecordState<TestLoad>> kTestLoad{
     .find = [](KeywordCode code) { return kSections.find(code); },
     .close = closeTestLoad,
     .orphan = reportOrphan<2202, 2203>,
-    .behind_end = nullptr,
     .impossible = [](Context&, LineKind) {},
 };
 

@@ -1,13 +1,23 @@
 #pragma once
 
-#include "model/testblock.hpp"
+#include "reader/enumeration.hpp"
 #include "reader/line_form.hpp"
 #include "reader/sections.hpp"
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 namespace kestrel {
+
+/// Whether a test is of one signal or of a pair.
+enum class TestType : std::uint8_t { notGiven, singleEnded, differential };
+
+inline constexpr std::array<EnumerationRow<TestType>, 2> kTestTypes{{
+    {"Single_ended", TestType::singleEnded},
+    {"Differential", TestType::differential},
+}};
 
 /// One "[Test Load]": the network between a driver and an optional receiver, in farads, ohms, henries, seconds and
 /// volts. A series part that is missing is a short, a parallel one is open. The name has at most 40 characters.

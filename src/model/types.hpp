@@ -5,7 +5,6 @@
 #include "reader/parse_state.hpp"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>

@@ -53,11 +53,13 @@ void timeRow(Context& context, std::vector<TableRow>& rows, std::string_view tex
     if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 2019, "Time");
     if (count < 2 || !row.isNumber(kFirst)) return;
     const TableRow& previous = rows[count - 2];
-    if (previous.isNumber(kFirst) && row.value[kFirst] <= previous.value[kFirst])
+    if (previous.isNumber(kFirst) && row.value[kFirst] <= previous.value[kFirst]) {
         errorAtLine(context.diagnostics, 2020);
+    }
 }
 
-/// The fixture line that begins with `item`, or null. Rows, of which there are many, are told by their first character.
+/// The fixture line that begins with `item`, or null. Rows, of which there are many, are known by their first
+/// character.
 const Subparameter<Wvfrm>* findFixtureLine(std::string_view item) {
     return !item.empty() && isAlpha(item.front()) ? kFixture.find(item) : nullptr;
 }

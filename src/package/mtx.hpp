@@ -3,7 +3,6 @@
 #include "base/indexed_rows.hpp"
 #include "base/text_hash.hpp"
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -59,6 +58,13 @@ struct Mtx {
 
 /// Reads a "[Bandwidth]" line.
 void setBandwidth(Diagnostics& diagnostics, Mtx& mtx, std::string_view text);
+
+/// Begins a row of the matrix at "[Row]" with the name of its pin, unless the matrix takes no further row.
+void beginRow(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view name);
+
+/// Reads a data line under "[Row]" into the last row of the matrix. More values than a short banded row holds may turn
+/// the matrix into a wrap.
+void rowLine(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view text);
 
 /// Ends the reading of a matrix: checks the number of its rows, their columns and their diagonal entries.
 void closeMtx(Diagnostics& diagnostics, const Mtx& mtx);

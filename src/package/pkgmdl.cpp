@@ -1,8 +1,6 @@
 #include "package/pkgmdl.hpp"
 
 #include "base/rows.hpp"
-#include "package/pkgpin.hpp"
-#include "package/row.hpp"
 #include "reader/names.hpp"
 #include "reader/number.hpp"
 
@@ -43,7 +41,7 @@ constexpr std::array<MarkRow, 4> kMarks{{
     {K::endPackageModel, &PkgMdlState::end_package_model_seen, "End_Package_Model"},
 }};
 
-/// A matrix: its keyword, where it is stored and what is said of it.
+/// A matrix: its keyword, where it is stored and what is reported of it.
 struct MatrixRow {
     KeywordCode code;
     std::optional<Mtx> PkgMdl::*matrix;
@@ -251,7 +249,6 @@ const RecordModule<PkgMdlState> kPkgMdl{
     .find = [](K code) { return kKeywords.find(code); },
     .close = closePkgMdl,
     .orphan = reportOrphan<3401, 3402>,
-    .behind_end = nullptr,
     .impossible = reportImpossible,
 };
 

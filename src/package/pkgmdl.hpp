@@ -43,4 +43,11 @@ struct PkgMdlState : RecordState<PkgMdl> {
 /// Reads package models. At the end of one its open matrix is closed and it is checked as a whole.
 extern const RecordModule<PkgMdlState> kPkgMdl;
 
+/// Reads a line under "[Pin Numbers]" that is one pin name.
+void plainPinLine(Diagnostics& diagnostics, PkgMdl& package, std::string_view text);
+
+/// Reads a line under "[Pin Numbers]" of a package model with sections: a pin and its sections, more sections, "Fork"
+/// or "Endfork". `cursor` goes on in the chain of the last pin.
+void sectionPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text);
+
 } // namespace kestrel

@@ -1,5 +1,3 @@
-#include "package/pkgpin.hpp"
-
 #include "diagnostics/diagnostics.hpp"
 #include "package/pkgmdl.hpp"
 #include "package/token.hpp"

@@ -1,7 +1,6 @@
-#include "package/row.hpp"
-
 #include "base/text.hpp"
 #include "diagnostics/diagnostics.hpp"
+#include "package/mtx.hpp"
 #include "package/token.hpp"
 #include "reader/names.hpp"
 #include "reader/values.hpp"

@@ -72,7 +72,7 @@ void attachSection(Chain& chain, ChainCursor& cursor, const Sect& sect);
 /// Appends a fork and opens it.
 void openFork(Chain& chain, ChainCursor& cursor);
 
-/// What is said of the end of a fork.
+/// What is reported of the end of a fork.
 struct ForkEndMessages {
     CheckedMessage<> none_open;
     CheckedMessage<> empty_branch;
@@ -81,7 +81,7 @@ struct ForkEndMessages {
 /// Closes the innermost open fork, which becomes the tail. Reports at the line.
 void closeFork(Diagnostics& diagnostics, const Chain& chain, ChainCursor& cursor, const ForkEndMessages& messages);
 
-/// What is said of a name that holds part of the section syntax.
+/// What is reported of a name that holds part of the section syntax.
 struct NameWarnings {
     CheckedMessage<ArgKind::text> equals;
     CheckedMessage<ArgKind::text> slash;

@@ -1,5 +1,6 @@
 #include "reader/columns.hpp"
 
+#include "base/rows.hpp"
 #include "base/text.hpp"
 #include "reader/context.hpp"
 #include "reader/items.hpp"
@@ -18,7 +19,7 @@ void optionalHeader(Context& context, const TableHeader& header, TableColumns& c
     const auto* const found =
         std::find_if(first, last, [word](std::string_view name) { return equalsNoCase(name, word); });
     const auto column = static_cast<std::uint8_t>(found - first);
-    if (std::ranges::find(columns.optional, column) != columns.optional.end()) {
+    if (contains(columns.optional, column)) {
         errorAtLine(context.diagnostics, 531, word);
         columns.faulty = true;
     } else if (found == last || (!header.any_order && column != place)) {
@@ -43,14 +44,14 @@ ItemList readHeaderWords(Context& context, std::string_view keyword, TableColumn
 }
 
 void expectHeaders(Context& context, TableColumns& columns, const ItemList& words,
-                   std::span<const std::string_view> expected, int required, WrongHeaders told) {
+                   std::span<const std::string_view> expected, int required, WrongHeaders reported) {
     const int most = static_cast<int>(expected.size());
     for (int place = 0; place < most && (place < required || words.has(place)); ++place) {
         const std::string_view header = expected[static_cast<std::size_t>(place)];
         if (equalsNoCase(words[place], header)) continue;
         errorAtLine(context.diagnostics, 529, header);
         columns.faulty = true;
-        if (told == WrongHeaders::first) break;
+        if (reported == WrongHeaders::first) break;
     }
 }
 
@@ -83,7 +84,7 @@ void readTableHeader(Context& context, const TableHeader& header, TableColumns& 
 
 RowFit fitRow(const TableColumns& columns, std::span<const int> allowed, int count) {
     if (columns.faulty) return RowFit::fits;
-    if (std::ranges::find(allowed, count) == allowed.end()) return RowFit::notAllowed;
+    if (!contains(allowed, count)) return RowFit::notAllowed;
     return count > columns.count ? RowFit::notNamed : RowFit::fits;
 }
 

@@ -16,16 +16,16 @@ struct ItemList;
 /// Most optional columns that a table may name.
 inline constexpr int kMaxOptionalColumns = 3;
 
-/// What the keyword line of a table said about its columns.
+/// What the keyword line of a table names.
 struct TableColumns {
     int count = 0;       ///< columns named, the first, which has no header, included; 0 until the keyword line
     bool faulty = false; ///< the line was reported, so rows are not held to it
-    std::array<std::optional<std::uint8_t>, kMaxOptionalColumns> optional{}; ///< which optional header stands where
+    std::array<std::optional<std::uint8_t>, kMaxOptionalColumns> optional{}; ///< which optional header is where
 
     [[nodiscard]] bool seen() const { return count != 0; }
 };
 
-/// The column headers that stand behind the keyword of a table, without case.
+/// The column headers behind the keyword of a table, without case.
 struct TableHeader {
     std::string_view keyword; ///< as messages name it
     std::span<const std::string_view> required;
@@ -42,7 +42,7 @@ enum class WrongHeaders : bool { first, each };
 
 /// Holds the words to `expected`, in this order, of which the first `required` must be there.
 void expectHeaders(Context& context, TableColumns& columns, const ItemList& words,
-                   std::span<const std::string_view> expected, int required, WrongHeaders told);
+                   std::span<const std::string_view> expected, int required, WrongHeaders reported);
 
 /// Reports a word behind the first `most`, for which readHeaderWords() must have left room.
 void expectNoMoreHeaders(Context& context, TableColumns& columns, const ItemList& words, int most);

@@ -10,8 +10,6 @@
 
 namespace kestrel {
 
-struct Context;
-
 /// One spelling of an enumerated setting. Tables are constexpr arrays; a version that knows fewer settings is given a
 /// span of the first rows.
 template <class Code> struct EnumerationRow {
@@ -27,7 +25,7 @@ concept EnumerationTable = std::ranges::contiguous_range<Rows> && requires(std::
 
 template <EnumerationTable Rows> using CodeOf = decltype(std::ranges::range_value_t<Rows>::code);
 
-/// True when each row stands at the place that its code gives, so that a table can be asked by code as well.
+/// True when each row is at the place that its code gives, so that a table can be indexed by code as well.
 template <EnumerationTable Rows> consteval bool standAtCodes(const Rows& rows) {
     return rowsInOrder(rows, [](const auto& row) { return row.code; });
 }
@@ -47,7 +45,7 @@ template <EnumerationTable Rows>
     return {};
 }
 
-/// What to say, at the line, of a setting that is not one of the spellings.
+/// What is reported at the line of a setting that is not one of the spellings.
 struct EnumerationMessages {
     CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::text> wrong_case; ///< name, text, right spelling
     CheckedMessage<ArgKind::text, ArgKind::text> unknown;                   ///< name, text
@@ -68,16 +66,5 @@ std::optional<CodeOf<Rows>> readEnumeration(Diagnostics& diagnostics, const Rows
     }
     return hit.row->code;
 }
-
-/// What to say, at the line, of a line that is not "name setting".
-struct SettingMessages {
-    CheckedMessage<ArgKind::text> missing;                                   ///< name
-    CheckedMessage<ArgKind::text> equals_sign;                               ///< name; the second item is "="
-    CheckedMessage<ArgKind::integer, ArgKind::text, ArgKind::integer> count; ///< items, name, 2
-};
-
-/// The second item of a line "name setting"; reports any other number of items and then gives nothing.
-[[nodiscard]] std::optional<std::string_view> readSetting(Context& context, std::string_view line,
-                                                          std::string_view name, const SettingMessages& messages);
 
 } // namespace kestrel

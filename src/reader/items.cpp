@@ -1,13 +1,12 @@
 #include "reader/items.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
 
 namespace kestrel {
 
 namespace {
 
-/// Most white space that may stand between two items.
+/// Most white space that may be between two items.
 constexpr std::ptrdiff_t kMaxSkip = 120;
 
 /// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
@@ -17,9 +16,7 @@ const char* skipSpaces(const Context& context, const char* at, const char* end) 
     while (at != end && isSpace(*at)) {
         ++at;
     }
-    if (at - begin > kMaxSkip && !context.parse.long_lines) {
-        assertionFailed(context.out, here());
-    }
+    if (at - begin > kMaxSkip && !context.parse.long_lines) assertionFailed(context.out, here());
     return at;
 }
 
@@ -32,7 +29,7 @@ const char* itemEnd(const char* at, const char* end, char split) {
     return at == begin ? at + 1 : at;
 }
 
-/// Without a split character the blank stands in for it: it ends an item anyway and never begins one.
+/// Without a split character the blank takes its place: it ends an item anyway and never begins one.
 constexpr char stopFor(char split) { return split == '\0' ? ' ' : split; }
 
 } // namespace
@@ -50,9 +47,7 @@ ItemList splitItems(const Context& context, std::string_view text, int max, char
     for (const char* at = skipSpaces(context, text.data(), end); at != end; at = skipSpaces(context, at, end)) {
         const char* const item = at;
         at = itemEnd(item, end, stop);
-        if (list.kept < max) {
-            list.items[static_cast<std::size_t>(list.kept++)] = std::string_view(item, at);
-        }
+        if (list.kept < max) list.items[static_cast<std::size_t>(list.kept++)] = std::string_view(item, at);
         ++list.count;
     }
     return list;
@@ -60,9 +55,7 @@ ItemList splitItems(const Context& context, std::string_view text, int max, char
 
 std::string_view takeItem(const Context& context, std::string_view& text, char split) {
     text = skipWhiteSpace(context, text);
-    if (text.empty()) {
-        return text;
-    }
+    if (text.empty()) return text;
     const char* const end = text.data() + text.size();
     const std::string_view item(text.data(), itemEnd(text.data(), end, stopFor(split)));
     text.remove_prefix(item.size());

@@ -17,7 +17,7 @@ inline constexpr int kMaxItems = 8;
 /// The items of a line as the splitter found them; views into the line.
 struct ItemList {
     std::array<std::string_view, kMaxItems> items{};
-    int kept = 0;  ///< items held, never more than were asked for
+    int kept = 0;  ///< items held, never more than were wanted
     int count = 0; ///< items on the line, those not kept included
 
     /// The item, or an empty view where the line has none.
@@ -32,7 +32,7 @@ struct ItemList {
 /// failure unless the reader is in long-line mode.
 [[nodiscard]] std::string_view skipWhiteSpace(const Context& context, std::string_view text);
 
-/// Cuts a line into items at blanks and TABs; `split`, when given, is an item of its own wherever it stands. Keeps the
+/// Cuts a line into items at blanks and TABs; `split`, when given, is an item of its own wherever it is. Keeps the
 /// first `max`.
 [[nodiscard]] ItemList splitItems(const Context& context, std::string_view text, int max, char split = '\0');
 

@@ -1,5 +1,6 @@
 #include "reader/keyword.hpp"
 
+#include "base/rows.hpp"
 #include "diagnostics/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 
@@ -149,13 +150,7 @@ constexpr std::array<KeywordRow, 121> kKeywords{{
     {"NOT_KEY", KeywordCode::notKey, kAll, Owner::none},
 }};
 
-consteval bool rowsStandAtTheirCodes() {
-    for (std::size_t i = 0; i < kKeywords.size(); ++i) {
-        if (static_cast<std::size_t>(kKeywords[i].code) != i) return false;
-    }
-    return true;
-}
-static_assert(rowsStandAtTheirCodes());
+static_assert(rowsInOrder(kKeywords, &KeywordRow::code));
 
 /// One version's keywords in the order of their names, equal names in the order of their codes.
 struct KeywordIndex {

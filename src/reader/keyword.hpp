@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace kestrel {
@@ -170,8 +169,8 @@ struct Line {
 /// Longest keyword name between brackets, in characters.
 inline constexpr std::size_t kMaxKeywordName = 117;
 
-/// Finds a keyword name, blanks or underscores and any case, in the table of the language version; of names that stand
-/// more than once the first is found. Nothing for a name that the version does not have.
+/// Finds a keyword name, blanks or underscores and any case, in the table of the language version; of names that are
+/// there more than once the first is found. Nothing for a name that the version does not have.
 [[nodiscard]] std::optional<KeywordCode> findKeyword(std::string_view name, IbisVersion version);
 
 /// The module that owns `code`.
@@ -180,8 +179,8 @@ inline constexpr std::size_t kMaxKeywordName = 117;
 /// The name of `code` in the tables that hold it ("PIN_MAPPING").
 [[nodiscard]] std::string_view tableName(KeywordCode code);
 
-/// The same for messages; a code that the oldest table does not hold reports program bug 904 and is
-/// named "Unknown enumerated keyword code".
+/// The same for messages; a code that the oldest table does not hold is reported as a program bug
+/// and named "Unknown enumerated keyword code".
 [[nodiscard]] std::string_view keywordName(Diagnostics& diagnostics, KeywordCode code);
 
 /// Whether the table of the language version holds `code`.

@@ -1,8 +1,6 @@
 #include "reader/line_form.hpp"
 
 #include "reader/context.hpp"
-#include "reader/items.hpp"
-#include "reader/values.hpp"
 
 namespace kestrel {
 
@@ -91,6 +89,21 @@ bool readRangeLine(Context& context, std::string_view rest, std::string_view nam
         errorAtLine(context.diagnostics, std::get<CheckedMessage<>>(rules.typ_na));
     }
     return true;
+}
+
+std::optional<std::string_view> readSetting(Context& context, std::string_view line, std::string_view name,
+                                            const SettingMessages& messages) {
+    constexpr int kItems = 2;
+    const ItemList items = splitItems(context, line, kItems, '=');
+    if (items.count == kItems) return items[1];
+    if (items.count < kItems) {
+        errorAtLine(context.diagnostics, messages.missing, name);
+    } else if (items[1] == "=") {
+        errorAtLine(context.diagnostics, messages.equals_sign, name);
+    } else {
+        errorAtLine(context.diagnostics, messages.count, items.count, name, kItems);
+    }
+    return std::nullopt;
 }
 
 } // namespace kestrel

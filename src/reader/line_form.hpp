@@ -36,10 +36,10 @@ void reportItemCount(Diagnostics& diagnostics, int count, std::span<const std::s
                      std::string_view subject, const ItemCountMessages& messages,
                      MissingItems reported = MissingItems::each);
 
-/// Reports text behind a keyword that stands alone on its line; the keyword itself counts as an item.
+/// Reports text behind a keyword that has its line to itself; the keyword itself counts as an item.
 void expectNoText(Context& context, std::string_view text, std::string_view keyword, CountMessage message);
 
-/// `text` without the one "=" that may stand in front of a value; any further one belongs to the value.
+/// `text` without the one "=" that may be in front of a value; any further one belongs to the value.
 [[nodiscard]] std::string_view withoutEqualsSign(const Context& context, std::string_view text);
 
 /// The subparameters of a block of which a line was refused, by their places in its table. They have been reported, so
@@ -70,7 +70,7 @@ struct ValueLine {
 
     int count = 0;         ///< items on the line
     bool complete = false; ///< "=" in second place, and something behind it
-    std::string_view text; ///< what stands for the number
+    std::string_view text; ///< what is in place of the number
     ReadResult result = ReadResult::noNumber;
     double value = 0.0;
 };
@@ -82,7 +82,7 @@ enum class ValueGiven : std::uint8_t {
     whenAccepted ///< at once; 0 until a number reads
 };
 
-/// Which lines of more than three items are told their number.
+/// Which lines of more than three items are reported with their number.
 enum class TooMany : std::uint8_t {
     always,      ///< also one without "=" in second place, which then gets both messages
     whenComplete ///< only one that is read
@@ -128,6 +128,17 @@ struct WordLineMessages {
 /// not counted, one inside it is part of it; of several words the first is used. Reports at the line.
 [[nodiscard]] std::optional<std::string_view> readWordLine(Context& context, std::string_view rest,
                                                            std::string_view name, const WordLineMessages& messages);
+
+/// What is reported at the line of one that is not "name setting".
+struct SettingMessages {
+    CheckedMessage<ArgKind::text> missing;     ///< name
+    CheckedMessage<ArgKind::text> equals_sign; ///< name; the second item is "="
+    CountMessage count;                        ///< items, name, 2
+};
+
+/// The second item of a line "name setting"; reports any other number of items and then gives nothing.
+[[nodiscard]] std::optional<std::string_view> readSetting(Context& context, std::string_view line,
+                                                          std::string_view name, const SettingMessages& messages);
 
 /// How the lines "name typ min max" of one block are read.
 struct RangeLineRules {

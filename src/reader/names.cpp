@@ -19,30 +19,17 @@ constexpr std::uint32_t kMaxPrintedLimit = 2176;
 
 constexpr std::array<std::string_view, 5> kReservedWords{"GND", "NC", "POWER", "CIRCUITCALL", "NA"};
 
-/// What becomes of a text that is longer than its limit.
-enum class Overlong : bool { cut, keep };
-
+/// Stores what there is room for.
 bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
-               std::string_view keyword, Overlong overlong) {
+               std::string_view keyword,
+               CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::unsignedInteger> too_long, std::size_t room) {
     if (!destination.empty()) {
         errorAtLine(diagnostics, 1911, keyword);
         return false;
     }
-    if (text.empty()) {
-        errorAtLine(diagnostics, 1913, keyword);
-    }
-    const std::uint32_t printed_limit = std::min(limit, kMaxPrintedLimit);
-    if (overlong == Overlong::cut) {
-        if (text.size() > limit) {
-            errorAtLine(diagnostics, 1912, keyword, text, printed_limit);
-        }
-        destination = text.substr(0, limit);
-    } else {
-        if (text.size() > limit) {
-            errorAtLine(diagnostics, 1914, keyword, text, printed_limit);
-        }
-        destination = text.substr(0, kMaxWholeText);
-    }
+    if (text.empty()) errorAtLine(diagnostics, 1913, keyword);
+    if (text.size() > limit) errorAtLine(diagnostics, too_long, keyword, text, std::min(limit, kMaxPrintedLimit));
+    destination = text.substr(0, room);
     return true;
 }
 
@@ -60,12 +47,12 @@ bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view tex
 
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                  std::string_view keyword) {
-    return storeOnce(diagnostics, destination, text, limit, keyword, Overlong::cut);
+    return storeOnce(diagnostics, destination, text, limit, keyword, 1912, limit);
 }
 
 bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                       std::string_view keyword) {
-    return storeOnce(diagnostics, destination, text, limit, keyword, Overlong::keep);
+    return storeOnce(diagnostics, destination, text, limit, keyword, 1914, kMaxWholeText);
 }
 
 void requiredKeywordMissing(Context& context, std::string_view keyword) {
@@ -82,9 +69,7 @@ bool isReservedWord(std::string_view text) {
 }
 
 bool checkNotReserved(Diagnostics& diagnostics, std::string_view text) {
-    if (!isReservedWord(text)) {
-        return true;
-    }
+    if (!isReservedWord(text)) return true;
     errorAtLine(diagnostics, 1916, text);
     return false;
 }

@@ -71,16 +71,16 @@ struct NameTooLong {
 /// Stores a name cut to its limit; false when it was over it, which is reported at the line.
 bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long);
 
-/// Stores a text that may be given once, cut at `limit`: 1911 when `destination` holds text already (nothing is stored,
-/// false), 1912 when cut, 1913 when empty.
+/// Stores a text that may be given once, cut at `limit`. Reports at the line one that is cut or empty, and one for
+/// which `destination` holds text already: then nothing is stored (false).
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                  std::string_view keyword);
 
-/// The same, but an overlong text is reported with 1914 and stored whole, up to 1024 characters.
+/// The same, but an overlong text is stored whole, up to 1024 characters.
 bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                       std::string_view keyword);
 
-/// Error 1915 (no line): the keyword is missing from the file being read.
+/// Reports without line that the keyword is missing from the file being read.
 void requiredKeywordMissing(Context& context, std::string_view keyword);
 
 /// True for the characters that a file name in a file may have: letters, digits and some marks.
@@ -89,7 +89,7 @@ void requiredKeywordMissing(Context& context, std::string_view keyword);
 /// True for "GND", "NC", "POWER", "CIRCUITCALL" and "NA" in any case.
 [[nodiscard]] bool isReservedWord(std::string_view text);
 
-/// True when `text` is free to use; a reserved word reports 1916 and gives false.
+/// True when `text` is free to use; a reserved word is reported at the line (false).
 bool checkNotReserved(Diagnostics& diagnostics, std::string_view text);
 
 } // namespace kestrel

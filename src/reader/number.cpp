@@ -19,12 +19,8 @@ bool readNumber(Context& context, std::string_view text, std::uint32_t& number, 
         errorAtLine(context.diagnostics, messages.bad);
         return true;
     }
-    if (result == ReadResult::numberAndText) {
-        warningAtLine(context.diagnostics, messages.suspicious);
-    }
-    if (number == 0) {
-        errorAtLine(context.diagnostics, messages.zero);
-    }
+    if (result == ReadResult::numberAndText) warningAtLine(context.diagnostics, messages.suspicious);
+    if (number == 0) errorAtLine(context.diagnostics, messages.zero);
     return true;
 }
 

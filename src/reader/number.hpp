@@ -9,7 +9,7 @@ namespace kestrel {
 
 struct Context;
 
-/// What is said of the number that a keyword gives; all at the line, `suspicious` as a warning.
+/// What is reported of the number that a keyword gives; all at the line, `suspicious` as a warning.
 struct NumberMessages {
     CheckedMessage<> blank;
     CheckedMessage<> duplicate;
@@ -18,7 +18,7 @@ struct NumberMessages {
     CheckedMessage<> zero;
 };
 
-/// Reads a number that may be given once; 0 counts as not given. True when a value stood there to be read, whatever it
+/// Reads a number that may be given once; 0 counts as not given. True when there was a value to be read, whatever it
 /// was.
 bool readNumber(Context& context, std::string_view text, std::uint32_t& number, const NumberMessages& messages);
 

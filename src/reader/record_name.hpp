@@ -1,10 +1,8 @@
 #pragma once
 
-#include "base/object_list.hpp"
-#include "diagnostics/diagnostics.hpp"
-#include "reader/context.hpp"
 #include "reader/line_form.hpp"
 #include "reader/names.hpp"
+#include "reader/sections.hpp"
 
 #include <cstdint>
 #include <string>
@@ -31,19 +29,26 @@ struct RecordNameRules {
     CheckedMessage<ArgKind::text> reserved; ///< the name
     CheckedMessage<ArgKind::text> repeated; ///< the name
     RepeatedNames repeats = RepeatedNames::ofSound;
+    int (*limit)(IbisVersion version) = [](IbisVersion) { return kLongNameLimit; };
 };
 
-/// Reads the name, cut to `limit`, and reports all at the line but that it is repeated. True when that is due.
-bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, int limit, std::string& name);
+/// Reads the name, cut to its limit, and reports all at the line but that it is repeated. True when that is due.
+bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, std::string& name);
 
 /// Reads the name of a record behind its keyword and enters the record under it.
-template <class Record>
-void readRecordName(Context& context, ObjectList<Record>& list, Record& record, std::string_view text,
-                    const RecordNameRules& rules, int limit = kLongNameLimit) {
-    if (readNewName(context, text, rules, limit, record.name) && list.find(record.name) != nullptr) {
+template <class State>
+void readRecordName(Context& context, State& state, typename State::Record& record, std::string_view text,
+                    const RecordNameRules& rules) {
+    if (readNewName(context, text, rules, record.name) && state.list->find(record.name) != nullptr) {
         errorAtLine(context.diagnostics, rules.repeated, record.name);
     }
-    if (!record.name.empty() || rules.missing.index() == 0) list.enterName(record, record.name);
+    if (!record.name.empty() || rules.missing.index() == 0) state.list->enterName(record, record.name);
+}
+
+/// The same in the form in which a section opens.
+template <const RecordNameRules& Rules, class State>
+void openNamed(Context& context, State& state, typename State::Record& record, std::string_view text) {
+    readRecordName(context, state, record, text, Rules);
 }
 
 } // namespace kestrel

@@ -24,7 +24,7 @@ struct TableRow {
     [[nodiscard]] bool isNumber(Column column) const { return state[column] == CellState::number; }
 };
 
-/// The first item of a line, read ahead to tell whether the line is a row.
+/// The first item of a line, read ahead to see whether the line is a row.
 struct FirstCell {
     std::string_view item;
     ReadResult result = ReadResult::noNumber;

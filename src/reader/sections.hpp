@@ -1,17 +1,16 @@
 #pragma once
 
 #include "base/object_list.hpp"
+#include "base/rows.hpp"
 #include "reader/context.hpp"
 #include "reader/keyword.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 
 /// The one form in which a module reads a record: a table of sections, each with its keyword and what is done at the
 /// keyword's own line, at the data lines under it, and when the next keyword comes.
@@ -23,7 +22,7 @@ struct BlockEnd {
     void (*text_behind)(Context& context, std::string_view text);
     void (*not_ended)(Context& context);
     void (*no_begin)(Context& context);
-    std::span<const KeywordCode> inner{}; ///< sections of the same record that may stand within
+    std::span<const KeywordCode> inner{}; ///< sections of the same record that may be within
 };
 
 /// What every module's state begins with: the record being read, null outside one, the list that it is kept in, and its
@@ -47,7 +46,7 @@ template <class State> struct Section {
 
     /// True for the keywords that leave a block open, or end it as they should.
     [[nodiscard]] bool admits(KeywordCode code) const {
-        return end != nullptr && (code == end_key || std::ranges::find(end->inner, code) != end->inner.end());
+        return end != nullptr && (code == end_key || contains(end->inner, code));
     }
 };
 
@@ -133,17 +132,24 @@ template <class State> struct RecordModule {
 
     KeywordCode opens;                               ///< its section is the record's first
     const Section<State>* (*find)(KeywordCode code); ///< the section that a keyword begins or ends, or null
-    void (*close)(Context& context, State& state, Record& record); ///< checks the whole record
-    void (*orphan)(Context& context, const Line& line);            ///< a line outside any record
-    void (*behind_end)(Context& context, const BlockEnd& end);     ///< data behind an end keyword
-    void (*impossible)(Context& context, LineKind kind);           ///< a line that the dispatcher never hands over
+    void (*close)(Context& context, State& state, Record& record);       ///< checks the whole record
+    void (*orphan)(Context& context, const Line& line);                  ///< a line outside any record
+    void (*behind_end)(Context& context, const BlockEnd& end) = nullptr; ///< data behind an end keyword
+    void (*impossible)(Context& context, LineKind kind); ///< a line that the dispatcher never hands over
     /// The opening keyword once more, where that does not begin another record; null where it does.
     void (*reopened)(Context& context) = nullptr;
 };
 
-/// Reports the line of a module that stands outside its records, by one of two messages.
+/// Reports the line of a module that is outside its records, by one of two messages.
 template <CheckedMessage<> Keyword, CheckedMessage<> Data> void reportOrphan(Context& context, const Line& line) {
     errorAtLine(context.diagnostics, line.kind == LineKind::keyword ? Keyword : Data);
+}
+
+/// A program bug for a line that cannot come, by its kind.
+template <LineKind Kind, CheckedMessage<ArgKind::text, ArgKind::integer> OfKind,
+          CheckedMessage<ArgKind::text, ArgKind::integer> OfOthers>
+void reportImpossible(Context& context, LineKind kind) {
+    programBugHereAtLine(context.diagnostics, kind == Kind ? OfKind : OfOthers);
 }
 
 /// Begins a record at its keyword, at the end of its list.
@@ -164,7 +170,8 @@ void closeSection(Context& context, State& state, const RecordModule<State>& mod
     if (section->close != nullptr) section->close(context, state);
 }
 
-/// Told of every keyword: closes the section before it and, at a keyword that is none of the record's own, the record.
+/// Called for every keyword: closes the section before it and, at a keyword that is none of the record's own, the
+/// record.
 template <class State>
 void recordKeywordSeen(Context& context, State& state, const RecordModule<State>& module, KeywordCode code) {
     if (state.current == nullptr) return;

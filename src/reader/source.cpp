@@ -175,8 +175,9 @@ std::optional<FileKind> kindOfName(std::string_view name) {
 }
 
 std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind, WhenAbsent absent) {
-    if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath)
+    if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) {
         assertionFailed(context.out, here());
+    }
     const std::string& directory = context.parse.directory;
     Source source;
     source.bare_name = takeDirectory(context.parse.directory, name);

@@ -42,12 +42,12 @@ struct Source {
 /// The kind whose extension `name` has, in any case; nothing for a name with another extension or none.
 [[nodiscard]] std::optional<FileKind> kindOfName(std::string_view name);
 
-/// Whether a file that is not there is an error (1905).
+/// Whether a file that is not there is reported.
 enum class WhenAbsent : bool { report, leave };
 
 /// Completes, validates and opens `name`: adds a missing extension, tries the path as it is, then in lower, then in
-/// upper case. Keeps the directory part for companion files. Reports 1900 to 1906 and 1924 (no line) and returns
-/// nothing on failure.
+/// upper case. Keeps the directory part for companion files. What fails is reported without line and gives
+/// nothing.
 [[nodiscard]] std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind,
                                                WhenAbsent absent = WhenAbsent::report);
 
@@ -60,7 +60,7 @@ struct LineReader {
 };
 
 /// The next line without its line feed, cut to the capacity (terminator included, so one character less is kept);
-/// nothing at the end of the file. Reports each illegal character (1917), still under the count of the line before. The
+/// nothing at the end of the file. Reports each illegal character, still under the count of the line before. The
 /// view holds until the next call.
 [[nodiscard]] std::optional<std::string_view> readLine(Context& context, LineReader& reader, std::size_t capacity);
 

@@ -18,7 +18,7 @@
 #include <variant>
 
 /// The one form in which a record gives its subparameters: a table of their names, each with the field that keeps the
-/// value. The field tells how the line is written: a number, a range, the name of a record, one of several words.
+/// value. By the field goes how the line is written: a number, a range, the name of a record, one of several words.
 namespace kestrel {
 
 /// What a value may not be.

@@ -24,9 +24,7 @@ std::size_t plusLength(std::string_view text) { return text.size() > 1 && text[0
 template <class Integer> Scan scanInteger(std::string_view text, Integer& value) {
     const std::size_t plus = plusLength(text);
     const auto [end, code] = std::from_chars(text.data() + plus, text.data() + text.size(), value);
-    if (code == std::errc::invalid_argument) {
-        return {};
-    }
+    if (code == std::errc::invalid_argument) return {};
     const bool out_of_range = code == std::errc::result_out_of_range;
     if (out_of_range) {
         value = text.front() == '-' ? std::numeric_limits<Integer>::lowest() : std::numeric_limits<Integer>::max();
@@ -41,9 +39,7 @@ bool isHuge(std::string_view number) {
     const auto first = static_cast<std::int64_t>(digits.find_first_of("123456789"));
     const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
     std::int64_t exponent = 0;
-    if (digits.size() < number.size()) {
-        scanInteger(number.substr(digits.size() + 1), exponent);
-    }
+    if (digits.size() < number.size()) scanInteger(number.substr(digits.size() + 1), exponent);
     return exponent >= first - point;
 }
 
@@ -51,27 +47,19 @@ bool isHuge(std::string_view number) {
 Scan scanDecimal(std::string_view text, double& value) {
     const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
     // from_chars takes words such as "inf" for numbers.
-    if (text.size() == sign || (!isDigit(text[sign]) && text[sign] != '.')) {
-        return {};
-    }
+    if (text.size() == sign || (!isDigit(text[sign]) && text[sign] != '.')) return {};
     const std::size_t plus = text[0] == '+' ? 1 : 0;
     const auto [end, code] = std::from_chars(text.data() + plus, text.data() + text.size(), value);
-    if (code == std::errc::invalid_argument) {
-        return {};
-    }
+    if (code == std::errc::invalid_argument) return {};
     const auto length = static_cast<std::size_t>(end - text.data());
-    if (code == std::errc{}) {
-        return {length, false};
-    }
+    if (code == std::errc{}) return {length, false};
     const double magnitude = isHuge(text.substr(sign, length - sign)) ? std::numeric_limits<double>::infinity() : 0.0;
     value = text[0] == '-' ? -magnitude : magnitude;
     return {length, true};
 }
 
 ReadResult resultOf(Scan scan, std::string_view text) {
-    if (scan.length == 0) {
-        return ReadResult::noNumber;
-    }
+    if (scan.length == 0) return ReadResult::noNumber;
     return scan.length == text.size() ? ReadResult::number : ReadResult::numberAndText;
 }
 
@@ -113,18 +101,14 @@ ReadResult readScaled(std::string_view text, double& value) {
         return ReadResult::number;
     }
     const std::string_view scale = text.substr(scan.length);
-    if (scan.length == 0 || !isAlpha(scale.front())) {
-        return ReadResult::noNumber;
-    }
+    if (scan.length == 0 || !isAlpha(scale.front())) return ReadResult::noNumber;
     value = number * scaleFactor(scale.front());
     return std::ranges::any_of(scale, isDigit) ? ReadResult::numberAndText : ReadResult::number;
 }
 
 ReadResult readValueOrNa(std::string_view text, double& value, bool& na) {
     na = equalsNoCase(text, "NA");
-    if (!na) {
-        return readScaled(text, value);
-    }
+    if (!na) return readScaled(text, value);
     value = 0.0;
     return ReadResult::number;
 }
@@ -132,18 +116,14 @@ ReadResult readValueOrNa(std::string_view text, double& value, bool& na) {
 bool readCell(Diagnostics& diagnostics, std::string_view text, bool present, std::string_view quantity,
               std::string_view label, Cell& cell) {
     cell = {};
-    if (!present) {
-        return true;
-    }
+    if (!present) return true;
     bool na = false;
     const ReadResult result = readValueOrNa(text, cell.value, na);
     if (result == ReadResult::noNumber) {
         errorAtLine(diagnostics, 1909, label, text);
         return false;
     }
-    if (result == ReadResult::numberAndText) {
-        warningAtLine(diagnostics, 1910, label, quantity, text);
-    }
+    if (result == ReadResult::numberAndText) warningAtLine(diagnostics, 1910, label, quantity, text);
     cell.state = na ? CellState::na : CellState::number;
     return true;
 }

@@ -40,9 +40,8 @@ struct Cell {
     [[nodiscard]] bool isNumber() const { return state == CellState::number; }
 };
 
-/// Reads one cell. `present` is false when the line has no such item: the cell stays missing. Reports 1909 (no number;
-/// false is returned) and warning 1910 (digits in the scale; the value is kept) with the column's `label` and the
-/// `quantity`.
+/// Reads one cell. `present` is false when the line has no such item: the cell stays missing. Reports at the line a
+/// text that is no number (false) and warns of digits in the scale, with the column's `label` and the `quantity`.
 bool readCell(Diagnostics& diagnostics, std::string_view text, bool present, std::string_view quantity,
               std::string_view label, Cell& cell);
 

@@ -1,7 +1,7 @@
 // What a model keeps of its lines, faulty ones included, and what is said of them; texts are left to the cases.
 
 #include "codes.hpp"
-#include "ibis/check_models.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/modules.hpp"
 #include "ibis/run.hpp"
 

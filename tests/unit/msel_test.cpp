@@ -3,7 +3,7 @@
 #include "model/msel.hpp"
 
 #include "codes.hpp"
-#include "ibis/check_models.hpp"
+#include "ibis/checks.hpp"
 #include "ibis/modules.hpp"
 #include "ibis/run.hpp"
 

@@ -1,4 +1,4 @@
-#include "ami/collect.hpp"
+#include "ami/check.hpp"
 #include "check_text.hpp"
 #include "codes.hpp"
 

@@ -1,7 +1,6 @@
 // Trigger voltages of submodels against the corners of their waveforms.
 
 #include "ibis/run.hpp"
-#include "model/submdl_check.hpp"
 
 #include <array>
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include "reader/values.hpp"
 
-#include "base/string_list.hpp"
+#include "base/name_list.hpp"
 #include "base/text.hpp"
 #include "codes.hpp"
 #include "ibis/run.hpp"
@@ -477,12 +477,14 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
 TEST(RecordNames, areEnteredAndHeldAgainstThoseBefore) {
     const CheckedMessage<> bare = 2410;
     RecordNameRules rules{"Model", bare, 2411, 2412, 2413, 2414};
+    rules.limit = [](IbisVersion) { return 4; };
     const auto read = [&rules] {
         TestRun test;
         test.run.diagnostics.coded_form = true;
         ObjectList<SubMdl> list;
+        RecordState<SubMdl> state{.list = &list};
         for (const std::string_view text : {"abcd", "abcd x", "abcde", "GND", "GND", ""}) {
-            readRecordName(test.run, list, list.add(std::make_unique<SubMdl>()), text, rules, 4);
+            readRecordName(test.run, state, list.add(std::make_unique<SubMdl>()), text, rules);
         }
 
         return codesOf(test.out.text()) + (list.find("") != nullptr ? " entered" : "");
@@ -568,12 +570,12 @@ TEST(HashSeeds, differFromContainerToContainer) {
     }
 }
 
-TEST(StringLists, holdEachTextOnce) {
-    StringList list;
-    EXPECT_TRUE(addUnique(list, "clk"));
-    EXPECT_TRUE(addUnique(list, "CLK"));
-    EXPECT_FALSE(addUnique(list, "clk"s));
-    EXPECT_THAT(list.texts, ElementsAre("clk", "CLK"));
+TEST(NameViews, holdEachNameOnce) {
+    NameViews list;
+    EXPECT_TRUE(list.add("clk"));
+    EXPECT_TRUE(list.add("CLK"));
+    EXPECT_FALSE(list.add("clk"s));
+    EXPECT_THAT(list.names, ElementsAre("clk", "CLK"));
 }
 
 } // namespace
