@@ -46,7 +46,10 @@ constexpr std::string_view kNewestVersion = "5.1";
 bool isLater(std::string_view version) {
     constexpr double kNewest = 5.1;
     double number = 0.0;
-    return readDouble(trim(version), number) != ReadResult::noNumber && number > kNewest;
+    const ReadResult result = readDouble(trim(version), number);
+    // "5.1.1" is later than "5.1".
+    const bool goes_on = result == ReadResult::numberAndText && number == kNewest;
+    return result != ReadResult::noNumber && (number > kNewest || goes_on);
 }
 
 void checkReservedTypes(AmiCheck& check, const ReservedRow& row, const AmiLeaf& leaf) {

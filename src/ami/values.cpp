@@ -78,10 +78,12 @@ double numberOf(const AmiItem& value) {
     return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
 }
 
-/// Compares numbers that may have been scaled: "3n" reads as a bit more than "3e-9".
+/// Compares numbers that may have been scaled: "3n" reads as a bit more than "3e-9". Whole numbers read as they are.
 bool atMost(double low, double high) {
     constexpr double kTolerance = 1e-14;
-    return low <= high || low - high <= kTolerance * std::min(std::abs(low), std::abs(high));
+    if (low <= high) return true;
+    const bool whole = std::trunc(low) == low && std::trunc(high) == high;
+    return !whole && low - high <= kTolerance * std::min(std::abs(low), std::abs(high));
 }
 
 /// The columns of a table and what they hold.
