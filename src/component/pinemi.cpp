@@ -3,11 +3,6 @@
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 
-#include <array>
-#include <span>
-#include <unordered_set>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

@@ -5,10 +5,6 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <span>
-#include <unordered_set>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

@@ -2,9 +2,6 @@
 
 #include "reader/record_name.hpp"
 
-#include <algorithm>
-#include <unordered_set>
-
 namespace kestrel {
 
 namespace {

@@ -2,9 +2,6 @@
 
 #include "ibis/run.hpp"
 
-#include <array>
-#include <vector>
-
 namespace kestrel {
 
 namespace {
