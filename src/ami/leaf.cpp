@@ -1,10 +1,6 @@
 #include "ami/leaf.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
-
-#include <algorithm>
-#include <utility>
 
 namespace kestrel {
 

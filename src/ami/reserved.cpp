@@ -1,10 +1,7 @@
 #include "ami/reserved.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
 #include "reader/values.hpp"
-
-#include <algorithm>
 
 namespace kestrel {
 
@@ -90,7 +87,7 @@ void checkNotNegative(AmiCheck& check, const ReservedRow& row, const AmiLeaf& le
 void checkVersion(AmiCheck& check, const AmiLeaf& leaf) {
     constexpr std::array<std::string_view, 2> kKnown{"5.0", kNewestVersion};
     const AmiItem* const value = singleValue(leaf);
-    if (value == nullptr || std::ranges::find(kKnown, value->text) != kKnown.end()) return;
+    if (value == nullptr || contains(kKnown, value->text)) return;
     warningAtLine(at(check, *value), 4657, shown(value->text));
 }
 
@@ -120,7 +117,7 @@ const ReservedRow* readReservedName(AmiCheck& check, const AmiItem& node) {
     if (row != nullptr) {
         if (row->text != node.text) errorAtLine(at(check, node), 4662, shown(node.text), row->text);
     } else if (!check.rules.later) { // which may have the name
-        if (std::ranges::find(kLaterReserved, node.text) != kLaterReserved.end()) {
+        if (contains(kLaterReserved, node.text)) {
             warningAtLine(at(check, node), 4651, shown(node.text));
         } else {
             errorAtLine(at(check, node), 4650, shown(node.text));

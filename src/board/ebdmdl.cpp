@@ -2,10 +2,8 @@
 
 #include "base/text.hpp"
 #include "reader/items.hpp"
+#include "reader/line_form.hpp"
 #include "reader/names.hpp"
-#include "reader/number.hpp"
-
-#include <utility>
 
 namespace kestrel {
 

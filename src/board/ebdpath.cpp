@@ -5,8 +5,6 @@
 #include "package/token.hpp"
 #include "reader/names.hpp"
 
-#include <array>
-
 namespace kestrel {
 
 namespace {

@@ -3,9 +3,6 @@
 #include "base/text.hpp"
 #include "reader/names.hpp"
 
-#include <string>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

@@ -1,14 +1,7 @@
 #include "component/cmpnt.hpp"
 
-#include "base/rows.hpp"
-#include "reader/enumeration.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
-
-#include <algorithm>
-#include <array>
-#include <string_view>
-#include <type_traits>
 
 namespace kestrel {
 

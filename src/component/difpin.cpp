@@ -4,11 +4,7 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <array>
 #include <cmath>
-#include <cstddef>
-#include <span>
-#include <utility>
 
 namespace kestrel {
 

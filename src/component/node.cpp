@@ -2,8 +2,6 @@
 
 #include "reader/items.hpp"
 
-#include <string>
-
 namespace kestrel {
 
 namespace {

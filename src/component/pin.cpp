@@ -4,10 +4,6 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <array>
-#include <cstddef>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

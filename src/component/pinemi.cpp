@@ -4,10 +4,6 @@
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 
-#include <array>
-#include <span>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

@@ -6,9 +6,6 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <span>
-#include <utility>
-
 namespace kestrel {
 
 namespace {

@@ -4,8 +4,6 @@
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 
-#include <array>
-
 namespace kestrel {
 
 namespace {

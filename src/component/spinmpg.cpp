@@ -4,7 +4,6 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
-#include <array>
 #include <utility>
 
 namespace kestrel {

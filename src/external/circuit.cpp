@@ -3,8 +3,6 @@
 #include "base/text_hash.hpp"
 #include "reader/record_name.hpp"
 
-#include <algorithm>
-
 namespace kestrel {
 
 namespace {

@@ -15,8 +15,6 @@
 
 namespace kestrel {
 
-struct Context;
-
 /// "Language" of an external file.
 enum class ExtLanguage : std::uint8_t { notGiven = 0, notKnown, spice, vhdlAms, verilogAms, vhdlA, verilogA, ibisIss };
 

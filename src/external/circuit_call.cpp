@@ -1,6 +1,5 @@
 #include "external/circuit_call.hpp"
 
-#include "base/rows.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 

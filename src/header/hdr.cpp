@@ -1,11 +1,7 @@
 #include "header/hdr.hpp"
 
-#include "base/rows.hpp"
 #include "base/text.hpp"
 #include "reader/names.hpp"
-
-#include <array>
-#include <utility>
 
 namespace kestrel {
 

@@ -4,7 +4,6 @@
 #include "reader/sections.hpp"
 
 #include <array>
-#include <cstddef>
 
 namespace kestrel {
 

@@ -3,9 +3,6 @@
 #include "base/text_hash.hpp"
 #include "ibis/run.hpp"
 
-#include <array>
-#include <vector>
-
 namespace kestrel {
 
 namespace {

@@ -1,10 +1,6 @@
 #include "model/algmod.hpp"
 
-#include "reader/context.hpp"
 #include "reader/line_form.hpp"
-#include "reader/source.hpp"
-
-#include <utility>
 
 namespace kestrel {
 

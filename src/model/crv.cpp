@@ -5,7 +5,6 @@
 #include "model/types.hpp"
 #include "reader/context.hpp"
 #include "reader/line_form.hpp"
-#include "reader/values.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -5,8 +5,6 @@
 #include "reader/names.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 
 namespace kestrel {
 

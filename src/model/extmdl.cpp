@@ -1,9 +1,5 @@
 #include "model/extmdl.hpp"
 
-#include "reader/context.hpp"
-
-#include <utility>
-
 namespace kestrel {
 
 namespace {

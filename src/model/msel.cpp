@@ -3,9 +3,6 @@
 #include "base/text.hpp"
 #include "reader/record_name.hpp"
 
-#include <cstddef>
-#include <string_view>
-
 namespace kestrel {
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include "reader/subparameters.hpp"
 
-#include <functional>
-
 namespace kestrel {
 
 namespace {
@@ -122,9 +120,9 @@ void checkThresholds(Context& context, const MSpec& spec, std::string_view model
 void checkCompanions(Context& context, const MSpec& spec, std::string_view model) {
     for (const Companion& rule : kCompanions) {
         if (isSeen(kSpec, spec, rule.needed)) continue;
-        const auto* const given =
-            std::ranges::find_if(rule.given, [&](Field field) { return field != nullptr && spec.*field; });
-        if (given == rule.given.end()) continue;
+        const Field* const given =
+            rowOf(rule.given, true, [&](Field field) { return field != nullptr && spec.*field; });
+        if (given == nullptr) continue;
         warning(context.diagnostics, 3814, model, kSpec.nameOf(*given), kSpec.nameOf(rule.needed));
     }
 }
@@ -132,8 +130,8 @@ void checkCompanions(Context& context, const MSpec& spec, std::string_view model
 /// Reports the first of the rows that is given.
 void reportMisplaced(Context& context, const MSpec& spec, std::string_view model, ModelType type,
                      std::span<const Row> rows) {
-    const auto row = std::ranges::find_if(rows, [&spec](const Row& one) { return isGiven(spec, one); });
-    if (row != rows.end()) warning(context.diagnostics, 3816, model, row->name, modelTypeText(type));
+    const Row* const row = rowOf(rows, true, [&spec](const Row& one) { return isGiven(spec, one); });
+    if (row != nullptr) warning(context.diagnostics, 3816, model, row->name, modelTypeText(type));
 }
 
 /// Thresholds are for models that receive, test loads for those that drive. A series model is warned of the whole block

@@ -4,7 +4,6 @@
 #include "reader/context.hpp"
 
 #include <algorithm>
-#include <array>
 
 namespace kestrel {
 

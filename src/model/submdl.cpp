@@ -3,9 +3,6 @@
 #include "reader/record_name.hpp"
 #include "reader/subparameters.hpp"
 
-#include <array>
-#include <span>
-
 namespace kestrel {
 
 namespace {

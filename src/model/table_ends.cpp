@@ -1,7 +1,5 @@
 #include "model/table_ends.hpp"
 
-#include "reader/values.hpp"
-
 #include <algorithm>
 
 namespace kestrel {

@@ -80,9 +80,9 @@ void closeTestLoad(Context& context, RecordState<TestLoad>& /*state*/, TestLoad&
     }
     for (const Termination& termination : kTerminations) {
         if (isSeen(kLoad, load, termination.voltage)) continue;
-        const auto* const given =
-            std::ranges::find_if(termination.resistors, [&load](Value resistor) { return isGiven(load.*resistor); });
-        if (given == termination.resistors.end()) continue;
+        const auto is_given = [&load](Value resistor) { return isGiven(load.*resistor); };
+        const Value* const given = rowOf(termination.resistors, true, is_given);
+        if (given == nullptr) continue;
         warning(diagnostics, 2224, load.name, kLoad.nameOf(*given), kLoad.nameOf(termination.voltage));
     }
     checkDifferentialOnly(context, load);

@@ -1,7 +1,5 @@
 #include "model/types.hpp"
 
-#include <algorithm>
-
 namespace kestrel {
 
 namespace {
@@ -44,8 +42,8 @@ std::span<const EnumerationRow<ModelType>> modelTypes(IbisVersion version) {
 }
 
 std::string_view modelTypeText(ModelType type) {
-    const auto* const row = std::ranges::find(kModelTypes, type, &EnumerationRow<ModelType>::code);
-    return row == kModelTypes.end() ? "No Type" : row->text;
+    const auto* const row = rowOf(kModelTypes, type, &EnumerationRow<ModelType>::code);
+    return row == nullptr ? "No Type" : row->text;
 }
 
 } // namespace kestrel

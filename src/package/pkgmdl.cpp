@@ -1,11 +1,7 @@
 #include "package/pkgmdl.hpp"
 
-#include "base/rows.hpp"
+#include "reader/line_form.hpp"
 #include "reader/names.hpp"
-#include "reader/number.hpp"
-
-#include <array>
-#include <utility>
 
 namespace kestrel {
 

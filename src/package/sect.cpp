@@ -5,9 +5,6 @@
 #include "package/token.hpp"
 #include "reader/values.hpp"
 
-#include <algorithm>
-#include <array>
-
 namespace kestrel {
 
 namespace {
@@ -158,7 +155,7 @@ void warnOfName(Diagnostics& diagnostics, std::string_view name, const NameWarni
     constexpr std::array<std::string_view, 6> kWords{"Len", "Fork", "Endfork", "C", "R", "L"};
     if (name.find('=') != std::string_view::npos) warningAtLine(diagnostics, warnings.equals, name);
     if (name.find('/') != std::string_view::npos) warningAtLine(diagnostics, warnings.slash, name);
-    if (std::ranges::find(kWords, name) != kWords.end()) warningAtLine(diagnostics, warnings.word, name);
+    if (contains(kWords, name)) warningAtLine(diagnostics, warnings.word, name);
 }
 
 } // namespace kestrel

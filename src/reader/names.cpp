@@ -4,8 +4,6 @@
 #include "reader/context.hpp"
 
 #include <algorithm>
-#include <array>
-#include <span>
 
 namespace kestrel {
 

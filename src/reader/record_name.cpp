@@ -1,7 +1,5 @@
 #include "reader/record_name.hpp"
 
-#include "reader/items.hpp"
-
 namespace kestrel {
 
 bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, std::string& name) {

@@ -3,7 +3,6 @@
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 #include "reader/line_form.hpp"
-#include "reader/values.hpp"
 
 namespace kestrel {
 
