@@ -20,7 +20,7 @@ void checkDriver(Context& context, const Ibis& root, const TestData& data, std::
     const Mdl* const model = root.models.find(name);
     if (model == nullptr) {
         if (!isRefused(data, field)) error(context.diagnostics, 2325, name, data.name);
-    } else if (kNoTestLoadTypes.has(model->model_type)) {
+    } else if (kNoTestLoadTypes.has(model->type())) {
         warning(context.diagnostics, 2326, name, data.name);
     }
 }
@@ -43,7 +43,7 @@ void checkReceiver(Context& context, const Ibis& root, const TestLoad& load, std
     const Mdl* const model = root.models.find(name);
     if (model == nullptr) {
         if (!isRefused(load, field)) error(context.diagnostics, 2228, name, load.name);
-    } else if (!kReceivers.has(model->model_type)) {
+    } else if (!kReceivers.has(model->type())) {
         warning(context.diagnostics, 2229, name, load.name);
     }
 }
