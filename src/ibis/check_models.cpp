@@ -28,7 +28,7 @@ void checkDriver(Context& context, Ibis& root, const Mdl& model, std::string_vie
         return;
     }
     if (driver->driver_schedule) error(context.diagnostics, 4208, name, model.name);
-    if (kNoDrivers.has(driver->model_type)) error(context.diagnostics, 4209, name, model.name);
+    if (kNoDrivers.has(driver->type())) error(context.diagnostics, 4209, name, model.name);
 }
 
 /// What pins may name to have a composite current: the models with one, and the selectors that offer such a model.

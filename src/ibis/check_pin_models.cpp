@@ -22,7 +22,7 @@ constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
 
 /// A model without a type has been reported for that.
 bool isNoSeries(const Mdl& model) {
-    return !isSeries(model) && model.model_type != ModelType::notGiven && model.model_type != ModelType::noType;
+    return !isSeries(model) && model.type() != ModelType::notGiven && model.type() != ModelType::noType;
 }
 
 /// Looks a name up among the models, which marks the one found, then among the selectors.
@@ -96,7 +96,7 @@ void compareModels(Context& context, const Cmpnt& component, const DifPin& row, 
         warning(context.diagnostics, 813, row.pin, row.inv_pin, component.name);
     }
     const auto opposed = [](const Mdl& driver, const Mdl& receiver) {
-        return kOnlyDrive.has(driver.model_type) && kOnlyReceive.has(receiver.model_type);
+        return kOnlyDrive.has(driver.type()) && kOnlyReceive.has(receiver.type());
     };
     if (opposed(model, inv_model) || opposed(inv_model, model)) {
         warning(context.diagnostics, 814, row.pin, row.inv_pin, component.name);
@@ -137,7 +137,7 @@ void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& componen
     for (const SPin& row : rows) {
         if (!row.group.empty() || row.pin_2.empty()) continue;
         const Mdl* const model = root.models.find(row.model_name);
-        if (model == nullptr || model->model_type != ModelType::seriesSwitch) continue;
+        if (model == nullptr || model->type() != ModelType::seriesSwitch) continue;
         warning(context.diagnostics, 2613, row.model_name, row.pin_1, row.pin_2, component.name);
     }
     ViewSet known(switches.dropped.begin(), switches.dropped.end());

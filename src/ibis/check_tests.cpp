@@ -25,7 +25,7 @@ void checkModels(Context& context, const Ibis& root, const Test& test, std::arra
         const Mdl* const model = root.models.find(name);
         if (model == nullptr) {
             if (!isRefused(test, side)) error(context.diagnostics, Missing, name, test.name);
-        } else if (wrong_types.has(model->model_type)) {
+        } else if (wrong_types.has(model->type())) {
             warning(context.diagnostics, WrongType, name, test.name);
         }
     }

@@ -68,7 +68,7 @@ bool reportComponent(Run& run, const Cmpnt& component) {
     for (const std::string_view name : names) {
         const Mdl* const model = models.find(name);
         text.append("        Model: ").append(name).append("\t\t(");
-        text.append(reportedType(model != nullptr ? model->model_type : ModelType::notGiven)).append(")\n");
+        text.append(reportedType(model != nullptr ? model->type() : ModelType::notGiven)).append(")\n");
     }
     appendLine(text,
                "      Package: ", component.package_model.empty() ? std::string_view("-") : component.package_model);

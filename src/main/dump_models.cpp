@@ -105,30 +105,31 @@ void appendWaveformLines(Text& text, std::string_view label, const Waveforms& wa
 }
 
 void appendSummary(Text& text, const Mdl& model) {
+    const MdlValues& values = *model.values;
+    const MdlTables& tables = *model.tables;
     text.append("         Model: ").append(model.name);
-    text.append("\n          Type: ").append(reportedType(model.model_type));
-    text.append("\n      Polarity: ").append(polarityName(model.polarity)).append("\n");
-    if (kInputTypes.has(model.model_type)) {
-        text.append("        Enable: ").append(enableName(model.enable)).append("\n");
-        appendValue(text, "          Vinl: ", model.vinl, "V");
-        appendValue(text, "          Vinh: ", model.vinh, "V");
+    text.append("\n          Type: ").append(reportedType(model.type()));
+    text.append("\n      Polarity: ").append(polarityName(values.polarity)).append("\n");
+    if (kInputTypes.has(model.type())) {
+        text.append("        Enable: ").append(enableName(values.enable)).append("\n");
+        appendValue(text, "          Vinl: ", values.vinl, "V");
+        appendValue(text, "          Vinh: ", values.vinh, "V");
     }
-    appendRange(text, "        C_comp: ", model.c_comp, "F");
-    appendRange(text, " Voltage Range: ", model.voltage_range, "V");
-    appendValue(text, "         Vmeas: ", model.vmeas, "V");
-    appendValue(text, "          Cref: ", model.cref, "F");
-    appendValue(text, "          Rref: ", model.rref, "Ohms");
-    appendValue(text, "          Vref: ", model.vref, "V");
+    appendRange(text, "        C_comp: ", values.c_comp, "F");
+    appendRange(text, " Voltage Range: ", model.ranges->voltage_range, "V");
+    appendValue(text, "         Vmeas: ", values.vmeas, "V");
+    appendValue(text, "          Cref: ", values.cref, "F");
+    appendValue(text, "          Rref: ", values.rref, "Ohms");
+    appendValue(text, "          Vref: ", values.vref, "V");
     text.append("  Static Char.: ");
-    text.append(model.tables->gnd_clamp ? "GND_Clamp; " : "-; ")
-        .append(model.tables->power_clamp ? "POWER_Clamp; " : "-; ");
-    text.append(model.tables->pullup ? "Pullup; " : "-; ").append(model.tables->pulldown ? "Pulldown\n" : "-\n");
-    if (kEdgeTypes.has(model.model_type)) {
-        appendRate(text, "  Rising dV/dt: ", model.tables->ramp ? model.tables->ramp->dv_dt_r : std::nullopt);
-        appendRate(text, " Falling dV/dt: ", model.tables->ramp ? model.tables->ramp->dv_dt_f : std::nullopt);
-        appendWaveformLines(text, " Rising Wvf. ", model.tables->rising_waveforms);
+    text.append(tables.gnd_clamp ? "GND_Clamp; " : "-; ").append(tables.power_clamp ? "POWER_Clamp; " : "-; ");
+    text.append(tables.pullup ? "Pullup; " : "-; ").append(tables.pulldown ? "Pulldown\n" : "-\n");
+    if (kEdgeTypes.has(model.type())) {
+        appendRate(text, "  Rising dV/dt: ", tables.ramp ? tables.ramp->dv_dt_r : std::nullopt);
+        appendRate(text, " Falling dV/dt: ", tables.ramp ? tables.ramp->dv_dt_f : std::nullopt);
+        appendWaveformLines(text, " Rising Wvf. ", tables.rising_waveforms);
         // No leading blank here, unlike the rising label.
-        appendWaveformLines(text, "Falling Wvf. ", model.tables->falling_waveforms);
+        appendWaveformLines(text, "Falling Wvf. ", tables.falling_waveforms);
     }
     text.push_back('\n');
 }

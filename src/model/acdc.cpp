@@ -115,8 +115,8 @@ bool hasCompositeCurrent(const Mdl& model) {
 }
 
 void checkCompositeCurrents(Context& context, const Mdl& model) {
-    if (kNoTestLoadTypes.has(model.model_type) && hasCompositeCurrent(model)) {
-        warning(context.diagnostics, 1707, model.name, modelTypeText(model.model_type));
+    if (kNoTestLoadTypes.has(model.type()) && hasCompositeCurrent(model)) {
+        warning(context.diagnostics, 1707, model.name, modelTypeText(model.type()));
     }
     // What follows only ever makes cautions.
     if (context.diagnostics.silence_cautions) return;

@@ -28,9 +28,7 @@ void openSpec(Context& context, Mdl& model, std::string_view text) {
     openMSpec(context, model.model_spec, text);
 }
 
-void closeSpec(Context& context, const Mdl& model) {
-    closeMSpec(context, *model.model_spec, model.name, model.model_type);
-}
+void closeSpec(Context& context, const Mdl& model) { closeMSpec(context, *model.model_spec, model.name, model.type()); }
 
 void openThresholds(Context& context, Mdl& model, std::string_view text) {
     checkReceiverThresholdsOrder(context, model);
@@ -42,7 +40,7 @@ void closeCorner(Context& context, const Mdl& model) { closeCCorner(context, *mo
 template <std::unique_ptr<SeriesBlock> Mdl::*Slot, const std::string_view& Label>
 constexpr Section<MdlState> seriesSection(K key) {
     constexpr auto kOpen = [](Context& context, MdlState& state, Mdl& model, std::string_view text) {
-        if (model.model_type != ModelType::seriesSwitch) {
+        if (model.type() != ModelType::seriesSwitch) {
             errorAtLine(context.diagnostics, 205);
         } else {
             state.series_block = &openSeriesBlock(context, model.*Slot, Label, text);
@@ -119,7 +117,7 @@ void externalLine(Context& context, MdlState& state, const Mdl& model, std::stri
 }
 
 void closeExternal(Context& context, MdlState& state, Mdl& model) {
-    closeExtMdl(context, state.external, model.external_model, model.name, model.model_type);
+    closeExtMdl(context, state.external, model.external_model, model.name, model.type());
 }
 
 void algorithmicLine(Context& context, Mdl& model, std::string_view text) {
@@ -196,10 +194,10 @@ const RecordModule<MdlState> kMdl{
     .impossible = [](Context& context, LineKind) { programBugHereAtLine(context.diagnostics, 122); },
 };
 
-CurveOwner curveOwner(const Mdl& model) { return {"Model", model.name, model.model_type}; }
+CurveOwner curveOwner(const Mdl& model) { return {"Model", model.name, model.type()}; }
 
-bool isDifferential(const Mdl& model) { return kDifferentialTypes.has(model.model_type); }
+bool isDifferential(const Mdl& model) { return kDifferentialTypes.has(model.type()); }
 
-bool isSeries(const Mdl& model) { return kSeriesTypes.has(model.model_type); }
+bool isSeries(const Mdl& model) { return kSeriesTypes.has(model.type()); }
 
 } // namespace kestrel

@@ -13,7 +13,6 @@
 #include "reader/rng.hpp"
 #include "reader/sections.hpp"
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,8 +20,6 @@
 #include <vector>
 
 namespace kestrel {
-
-struct Run;
 
 /// One row of "[Add Submodel]".
 struct AddSubmodel {
@@ -33,15 +30,8 @@ struct AddSubmodel {
 /// A single value. Its line marks it as given (0 until it reads) as soon as it is accepted.
 using GivenValue = std::optional<double>;
 
-/// The tables of a model.
-struct MdlTables : Tables {
-    std::optional<Crv> isso_pu;
-    std::optional<Crv> isso_pd;
-};
-
-/// One "[Model]", whose name has at most 20 or 40 characters, by version. Volts, ohms, farads, degrees Celsius for the
-/// temperature, seconds for transit times.
-struct Mdl : RecordOf<SubjectKind::model>, CComp {
+/// What the subparameters under the keyword itself give. Volts, ohms, farads.
+struct MdlValues : CComp {
     ModelType model_type = ModelType::notGiven;
     Polarity polarity = Polarity::notGiven;
     EnableMode enable = EnableMode::notGiven;
@@ -53,6 +43,11 @@ struct Mdl : RecordOf<SubjectKind::model>, CComp {
     GivenValue vref;
     GivenValue cref_diff;
     GivenValue rref_diff;
+};
+
+/// What keywords with a range on their own line give. Volts, ohms, farads, degrees Celsius for the temperature, seconds
+/// for transit times.
+struct MdlRanges {
     std::optional<Rng> temperature_range;
     std::optional<Rng> voltage_range;
     std::optional<Rng> pullup_reference;
@@ -60,25 +55,41 @@ struct Mdl : RecordOf<SubjectKind::model>, CComp {
     std::optional<Rng> power_clamp_reference;
     std::optional<Rng> gnd_clamp_reference;
     std::optional<Rng> external_reference;
-    std::unique_ptr<CCorner> c_comp_corner;
     std::optional<Rng> ttgnd;
     std::optional<Rng> ttpower;
+    std::optional<Rng> rgnd;
+    std::optional<Rng> rpower;
+    std::optional<Rng> rac;
+    std::optional<Rng> cac;
+};
+
+/// The tables of a model.
+struct MdlTables : Tables {
+    std::optional<Crv> isso_pu;
+    std::optional<Crv> isso_pd;
+};
+
+/// One "[Model]", whose name has at most 20 or 40 characters, by version. Its parts take up room only once a line gives
+/// them, so that a file of hardly more than keyword lines stays cheap.
+struct Mdl : RecordOf<SubjectKind::model> {
+    OnDemand<MdlValues> values;
+    OnDemand<MdlRanges> ranges;
+    OnDemand<MdlTables> tables;
+    std::unique_ptr<CCorner> c_comp_corner;
     std::unique_ptr<DrvSh> driver_schedule;
     std::unique_ptr<MSpec> model_spec;
     std::unique_ptr<RcvTh> receiver_thresholds;
     std::unique_ptr<SeriesBlock> on_block;
     std::unique_ptr<SeriesBlock> off_block;
-    std::vector<AddSubmodel> add_submodels; ///< in file order
-    bool add_submodel_seen = false;         ///< the keyword was there, with or without rows
-    OnDemand<MdlTables> tables;
-    std::optional<Rng> rgnd;
-    std::optional<Rng> rpower;
-    std::optional<Rng> rac;
-    std::optional<Rng> cac;
+    std::vector<AddSubmodel> add_submodels;    ///< in file order
     std::unique_ptr<AlgMod> algorithmic_model; ///< "[Algorithmic Model]", from its keyword line on
     std::unique_ptr<MdlEmi> emi_model;         ///< "[Begin EMI Model]", likewise
     std::unique_ptr<ExtCkt> external_model;    ///< "[External Model]", likewise
+    bool add_submodel_seen = false;            ///< the keyword was there, with or without rows
     bool referenced = false;                   ///< some pin, selector, schedule or series pin mapping names this model
+
+    /// "Model_type".
+    [[nodiscard]] ModelType type() const { return values->model_type; }
 };
 
 /// The model being read, and what of it is open.

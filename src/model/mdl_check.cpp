@@ -16,22 +16,25 @@ struct NamedPart {
     Presence present;
 };
 
-constexpr std::array<Presence, 6> kCapacitances{isPresent<&Mdl::c_comp>,           isPresent<&Mdl::c_comp_pullup>,
-                                                isPresent<&Mdl::c_comp_pulldown>,  isPresent<&Mdl::c_comp_power_clamp>,
-                                                isPresent<&Mdl::c_comp_gnd_clamp>, isPresent<&Mdl::external_model>};
+constexpr std::array<Presence, 6> kCapacitances{
+    isPresent<&MdlValues::c_comp>,           isPresent<&MdlValues::c_comp_pullup>,
+    isPresent<&MdlValues::c_comp_pulldown>,  isPresent<&MdlValues::c_comp_power_clamp>,
+    isPresent<&MdlValues::c_comp_gnd_clamp>, isPresent<&Mdl::external_model>};
 
-constexpr std::array<NamedPart, 2> kThresholds{{{"Vinl", isPresent<&Mdl::vinl>}, {"Vinh", isPresent<&Mdl::vinh>}}};
+constexpr std::array<NamedPart, 2> kThresholds{
+    {{"Vinl", isPresent<&MdlValues::vinl>}, {"Vinh", isPresent<&MdlValues::vinh>}}};
 
-constexpr std::array<NamedPart, 4> kTerminatorParts{{{"Rgnd", isPresent<&Mdl::rgnd>},
-                                                     {"Rpower", isPresent<&Mdl::rpower>},
-                                                     {"Rac", isPresent<&Mdl::rac>},
-                                                     {"Cac", isPresent<&Mdl::cac>}}};
+constexpr std::array<NamedPart, 4> kTerminatorParts{{{"Rgnd", isPresent<&MdlRanges::rgnd>},
+                                                     {"Rpower", isPresent<&MdlRanges::rpower>},
+                                                     {"Rac", isPresent<&MdlRanges::rac>},
+                                                     {"Cac", isPresent<&MdlRanges::cac>}}};
 
-constexpr std::array<NamedPart, 2> kPullReferences{{{"Pullup Reference", isPresent<&Mdl::pullup_reference>},
-                                                    {"Pulldown Reference", isPresent<&Mdl::pulldown_reference>}}};
+constexpr std::array<NamedPart, 2> kPullReferences{{{"Pullup Reference", isPresent<&MdlRanges::pullup_reference>},
+                                                    {"Pulldown Reference", isPresent<&MdlRanges::pulldown_reference>}}};
 
-constexpr std::array<NamedPart, 2> kClampReferences{{{"POWER Clamp Reference", isPresent<&Mdl::power_clamp_reference>},
-                                                     {"GND Clamp Reference", isPresent<&Mdl::gnd_clamp_reference>}}};
+constexpr std::array<NamedPart, 2> kClampReferences{
+    {{"POWER Clamp Reference", isPresent<&MdlRanges::power_clamp_reference>},
+     {"GND Clamp Reference", isPresent<&MdlRanges::gnd_clamp_reference>}}};
 
 constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::pullup>},
                                                  {"Pulldown", isPresent<&Tables::pulldown>},
@@ -39,8 +42,8 @@ constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::p
                                                  {"GND_Clamp", isPresent<&Tables::gnd_clamp>},
                                                  {"Rising Waveform", isPresent<&Tables::rising_waveforms>},
                                                  {"Falling Waveform", isPresent<&Tables::falling_waveforms>},
-                                                 {"TTgnd", isPresent<&Mdl::ttgnd>},
-                                                 {"TTpower", isPresent<&Mdl::ttpower>},
+                                                 {"TTgnd", isPresent<&MdlRanges::ttgnd>},
+                                                 {"TTpower", isPresent<&MdlRanges::ttpower>},
                                                  {"Driver Schedule", isPresent<&Mdl::driver_schedule>}}};
 
 constexpr ModelTypeSet kMeasuredBothWays{ModelType::io, ModelType::ioOpenDrain, ModelType::ioOpenSink,
@@ -55,29 +58,30 @@ constexpr ModelTypeSet kNeedWholeLoad{ModelType::openDrain,  ModelType::ioOpenDr
 constexpr ModelTypeSet kNeedDiffLoad{ModelType::ioDiff, ModelType::outputDiff, ModelType::threeStateDiff};
 
 void checkThresholds(Context& context, const Mdl& model) {
-    if (!kInputTypes.has(model.model_type) || model.receiver_thresholds) return;
+    if (!kInputTypes.has(model.type()) || model.receiver_thresholds) return;
     for (const NamedPart& threshold : kThresholds) {
         if (!threshold.present(model)) {
-            warning(context.diagnostics, 184, model.name, modelTypeText(model.model_type), threshold.word);
+            warning(context.diagnostics, 184, model.name, modelTypeText(model.type()), threshold.word);
         }
     }
 }
 
 void checkTerminator(Context& context, const Mdl& model) {
-    if (model.model_type != ModelType::terminator) {
+    if (model.type() != ModelType::terminator) {
         for (const NamedPart& part : kTerminatorParts) {
             if (part.present(model)) error(context.diagnostics, 185, model.name, part.word);
         }
     }
-    if (model.cac && !model.rac) error(context.diagnostics, 186, model.name);
-    if (model.rac && !model.cac) error(context.diagnostics, 187, model.name);
+    const MdlRanges& ranges = *model.ranges;
+    if (ranges.cac && !ranges.rac) error(context.diagnostics, 186, model.name);
+    if (ranges.rac && !ranges.cac) error(context.diagnostics, 187, model.name);
 }
 
 void checkReferenceVoltages(Context& context, const Mdl& model) {
-    if (model.voltage_range) return;
+    if (model.ranges->voltage_range) return;
     for (const NamedPart& reference : kPullReferences) {
         if (reference.present(model)) continue;
-        if (kPullReferenceOptional.has(model.model_type)) {
+        if (kPullReferenceOptional.has(model.type())) {
             warning(context.diagnostics, 188, model.name, reference.word);
         } else {
             error(context.diagnostics, 188, model.name, reference.word);
@@ -89,7 +93,7 @@ void checkReferenceVoltages(Context& context, const Mdl& model) {
 }
 
 void checkRamp(Context& context, const Mdl& model) {
-    if (kRampOptional.has(model.model_type)) return;
+    if (kRampOptional.has(model.type())) return;
     if (isSeries(model)) {
         if (model.tables->ramp) error(context.diagnostics, 189, model.name);
     } else if (!model.tables->ramp) {
@@ -114,29 +118,29 @@ void checkSeriesSection(Context& context, const Mdl& model, const SeriesBlock& b
 /// What a model has to give when its thresholds follow a supply.
 struct SupplyKeyword {
     ReferenceSupply supply;
-    std::optional<Rng> Mdl::*reference;
+    std::optional<Rng> MdlRanges::*reference;
     CheckedMessage<ArgKind::text> missing;
 };
 constexpr auto kSupplyKeywords = std::to_array({
-    SupplyKeyword{ReferenceSupply::powerClamp, &Mdl::power_clamp_reference, 195},
-    SupplyKeyword{ReferenceSupply::gndClamp, &Mdl::gnd_clamp_reference, 196},
-    SupplyKeyword{ReferenceSupply::pullup, &Mdl::pullup_reference, 197},
-    SupplyKeyword{ReferenceSupply::pulldown, &Mdl::pulldown_reference, 198},
-    SupplyKeyword{ReferenceSupply::external, &Mdl::external_reference, 199},
+    SupplyKeyword{ReferenceSupply::powerClamp, &MdlRanges::power_clamp_reference, 195},
+    SupplyKeyword{ReferenceSupply::gndClamp, &MdlRanges::gnd_clamp_reference, 196},
+    SupplyKeyword{ReferenceSupply::pullup, &MdlRanges::pullup_reference, 197},
+    SupplyKeyword{ReferenceSupply::pulldown, &MdlRanges::pulldown_reference, 198},
+    SupplyKeyword{ReferenceSupply::external, &MdlRanges::external_reference, 199},
 });
 
 /// Thresholds that follow a supply need its reference keyword.
 void checkReferenceSupply(Context& context, const Mdl& model) {
     if (!model.receiver_thresholds) return;
     const auto* const row = rowOf(kSupplyKeywords, model.receiver_thresholds->reference_supply, &SupplyKeyword::supply);
-    if (row != nullptr && !(model.*row->reference)) error(context.diagnostics, row->missing, model.name);
+    if (row != nullptr && !((*model.ranges).*row->reference)) error(context.diagnostics, row->missing, model.name);
 }
 
 void checkSeriesSections(Context& context, const Mdl& model) {
-    if (model.model_type == ModelType::series && model.on_block) {
+    if (model.type() == ModelType::series && model.on_block) {
         checkSeriesSection(context, model, *model.on_block, "Series");
     }
-    if (model.model_type != ModelType::seriesSwitch) return;
+    if (model.type() != ModelType::seriesSwitch) return;
     if (model.on_block) {
         checkSeriesSection(context, model, *model.on_block, kOnLabel);
     } else {
@@ -150,20 +154,21 @@ void checkSeriesSections(Context& context, const Mdl& model) {
 }
 
 void checkSeries(Context& context, const Mdl& model) {
-    if (model.model_type == ModelType::series) checkNotInSeries(context, model, 191);
-    if (model.model_type == ModelType::seriesSwitch) checkNotInSeries(context, model, 192);
+    if (model.type() == ModelType::series) checkNotInSeries(context, model, 191);
+    if (model.type() == ModelType::seriesSwitch) checkNotInSeries(context, model, 192);
     checkSeriesSections(context, model);
 }
 
 void checkTestLoad(Context& context, const Mdl& model) {
     // "[Model Spec]" may give what "[Model]" leaves out.
+    const MdlValues& values = *model.values;
     const MSpec* const spec = model.model_spec.get();
-    const bool vmeas = model.vmeas || (spec != nullptr && spec->vmeas);
-    const bool vref = model.vref || (spec != nullptr && spec->vref);
-    const bool rref = model.rref || (spec != nullptr && spec->rref);
-    if (kNeedVmeas.has(model.model_type) && !vmeas) warning(context.diagnostics, 201, model.name);
-    if (kNeedWholeLoad.has(model.model_type) && !(vmeas && vref && rref)) warning(context.diagnostics, 200, model.name);
-    if (kNeedDiffLoad.has(model.model_type) && !model.cref_diff && !model.rref_diff) {
+    const bool vmeas = values.vmeas || (spec != nullptr && spec->vmeas);
+    const bool vref = values.vref || (spec != nullptr && spec->vref);
+    const bool rref = values.rref || (spec != nullptr && spec->rref);
+    if (kNeedVmeas.has(model.type()) && !vmeas) warning(context.diagnostics, 201, model.name);
+    if (kNeedWholeLoad.has(model.type()) && !(vmeas && vref && rref)) warning(context.diagnostics, 200, model.name);
+    if (kNeedDiffLoad.has(model.type()) && !values.cref_diff && !values.rref_diff) {
         warning(context.diagnostics, 202, model.name);
     }
 }
@@ -196,15 +201,16 @@ bool covers(const Crv& curve, double supply) {
 
 void checkIsso(Context& context, const Mdl& model) {
     const MdlTables& tables = *model.tables;
+    const std::optional<Rng>& range = model.ranges->voltage_range;
     for (const IssoTable& row : kIssoTables) {
         const std::optional<Crv>& table = tables.*row.table;
         if (!table) continue;
         if (!(tables.*row.main)) warning(context.diagnostics, 1501, model.name, row.name, row.main_name);
-        if (kNoTestLoadTypes.has(model.model_type)) {
-            warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.model_type));
+        if (kNoTestLoadTypes.has(model.type())) {
+            warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.type()));
         }
-        if (!model.voltage_range || !model.voltage_range->typ().isNumber()) continue;
-        const double supply = model.voltage_range->typ().value;
+        if (!range || !range->typ().isNumber()) continue;
+        const double supply = range->typ().value;
         if (!covers(*table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }
@@ -212,10 +218,11 @@ void checkIsso(Context& context, const Mdl& model) {
 } // namespace
 
 void checkSubparameters(Context& context, const Mdl& model) {
-    if (model.model_type == ModelType::notGiven) error(context.diagnostics, 180, model.name, "Model_type");
-    if (!kMeasuredBothWays.has(model.model_type) || !model.vmeas) return;
-    if (model.vinl && *model.vinl >= *model.vmeas) caution(context.diagnostics, 182, model.name);
-    if (model.vinh && *model.vinh <= *model.vmeas) caution(context.diagnostics, 183, model.name);
+    if (model.type() == ModelType::notGiven) error(context.diagnostics, 180, model.name, "Model_type");
+    const MdlValues& values = *model.values;
+    if (!kMeasuredBothWays.has(values.model_type) || !values.vmeas) return;
+    if (values.vinl && *values.vinl >= *values.vmeas) caution(context.diagnostics, 182, model.name);
+    if (values.vinh && *values.vinh <= *values.vmeas) caution(context.diagnostics, 183, model.name);
 }
 
 void checkModel(Context& context, const Mdl& model) {
@@ -230,15 +237,15 @@ void checkModel(Context& context, const Mdl& model) {
     checkReferenceSupply(context, model);
     checkTestLoad(context, model);
     if (isDifferential(model) && !model.external_model) {
-        caution(context.diagnostics, 1829, model.name, modelTypeText(model.model_type));
+        caution(context.diagnostics, 1829, model.name, modelTypeText(model.type()));
     }
-    if (model.emi_model) checkMdlEmi(context, *model.emi_model, model.name, model.model_type);
+    if (model.emi_model) checkMdlEmi(context, *model.emi_model, model.name, model.type());
     checkIsso(context, model);
     for (const SeriesBlock* const block : {model.on_block.get(), model.off_block.get()}) {
         if (block != nullptr) checkSMosVoltages(context, block->mosfets, model.name);
     }
-    if (model.c_comp_corner) checkCCorner(context, *model.c_comp_corner, model, model.name);
-    if (model.algorithmic_model) checkAlgModType(context, model.name, model.model_type);
+    if (model.c_comp_corner) checkCCorner(context, *model.c_comp_corner, *model.values, model.name);
+    if (model.algorithmic_model) checkAlgModType(context, model.name, model.type());
 }
 
 } // namespace kestrel

@@ -10,23 +10,23 @@ namespace {
 
 /// What "[Model Spec]" should precede; "[Receiver Thresholds]" only has to precede the first of them.
 constexpr std::array<Presence, 24> kLaterKeywords{
-    isPresent<&Mdl::temperature_range>,
-    isPresent<&Mdl::voltage_range>,
-    isPresent<&Mdl::pullup_reference>,
-    isPresent<&Mdl::pulldown_reference>,
-    isPresent<&Mdl::power_clamp_reference>,
-    isPresent<&Mdl::gnd_clamp_reference>,
-    isPresent<&Mdl::ttgnd>,
-    isPresent<&Mdl::ttpower>,
+    isPresent<&MdlRanges::temperature_range>,
+    isPresent<&MdlRanges::voltage_range>,
+    isPresent<&MdlRanges::pullup_reference>,
+    isPresent<&MdlRanges::pulldown_reference>,
+    isPresent<&MdlRanges::power_clamp_reference>,
+    isPresent<&MdlRanges::gnd_clamp_reference>,
+    isPresent<&MdlRanges::ttgnd>,
+    isPresent<&MdlRanges::ttpower>,
     isPresent<&Mdl::driver_schedule>,
     isPresent<&Tables::pullup>,
     isPresent<&Tables::pulldown>,
     isPresent<&Tables::power_clamp>,
     isPresent<&Tables::gnd_clamp>,
-    isPresent<&Mdl::rgnd>,
-    isPresent<&Mdl::rpower>,
-    isPresent<&Mdl::rac>,
-    isPresent<&Mdl::cac>,
+    isPresent<&MdlRanges::rgnd>,
+    isPresent<&MdlRanges::rpower>,
+    isPresent<&MdlRanges::rac>,
+    isPresent<&MdlRanges::cac>,
     isPresent<&Tables::ramp>,
     isPresent<&Tables::rising_waveforms>,
     isPresent<&Tables::falling_waveforms>,
@@ -70,7 +70,7 @@ void checkModelSpecOrder(Context& context, const Mdl& model) {
 
 void checkReceiverThresholdsOrder(Context& context, const Mdl& model) {
     if (hasAny(model, std::span(kLaterKeywords).first(kAfterThresholds))) errorAtLine(context.diagnostics, 120);
-    if (!kInputTypes.has(model.model_type)) warningAtLine(context.diagnostics, 117, modelTypeText(model.model_type));
+    if (!kInputTypes.has(model.type())) warningAtLine(context.diagnostics, 117, modelTypeText(model.type()));
 }
 
 void openAddSubmodel(Context& context, Mdl& model, std::string_view text) {
@@ -95,7 +95,7 @@ void readAddSubmodel(Context& context, Mdl& model, std::string_view text) {
         errorAtLine(context.diagnostics, 215);
         return;
     }
-    row.mode = readSubmodelMode(context, model.model_type, items[1]);
+    row.mode = readSubmodelMode(context, model.type(), items[1]);
 }
 
 SeriesBlock* currentSeriesBlock(Context& context, MdlState& state, Mdl& model) {
@@ -104,7 +104,7 @@ SeriesBlock* currentSeriesBlock(Context& context, MdlState& state, Mdl& model) {
         return nullptr;
     }
     if (state.series_block == nullptr) {
-        if (model.model_type == ModelType::seriesSwitch) errorAtLine(context.diagnostics, 207);
+        if (model.type() == ModelType::seriesSwitch) errorAtLine(context.diagnostics, 207);
         model.on_block = std::make_unique<SeriesBlock>();
         state.series_block = model.on_block.get();
     }

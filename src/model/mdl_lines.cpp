@@ -6,30 +6,30 @@ namespace kestrel {
 namespace {
 
 using PlainMessage = CheckedMessage<>;
-using Row = Subparameter<Mdl, ModelType, Polarity, EnableMode>;
-using Gate = bool (*)(Context& context, const Mdl& model);
+using Row = Subparameter<MdlValues, ModelType, Polarity, EnableMode>;
+using Gate = bool (*)(Context& context, const MdlValues& values);
 
 /// Admits a subparameter to models of these types; to the others it is a warning that names the type.
-template <const ModelTypeSet& Types, MessageCode Refusal> bool ofType(Context& context, const Mdl& model) {
-    if (Types.has(model.model_type)) return true;
-    warningAtLine(context.diagnostics, Refusal, modelTypeText(model.model_type));
+template <const ModelTypeSet& Types, MessageCode Refusal> bool ofType(Context& context, const MdlValues& values) {
+    if (Types.has(values.model_type)) return true;
+    warningAtLine(context.diagnostics, Refusal, modelTypeText(values.model_type));
     return false;
 }
 
 /// The same, but nothing is said before the type is given.
-template <const ModelTypeSet& Types, MessageCode Refusal> bool ofGivenType(Context& context, const Mdl& model) {
-    return model.model_type != ModelType::notGiven && ofType<Types, Refusal>(context, model);
+template <const ModelTypeSet& Types, MessageCode Refusal> bool ofGivenType(Context& context, const MdlValues& values) {
+    return values.model_type != ModelType::notGiven && ofType<Types, Refusal>(context, values);
 }
 
 /// Admits a subparameter to files of class 4 and later.
-template <MessageCode Refusal> bool fromClass4(Context& context, const Mdl& /*model*/) {
+template <MessageCode Refusal> bool fromClass4(Context& context, const MdlValues& /*values*/) {
     if (context.parse.version >= IbisVersion::v4) return true;
     errorAtLine(context.diagnostics, Refusal);
     return false;
 }
 
-template <Gate First, Gate Second> bool both(Context& context, const Mdl& model) {
-    return First(context, model) && Second(context, model);
+template <Gate First, Gate Second> bool both(Context& context, const MdlValues& values) {
+    return First(context, values) && Second(context, values);
 }
 
 constexpr Row gated(std::string_view name, const Row::Field& field, Gate gate) {
@@ -40,22 +40,22 @@ constexpr ModelTypeSet kTestLoadTypes = kNoTestLoadTypes.others();
 
 constexpr auto kSubparameters = subparameters<Row>(
     {
-        {"Model_type", WordField<Mdl, ModelType>{&Mdl::model_type, modelTypes}},
-        {"Polarity", wordOf<kPolarities>(&Mdl::polarity)},
-        {"Enable", wordOf<kEnableModes>(&Mdl::enable)},
-        gated("Vinl", &Mdl::vinl, ofGivenType<kInputTypes, 159>),
-        gated("Vinh", &Mdl::vinh, ofGivenType<kInputTypes, 161>),
-        gated("Vmeas", &Mdl::vmeas, ofType<kTestLoadTypes, 166>),
-        gated("Cref", &Mdl::cref, ofType<kTestLoadTypes, 167>),
-        gated("Rref", &Mdl::rref, ofType<kTestLoadTypes, 168>),
-        gated("Vref", &Mdl::vref, ofType<kTestLoadTypes, 169>),
-        gated("Rref_diff", &Mdl::rref_diff, both<fromClass4<164>, ofType<kDiffLoadTypes, 165>>),
-        gated("Cref_diff", &Mdl::cref_diff, both<fromClass4<162>, ofType<kDiffLoadTypes, 163>>),
-        {"C_comp", &Mdl::c_comp},
-        gated("C_comp_pullup", &Mdl::c_comp_pullup, fromClass4<170>),
-        gated("C_comp_pulldown", &Mdl::c_comp_pulldown, fromClass4<171>),
-        gated("C_comp_power_clamp", &Mdl::c_comp_power_clamp, fromClass4<172>),
-        gated("C_comp_gnd_clamp", &Mdl::c_comp_gnd_clamp, fromClass4<173>),
+        {"Model_type", WordField<MdlValues, ModelType>{&MdlValues::model_type, modelTypes}},
+        {"Polarity", wordOf<kPolarities>(&MdlValues::polarity)},
+        {"Enable", wordOf<kEnableModes>(&MdlValues::enable)},
+        gated("Vinl", &MdlValues::vinl, ofGivenType<kInputTypes, 159>),
+        gated("Vinh", &MdlValues::vinh, ofGivenType<kInputTypes, 161>),
+        gated("Vmeas", &MdlValues::vmeas, ofType<kTestLoadTypes, 166>),
+        gated("Cref", &MdlValues::cref, ofType<kTestLoadTypes, 167>),
+        gated("Rref", &MdlValues::rref, ofType<kTestLoadTypes, 168>),
+        gated("Vref", &MdlValues::vref, ofType<kTestLoadTypes, 169>),
+        gated("Rref_diff", &MdlValues::rref_diff, both<fromClass4<164>, ofType<kDiffLoadTypes, 165>>),
+        gated("Cref_diff", &MdlValues::cref_diff, both<fromClass4<162>, ofType<kDiffLoadTypes, 163>>),
+        {"C_comp", &MdlValues::c_comp},
+        gated("C_comp_pullup", &MdlValues::c_comp_pullup, fromClass4<170>),
+        gated("C_comp_pulldown", &MdlValues::c_comp_pulldown, fromClass4<171>),
+        gated("C_comp_power_clamp", &MdlValues::c_comp_power_clamp, fromClass4<172>),
+        gated("C_comp_gnd_clamp", &MdlValues::c_comp_gnd_clamp, fromClass4<173>),
     },
     {
         .unknown = CheckedMessage<>(174),
@@ -84,25 +84,25 @@ using NegativeMessages = std::array<PlainMessage, kCornerCount>;
 struct RangeKeyword {
     KeywordCode code;
     std::string_view name;
-    std::optional<Rng> Mdl::*field;
+    std::optional<Rng> MdlRanges::*field;
     bool before_sections = false; ///< belongs ahead of the "[On]" and "[Off]" sections
     std::optional<NegativeMessages> negative;
 };
 
 constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
-    {KeywordCode::temperatureRange, "Temperature Range", &Mdl::temperature_range, true, {}},
-    {KeywordCode::voltageRange, "Voltage Range", &Mdl::voltage_range, true, {}},
-    {KeywordCode::pullupReference, "Pullup Reference", &Mdl::pullup_reference, true, {}},
-    {KeywordCode::pulldownReference, "Pulldown Reference", &Mdl::pulldown_reference, true, {}},
-    {KeywordCode::powerClampReference, "POWER Clamp Reference", &Mdl::power_clamp_reference, true, {}},
-    {KeywordCode::gndClampReference, "GND Clamp Reference", &Mdl::gnd_clamp_reference, true, {}},
-    {KeywordCode::externalReference, "External Reference", &Mdl::external_reference, false, {}},
-    {KeywordCode::rgnd, "Rgnd", &Mdl::rgnd, false, {}},
-    {KeywordCode::rpower, "Rpower", &Mdl::rpower, false, {}},
-    {KeywordCode::rac, "Rac", &Mdl::rac, false, {}},
-    {KeywordCode::cac, "Cac", &Mdl::cac, false, {}},
-    {KeywordCode::ttgnd, "TTgnd", &Mdl::ttgnd, false, NegativeMessages{108, 109, 110}},
-    {KeywordCode::ttpower, "TTpower", &Mdl::ttpower, false, NegativeMessages{112, 113, 114}},
+    {KeywordCode::temperatureRange, "Temperature Range", &MdlRanges::temperature_range, true, {}},
+    {KeywordCode::voltageRange, "Voltage Range", &MdlRanges::voltage_range, true, {}},
+    {KeywordCode::pullupReference, "Pullup Reference", &MdlRanges::pullup_reference, true, {}},
+    {KeywordCode::pulldownReference, "Pulldown Reference", &MdlRanges::pulldown_reference, true, {}},
+    {KeywordCode::powerClampReference, "POWER Clamp Reference", &MdlRanges::power_clamp_reference, true, {}},
+    {KeywordCode::gndClampReference, "GND Clamp Reference", &MdlRanges::gnd_clamp_reference, true, {}},
+    {KeywordCode::externalReference, "External Reference", &MdlRanges::external_reference, false, {}},
+    {KeywordCode::rgnd, "Rgnd", &MdlRanges::rgnd, false, {}},
+    {KeywordCode::rpower, "Rpower", &MdlRanges::rpower, false, {}},
+    {KeywordCode::rac, "Rac", &MdlRanges::rac, false, {}},
+    {KeywordCode::cac, "Cac", &MdlRanges::cac, false, {}},
+    {KeywordCode::ttgnd, "TTgnd", &MdlRanges::ttgnd, false, NegativeMessages{108, 109, 110}},
+    {KeywordCode::ttpower, "TTpower", &MdlRanges::ttpower, false, NegativeMessages{112, 113, 114}},
 }};
 
 void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMessages& messages) {
@@ -119,22 +119,23 @@ void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view n
 }
 
 void readSubparameter(Context& context, Mdl& model, std::string_view text) {
-    const Row* const row = readSubparameter(context, kSubparameters, model, text, model.name);
+    MdlValues& values = model.values.made();
+    const Row* const row = readSubparameter(context, kSubparameters, values, text, model.name);
     if (row == nullptr) return;
-    if (const auto* const range = std::get_if<std::optional<Rng> Mdl::*>(&row->field)) {
-        checkCornerOrder(context, model, row->name, *(model.**range));
+    if (const auto* const range = std::get_if<std::optional<Rng> MdlValues::*>(&row->field)) {
+        checkCornerOrder(context, model, row->name, *(values.**range));
     }
 }
 
 void readRangeKeyword(Context& context, Mdl& model, const Line& line) {
     const RangeKeyword& row = *rowOf(kRangeKeywords, line.key, &RangeKeyword::code);
-    std::optional<Rng>& field = model.*row.field;
+    std::optional<Rng>& field = model.ranges.made().*row.field;
     if (field) {
         reportAlreadyDefined(context, model, row.name);
         return;
     }
     const bool sections_begun = model.on_block || model.off_block;
-    if (row.before_sections && sections_begun && model.model_type == ModelType::seriesSwitch) {
+    if (row.before_sections && sections_begun && model.type() == ModelType::seriesSwitch) {
         errorAtLine(context.diagnostics, 204, model.name, row.name);
     }
     readRangeLine(context, line.text, row.name, kModelRangeRules, field);

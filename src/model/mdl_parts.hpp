@@ -8,16 +8,19 @@
 /// What the files of the model reader share among themselves.
 namespace kestrel {
 
-/// True when the model or its tables have what `Field` holds: a value, a table, at least one entry, a flag.
-template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
-    const auto& value = [&model]() -> const auto& {
-        if constexpr (std::is_invocable_v<decltype(Field), const Mdl&>) {
-            return model.*Field;
-        } else {
-            return (*model.tables).*Field;
-        }
+/// What `Field` holds, in whichever of the parts has it.
+template <auto Field, class Part, class... Others>
+[[nodiscard]] const auto& fieldOf(const Part& part, const Others&... others) {
+    if constexpr (std::is_invocable_v<decltype(Field), const Part&>) {
+        return part.*Field;
+    } else {
+        return fieldOf<Field>(others...);
     }
-    ();
+}
+
+/// True when the model has what `Field` holds: a value, a table, at least one entry, a flag.
+template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
+    const auto& value = fieldOf<Field>(model, *model.values, *model.ranges, *model.tables);
     if constexpr (requires { value.empty(); }) {
         return !value.empty();
     } else {

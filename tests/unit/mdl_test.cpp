@@ -131,22 +131,23 @@ TEST(Model, keepsWhatItsLinesGive) {
         "[Model] m\nVinl = 9\nModel_type I/O_open_sink\nPolarity Inverting\nEnable Active-Low\nVinl 1\n"
         "Vinh = 2.0V\nVmeas=1.5 x\nCref = 5k\nRref = x\nVref_diff = 1\nC_comp 5p 4p NA\n"
         "C_comp_gnd_clamp\n[Voltage Range] 3.3 x 3.6\n[TTpower] -1n NA NA\n[GND Clamp Reference] 0 0 0");
-    const Mdl& model = reading.newest();
-    EXPECT_EQ(model.model_type, ModelType::ioOpenSink);
-    EXPECT_EQ(model.polarity, Polarity::inverting);
-    EXPECT_EQ(model.enable, EnableMode::activeLow);
-    EXPECT_EQ(model.vinl, 0.0); // given, without a value
-    EXPECT_EQ(model.vinh, 2.0);
-    EXPECT_EQ(model.vmeas, 1.5);
-    EXPECT_EQ(model.cref, 5000.0);
-    EXPECT_EQ(model.rref, 0.0);
-    EXPECT_FALSE(model.vref);
-    EXPECT_DOUBLE_EQ(model.c_comp->min().value, 4e-12);
-    EXPECT_EQ(model.c_comp->max().state, CellState::na);
-    EXPECT_EQ(model.c_comp_gnd_clamp->typ().state, CellState::missing);
-    EXPECT_FALSE(model.voltage_range);
-    EXPECT_DOUBLE_EQ(model.ttpower->typ().value, -1e-9);
-    EXPECT_TRUE(model.gnd_clamp_reference);
+    const MdlValues& values = *reading.newest().values;
+    const MdlRanges& ranges = *reading.newest().ranges;
+    EXPECT_EQ(values.model_type, ModelType::ioOpenSink);
+    EXPECT_EQ(values.polarity, Polarity::inverting);
+    EXPECT_EQ(values.enable, EnableMode::activeLow);
+    EXPECT_EQ(values.vinl, 0.0); // given, without a value
+    EXPECT_EQ(values.vinh, 2.0);
+    EXPECT_EQ(values.vmeas, 1.5);
+    EXPECT_EQ(values.cref, 5000.0);
+    EXPECT_EQ(values.rref, 0.0);
+    EXPECT_FALSE(values.vref);
+    EXPECT_DOUBLE_EQ(values.c_comp->min().value, 4e-12);
+    EXPECT_EQ(values.c_comp->max().state, CellState::na);
+    EXPECT_EQ(values.c_comp_gnd_clamp->typ().state, CellState::missing);
+    EXPECT_FALSE(ranges.voltage_range);
+    EXPECT_DOUBLE_EQ(ranges.ttpower->typ().value, -1e-9);
+    EXPECT_TRUE(ranges.gnd_clamp_reference);
 }
 
 TEST(Model, names) {
@@ -329,7 +330,7 @@ TEST(Model, whatEachTypeAdmitsAndNeeds) {
         EXPECT_EQ(said("C_comp 1p NA NA\n[End]"),
                   (row.thresholds ? "W0184 W0184 "s : ""s).append(pull + pull + "E0188 E0188").append(row.lacks))
             << row.type;
-        EXPECT_EQ(modelTypeText(Reading(V::v4).read("[Model] m\nModel_type "s.append(row.type)).newest().model_type),
+        EXPECT_EQ(modelTypeText(Reading(V::v4).read("[Model] m\nModel_type "s.append(row.type)).newest().type()),
                   row.type);
     }
 }

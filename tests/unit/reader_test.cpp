@@ -302,6 +302,17 @@ TEST(BadInput, longLinesAndManyLinesKeepTheirPlace) {
               std::string::npos);
 }
 
+/// How large a record may be whose opening line without a name is `line`: 30 bytes of memory for each of the file is
+/// the limit. The allocator adds up to 24 to a record, and while the list of records grows its entries there take 24
+/// more.
+constexpr std::size_t largestRecord(std::string_view line) { return 30 * (line.size() + 1) - 24 - 24; }
+
+TEST(BadInput, ofBareOpeningLinesTakesLittleMemory) {
+    EXPECT_LE(sizeof(Mdl), largestRecord("[Model]"));
+    EXPECT_LE(sizeof(SubMdl), largestRecord("[Submodel]"));
+    EXPECT_LE(sizeof(Cmpnt), largestRecord("[Component]"));
+}
+
 TEST(Runs, shareNothing) {
     const std::string first = std::string(kHeader) + "[Comment Char] #_char\n[Component] A\n[Component] A\n";
     const std::string second = "[IBIS Ver] 2.1\n[File Name] test.ibs\n| comment\n[Component] A\n";
