@@ -46,9 +46,7 @@ private:
 std::vector<fs::path> findCases(const fs::path& directory) {
     std::vector<fs::path> files;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
-        if (entry.path().extension() == ".case") {
-            files.push_back(entry.path());
-        }
+        if (entry.path().extension() == ".case") files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
     return files;
@@ -93,8 +91,6 @@ int main(int argc, char** argv) {
     surroundings.texts = kestrel::cases::readTexts(directory);
     const char* const update = std::getenv("KESTREL_UPDATE_CASES");
     surroundings.update = update != nullptr && std::string_view(update) == "1";
-    if (!registerCases(directory, surroundings)) {
-        return EXIT_FAILURE;
-    }
+    if (!registerCases(directory, surroundings)) return EXIT_FAILURE;
     return RUN_ALL_TESTS();
 }

@@ -22,7 +22,7 @@ bool wasFound(const AmiFiles& files, const std::filesystem::path& path) {
     return path.string().find("..") == std::string::npos || std::filesystem::is_directory(path.parent_path(), failure);
 }
 
-void checkAmiFile(Context& context, AmiFiles& files, std::string_view model, const std::string& name) {
+void checkAmiFile(Context& context, AmiFiles& files, const Mdl& model, const std::string& name) {
     constexpr std::string_view kSeparators = "/\\";
     const KeptParse kept(context.parse);
     const bool is_absolute = kSeparators.find(name.front()) != std::string_view::npos;
@@ -30,13 +30,14 @@ void checkAmiFile(Context& context, AmiFiles& files, std::string_view model, con
     if (wasFound(files, path)) return;
     // One in a folder is sought from where the .ibs file is; a bare name is sought there anyhow.
     const std::string& opened = name.find_first_of(kSeparators) == std::string::npos ? name : path;
-    const std::int64_t errors = context.diagnostics.errors;
     std::optional<Source> source;
-    if (opened.size() < kMaxPath) source = openSource(context, opened, FileKind::ami, WhenAbsent::leave);
-    if (!source) {
-        if (context.diagnostics.errors == errors) warning(context.diagnostics, 4610, name, model);
-        return;
+    {
+        const About about(context.diagnostics, model); // what the file holds is not about the model
+        const std::int64_t errors = context.diagnostics.errors;
+        if (opened.size() < kMaxPath) source = openSource(context, opened, FileKind::ami, WhenAbsent::leave);
+        if (!source && context.diagnostics.errors == errors) warning(context.diagnostics, 4610, name, model.name);
     }
+    if (!source) return;
     const bool is_new = files.paths.insert(normal(source->path)).second;
     files.paths.insert(normal(path));
     if (!is_new) return;
@@ -53,7 +54,7 @@ void checkAmiFiles(Context& context, AmiFiles& files, const Ibis& root) {
             const std::string& name = executable.parameter_file;
             // One of another kind was reported with its line.
             if (kindOfName(name) != FileKind::ami || !files.names.insert(name).second) continue;
-            checkAmiFile(context, files, model.name, name);
+            checkAmiFile(context, files, model, name);
         }
     }
 }

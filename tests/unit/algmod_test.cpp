@@ -1,10 +1,7 @@
 // Parameter files of algorithmic models: brackets, sections, parameters and the reserved ones.
 
 #include "ami/check.hpp"
-#include "check_text.hpp"
-#include "codes.hpp"
-#include "ibis/parse.hpp"
-#include "ibis/run.hpp"
+#include "files.hpp"
 
 #include <fstream>
 #include <iterator>
@@ -19,11 +16,9 @@ namespace {
 
 /// What the text of a parameter file, its comments gone, is answered with.
 std::string printedFor(std::string_view text, bool coded) {
-    Output out;
-    kestrel::Run run(out);
-    run.diagnostics.coded_form = coded;
-    checkAmi(run, text);
-    return out.text();
+    TestRun test(coded);
+    checkAmi(test.run, text);
+    return test.out.text();
 }
 
 std::string codesFor(std::string_view text) { return codesOf(printedFor(text, true)); }
@@ -66,9 +61,8 @@ TEST(AmiBrackets, areReportedAndEndTheChecks) {
         {"(m (Table ()))", "E4622@"},
         {"(m (s (Table ())))", "E4622@"},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         EXPECT_EQ(codesFor(row.text), row.codes) << row.text;
-    }
     EXPECT_EQ(printedFor("\n(m\n (Reserved_Parameters\n", false),
               "ERROR - 2 closing ')' missing, the first unclosed '(' is on line 2\n");
 }
@@ -95,113 +89,8 @@ TEST(AmiSections, areFoundInAnyOrderOnce) {
          "E4628@ E4632@"},
         {"(m (Reserved_Parameters))", "W4647@ E4652 E4652"},
     };
-    for (const auto& [text, codes] : rows) {
+    for (const auto& [text, codes] : rows)
         EXPECT_EQ(codesFor(text), codes) << text;
-    }
-}
-
-TEST(AmiParameters, areCheckedByThemselves) {
-    const std::initializer_list<Row> rows{
-        {"(Usage In) (Type Integer) (List 6 0 2 4) (Default 6)", ""},
-        {"(Usage InOut) (Type Tap) (Format Range 0.1 -0.1 0.2) (Default 0.1) (Description \"text\")", ""},
-        // children
-        {"(Usage in) (Type Float) (Value 1)", "E4636@"},
-        {"(Usage Both) (Type float) (Value 1)", "E4635@ E4636@"},
-        {"(Usage In Out) (Type Float Integer) (Value 1)", "E4630@ E4630@"},
-        {"(Usage) (Type) (Value 1)", "E4633@ E4633@"},
-        {"(Usage) (Usage Out) (Type) (Type Float)", "E4634@ E4634@ E4633@ E4633@ W4641@"},
-        {"(Usage Out) (Type Float (x)) (Table (q))", "E4645@ E4638@"},
-        {"(Usage In) (Type String (x)) (Range 1 0 2)", "E4645@ E4639@"},
-        {"(usage Out) (Type Float)", "E4645@"},
-        {"(Usage) (usage In) (Type Float) (Value 1)", "E4645@"},
-        {"(usage In) (Usage) (Type Float) (Value 1)", "E4645@"},
-        {"(Usage In) (Type Float Integer) (Format (Value 1))", "E4635@"},
-        {"(Usage In) (Type Integer String) (format Table (1 a))", "E4645@"},
-        {"(Usage In) (Type Integer String) (Format)", "E4635@"},
-        {"(usage In) (Type Float) (Value 1)", "E4645@"},
-        {"(usage In) (Usage Out) (Type String) (type UI) (Range 1 0 2)", "E4645@ E4645@ E4639@"},
-        {"(Usage In) (Type Float) (default 1)", "E4645@"},
-        {"(Usage In) (Type Float Foo) (Value x)", "E4630@ E4638@"}, // the first type counts
-        {"(Usage In) (Type Float String) (Range 1 0 2)", "E4630@"},
-        {"(Usage In) (Usage Out) (Type Float) (Type UI) (Value 1)", "E4634@ E4634@"},
-        {"(Usage In) (Type Float) (Value 1) (Range 1 0 2) (Format List 1)", "E4634@ E4634@"},
-        {"(Usage In) (Type Float) (Default 1) (Default 2)", "E4634@"},
-        {"(Usage In) (Type Float)", "W4641@"},
-        {"(Usage Out) (Type Float)", ""},
-        {"(Usage in) (Type Float)", "E4636@"},
-        {"(Usage In) (Type Float) (Format Span 1) (Default 1)", "E4635@"},
-        {"(Usage In) (Type Float) (Format) ", "E4635@"},
-        {"(Usage In) (Type Float) (range 1 0 2)", "E4636@"},
-        {"(Usage In) (Type Float) (Value 1) (Tip 1) word \"text\"", "E4645@ E4630@ E4630@"},
-        {"(Usage In) (Type Float) (Value 1) (Description text)", "E4631@"},
-        {"(Usage In) (Type Float) (Value 1) (Description \"a\" \"b\")", "E4631@"},
-        {"(Usage In) (Type Float) (Value 1) (Description \"a\") (Description \"b\")", "E4634@"},
-        {"(Usage (In)) (Type Float) (Value (1))", "E4645@ E4645@"},
-        // numbers of values
-        {"(Usage In) (Type Float) (Value)", "E4637@"},
-        {"(Usage In) (Type Float) (Value 1 2)", "E4637@"},
-        {"(Usage In) (Type Float) (Range 1 0)", "E4637@"},
-        {"(Usage In) (Type Float) (Corner 1 0)", "E4637@"},
-        {"(Usage In) (Type Float) (List)", "E4637@"},
-        {"(Usage In) (Type Float) (Increment 1 0 2)", "E4637@"},
-        {"(Usage In) (Type Float) (Format Gaussian 1)", "E4637@"},
-        {"(Usage In) (Type Float) (Default)", "E4637@"},
-        {"(Usage In) (Type Float) (Default 1 2)", "E4630@"},
-        // types
-        {"(Usage In) (Type Integer) (List -3 +4 99999999999999999999)", ""},
-        {"(Usage In) (Type Integer) (Value 1.5)", "E4638@"},
-        {"(Usage In) (Type Float) (List 1.5n -2e-3 3ps)", ""},
-        {"(Usage In) (Type Float) (List 1n5 x)", "E4638@"}, // the first ends the checks
-        {"(Usage In) (Type UI) (Value \"1\")", "E4638@"},
-        {"(Usage In) (Type UI) (Value inf)", "E4638@"},
-        {"(Usage In) (Type Boolean) (Default true)", "E4636@"},
-        {"(Usage In) (Type Boolean) (Value \"True\")", "E4638@"},
-        {"(Usage In) (Type String) (List \"a b\" c)", ""},
-        {"(Usage In) (Type String) (Range 1 0 2)", "E4639@"},
-        {"(Usage In) (Type Boolean) (Range 1 0 2) (Default 1)", "E4639@ E4638@"},
-        {"(Usage In) (Type Integer) (Gaussian 0 1)", "E4639@"},
-        // order and default
-        {"(Usage In) (Type Float) (Range 1 2 3)", "E4643@"},
-        {"(Usage In) (Type Float) (Range 1 2 0) (Default 5)", "E4643@"},
-        {"(Usage In) (Type Float) (Increment 1 0 2 0)", "E4644@"},
-        {"(Usage In) (Type Integer) (Steps 3 0 2 -1)", "E4643@ E4644@"},
-        {"(Usage In) (Type Float) (Range 1 0 2) (Default 3)", "W4642@"},
-        {"(Usage In) (Type Integer) (Steps 1 0 2 4) (Default 2)", ""},
-        {"(Usage In) (Type Float) (List 1 2) (Default 1.0)", ""},
-        {"(Usage In) (Type UI) (List 1n 3n) (Default 3e-9)", ""},
-        {"(Usage In) (Type Tap) (Range 1n 0 3e-9) (Default 3n)", ""}, // the scaled number rounds up
-        {"(Usage In) (Type Integer) (List 1 2) (Default +3)", "W4642@"},
-        {"(Usage In) (Type String) (List \"1\" 2) (Default 1.0)", "W4642@"},
-        {"(Usage In) (Type Integer) (List 1 2) (List_Tip \"one\" two)", "W4651@"},
-        {"(Usage In) (List_Tip one (x)) (Type Integer) (List 1 2) (List_Tip)", "W4651@ E4645@ E4634@"},
-        {"(List_Tip one) (Usage In) (Type Integer) (List 1 2 x)", "W4651@ E4637@ E4638@"},
-        {"(Usage In) (Type Integer) (Value 1) (List_Tip one two)", "W4651@"},
-        {"(Usage In) (Type Float) (Value 1) (Default 1)", "W4648@"},
-        {"(Usage In) (Type Float) (Range 1 0 x) (Default 3)", "E4638@"},
-        // tables
-        {"(Usage In) (Type Float) (Format Table (Labels \"t\" p) (1 2) (3 4))", ""},
-        {"(Usage In) (Type Float) (Table (1 2) (3) ())", "E4646@ E4646@"},
-        {"(Usage In) (Type Float) (Table (Labels a b c) (1 2))", "E4646@"},
-        {"(Usage In) (Type Float) (Table (1 2) (Labels a))", "E4638@"},
-        {"(Usage In) (Type Integer String) (Table (1 \"a\") (2 b))", ""},
-        {"(Usage In) (Type Integer String) (Table (a 1))", "E4638@"},
-        {"(Usage In) (Type Integer String UI) (Table (1 a))", "E4646@"},
-        {"(Usage In) (Type Integer Foo) (Table (1 2 3))", "E4635@ E4646@"},
-        {"(Usage In) (Type Float) (Table 1 (2))", "E4630@"},
-        {"(Usage In) (Type Float) (Table (Labels a))", "E4637@"},
-        {"(Usage In) (Type Float) (Table ())", "E4637@"},
-        {"(Usage In) (Type Float) (Table (1) ((2)))", "E4645@"},
-        {"(Usage In) (Type Float) (Table (1 (2)) ())", "E4645@"},
-        {"(Usage In) (Type String) (Table (Value a) ())", "E4646@"},
-        {"(Usage In) (Type Float) (Table x (Labels a) (1) (2))", "E4630@"},
-        {"(Usage In) (Type Float) (Table (1 (2)) (1 2) (3 4))", "E4645@"},
-        {"(Usage In) (Type Float) (Table)", "E4637@"},
-        {"(Usage In) (Type Tap) (Table (1 2))", "E4639@"},
-    };
-    for (const Row& row : rows) {
-        const std::string leaf = "(p " + std::string(row.text) + ")";
-        EXPECT_EQ(codesFor(file(kVersion51, "", leaf)), row.codes) << row.text;
-    }
 }
 
 TEST(AmiParameters, standInBranches) {
@@ -221,9 +110,8 @@ TEST(AmiParameters, standInBranches) {
         {"(b (Table (q (Usage Bad) (Type UI)) ()))", "E4622@"},
         {"(b (Format Value (x (Usage Out) (Type UI))))", "E4630@"},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         EXPECT_EQ(codesFor(file(kVersion51, "", row.text)), row.codes) << row.text;
-    }
 }
 
 TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
@@ -252,9 +140,8 @@ TEST(AmiParameters, reservedOnesAreCheckedAgainstTheirTable) {
         {"(b (Mine (Usage In) (Type Float) (Value 1)))", "E4649@"},
         {"(GetWave_Exists (Usage Info) (Type Boolean) (Value True))", "E4632@"},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         EXPECT_EQ(codesFor(file(kVersion51, row.text, "")), row.codes) << row.text;
-    }
     EXPECT_EQ(codesFor("(m (Reserved_Parameters (GetWave_Exists (x (Usage Out) (Type UI)))))"), "E4649@ E4652");
     EXPECT_EQ(codesFor("(m (Reserved_Parameters (Init_Returns_Impulse (Usage Info) (Type Boolean) (Value False))"
                        "(GetWave_Exists (Usage Info) (Type Boolean) (Format Value False))))"),
@@ -305,7 +192,7 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
 TEST(AmiTree, takesAnyPieceOfTheExample) {
     std::ifstream file(std::string(KESTREL_EXAMPLES_DIR) + "/receiver.ami");
     const std::string text(std::istreambuf_iterator<char>(file), {});
-    const auto check = [](std::string_view piece) { return testing::checkText(piece, FileKind::ami, "piece.ami"); };
+    const auto check = [](std::string_view piece) { return checkText(piece, "piece.ami"); };
     ASSERT_TRUE(check(text).ends_with("File Passed\n"));
     for (std::size_t size = 0; size < text.rfind(')'); ++size) {
         EXPECT_TRUE(check(text.substr(0, size)).ends_with("File Failed\n")) << size;
@@ -320,27 +207,23 @@ TEST(AmiTree, takesAnyPieceOfTheExample) {
 TEST(AmiTree, takesAnyDepthAndLength) {
     constexpr std::size_t kDepth = 200000;
     std::string deep;
-    for (std::size_t i = 0; i < kDepth; ++i) {
+    for (std::size_t i = 0; i < kDepth; ++i)
         deep.append("(b ");
-    }
     EXPECT_EQ(codesFor(file(kVersion51, "", deep + std::string(kDepth, ')'))), "W4647@");
     EXPECT_EQ(printedFor(deep, false), "ERROR - 200000 closing ')' missing, the first unclosed '(' is on line 1\n");
 
     // Faults of things with a long name, and many names in one branch.
     std::string many = "(" + std::string(100000, 'n');
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000; ++i)
         many.append(" w (b").append(std::to_string(i)).append(" w)");
-    }
     EXPECT_EQ(codesFor(file(kVersion51, "", many + ")")).size(), 40000 * std::string_view("E4630@ ").size() - 1);
 
     // Nodes without a name, first and last in each of many tables within tables: told in the order of the file.
     std::string tables;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000; ++i)
         tables.append("(Table ()\n");
-    }
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000; ++i)
         tables.append("())\n");
-    }
     const std::string printed = printedFor(file(kVersion51, "", "(b " + tables + ")"), false);
     EXPECT_TRUE(
         printed.starts_with("ERROR (line    1) - Missing name after '('\n"
@@ -359,21 +242,17 @@ TEST(AmiTree, takesAnyDepthAndLength) {
 }
 
 TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
-    Output out;
-    kestrel::Run run(out);
-    const auto put = [&run](const std::string& path, std::string_view text) {
-        run.sources.texts[path] = std::make_shared<const std::string>(text);
-    };
-    put("folder/board.ibs",
-        "[IBIS Ver] 5.1\n[Comment Char] #_char\n[Model] M\n[Algorithmic Model]\n"
-        "Executable Linux_gcc_64 a.so inner/p.ami # in a folder\n"
-        "Executable Linux_gcc_32 a.so ././inner/./p.ami\n"
-        "Executable Linux_gcc_32 a.so inner/../q.ami\n"
-        "Executable Linux_gcc_32 a.so Q.AMI\n[End Algorithmic Model]\n[End]\n");
-    put("folder/inner/p.ami", "(p | not a root\n");
-    put("folder/q.ami", "\n\n\"open | string\n");
-    checkFile(run, "folder/board.ibs", FileKind::ibs);
-    const std::string& printed = out.text();
+    Files files;
+    const kestrel::Run& run = files.run;
+    files.put("folder/board.ibs",
+              "[IBIS Ver] 5.1\n[Comment Char] #_char\n[Model] M\n[Algorithmic Model]\n"
+              "Executable Linux_gcc_64 a.so inner/p.ami # in a folder\n"
+              "Executable Linux_gcc_32 a.so ././inner/./p.ami\n"
+              "Executable Linux_gcc_32 a.so inner/../q.ami\n"
+              "Executable Linux_gcc_32 a.so Q.AMI\n[End Algorithmic Model]\n[End]\n");
+    files.put("folder/inner/p.ami", "(p | not a root\n");
+    files.put("folder/q.ami", "\n\n\"open | string\n");
+    const std::string& printed = files.check("folder/board.ibs");
     EXPECT_NE(printed.find("\nChecking folder/inner/p.ami for IBIS 5.1 Compatibility...\n\nERROR - 1 closing"),
               std::string::npos);
     // Not kept under this spelling, and known for the same without being looked for.

@@ -1,7 +1,6 @@
 // What a component keeps of its lines, faulty ones included, and how its pins find their models.
 
-#include "codes.hpp"
-#include "component_file.hpp"
+#include "files.hpp"
 
 #include <cstddef>
 #include <string>
@@ -66,15 +65,13 @@ TEST(Pins, areFoundAmongManyByTheFirstOfTheirName) {
     constexpr std::size_t kPins = 5000;
     constexpr std::size_t kNames = 3000;
     std::string lines = "[Pin] signal_name model_name\n";
-    for (std::size_t i = 0; i < kPins; ++i) {
+    for (std::size_t i = 0; i < kPins; ++i)
         lines.append(std::to_string(i % kNames)).append(" s GND\n");
-    }
     const ComponentFile file("4.2", lines);
     EXPECT_EQ(file.run.diagnostics.errors, kPins - kNames);
     const PinList& pins = file.component().pins;
-    for (std::size_t i = 0; i < kNames; ++i) {
+    for (std::size_t i = 0; i < kNames; ++i)
         ASSERT_EQ(pins.find(std::to_string(i)), &pins[i]);
-    }
     EXPECT_EQ(pins.find(std::to_string(kNames)), nullptr);
 }
 
@@ -103,9 +100,8 @@ TEST(Pins, markTheirModelsAndAreReportedOncePerName) {
                           "ERROR - Pin '5' of Component 'Chip' names 'sel" +
                           std::string(kSeries)));
     std::vector<std::string_view> marked;
-    for (const Mdl& model : file.root().models.newestFirst()) {
+    for (const Mdl& model : file.root().models.newestFirst())
         if (model.referenced) marked.push_back(model.name);
-    }
     EXPECT_THAT(marked, ElementsAre(longest, "entry", "diff", "buf")); // the second by the selector
 }
 

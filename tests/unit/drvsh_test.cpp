@@ -1,11 +1,7 @@
 // The names of a driver schedule by version; its delays and whole-file checks are covered by files.
 
-#include "model/drvsh.hpp"
+#include "lines.hpp"
 
-#include "codes.hpp"
-#include "ibis/run.hpp"
-
-#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -34,15 +30,12 @@ TEST(DriverSchedule, namesByVersion) {
         {"nc", IbisVersion::v3, "nc", "E4213@", "nc"},
     };
     for (const Row& row : rows) {
-        Output out;
-        kestrel::Run run(out);
-        run.diagnostics.coded_form = true;
-        run.parse.version = row.version;
-        std::unique_ptr<DrvSh> schedule;
-        openDrvSh(run, schedule, "");
-        drvShLine(run, *schedule, "  " + row.name + " 1n 2n NA NA", row.model);
-        EXPECT_EQ(codesOf(out.text()), row.codes) << row.name;
-        const DrvShEntry& entry = schedule->entries.back();
+        Lines lines(KeywordCode::model, row.version);
+        lines.read("[Model] " + row.model + "\nModel_type Output").codes();
+        lines.read("[Driver Schedule]\n  " + row.name + " 1n 2n NA NA");
+        EXPECT_EQ(lines.codes(), row.codes) << row.name;
+        const Mdl& model = *lines.root.models.newestFirst().begin();
+        const DrvShEntry& entry = model.driver_schedule->entries.back();
         EXPECT_EQ(entry.model_name, row.stored);
         EXPECT_EQ(entry.delays->rise_off.value, 2e-9);
         EXPECT_EQ(entry.delays->fall_on.state, CellState::na);

@@ -2,7 +2,7 @@
 
 #include "board/ebdmdl.hpp"
 
-#include "board_files.hpp"
+#include "files.hpp"
 
 #include <string>
 #include <string_view>
@@ -11,8 +11,6 @@
 
 namespace kestrel {
 namespace {
-
-using testing::BoardFiles;
 
 struct Row {
     std::string text;
@@ -28,7 +26,7 @@ const std::string kEnd = "\n[End Board Description]";
 void expectCodes(const std::string& before, const std::string& behind, std::initializer_list<Row> rows,
                  std::string_view version = "4.2") {
     for (const Row& row : rows)
-        EXPECT_EQ(BoardFiles().add("b.ebd", before + row.text + behind, version).check("b.ebd"), row.codes) << row.text;
+        EXPECT_EQ(codesOfFile(before + row.text + behind, "b.ebd", version), row.codes) << row.text;
 }
 
 TEST(Board, beginsAndEnds) {
@@ -164,15 +162,15 @@ TEST(BoardReferences, componentsAndTheirPins) {
         {board("B", "Node U1.1", "U1 old.ibs X"), "E0900"},
     };
     for (const Row& row : rows) {
-        BoardFiles files;
+        Files files(true);
         files.add("c.ibs", component("C") + component("D")).add("five.ibs", component("F", "123456"), "5.1");
         files.add("old.ibs", component("X"), "1.1");
-        EXPECT_EQ(files.add("b.ebd", row.text).check("b.ebd"), row.codes) << row.text;
+        EXPECT_EQ(codesOf(files.add("b.ebd", row.text).check("b.ebd")), row.codes) << row.text;
     }
 }
 
 TEST(BoardReferences, eachFileIsReadOnceAndTheReaderPutBack) {
-    BoardFiles files;
+    Files files(true);
     files.add("c.ibs", component("C") + component("D") + component("D") + "[Comment Char] #_char");
     files.add("d.ebd", board("D", "", ""));
     // The boards are checked from the last to the first. What a file is reported for comes with its first reading
@@ -181,7 +179,7 @@ TEST(BoardReferences, eachFileIsReadOnceAndTheReaderPutBack) {
               board("A", "Node U1.1 Node U2.9 Node U3.9 Node U4.1", "U1 c.ibs C\nU2 c.ibs D\nU3 d.ebd D\nU4 no.ibs X") +
                   board("B", "Node U.9 Node V.1 Node W.1 Node X.1", "U c.ibs C\nV c.ibs E\nW no.ibs X\nX d.ebd D"),
               "3.2");
-    EXPECT_EQ(files.check("b.ebd"), "E0511 E4389 E4390 E1905 E0900 E4389 E4389");
+    EXPECT_EQ(codesOf(files.check("b.ebd")), "E0511 E4389 E4390 E1905 E0900 E4389 E4389");
     EXPECT_EQ(files.timesRead("c.ibs"), 1);
     EXPECT_EQ(files.timesRead("d.ebd"), 1);
     EXPECT_EQ(files.run.parse.file_name, "b.ebd");
@@ -189,15 +187,15 @@ TEST(BoardReferences, eachFileIsReadOnceAndTheReaderPutBack) {
     EXPECT_EQ(files.run.parse.comment, '|');
     EXPECT_EQ(files.run.parse.version, IbisVersion::v3);
     EXPECT_EQ(files.run.roots.size(), 1U);
-    ASSERT_NE(currentRoot(files.run).board_descriptions.find("A"), nullptr);
+    ASSERT_NE(files.root().board_descriptions.find("A"), nullptr);
 }
 
 TEST(BoardReferences, whatAFileIsReportedForCounts) {
-    BoardFiles files;
+    Files files(true);
     files.add("c.ibs", component("C") + component("C")); // 511, by the file's own final checks
     files.add("b.ebd", board("B", "Node U1.2 Node U2.1", "U1 c.ibs C\nU2 d.ebd D"));
     files.add("d.ebd", board("D", "", "") + board("D", "Node X.1", "X nosuch.ibs C"));
-    EXPECT_EQ(files.check("b.ebd"), "E0511 E4389 E4306");
+    EXPECT_EQ(codesOf(files.check("b.ebd")), "E0511 E4389 E4306");
     EXPECT_EQ(diagnosticCounts(files.run.diagnostics).errors, 3);
     EXPECT_EQ(files.timesRead("nosuch.ibs"), 0);
 }
@@ -216,10 +214,10 @@ TEST(BoardReferences, boardsOnBoards) {
         {board("A", "Node U1.1", "U1 back.ebd B") + board("N", "Node U1.1", "U1 back.ebd B"), "E4394 E4394"},
     };
     for (const Row& row : rows) {
-        BoardFiles files;
+        Files files(true);
         files.add("b.ebd", board("B", "Node U1.1", "U1 c.ebd C")).add("c.ebd", board("C", "Node U1.1", "U1 a.ebd A"));
         files.add("back.ebd", board("B", "Node U1.1 Node U2.1", "U1 a.ebd A\nU2 a.ebd N\nU3 a.ebd A"));
-        EXPECT_EQ(files.add("a.ebd", row.text).check("a.ebd"), row.codes) << row.text;
+        EXPECT_EQ(codesOf(files.add("a.ebd", row.text).check("a.ebd")), row.codes) << row.text;
         EXPECT_EQ(files.timesRead("c.ebd"), 0);
         EXPECT_EQ(files.timesRead("a.ebd"), 1);
     }

@@ -2,8 +2,9 @@
 
 #include "board/ebdpath.hpp"
 
-#include "board_files.hpp"
+#include "files.hpp"
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -12,20 +13,23 @@
 namespace kestrel {
 namespace {
 
-using testing::BoardFiles;
-
 const std::string kBefore =
     "[Begin Board Description] B\n[Manufacturer] M\n[Number Of Pins] 1\n[Pin List] signal_name\n1 NC\n"
     "[Path Description] P\n";
 
 std::string codesOfPath(std::string_view text) {
-    return BoardFiles().add("b.ebd", kBefore + std::string(text) + "\n[End Board Description]").check("b.ebd");
+    return codesOfFile(kBefore + std::string(text) + "\n[End Board Description]", "b.ebd");
 }
 
 struct Row {
     std::string text;
     std::string codes;
 };
+
+void expectCodes(std::span<const Row> rows) {
+    for (const Row& row : rows)
+        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+}
 
 TEST(Path, tokens) {
     const Row rows[] = {
@@ -43,8 +47,7 @@ TEST(Path, tokens) {
         {"Pin 1 Node U1=2", "E4368 E4340@ E4352@"},
         {"Pin 1 L=1n/", "E4352@ E4340@ E4352@"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 TEST(Path, beginsWithAPin) {
@@ -54,8 +57,7 @@ TEST(Path, beginsWithAPin) {
         {"Node a/b", "E4351@ E4356"}, // and no word about its name
         {"Len=0/ Pin 2 NC\nPin 1", "E4342@"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 TEST(Path, sections) {
@@ -71,8 +73,7 @@ TEST(Path, sections) {
         {"Pin 1 Len=0", "E3013@"},
         {"Pin 1 Len", "E1920@"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 TEST(Path, forks) {
@@ -83,8 +84,7 @@ TEST(Path, forks) {
         {"Pin 1 Fork Len=0/", ""}, // still open when the board ends
         {"Pin 1 Fork\n[Path Description] Q\nPin 1\nEndfork", "E4303@ E4348@ E4330"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 TEST(Path, nothingFollowsNc) {
@@ -96,8 +96,7 @@ TEST(Path, nothingFollowsNc) {
         {"Pin 1 NC Fork NC Endfork", "E4357"},
         {"Pin 1 Fork NC\n[Path Description] Q\nPin 1 NC Len=0/", "E4303@ E4330 E4357"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 TEST(Path, namesOfPinsAndNodes) {
@@ -108,8 +107,7 @@ TEST(Path, namesOfPinsAndNodes) {
         {"Pin 1 Node U/1", "E4368 W4372@"}, {"Pin 1 Node U/1.1", "W4372@ E4359"},
         {"Pin 1 Node U1.C", "E4359"},       {"Pin 1 Node U1234567890.123456789", "E4369 E4370 E4359"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(codesOfPath(row.text), row.codes) << row.text;
+    expectCodes(rows);
 }
 
 /// The tree written out from its head: "s" a section, "(" a fork, ")" its end.
@@ -131,12 +129,12 @@ std::string writtenOut(const EbdPath& path, std::uint32_t at = 0) {
 }
 
 TEST(Path, hangsTogetherAsWritten) {
-    BoardFiles files;
+    Files files;
     files.add("b.ebd", kBefore +
                            "Pin 123456789 Len=0/ Len=0/ Fork Node U.7\nFork NC\nEndfork Endfork\nFork\n"
                            "Pin 2 Endfork Node V.A NC\n[Path Description] Q\nPin 3");
     files.check("b.ebd");
-    const EbdMdl& board = *currentRoot(files.run).board_descriptions.find("B");
+    const EbdMdl& board = *files.root().board_descriptions.find("B");
     ASSERT_EQ(board.paths.size(), 2U);
     EXPECT_EQ(writtenOut(board.paths[0]), "12345678ss(U.7(-))(2)V.A-");
     EXPECT_EQ(writtenOut(board.paths[1]), "3");

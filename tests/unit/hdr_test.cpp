@@ -28,9 +28,8 @@ struct OpenHeader {
     /// What was printed, each message on one line.
     [[nodiscard]] std::string said() const {
         std::string text = out.text();
-        for (std::size_t at = 0; (at = text.find(" -\n    ", at)) != std::string::npos;) {
+        for (std::size_t at = 0; (at = text.find(" -\n    ", at)) != std::string::npos;)
             text.replace(at, 7, " - ");
-        }
         return text;
     }
 

@@ -1,11 +1,9 @@
 // No keyword of any version takes the lines under it without a word: each is stored or reported.
 
-#include "ibis/parse.hpp"
-#include "ibis/run.hpp"
+#include "files.hpp"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -45,11 +43,9 @@ std::string_view contextOf(K code) {
     }
 }
 
-FileKind kindOf(K code) { return ownerOf(code) == Owner::ebdmdl ? FileKind::ebd : FileKind::ibs; }
-
 /// The free texts of the file's header, one after the other.
-std::string headerTexts(const kestrel::Run& run) {
-    const Hdr& header = *currentRoot(run).headers.newestFirst().begin();
+std::string headerTexts(const Ibis& root) {
+    const Hdr& header = *root.headers.newestFirst().begin();
     return header.source.value_or("") + header.notes.value_or("") + header.disclaimer.value_or("") +
            header.copyright.value_or("");
 }
@@ -69,14 +65,13 @@ bool answersItsLines(K code, IbisVersion version) {
     const auto line = std::ranges::count(text, '\n') + 1;
     text.append(kNonsense).append(kNonsense).append("[End]\n");
 
-    Output out;
-    kestrel::Run run(out);
-    const std::string name = "walk" + std::string(extensionOf(kindOf(code)));
-    run.sources.texts[name] = std::make_shared<const std::string>(text);
-    checkFile(run, name, kindOf(code));
-    const std::string& printed = out.text();
+    Files files;
+    const std::string name =
+        "walk" + std::string(extensionOf(ownerOf(code) == Owner::ebdmdl ? FileKind::ebd : FileKind::ibs));
+    const std::string& printed = files.put(name, text).check(name);
     EXPECT_EQ(printed.find("BUG"), std::string::npos) << text << printed;
-    return reports(printed, line) || reports(printed, line + 1) || headerTexts(run).find("%%%") != std::string::npos;
+    return reports(printed, line) || reports(printed, line + 1) ||
+           headerTexts(files.root()).find("%%%") != std::string::npos;
 }
 
 TEST(KeywordTables, noKeywordTakesItsLinesSilently) {

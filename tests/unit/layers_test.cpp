@@ -80,9 +80,8 @@ void expectNoCycle(const std::map<std::string, Names>& found, const std::string&
     if (done.contains(file) || !found.contains(file)) return;
     ASSERT_EQ(std::ranges::find(path, file), path.end()) << file << " includes itself by way of " << path.back();
     path.push_back(file);
-    for (const std::string& name : found.at(file)) {
+    for (const std::string& name : found.at(file))
         expectNoCycle(found, name, path, done);
-    }
     path.pop_back();
     done.insert(file);
 }
@@ -91,9 +90,8 @@ TEST(Layers, noHeaderIncludesItself) {
     const auto found = includes();
     std::vector<std::string> path;
     Names done;
-    for (const auto& [file, names] : found) {
+    for (const auto& [file, names] : found)
         expectNoCycle(found, file, path, done);
-    }
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 // What a model keeps of its lines, faulty ones included, and what is said of them; texts are left to the cases.
 
-#include "codes.hpp"
 #include "ibis/checks.hpp"
-#include "ibis/modules.hpp"
-#include "ibis/run.hpp"
+#include "lines.hpp"
 
 #include <algorithm>
-#include <ranges>
 #include <string>
 #include <string_view>
 
@@ -18,42 +15,10 @@ namespace {
 using namespace std::string_literals;
 using V = IbisVersion;
 
-/// A file of models, read line by line with every module told of every keyword that concerns a model.
-struct Reading {
-    explicit Reading(V version) {
-        createRoot(run);
-        run.parse.version = version;
-        run.diagnostics.coded_form = true;
-        run.diagnostics.silence_cautions = false;
-    }
-
-    Reading& read(std::string_view lines) {
-        for (const auto part : std::views::split(lines, '\n')) {
-            readLine(std::string_view(part.begin(), part.end()));
-        }
-        return *this;
-    }
-
-    void readLine(std::string_view text) {
-        ++run.parse.line;
-        const Module& models = moduleOf(KeywordCode::model);
-        if (!text.starts_with('[')) {
-            models.line(run, {LineKind::data, key, text});
-            return;
-        }
-        const std::size_t bracket = text.find(']');
-        key = findKeyword(text.substr(1, bracket - 1), V::v5).value();
-        models.keyword_seen(run, key);
-        if (key == models.opens) models.open(run);
-        if (ownerOf(key) == models.owner) models.line(run, {LineKind::keyword, key, trim(text.substr(bracket + 1))});
-    }
-
-    [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
-    [[nodiscard]] const Mdl& newest() const { return *currentRoot(run).models.newestFirst().begin(); }
-
-    Output out;
-    Run run{out};
-    KeywordCode key = KeywordCode::notKey;
+/// Models read line by line.
+struct Reading : Lines {
+    explicit Reading(V version) : Lines(KeywordCode::model, version) {}
+    [[nodiscard]] const Mdl& newest() const { return *root.models.newestFirst().begin(); }
 };
 
 struct Row {
@@ -171,14 +136,11 @@ TEST(Model, names) {
     for (const auto& row : rows) {
         Reading reading(row.version);
         reading.read("[Model] Gnd\nModel_type Input\n[Model] " + n20 + "\nModel_type Input\n[End]");
-        const std::size_t before = reading.codes().size();
-        reading.read(row.line);
-        EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.line;
+        reading.codes();
+        EXPECT_EQ(reading.read(row.line).codes(), row.codes) << row.line;
         EXPECT_EQ(reading.newest().name, row.name) << row.line;
         // Of models of one name the last one is meant.
-        if (!row.name.empty()) {
-            EXPECT_EQ(referenceMdl(currentRoot(reading.run), row.name), &reading.newest()) << row.line;
-        }
+        EXPECT_TRUE(row.name.empty() || referenceMdl(reading.root, row.name) == &reading.newest()) << row.line;
     }
 }
 
@@ -280,9 +242,8 @@ TEST(Model, keywordLines) {
          "E0215@ E0210@ E0213@ E0216@ E0136@ E0158@ E0210@ E0158@"},
         {"Input", "[Add Submodel]\nabcdefghijklmnopqrstuvwxyzabcdefghijklmnop Non-Driving", "E0212@"},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(codesOf(row.type, row.lines), row.codes) << row.type << "\n" << row.lines;
-    }
 }
 
 TEST(Model, whatEachTypeAdmitsAndNeeds) {
@@ -330,8 +291,9 @@ TEST(Model, whatEachTypeAdmitsAndNeeds) {
         EXPECT_EQ(said("C_comp 1p NA NA\n[End]"),
                   (row.thresholds ? "W0184 W0184 "s : ""s).append(pull + pull + "E0188 E0188").append(row.lacks))
             << row.type;
-        EXPECT_EQ(modelTypeText(Reading(V::v4).read("[Model] m\nModel_type "s.append(row.type)).newest().type()),
-                  row.type);
+        Reading reading(V::v4);
+        reading.read("[Model] m\nModel_type "s.append(row.type));
+        EXPECT_EQ(modelTypeText(reading.newest().type()), row.type);
     }
 }
 
@@ -410,9 +372,8 @@ TEST(Model, whatACompleteModelHas) {
         {"Model_type I/O\nVinl = 1.5\nVinh = 1.5\nVmeas = 1.5" + c_comp + whole + "[End]", "C0182 C0183"},
         {"Model_type I/O\nVinl = 1.4\nVinh = 1.6\nVmeas = 1.5" + c_comp + whole + "[End]", ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(Reading(V::v4).read("[Model] m").read(row.lines).codes(), row.codes) << row.lines;
-    }
 }
 
 /// A model that is right, for what follows it to go wrong in.
@@ -486,9 +447,9 @@ TEST(Model, rampsAndCurrentsAgainstWaveforms) {
     for (const auto& row : rows) {
         Reading reading(V::v5);
         reading.read("[Model] m\nModel_type Output\nVmeas = 1\nC_comp 5p 4p 6p").read(row.lines).read("[Rgnd] x");
-        const std::size_t before = reading.codes().size();
-        checkCompositeCurrents(reading.run, currentRoot(reading.run));
-        EXPECT_EQ(reading.codes().substr(before), row.codes.empty() ? "" : " "s.append(row.codes)) << row.lines;
+        reading.codes();
+        checkCompositeCurrents(reading.run, reading.root);
+        EXPECT_EQ(reading.codes(), row.codes) << row.lines;
     }
 }
 

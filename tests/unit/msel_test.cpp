@@ -2,10 +2,8 @@
 
 #include "model/msel.hpp"
 
-#include "codes.hpp"
 #include "ibis/checks.hpp"
-#include "ibis/modules.hpp"
-#include "ibis/run.hpp"
+#include "lines.hpp"
 
 #include <memory>
 #include <string>
@@ -16,27 +14,7 @@
 namespace kestrel {
 namespace {
 
-/// A run with a root whose diagnostics are read by their codes.
-struct Selectors {
-    explicit Selectors(IbisVersion version) : root(createRoot(run)) {
-        run.diagnostics.coded_form = true;
-        run.parse.version = version;
-    }
-
-    void open(std::string_view name) {
-        module.open(run);
-        module.line(run, {LineKind::keyword, KeywordCode::modelSelector, name});
-    }
-    void entry(std::string_view text) { module.line(run, {LineKind::data, KeywordCode::modelSelector, text}); }
-
-    [[nodiscard]] std::string codes() const { return codesOf(out.text()); }
-    [[nodiscard]] MSel& newest() const { return *root.model_selectors.newestFirst().begin(); }
-
-    Output out;
-    Run run{out};
-    Ibis& root;
-    const Module& module = moduleOf(KeywordCode::modelSelector);
-};
+const MSel& newest(const Lines& lines) { return *lines.root.model_selectors.newestFirst().begin(); }
 
 TEST(ModelSelector, nameLines) {
     struct Row {
@@ -58,13 +36,12 @@ TEST(ModelSelector, nameLines) {
         {IbisVersion::v5, std::string(41, 'F'), "E4012@ E4014@", std::string(40, 'F')},
     };
     for (const Row& row : rows) {
-        Selectors test(IbisVersion::v5);
-        test.open("First");
-        test.open(std::string(40, 'F'));
+        Lines test(KeywordCode::modelSelector, IbisVersion::v5);
+        test.read("[Model Selector] First\na x\nb y\n[Model Selector] " + std::string(40, 'F') + "\na x\nb y");
         test.run.parse.version = row.version;
-        test.open(row.name);
+        test.read("[Model Selector] " + row.name);
         EXPECT_EQ(test.codes(), row.codes) << row.name;
-        EXPECT_EQ(test.newest().name, row.stored);
+        EXPECT_EQ(newest(test).name, row.stored);
     }
 }
 
@@ -90,28 +67,25 @@ TEST(ModelSelector, entryLines) {
         {twenty + "x " + hundred + "e", "E4017@ E4019@", twenty, hundred},
     };
     for (const Row& row : rows) {
-        Selectors test(IbisVersion::v3);
-        test.open("S");
-        test.entry("Fast fast edge");
-        test.entry(row.line);
+        Lines test(KeywordCode::modelSelector, IbisVersion::v3);
+        test.read("[Model Selector] S\nFast fast edge\n" + row.line);
         EXPECT_EQ(test.codes(), row.codes) << row.line;
-        ASSERT_EQ(test.newest().entries.size(), 2U);
-        EXPECT_EQ(test.newest().entries[1].model_name, row.name);
-        EXPECT_EQ(test.newest().entries[1].description, row.description);
+        ASSERT_EQ(newest(test).entries.size(), 2U);
+        EXPECT_EQ(newest(test).entries[1].model_name, row.name);
+        EXPECT_EQ(newest(test).entries[1].description, row.description);
     }
 }
 
 TEST(ModelSelector, namesOfModels) {
     const std::pair<std::string, std::string> rows[] = {{"Same", "E4021"}, {"same", ""}, {"", "E4010@ E4021"}};
     for (const auto& [name, codes] : rows) {
-        Selectors test(IbisVersion::v5);
+        Lines test(KeywordCode::modelSelector, IbisVersion::v5);
         for (const std::string_view model_name : {"Same", ""}) {
             Mdl& model = test.root.models.add(std::make_unique<Mdl>());
             model.name = model_name;
             test.root.models.enterName(model, model.name);
         }
-        test.open(name);
-        test.entry("GND ground");
+        test.read("[Model Selector] " + name + "\nGND ground");
         checkMSels(test.run, test.root);
         EXPECT_EQ(test.codes(), codes) << name;
     }

@@ -1,13 +1,16 @@
 // Matrices: slots by form and position, the turn into a wrap, names of rows and columns, what the close reports.
 
-#include "package_lines.hpp"
+#include "lines.hpp"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace kestrel {
 namespace {
-
-using testing::PackageLines;
 
 struct Row {
     std::uint32_t pins;
@@ -15,10 +18,17 @@ struct Row {
     std::string codes;
 };
 
+/// Starts a package model with so many pins, named A, B, C and so on.
+void start(Lines& lines, std::uint32_t pins) {
+    lines.read("[Define Package Model] P\n[Number Of Pins] " + std::to_string(pins) + "\n[Pin Numbers]");
+    for (std::uint32_t pin = 0; pin < std::min(pins, 26U); ++pin)
+        lines.read(std::string(1, static_cast<char>('A' + pin)));
+}
+
 std::string codesOfMatrix(const Row& row) {
-    PackageLines lines;
-    lines.start(row.pins);
-    lines.feed("[Capacitance Matrix] " + row.text + "\n[End Model Data]");
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    start(lines, row.pins);
+    lines.read("[Capacitance Matrix] " + row.text + "\n[End Model Data]");
     return lines.codes();
 }
 
@@ -55,8 +65,8 @@ TEST(Matrix, rowNames) {
 }
 
 TEST(Matrix, rowsThatComeBeforeTheirPin) {
-    PackageLines lines;
-    lines.feed(
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    lines.read(
         "[Define Package Model] P\n[Number Of Pins] 3\n[Pin Numbers]\nA\n[Resistance Matrix] Full_matrix\n[Row] B\n"
         "[Pin Numbers]\nB\n[Row] B\n[Row] B");
     EXPECT_EQ(lines.codes(), "E3100@ E3468@ E3101@ E3101@ E3101@ E3102@");
@@ -122,14 +132,14 @@ TEST(Matrix, sparse) {
 }
 
 TEST(Matrix, memoryGoesByEntries) {
-    PackageLines lines;
-    lines.start(4294967295U);
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    start(lines, 4294967295U);
     for (const std::string_view type : {"[Resistance Matrix] Banded_matrix\n[Bandwidth] 4294967294",
                                         "[Inductance Matrix] Full_matrix", "[Capacitance Matrix] Sparse_matrix"}) {
-        lines.feed(type);
-        lines.feed("[Row] A\n" + std::string(type.find("Sparse") == type.npos ? "1 2 3" : "A 1\nZ 2") + "\n[Row] B");
+        lines.read(type);
+        lines.read("[Row] A\n" + std::string(type.find("Sparse") == type.npos ? "1 2 3" : "A 1\nZ 2") + "\n[Row] B");
     }
-    const PkgMdl& package = lines.newest();
+    const PkgMdl& package = *lines.root.package_models.newestFirst().begin();
     EXPECT_EQ(lines.codes(), "E3717@ E3116@ E3116@ E3717@ E3116@ E3116@");
     EXPECT_EQ(package.resistance->rows[1].column_count, 4294967294U);
     EXPECT_EQ(package.inductance->rows[1].column_count, 4294967294U);

@@ -1,7 +1,6 @@
 // Package models: keywords, pin lines in both forms, completion, and the search of the .pkg files beside a file.
 
-#include "board_files.hpp"
-#include "package_lines.hpp"
+#include "lines.hpp"
 
 #include <cstdlib>
 #include <filesystem>
@@ -15,29 +14,32 @@
 namespace kestrel {
 namespace {
 
-using testing::BoardFiles;
-using testing::PackageLines;
-
 struct Row {
     std::string text;
     std::string codes;
+};
+
+/// Package models read line by line.
+struct PackageLines : Lines {
+    explicit PackageLines(IbisVersion version = IbisVersion::v3) : Lines(KeywordCode::definePackageModel, version) {}
+    [[nodiscard]] const PkgMdl& newest() const { return *root.package_models.newestFirst().begin(); }
 };
 
 /// The codes of lines fed behind an opened package model.
 void expectCodes(std::string_view before, std::initializer_list<Row> rows, IbisVersion version = IbisVersion::v3) {
     for (const Row& row : rows) {
         PackageLines lines(version);
-        lines.feed("[Define Package Model] P");
-        lines.feed(before);
+        lines.read("[Define Package Model] P");
+        lines.read(before);
         lines.codes();
-        lines.feed(row.text);
+        lines.read(row.text);
         EXPECT_EQ(lines.codes(), row.codes) << row.text;
     }
 }
 
 TEST(PackageModel, keywordsAndLinesOutsideOfOne) {
     PackageLines lines;
-    lines.feed("[OEM] x\nline\n[Define Package Model]\nline\n[OEM] x\nline\n[OEM] y\n[End]\n[Row]\nline");
+    lines.read("[OEM] x\nline\n[Define Package Model]\nline\n[OEM] x\nline\n[OEM] y\n[End]\n[Row]\nline");
     EXPECT_EQ(lines.codes(),
               "E3401@ E3402@ E1913@ E3404@ E3404@ E1911@ E3417 E3467 E3419 E3431 E3452 E3455 E3413 "
               "E3415 E3457 E3459 E3401@ E3402@");
@@ -46,9 +48,9 @@ TEST(PackageModel, keywordsAndLinesOutsideOfOne) {
 TEST(PackageModel, numbers) {
     for (const std::string keyword : {"[Number Of Pins]", "[Number Of Sections]"}) {
         PackageLines lines;
-        lines.feed("[Define Package Model] P");
+        lines.read("[Define Package Model] P");
         for (const std::string_view value : {"", " abc", " 0", " 0x10", " 12abc", " 3", "", " 99999999999"})
-            lines.feed(keyword + std::string(value));
+            lines.read(keyword + std::string(value));
         // Zero, and what does not read as a number, may be given again.
         EXPECT_EQ(lines.codes(), keyword == "[Number Of Pins]"
                                      ? "E3420@ E3423@ E3424@ W3422@ E3424@ W3422@ E3421@ E3420@ E3421@"
@@ -97,7 +99,7 @@ TEST(PackageModel, plainPins) {
                  {"ABCDE\nABCDEF", "E3432@ E3437@"},
                  {"Fork\nLen=0/\na=b/c", "E3432@"}}); // "Len=0/" has six characters
     PackageLines lines;
-    lines.feed("[Define Package Model] P\n[Number Of Pins] 4\n[Pin Numbers]\nA\nABCDEF\nA");
+    lines.read("[Define Package Model] P\n[Number Of Pins] 4\n[Pin Numbers]\nA\nABCDEF\nA");
     EXPECT_EQ(lines.newest().pin_names.rows(), (std::vector<std::string>{"A", "ABCDE", "A"}));
     EXPECT_EQ(pinPlace(lines.newest().pin_names, "A", 9), 1U);
     EXPECT_EQ(pinPlace(lines.newest().pin_names, "ABCDEF", 1), 0U);
@@ -151,7 +153,7 @@ TEST(PackageModel, completion) {
 TEST(PackageModel, pairsOfOneName) {
     PackageLines lines;
     for (const std::string name : {"A", "B", "A", "C", "B", "A"})
-        lines.feed("[Define Package Model] " + name);
+        lines.read("[Define Package Model] " + name);
     lines.codes();
     finalPackageChecks(lines.run, lines.root);
     EXPECT_EQ(lines.codes(), "E3410 E3410 E3410 E3410");
@@ -170,11 +172,10 @@ std::string definition(const std::string& name) {
 
 /// A search among files in memory for one component after the other. "+" and "-" tell whether a name was found, what
 /// stands before them are the announcements and codes of that look-up.
-struct Search {
-    explicit Search(const std::map<std::string, std::string>& files) : root(createRoot(run)) {
+struct Search : Files {
+    explicit Search(const std::map<std::string, std::string>& files) : Files(true), root(createRoot(run)) {
         for (const auto& [path, text] : files)
-            run.sources.texts[path] = std::make_shared<const std::string>(text);
-        run.diagnostics.coded_form = true;
+            put(path, text);
         run.parse.directory = "nowhere/";
         run.parse.version = IbisVersion::v4;
         run.parse.line = 77;
@@ -195,8 +196,6 @@ struct Search {
         return result + codes + (found ? "+" : "-");
     }
 
-    Output out;
-    Run run{out};
     Ibis& root;
 };
 
@@ -239,11 +238,11 @@ TEST(PackageSearch, whatIsReadAgainIsDefinedAgain) {
                "\n[Manufacturer] m\n[Package Model] X\n[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n"
                "[Pin] signal_name model_name\n1 A NC\n";
     };
-    BoardFiles files;
+    Files files(true);
     files.add("x1.pkg", definition("X1")).add("x2.pkg", definition("X2") + definition("X3"));
     files.add("c.ibs", component("A") + component("B") + component("C"));
     // Each of three look-ups reads both files: three pairs of each of three names.
-    EXPECT_EQ(files.check("c.ibs"), "E0516 E0516 E0516 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410");
+    EXPECT_EQ(codesOf(files.check("c.ibs")), "E0516 E0516 E0516 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410 E3410");
     EXPECT_EQ(files.timesRead("x1.pkg"), 3);
     EXPECT_EQ(files.timesRead("x2.pkg"), 3);
 }
@@ -282,9 +281,8 @@ TEST(PackageSearch, scansFilesInPieces) {
     for (std::size_t cut = 0; cut <= 24; ++cut) {
         const Folder folder;
         std::string padding;
-        for (std::size_t left = kPiece - header.size() - cut; left > 0; left -= std::min<std::size_t>(left, 64)) {
+        for (std::size_t left = kPiece - header.size() - cut; left > 0; left -= std::min<std::size_t>(left, 64))
             padding += std::string(std::min<std::size_t>(left, 64) - 1, '|') + '\n';
-        }
         std::ofstream(folder.path / "x.pkg") << header << padding << definition("X") << "[End]\n";
         std::ofstream(folder.path / "y.pkg") << std::string(3 * kPiece, '|') << "[Define Package Model] X\n"
                                              << std::string(120, ' ') << "[Define Package Model] X";
@@ -302,10 +300,10 @@ TEST(PackageModel, forksWithoutEnd) {
     lines.run.diagnostics.silence_errors = true; // one for each fork inside another
     for (int i = 0; i < 100'000; ++i)
         text += "Fork\nLen=0/\n";
-    lines.feed(text);
+    lines.read(text);
     EXPECT_EQ(lines.newest().pin_sections[0].sections.size(), 100'001U);
     lines.run.diagnostics.silence_errors = false;
-    lines.feed("[End]");
+    lines.read("[End]");
     EXPECT_EQ(lines.codes(), "E3467 E3418 E3419 E3454 E3450 E3451 E3459");
 }
 

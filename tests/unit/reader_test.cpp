@@ -1,6 +1,5 @@
 #include "ami/check.hpp"
-#include "check_text.hpp"
-#include "codes.hpp"
+#include "files.hpp"
 
 #include <csignal>
 #include <fstream>
@@ -11,8 +10,6 @@
 
 namespace kestrel {
 namespace {
-
-using testing::checkText;
 
 /// The lines of a text, each in brackets, and what was reported while they were read.
 std::string readAll(std::string_view text, std::size_t capacity) {
@@ -124,12 +121,10 @@ TEST(Reader, namesAreCompletedSplitAndBounded) {
 
     run.parse.directory.clear();
     const std::string longest(1020, 'n');
-    for (const std::string& name : {longest, longest + "n", "d/" + longest}) {
+    for (const std::string& name : {longest, longest + "n", "d/" + longest})
         EXPECT_FALSE(openSource(run, name, FileKind::ibs));
-    }
-    for (const FileKind kind : {FileKind::ibs, FileKind::pkg, FileKind::ebd, FileKind::ami}) {
+    for (const FileKind kind : {FileKind::ibs, FileKind::pkg, FileKind::ebd, FileKind::ami})
         EXPECT_FALSE(openSource(run, "x.txt", kind));
-    }
     EXPECT_EQ(out.text(), "ERROR - Unable To Open File '" + longest +
                               ".ibs'\n"
                               "ERROR - Unable to append filename extension.\n"
@@ -195,9 +190,8 @@ TEST(Reader, everyKeywordIsKnownInItsVersionsAndHarmlessInAll) {
     };
     for (const Row& row : rows) {
         const std::string_view versions[] = {"2.1", "3.2", "4.2", "5.1"};
-        for (std::size_t i = 0; i < 4; ++i) {
+        for (std::size_t i = 0; i < 4; ++i)
             EXPECT_EQ(isKnown(row.keyword, versions[i]), row.known[i] == 'y') << row.keyword << " in " << versions[i];
-        }
     }
 }
 
@@ -261,11 +255,9 @@ TEST(BadInput, everyTruncationOfASampleEndsInASummary) {
     const std::string sample = readExample("board.ibs");
     ASSERT_GT(sample.size(), 4000U);
     for (std::size_t size = 0; size < sample.size() - 6; ++size) {
-        EXPECT_NE(checkText(sample.substr(0, size), FileKind::ibs, "board.ibs").find("\nFile Failed\n"),
-                  std::string::npos)
-            << size;
+        EXPECT_NE(checkText(sample.substr(0, size), "board.ibs").find("\nFile Failed\n"), std::string::npos) << size;
     }
-    EXPECT_NE(checkText(sample, FileKind::ibs, "board.ibs").find("\nErrors  : 0\n"), std::string::npos);
+    EXPECT_NE(checkText(sample, "board.ibs").find("\nErrors  : 0\n"), std::string::npos);
 }
 
 TEST(BadInput, noiseEndsInASummary) {

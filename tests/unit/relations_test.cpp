@@ -1,8 +1,6 @@
 // What a component keeps of the lines that relate its pins, and what it makes of numbers, names and brackets in them.
 
-#include "check_text.hpp"
-#include "codes.hpp"
-#include "component_file.hpp"
+#include "files.hpp"
 #include "ibis/check_circuit_calls.hpp"
 
 #include <string>
@@ -72,9 +70,8 @@ TEST(CircuitCalls, nameTheirPinsInReportedLinesToo) {
                              "Port_map c 7.x 8 9\n"
                              "Port_map d abcdefghi\n");
     const auto pins = circuitCallPins(file.component());
-    for (const std::string_view pin : {"1", "2", "3", "10", "11", "4", "5", "12345678", "6", "7"}) {
+    for (const std::string_view pin : {"1", "2", "3", "10", "11", "4", "5", "12345678", "6", "7"})
         EXPECT_TRUE(pins.contains(pin)) << pin;
-    }
     for (const std::string_view other : {"c", "123456789", "abcdefgh"}) { // a port, and two that are not listed so
         EXPECT_FALSE(pins.contains(other)) << other;
     }
@@ -102,8 +99,8 @@ TEST(CircuitCalls, shouldMapThePortsThatNothingElseConnects) {
 }
 
 TEST(ExternalCircuits, keepFilesNamesAndConverters) {
-    Output out;
-    kestrel::Run run{out};
+    TestRun test;
+    kestrel::Run& run = test.run;
     run.parse.version = IbisVersion::v5;
     ExtCkt circuit;
     const ExtOwner owner{.kind = "External Circuit", .name = "Net"};
@@ -114,7 +111,7 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
         extCktLine(run, circuit, owner, line);
     }
     checkExtCkt(run, circuit, owner);
-    EXPECT_EQ(out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
+    EXPECT_EQ(test.out.text(), "WARNING (line    0) - A_to_D line for port 'd' has no corner name\n");
     EXPECT_EQ(circuit.language, ExtLanguage::vhdlA);
     EXPECT_EQ(circuit.corners.typ()->circuit, "buf(arch one)");
     EXPECT_EQ(circuit.corners.min()->circuit, "buf (two)");
@@ -132,7 +129,7 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
 }
 
 TEST(ExternalCircuits, areMissedByTheirEndKeyword) {
-    const std::string printed = testing::checkText("[IBIS Ver] 5.1\n[End External Circuit] more\nlate\n[End]\n");
+    const std::string printed = checkText("[IBIS Ver] 5.1\n[End External Circuit] more\nlate\n[End]\n");
     EXPECT_NE(printed.find("Number of Line Items (1) For Keyword End External Circuit: Expecting 0\n"
                            "ERROR (line    2) -\n"
                            "    Keyword End_External_Circuit has no matching External_Circuit.\n"
@@ -142,8 +139,8 @@ TEST(ExternalCircuits, areMissedByTheirEndKeyword) {
 }
 
 TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
-    Output out;
-    kestrel::Run run{out};
+    TestRun test;
+    kestrel::Run& run = test.run;
     run.parse.version = IbisVersion::v4;
     run.diagnostics.coded_form = true;
     ExtCkt circuit;
@@ -152,13 +149,13 @@ TEST(ExternalCircuits, ofVersion4TakeNumbersOnly) {
                                         "D_to_A d a b p 1 1n 1n Typ Inverting"}) {
         extCktLine(run, circuit, owner, line);
     }
-    EXPECT_EQ(codesOf(out.text()), "E1809@ E1807@ E1811@ E1819@");
+    EXPECT_EQ(codesOf(test.out.text()), "E1809@ E1807@ E1811@ E1819@");
 }
 
 /// What an external model of one language says of its ports, given ahead of the language.
 std::string portsOf(std::string_view language) {
-    Output out;
-    kestrel::Run run{out};
+    TestRun test;
+    kestrel::Run& run = test.run;
     run.parse.version = IbisVersion::v5;
     ExtCkt external;
     const ExtOwner owner{.kind = "External Model", .name = "M", .is_model = true, .drives = true};
@@ -167,7 +164,7 @@ std::string portsOf(std::string_view language) {
         extCktLine(run, external, owner, line);
     }
     checkExtCkt(run, external, owner);
-    return out.text();
+    return test.out.text();
 }
 
 TEST(ExternalModels, nameTheirPortsByTheirLanguage) {

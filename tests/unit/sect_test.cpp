@@ -2,8 +2,8 @@
 
 #include "package/sect.hpp"
 
-#include "codes.hpp"
 #include "diagnostics/diagnostics.hpp"
+#include "files.hpp"
 
 #include <string>
 #include <string_view>
@@ -12,14 +12,6 @@
 
 namespace kestrel {
 namespace {
-
-/// Diagnostics that are read by their codes.
-struct Coded {
-    Coded() { diagnostics.coded_form = true; }
-    Output out;
-    std::uint32_t line = 0;
-    Diagnostics diagnostics{out, line};
-};
 
 TEST(Section, lines) {
     struct Row {
@@ -58,22 +50,22 @@ TEST(Section, lines) {
         {"Len=1n5 L=1nH C=1pF/", "", 1}, // digits in the scale are no matter here
     };
     for (const Row& row : rows) {
-        Coded coded;
+        TestRun test(true);
         std::string_view rest = row.text;
         Sect sect;
         int sections = 0;
-        while (readSection(coded.diagnostics, rest, sect) == SectResult::section)
+        while (readSection(test.run.diagnostics, rest, sect) == SectResult::section)
             ++sections;
-        EXPECT_EQ(codesOf(coded.out.text()), row.codes) << row.text;
+        EXPECT_EQ(test.codes(), row.codes) << row.text;
         EXPECT_EQ(sections, row.sections) << row.text;
     }
 }
 
 TEST(Section, theLastValueStays) {
-    Coded coded;
+    TestRun test(true);
     std::string_view text = "Len=1 L=2n C=3p L=-4n/rest";
     Sect sect;
-    ASSERT_EQ(readSection(coded.diagnostics, text, sect), SectResult::section);
+    ASSERT_EQ(readSection(test.run.diagnostics, text, sect), SectResult::section);
     EXPECT_EQ(text, "rest");
     EXPECT_EQ(sect.len, 1.0);
     EXPECT_EQ(sect.l, -4e-9);
@@ -83,15 +75,15 @@ TEST(Section, theLastValueStays) {
 
 /// Builds a chain from a text: "s" a section, "(" a fork, ")" its end.
 Chain chainOf(std::string_view steps, std::string* codes = nullptr) {
-    Coded coded;
+    TestRun test(true);
     Chain chain;
     ChainCursor cursor;
     for (const char step : steps) {
         if (step == 's') attachSection(chain, cursor, Sect{});
         if (step == '(') openFork(chain, cursor);
-        if (step == ')') closeFork(coded.diagnostics, chain, cursor, {3443, 3442});
+        if (step == ')') closeFork(test.run.diagnostics, chain, cursor, {3443, 3442});
     }
-    if (codes != nullptr) *codes = codesOf(coded.out.text());
+    if (codes != nullptr) *codes = test.codes();
     return chain;
 }
 

@@ -4,8 +4,7 @@
 
 #include "base/name_list.hpp"
 #include "base/text.hpp"
-#include "codes.hpp"
-#include "ibis/run.hpp"
+#include "files.hpp"
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 #include "reader/record_name.hpp"
@@ -129,9 +128,8 @@ TEST(Items, areCutAtBlanksTabsAndTheSplitCharacter) {
         SCOPED_TRACE(row.text);
         TestRun test;
         std::string_view rest = row.text;
-        for (const std::string_view item : row.items) {
+        for (const std::string_view item : row.items)
             EXPECT_EQ(takeItem(test.run, rest, row.split), item);
-        }
         EXPECT_EQ(takeItem(test.run, rest, row.split), "");
         EXPECT_EQ(rest, "");
         for (const int max : {0, 2, kMaxItems}) {
@@ -266,21 +264,16 @@ TEST(Numbers, decimals) {
 std::string randomDecimal(std::mt19937_64& random) {
     std::string text;
     const auto digits = [&](std::size_t count) {
-        while (count-- > 0) {
+        while (count-- > 0)
             text.push_back(static_cast<char>('0' + random() % 10));
-        }
     };
-    if (random() % 2 == 0) {
-        text.push_back('-');
-    }
+    if (random() % 2 == 0) text.push_back('-');
     digits(1 + random() % (random() % 8 == 0 ? 60 : 6));
     if (random() % 4 != 0) {
         text.push_back('.');
         digits(random() % (random() % 8 == 0 ? 800 : 18));
     }
-    if (random() % 2 == 0) {
-        text += "e" + std::to_string(static_cast<int>(random() % 700) - 360);
-    }
+    if (random() % 2 == 0) text += "e" + std::to_string(static_cast<int>(random() % 700) - 360);
     return text;
 }
 
@@ -467,9 +460,8 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
         TestRun test;
         const TableRow read = readRow(test.run, row.text, "Pullup", "Voltage");
         EXPECT_EQ(read.state, row.states);
-        for (std::size_t column = 0; column < kColumns; ++column) {
+        for (std::size_t column = 0; column < kColumns; ++column)
             EXPECT_DOUBLE_EQ(read.value[column], row.values[column]) << column;
-        }
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
 }
