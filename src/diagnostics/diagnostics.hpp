@@ -5,6 +5,7 @@
 #include "diagnostics/subject.hpp"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -187,11 +188,13 @@ private:
     const std::uint32_t* before_;
 };
 
-/// While it lasts, diagnostics are about this record.
+/// While it lasts, diagnostics are about this record, or about none.
 class About {
 public:
     About(Diagnostics& diagnostics, const Subject& subject)
         : diagnostics_(diagnostics), before_(std::exchange(diagnostics.subject, &subject)) {}
+    About(Diagnostics& diagnostics, std::nullptr_t)
+        : diagnostics_(diagnostics), before_(std::exchange(diagnostics.subject, nullptr)) {}
     About(const About&) = delete;
     About& operator=(const About&) = delete;
     ~About() { diagnostics_.subject = before_; }

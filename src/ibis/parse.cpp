@@ -256,6 +256,8 @@ void announce(Context& context, std::string_view name, std::string_view version)
 }
 
 bool parseFile(Run& run, std::string_view name, FileKind kind) {
+    // What the check of a record leads to is a file of its own.
+    const About about(run.diagnostics, nullptr);
     resetReader(run.parse, kind);
     std::uint32_t scanned = 0;
     const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));

@@ -167,6 +167,10 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
         "(p (Usage Inout) (Type Float) (Value 1)) (q (Type Float) (Value 1)) (r (Usage INOUT) (Type Float) (Value 1))";
     EXPECT_EQ(codesFor(file("", "", kUsages)), "W4633@ E4636@");
     EXPECT_EQ(codesFor(file(kVersion51, "", kUsages)), "E4636@ E4633@ E4636@");
+    // Whole numbers are compared exactly, however large.
+    EXPECT_EQ(codesFor(file(kVersion51, "",
+                            "(p (Usage In) (Type Integer) (List 100000000000000) (Default 100000000000001))")),
+              "W4642@");
     constexpr std::string_view kNewer = "(Tx_Rj (Usage Info) (Type Float) (List 1 2) (List_Tip one))";
     EXPECT_EQ(codesFor(file("", kNewer, "")), "W4651@ W4651@ E4637@");
     EXPECT_EQ(codesFor(file(kLater, kNewer, "")), "E4662@ W4657@ E4637@");
@@ -182,7 +186,8 @@ TEST(AmiParameters, areReadByTheVersionOfTheirFile) {
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type Boolean) (Value 5.2))", "", "")), "E4638@ E4654@");
     EXPECT_EQ(codesFor(file("(AMI_Version (Usage Info) (Type String) (List \"5.1\") (Default \"6.0\"))", "", kWords)),
               "W4642@ W4655@ E4635@ E4645@");
-    for (const std::string_view value : {"(Default (x) \" 6.0\")", "(Value (x) 6.0.1)", "(Format Value (x) 6.0)"}) {
+    for (const std::string_view value :
+         {"(Default (x) \" 6.0\")", "(Value (x) 6.0.1)", "(Value 5.1.1)", "(Format Value (x) 6.0)"}) {
         const std::string version = "(AMI_Version (Usage Info) (Type String) " + std::string(value) + ")";
         EXPECT_EQ(codesFor(file(version, "", kWords)), "W4657@") << value;
     }
