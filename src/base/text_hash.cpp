@@ -17,10 +17,18 @@ constexpr std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-std::uint64_t wordAt(const char* text, std::size_t length) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text, length);
+template <class Word> std::uint64_t wordAt(const char* text) {
+    Word word = 0;
+    std::memcpy(&word, text, sizeof word);
     return word;
+}
+
+/// All of at most eight characters in one number; which of them are in it twice depends on their number only.
+std::uint64_t shortText(const char* text, std::size_t length) {
+    if (length >= 4) return wordAt<std::uint32_t>(text) << 32 | wordAt<std::uint32_t>(text + length - 4);
+    if (length == 0) return 0;
+    const auto at = [text](std::size_t place) { return std::uint64_t{static_cast<unsigned char>(text[place])}; };
+    return at(0) << 16 | at(length / 2) << 8 | at(length - 1);
 }
 
 } // namespace
@@ -40,10 +48,10 @@ std::uint64_t HashSeed::hashOf(std::string_view text) const {
     std::uint64_t state = fold(value_, kOdd1 ^ text.size());
     const char* at = text.data();
     std::size_t left = text.size();
-    for (; left >= kWord; at += kWord, left -= kWord) {
-        state = fold(state ^ wordAt(at, kWord), value_ ^ kOdd2);
+    for (; left > kWord; at += kWord, left -= kWord) {
+        state = fold(state ^ wordAt<std::uint64_t>(at), value_ ^ kOdd2);
     }
-    if (left != 0) state = fold(state ^ wordAt(at, left), value_ ^ kOdd1);
+    state = fold(state ^ shortText(at, left), value_ ^ kOdd1);
     return fold(state ^ value_, kOdd2);
 }
 
