@@ -67,7 +67,7 @@ void readPackageModel(Context& context, CmpntState& state, Cmpnt& component, std
 }
 
 /// Data under a keyword that takes none.
-template <MessageCode Code> void noData(Context& context, std::string_view /*text*/) {
+template <CheckedMessage<> Code> void noData(Context& context, std::string_view /*text*/) {
     errorAtLine(context.diagnostics, Code);
 }
 

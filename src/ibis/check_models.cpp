@@ -9,7 +9,6 @@
 #include "reader/names.hpp"
 
 #include <algorithm>
-#include <ranges>
 
 namespace kestrel {
 
@@ -125,8 +124,9 @@ void checkDrvShs(Context& context, Ibis& root) {
     for (const Mdl& model : root.models.newestFirst()) {
         if (!model.driver_schedule) continue;
         const About about(context.diagnostics, model);
-        for (const DrvShEntry& entry : model.driver_schedule->entries | std::views::reverse) {
-            checkDriver(context, root, model, entry.model_name);
+        const std::vector<DrvShEntry>& entries = model.driver_schedule->entries;
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            checkDriver(context, root, model, entry->model_name);
         }
     }
 }

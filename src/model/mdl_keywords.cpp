@@ -35,7 +35,7 @@ constexpr std::array<Presence, 24> kLaterKeywords{
     isPresent<&MdlTables::isso_pd>,
     isPresent<&MdlTables::isso_pu>,
 };
-constexpr std::size_t kAfterThresholds = 20;
+constexpr std::size_t kBeforeThresholds = 20; ///< so many of them only "[Receiver Thresholds]" has to precede as well
 
 bool hasAny(const Mdl& model, std::span<const Presence> list) {
     return std::ranges::any_of(list, [&model](Presence present) { return present(model); });
@@ -69,7 +69,7 @@ void checkModelSpecOrder(Context& context, const Mdl& model) {
 }
 
 void checkReceiverThresholdsOrder(Context& context, const Mdl& model) {
-    if (hasAny(model, std::span(kLaterKeywords).first(kAfterThresholds))) errorAtLine(context.diagnostics, 120);
+    if (hasAny(model, std::span(kLaterKeywords).first(kBeforeThresholds))) errorAtLine(context.diagnostics, 120);
     if (!kInputTypes.has(model.type())) warningAtLine(context.diagnostics, 117, modelTypeText(model.type()));
 }
 

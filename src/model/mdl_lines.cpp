@@ -10,19 +10,21 @@ using Row = Subparameter<MdlValues, ModelType, Polarity, EnableMode>;
 using Gate = bool (*)(Context& context, const MdlValues& values);
 
 /// Admits a subparameter to models of these types; to the others it is a warning that names the type.
-template <const ModelTypeSet& Types, MessageCode Refusal> bool ofType(Context& context, const MdlValues& values) {
+template <const ModelTypeSet& Types, CheckedMessage<ArgKind::text> Refusal>
+bool ofType(Context& context, const MdlValues& values) {
     if (Types.has(values.model_type)) return true;
     warningAtLine(context.diagnostics, Refusal, modelTypeText(values.model_type));
     return false;
 }
 
 /// The same, but nothing is said before the type is given.
-template <const ModelTypeSet& Types, MessageCode Refusal> bool ofGivenType(Context& context, const MdlValues& values) {
+template <const ModelTypeSet& Types, CheckedMessage<ArgKind::text> Refusal>
+bool ofGivenType(Context& context, const MdlValues& values) {
     return values.model_type != ModelType::notGiven && ofType<Types, Refusal>(context, values);
 }
 
 /// Admits a subparameter to files of class 4 and later.
-template <MessageCode Refusal> bool fromClass4(Context& context, const MdlValues& /*values*/) {
+template <CheckedMessage<> Refusal> bool fromClass4(Context& context, const MdlValues& /*values*/) {
     if (context.parse.version >= IbisVersion::v4) return true;
     errorAtLine(context.diagnostics, Refusal);
     return false;

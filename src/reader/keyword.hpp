@@ -136,9 +136,9 @@ enum class KeywordCode : std::uint8_t {
 };
 
 /// How many codes there are, the one for no keyword included.
-inline constexpr std::size_t kKeywordCodes = 121;
+inline constexpr std::size_t kKeywordCodes = static_cast<std::size_t>(KeywordCode::notKey) + 1;
 
-/// The module whose handler receives a keyword and its data lines.
+/// The module that receives a keyword and its data lines.
 enum class Owner : std::uint8_t {
     hdr,
     commentChar,
@@ -155,10 +155,10 @@ enum class Owner : std::uint8_t {
     none
 };
 
-/// What a line is to the dispatcher and to every handler.
+/// What a line is to the dispatcher and to every module.
 enum class LineKind : std::uint8_t { blank = 0, keyword = 1, data = 4 };
 
-/// A line as a handler gets it: a keyword line's text is what follows the "]" and its white space, a data line's text
+/// A line as a module gets it: a keyword line's text is what follows the "]" and its white space, a data line's text
 /// is the whole line, leading blanks included. Comment and trailing white space are gone in both.
 struct Line {
     LineKind kind;

@@ -126,7 +126,7 @@ consteval SectionTable<State, Count> sectionTable(const Section<State> (&rows)[C
     return table;
 }
 
-/// How a module reads its records. All but `close` report at the line.
+/// How a module reads its records. `close` reports without line, the others that report do so at it.
 template <class State> struct RecordModule {
     using Record = typename State::Record;
 
