@@ -16,8 +16,8 @@ struct Diagnostics;
 /// The names of the pins of a package model, by which its matrices name their rows and columns, in file order.
 using PackagePins = IndexedRows<std::string, std::identity{}>;
 
-/// The 1-based place of a pin, or 0; of a repeated name the first. `guess` is its place in a file that keeps the order of
-/// the pins.
+/// The 1-based place of a pin, or 0; of a repeated name the first. `guess` is its place in a file that keeps the order
+/// of the pins.
 [[nodiscard]] std::uint32_t pinPlace(const PackagePins& pins, std::string_view name, std::size_t guess);
 
 /// How a matrix stores its upper triangle. A wrap is a banded matrix that circles back from its last rows to the first
