@@ -42,19 +42,20 @@ void addLine(Context& context, std::string& text, std::string_view line) {
 
 } // namespace
 
-std::string collectAmi(Context& context, const Source& source) {
+std::string collectAmi(Context& context, Source& source) {
     ParseState& parse = context.parse;
     const bool long_lines = std::exchange(parse.long_lines, true);
     parse.kind = FileKind::ami;
     parse.line = 0;
     parse.comment = '|';
     Collector collector{.comment = parse.comment};
-    makeRoom(collector.text, source.text->size() + 1);
-    LineReader reader{.text = source.text};
-    while (const std::optional<std::string_view> line = readLongLine(context, reader)) {
+    makeRoom(collector.text, static_cast<std::size_t>(source.bytes.size()) + 1);
+    LineReader reader(std::move(source.bytes));
+    while (const std::optional<SourceLine> line = reader.next(context, kNoCapacity)) {
         ++parse.line;
-        addLine(context, collector.text, cutComment(collector, *line, parse.line));
+        addLine(context, collector.text, cutComment(collector, line->text, parse.line));
     }
+    if (reader.failed()) reportNotOpened(context, source);
     if (collector.in_string) error(context.diagnostics, 924, static_cast<std::int64_t>(collector.string_line));
     parse.long_lines = long_lines;
     return std::move(collector.text);

@@ -44,7 +44,7 @@ bool readCpd(Context& context, CmpntEmi& emi, const SubparameterLine& line) {
     Rng range;
     if (!readRange(context, text, line.name, range, OrderCheck::off)) return false;
     if (range.typ().isNumber()) {
-        emi.cpd = range.typ().value;
+        emi.cpd = range.typ().value();
     } else {
         errorAtLine(context.diagnostics, 4708, line.name, items[0]);
     }

@@ -41,7 +41,7 @@ void readValues(Context& context, DifPin& row, const ItemList& items, int column
         read(3 + placeOf(corner), row.tdelay[corner]);
     }
     const bool both = row.tdelay.min().isNumber() && row.tdelay.max().isNumber();
-    if (both && std::abs(row.tdelay.min().value) > std::abs(row.tdelay.max().value)) {
+    if (both && std::abs(row.tdelay.min().value()) > std::abs(row.tdelay.max().value())) {
         caution(context.diagnostics, 810, row.pin);
     }
 }

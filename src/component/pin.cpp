@@ -20,7 +20,7 @@ constexpr TableHeader kHeader{"Pin", kNameHeaders, kValueHeaders, true};
 void readValue(Diagnostics& diagnostics, Pin& pin, std::size_t column, std::string_view text) {
     Cell& cell = pin.*kValues[column];
     readCell(diagnostics, text, true, "Pin", kValueHeaders[column], cell);
-    if (cell.isNumber() && cell.value < 0.0) warningAtLine(diagnostics, 608, kValueHeaders[column], pin.name);
+    if (cell.isNumber() && cell.value() < 0.0) warningAtLine(diagnostics, 608, kValueHeaders[column], pin.name);
 }
 
 void readValues(Diagnostics& diagnostics, const TableColumns& columns, Pin& pin, const ItemList& items) {

@@ -54,15 +54,14 @@ bool hasAllColumns(Context& context, const EmiTable& table, const TableColumns& 
 
 void readClockDiv(Context& context, PinEmi& row, std::string_view text) {
     constexpr std::string_view kName = "clock_div";
-    double value = 0.0;
-    bool na = false;
-    if (readValueOrNa(text, value, na) == ReadResult::noNumber) {
+    Cell cell;
+    if (readCellText(text, cell) == ReadResult::noNumber) {
         errorAtLine(context.diagnostics, 4904, kName, text);
         return;
     }
-    if (na) return;
-    row.clock_div = value;
-    if (value <= 0.0) errorAtLine(context.diagnostics, 4905, kName, row.pin);
+    if (!cell.isNumber()) return;
+    row.clock_div = cell.value();
+    if (cell.value() <= 0.0) errorAtLine(context.diagnostics, 4905, kName, row.pin);
 }
 
 /// False when the value was reported.

@@ -56,8 +56,8 @@ void pkgLine(Context& context, Pkg& package, std::string_view text) {
     stored = range;
     // Four items were counted above, so that a missing one would be a fault of the range reader.
     if (!range.typ().isNumber()) errorAtLine(diagnostics, 1209);
-    if (range.min().state == CellState::missing) errorAtLine(diagnostics, 1210);
-    if (range.max().state == CellState::missing) errorAtLine(diagnostics, 1211);
+    if (range.min().state() == CellState::missing) errorAtLine(diagnostics, 1210);
+    if (range.max().state() == CellState::missing) errorAtLine(diagnostics, 1211);
 }
 
 void checkPkg(Context& context, const Pkg& package, std::string_view component) {

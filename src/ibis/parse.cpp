@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace kestrel {
 
@@ -28,10 +29,10 @@ void resetReader(ParseState& parse, FileKind kind) {
 }
 
 /// Length and TAB checks of a line that has been read and counted.
-void finishLine(Run& run, std::string_view line) {
+void finishLine(Run& run, const SourceLine& line) {
     const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
-    if (line.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 905, limit);
-    if (!run.parse.tab_warned && line.find('\t') != std::string_view::npos) {
+    if (line.text.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 905, limit);
+    if (line.has_tab && !run.parse.tab_warned) {
         run.parse.tab_warned = true;
         warningAtLine(run.diagnostics, 921);
     }
@@ -179,9 +180,10 @@ void dispatchKeyword(Run& run, std::string_view line) {
 }
 
 /// One line from the file, without its line feed.
-void handleLine(Run& run, std::string_view line) {
-    finishLine(run, line);
-    std::string_view body = skipWhiteSpace(run, line);
+void handleLine(Run& run, const SourceLine& read) {
+    finishLine(run, read);
+    const std::string_view line = read.text;
+    const std::string_view body = skipWhiteSpace(run, line);
     const LineKind kind = classify(run, line, body);
     if (kind == LineKind::blank) return;
     if (run.parse.end_seen) {
@@ -192,11 +194,10 @@ void handleLine(Run& run, std::string_view line) {
         changeCommentChar(run, body);
         return;
     }
-    // A keyword is read from its bracket on, data with its leading blanks.
-    const std::string_view whole = kind == LineKind::keyword ? body : line;
-    const std::string_view text = stripTrailing(whole.substr(0, whole.find(run.parse.comment)));
+    const std::string_view text = stripTrailing(line.substr(0, read.comment));
     if (kind == LineKind::keyword) {
-        dispatchKeyword(run, text);
+        // A keyword is read from its bracket on, data with its leading blanks.
+        dispatchKeyword(run, text.substr(line.size() - body.size()));
     } else {
         handOn(run, moduleOf(run.parse.current), Line{LineKind::data, run.parse.current, text});
     }
@@ -230,7 +231,7 @@ template <class Work> void withinMemory(Run& run, const Work& work) {
 /// Nothing when the file could not be opened.
 std::optional<std::string> readAmi(Context& context, std::string_view name) {
     announce(context, name, kAmiVersion);
-    const std::optional<Source> source = openSource(context, name, FileKind::ami);
+    std::optional<Source> source = openSource(context, name, FileKind::ami);
     return source ? std::optional(collectAmi(context, *source)) : std::nullopt;
 }
 
@@ -266,14 +267,15 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
         return false;
     }
     announce(run, name, *version);
-    const std::optional<Source> source = openSource(run, name, kind);
+    std::optional<Source> source = openSource(run, name, kind);
     if (!source) return false;
     run.parse.file_name = source->bare_name;
-    LineReader reader{.text = source->text};
-    while (const std::optional<std::string_view> line = readLine(run, reader, kLineCapacity)) {
+    LineReader reader(std::move(source->bytes));
+    while (const std::optional<SourceLine> line = reader.next(run, kLineCapacity)) {
         ++run.parse.line;
         handleLine(run, *line);
     }
+    if (reader.failed()) reportNotOpened(run, *source);
     if (!run.parse.end_seen) {
         error(run.diagnostics, 903);
         dispatchKeyword(run, "[END]");

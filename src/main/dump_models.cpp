@@ -52,7 +52,7 @@ void appendRange(Text& text, std::string_view label, const std::optional<Rng>& r
     }
     for (const Corner corner : kCorners) {
         if (const Cell& cell = (*range)[corner]; cell.isNumber()) {
-            appendQuantity(text, cell.value, unit);
+            appendQuantity(text, cell.value(), unit);
         } else {
             text.push_back('-');
         }
@@ -152,10 +152,10 @@ struct TableDump {
     }
 
     /// The rows and an empty line; a cell without a number stays empty.
-    void rows(const std::vector<TableRow>& table) {
+    void rows(std::span<const TableRow> table) {
         for (const TableRow& row : table) {
             for (std::size_t i = 0; i < kColumns; ++i) {
-                if (row.state[i] == CellState::number) appendGeneral(text, row.value[i]);
+                if (const Cell cell = row.cells[i]; cell.isNumber()) appendGeneral(text, cell.value());
                 text.push_back(i + 1 < kColumns ? delimiter : '\n');
             }
             pass();

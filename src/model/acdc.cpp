@@ -29,7 +29,7 @@ constexpr auto kEdges = std::to_array({
 
 bool sameTimes(const Wvfrm& a, const Wvfrm& b) {
     return std::ranges::equal(a.rows, b.rows, [](const TableRow& one, const TableRow& other) {
-        return one.state[kFirst] == other.state[kFirst] && one.value[kFirst] == other.value[kFirst];
+        return one[kFirst].state() == other[kFirst].state() && one[kFirst].value() == other[kFirst].value();
     });
 }
 
@@ -37,7 +37,7 @@ bool sameTimes(const Wvfrm& a, const Wvfrm& b) {
 std::vector<TableRow> typicalRows(const Wvfrm& waveform) {
     std::vector<TableRow> rows;
     std::ranges::copy_if(waveform.rows, std::back_inserter(rows),
-                         [](const TableRow& row) { return row.isNumber(kFirst) && row.isNumber(kTyp); });
+                         [](const TableRow& row) { return row[kFirst].isNumber() && row[kTyp].isNumber(); });
     return rows;
 }
 
@@ -45,12 +45,12 @@ std::vector<TableRow> typicalRows(const Wvfrm& waveform) {
 /// value that goes up, -1 for one that goes down.
 std::optional<double> timeOf(const std::vector<TableRow>& rows, double level, double sign) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const double value = rows[i].value[kTyp];
+        const double value = rows[i][kTyp].value();
         if (sign * (value - level) < 0.0) continue;
-        if (i == 0) return rows[i].value[kFirst];
-        const double before = rows[i - 1].value[kTyp];
+        if (i == 0) return rows[i][kFirst].value();
+        const double before = rows[i - 1][kTyp].value();
         const double part = (level - before) / (value - before);
-        return rows[i - 1].value[kFirst] + part * (rows[i].value[kFirst] - rows[i - 1].value[kFirst]);
+        return rows[i - 1][kFirst].value() + part * (rows[i][kFirst].value() - rows[i - 1][kFirst].value());
     }
     return std::nullopt;
 }
@@ -59,8 +59,8 @@ std::optional<double> timeOf(const std::vector<TableRow>& rows, double level, do
 std::optional<double> edgeTime(const Wvfrm& waveform) {
     const std::vector<TableRow> rows = typicalRows(waveform);
     if (rows.size() < 2) return std::nullopt;
-    const double start = rows.front().value[kTyp];
-    const double swing = rows.back().value[kTyp] - start;
+    const double start = rows.front()[kTyp].value();
+    const double swing = rows.back()[kTyp].value() - start;
     if (swing == 0.0) return std::nullopt;
     const double sign = swing > 0.0 ? 1.0 : -1.0;
     const std::optional<double> from = timeOf(rows, start + 0.2 * swing, sign);

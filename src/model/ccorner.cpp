@@ -31,11 +31,11 @@ constexpr auto kCorner = subparameters<Subparameter<CCorner>>(
 bool leaves(const Rng& corners, const Rng& own) {
     constexpr double kTolerance = 1e-6;
     if (!std::ranges::all_of(own, &Cell::isNumber)) return false;
-    const auto [low, high] = std::minmax({own.typ().value, own.min().value, own.max().value});
+    const auto [low, high] = std::minmax({own.typ().value(), own.min().value(), own.max().value()});
     const double floor = low - kTolerance * std::abs(low);
     const double ceiling = high + kTolerance * std::abs(high);
     return std::ranges::any_of(
-        corners, [&](const Cell& cell) { return cell.isNumber() && (cell.value < floor || cell.value > ceiling); });
+        corners, [&](const Cell& cell) { return cell.isNumber() && (cell.value() < floor || cell.value() > ceiling); });
 }
 
 } // namespace

@@ -86,29 +86,29 @@ bool turnsBack(CrvState::Trace& trace, double value) {
 void followColumns(Context& context, CrvState& state, const TableRow& row, std::string_view label) {
     for (const Column column : {kFirst, kTyp, kMin, kMax}) {
         CrvState::Trace& trace = state.traces[column];
-        if (!row.isNumber(column) || trace.seen == CrvState::Seen::nonMonotonic) continue;
-        if (!turnsBack(trace, row.value[column])) continue;
+        if (!row[column].isNumber() || trace.seen == CrvState::Seen::nonMonotonic) continue;
+        if (!turnsBack(trace, row[column].value())) continue;
         noteAtLine(context.diagnostics, 1110, label, column == kFirst ? kFirstWord : columnWord(column));
     }
 }
 
 void followExtreme(CrvState::Extreme& extreme, const TableRow& row, bool beyond) {
-    const double voltage = row.value[kFirst];
-    const bool fills_gap = voltage == extreme.voltage && extreme.current.state == CellState::na;
-    if (!extreme.found || beyond || fills_gap) extreme = {true, voltage, {row.value[kTyp], row.state[kTyp]}};
+    const double voltage = row[kFirst].value();
+    const bool fills_gap = voltage == extreme.voltage && extreme.current.isNa();
+    if (!extreme.found || beyond || fills_gap) extreme = {true, voltage, row[kTyp]};
 }
 
 void checkTrend(Context& context, const CrvState& state, const Crv& curve, const CurveRules& rules,
                 const CurveOwner& owner) {
     const CurveTrend trend = trendOf(rules, owner.type);
     if (trend == CurveTrend::notChecked || curve.rows.empty()) return;
-    if (curve.rows.front().state[kTyp] == CellState::na || curve.rows.back().state[kTyp] == CellState::na) return;
+    if (curve.rows.front()[kTyp].isNa() || curve.rows.back()[kTyp].isNa()) return;
     const Cell& low = state.lowest.current;
     const Cell& high = state.highest.current;
     if (!low.isNumber() || !high.isNumber()) return;
-    if (trend == CurveTrend::rising && high.value < low.value) {
+    if (trend == CurveTrend::rising && high.value() < low.value()) {
         warning(context.diagnostics, 1111, owner.kind, owner.name, rules.label);
-    } else if (trend == CurveTrend::falling && high.value > low.value) {
+    } else if (trend == CurveTrend::falling && high.value() > low.value()) {
         warning(context.diagnostics, 1112, owner.kind, owner.name, rules.label);
     }
 }
@@ -116,14 +116,14 @@ void checkTrend(Context& context, const CrvState& state, const Crv& curve, const
 /// True when a column has currents on one side of zero only and none that counts as zero.
 bool neverZero(const Crv& curve, Column column) {
     if (curve.rows.empty()) return false;
-    if (curve.rows.front().state[column] == CellState::na || curve.rows.back().state[column] == CellState::na) {
+    if (curve.rows.front()[column].isNa() || curve.rows.back()[column].isNa()) {
         return false;
     }
     bool below = false;
     bool above = false;
     for (const TableRow& row : curve.rows) {
-        if (!row.isNumber(column)) continue;
-        const double current = row.value[column];
+        if (!row[column].isNumber()) continue;
+        const double current = row[column].value();
         if (std::abs(current) <= kZeroCurrent) return false;
         (current < 0.0 ? below : above) = true;
     }
@@ -155,13 +155,13 @@ void beginCrv(const Context& context, CrvState& state, Crv& curve) {
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
     const TableRow row = readRow(context, text, label, kFirstWord);
-    curve.rows.push_back(row);
+    context.rows.add(curve.rows, row);
     const std::size_t count = curve.rows.size();
     followColumns(context, state, row, label);
-    if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 1106);
-    if (row.isNumber(kFirst)) {
-        followExtreme(state.lowest, row, row.value[kFirst] < state.lowest.voltage);
-        followExtreme(state.highest, row, row.value[kFirst] > state.highest.voltage);
+    if (row[kFirst].isNa()) errorAtLine(context.diagnostics, 1106);
+    if (row[kFirst].isNumber()) {
+        followExtreme(state.lowest, row, row[kFirst].value() < state.lowest.voltage);
+        followExtreme(state.highest, row, row[kFirst].value() > state.highest.voltage);
     }
     if (count == kMaxRows + 1) errorAtLine(context.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
 }
@@ -176,8 +176,8 @@ void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKi
 std::vector<TableRow> sortedRows(const Crv& curve) {
     std::vector<TableRow> rows;
     std::ranges::copy_if(curve.rows, std::back_inserter(rows),
-                         [](const TableRow& row) { return row.isNumber(kFirst); });
-    std::ranges::stable_sort(rows, {}, [](const TableRow& row) { return row.value[kFirst]; });
+                         [](const TableRow& row) { return row[kFirst].isNumber(); });
+    std::ranges::stable_sort(rows, {}, [](const TableRow& row) { return row[kFirst].value(); });
     return rows;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/row_store.hpp"
 #include "reader/rngp.hpp"
 
 #include <array>
@@ -16,7 +17,7 @@ enum class ModelType : std::uint8_t;
 /// One I-V table: voltage (volts), then typical, minimum and maximum current (amperes), in file order.
 struct Crv {
     std::uint32_t line = 0; ///< at which it began
-    std::vector<TableRow> rows;
+    Rows<TableRow> rows;
 };
 
 /// The direction in which a table's current should go as the voltage rises.

@@ -42,7 +42,7 @@ void checkTogether(Diagnostics& diagnostics, const Delays& delays) {
 /// Of exactly two delays: a pair of one edge must differ.
 void checkPair(Diagnostics& diagnostics, const Delays& delays) {
     const auto equal_pair = [&delays](Delay on, Delay off) {
-        return delays[on].isNumber() && delays[off].isNumber() && delays[on].value == delays[off].value;
+        return delays[on].isNumber() && delays[off].isNumber() && delays[on].value() == delays[off].value();
     };
     if (equal_pair(kRiseOn, kRiseOff)) errorAtLine(diagnostics, 4507, kLabels[kRiseOn], kLabels[kRiseOff]);
     if (equal_pair(kFallOn, kFallOff)) errorAtLine(diagnostics, 4508, kLabels[kFallOn], kLabels[kFallOff]);
@@ -50,10 +50,10 @@ void checkPair(Diagnostics& diagnostics, const Delays& delays) {
 
 /// Of all four: the driver turns on before it turns off at the one edge and the other way round at the other.
 void checkAllFour(Diagnostics& diagnostics, const Delays& delays) {
-    const double rise_on = delays[kRiseOn].value;
-    const double rise_off = delays[kRiseOff].value;
-    const double fall_on = delays[kFallOn].value;
-    const double fall_off = delays[kFallOff].value;
+    const double rise_on = delays[kRiseOn].value();
+    const double rise_off = delays[kRiseOff].value();
+    const double fall_on = delays[kFallOn].value();
+    const double fall_off = delays[kFallOff].value();
     if (rise_on < rise_off && fall_off < fall_on) return;
     if (rise_on > rise_off && fall_on < fall_off) return;
     errorAtLine(diagnostics, 4509, kLabels[kRiseOn], kLabels[kRiseOff], kLabels[kFallOn], kLabels[kFallOff],
@@ -68,7 +68,7 @@ void checkDelays(Diagnostics& diagnostics, const Delays& delays) {
         checkTogether(diagnostics, delays);
     }
     for (std::size_t i = 0; i < kDelays; ++i) {
-        if (delays[i].isNumber() && delays[i].value < 0.0) errorAtLine(diagnostics, 4506, kLabels[i]);
+        if (delays[i].isNumber() && delays[i].value() < 0.0) errorAtLine(diagnostics, 4506, kLabels[i]);
     }
     if (given == 2) {
         checkPair(diagnostics, delays);

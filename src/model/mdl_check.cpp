@@ -191,9 +191,9 @@ bool covers(const Crv& curve, double supply) {
     double high = -supply;
     bool any = false;
     for (const TableRow& row : curve.rows) {
-        if (!row.isNumber(kFirst)) continue;
-        low = any ? std::min(low, row.value[kFirst]) : row.value[kFirst];
-        high = any ? std::max(high, row.value[kFirst]) : row.value[kFirst];
+        if (!row[kFirst].isNumber()) continue;
+        low = any ? std::min(low, row[kFirst].value()) : row[kFirst].value();
+        high = any ? std::max(high, row[kFirst].value()) : row[kFirst].value();
         any = true;
     }
     return !any || (low <= -supply && high >= supply);
@@ -210,7 +210,7 @@ void checkIsso(Context& context, const Mdl& model) {
             warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.type()));
         }
         if (!range || !range->typ().isNumber()) continue;
-        const double supply = range->typ().value;
+        const double supply = range->typ().value();
         if (!covers(*table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }

@@ -68,7 +68,7 @@ constexpr auto kSubparameters = subparameters<Row>(
     });
 
 /// True when both are numbers and the first is the smaller.
-bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value < b.value; }
+bool isBelow(const Cell& a, const Cell& b) { return a.isNumber() && b.isNumber() && a.value() < b.value(); }
 
 void checkCornerOrder(Context& context, const Mdl& model, std::string_view name, const Rng& range) {
     if (isBelow(range.typ(), range.min()) || isBelow(range.max(), range.min())) {
@@ -110,7 +110,7 @@ constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
 void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMessages& messages) {
     for (const Corner corner : kCorners) {
         const Cell& cell = range[corner];
-        if (cell.isNumber() && cell.value < 0.0) errorAtLine(diagnostics, messages[placeOf(corner)]);
+        if (cell.isNumber() && cell.value() < 0.0) errorAtLine(diagnostics, messages[placeOf(corner)]);
     }
 }
 

@@ -98,7 +98,7 @@ template <class Faulty> bool anyCorner(const MSpec& spec, Field first, Field sec
     return std::ranges::any_of(kCorners, [&](Corner corner) {
         const Cell& a = (*(spec.*first))[corner];
         const Cell& b = (*(spec.*second))[corner];
-        return a.isNumber() && b.isNumber() && faulty(a.value, b.value);
+        return a.isNumber() && b.isNumber() && faulty(a.value(), b.value());
     });
 }
 

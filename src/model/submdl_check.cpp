@@ -72,23 +72,21 @@ struct TriggerRule {
 constexpr TriggerRule kRisingRule{{Side::above, 2441}, {Side::below, 2442}};
 constexpr TriggerRule kFallingRule{{Side::below, 2443}, {Side::above, 2444}};
 
-Cell cellOf(const TableRow& row, Column column) { return {row.value[column], row.state[column]}; }
-
 /// Of a corner that only one side gives, the other side's typical value takes the place of its "NA".
 bool isFaulty(Cell waveform, Cell waveform_typ, Cell trigger, Cell trigger_typ, Side fault) {
-    const bool waveform_na = waveform.state == CellState::na;
-    const bool trigger_na = trigger.state == CellState::na;
+    const bool waveform_na = waveform.isNa();
+    const bool trigger_na = trigger.isNa();
     if (waveform_na && trigger_na) return false;
     if (waveform_na) waveform = waveform_typ;
     if (trigger_na) trigger = trigger_typ;
     if (!waveform.isNumber() || !trigger.isNumber()) return false;
-    return fault == Side::above ? waveform.value > trigger.value : waveform.value < trigger.value;
+    return fault == Side::above ? waveform.value() > trigger.value() : waveform.value() < trigger.value();
 }
 
 void checkEnd(Context& context, std::string_view submodel, const TableRow& row, const Rng& trigger,
               const EndRule& rule) {
     for (const Corner corner : kCorners) {
-        if (isFaulty(cellOf(row, columnOf(corner)), cellOf(row, kTyp), trigger[corner], trigger.typ(), rule.fault)) {
+        if (isFaulty(row[columnOf(corner)], row[kTyp], trigger[corner], trigger.typ(), rule.fault)) {
             warning(context.diagnostics, rule.message, submodel, kShortCornerWords[placeOf(corner)]);
         }
     }
@@ -98,8 +96,8 @@ void checkTrigger(Context& context, std::string_view submodel, const std::vector
                   const std::optional<Rng>& trigger, const TriggerRule& rule) {
     if (!trigger || !trigger->typ().isNumber()) return;
     for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
-        const std::vector<TableRow>& rows = waveform->rows;
-        if (rows.empty() || !rows.front().isNumber(kTyp)) continue;
+        const Rows<TableRow>& rows = waveform->rows;
+        if (rows.empty() || !rows.front()[kTyp].isNumber()) continue;
         checkEnd(context, submodel, rows.front(), *trigger, rule.start);
         checkEnd(context, submodel, rows.back(), *trigger, rule.end);
     }

@@ -7,7 +7,7 @@ namespace kestrel {
 namespace {
 
 bool anyNumber(std::span<const TableRow> rows, Column column) {
-    return std::ranges::any_of(rows, [column](const TableRow& row) { return row.isNumber(column); });
+    return std::ranges::any_of(rows, [column](const TableRow& row) { return row[column].isNumber(); });
 }
 
 } // namespace
@@ -17,7 +17,7 @@ std::vector<EndFault> findEndFaults(std::span<const TableRow> rows) {
     if (rows.size() < 2) return faults;
     const auto check_row = [&](std::string_view which, const TableRow& row) {
         for (const Column column : kValueColumns) {
-            if (row.state[column] != CellState::na) continue;
+            if (!row[column].isNa()) continue;
             if (column == kTyp || anyNumber(rows, column)) faults.push_back({which, column});
         }
     };

@@ -2,6 +2,7 @@
 
 #include "base/text.hpp"
 #include "model/table_ends.hpp"
+#include "reader/context.hpp"
 #include "reader/subparameters.hpp"
 
 namespace kestrel {
@@ -43,17 +44,15 @@ std::size_t rowLimit(IbisVersion version, WaveformForm form) {
     return version >= IbisVersion::v4 && form != WaveformForm::pulse ? 1000 : 100;
 }
 
-/// Reads a row of time and values to the end of `rows`.
-void timeRow(Context& context, std::vector<TableRow>& rows, std::string_view text, const FirstCell& first,
-             std::string_view label, std::size_t limit) {
-    const TableRow row = readRow(context, text, label, "Time", first);
-    rows.push_back(row);
+/// Adds a row of time and values to the end of `rows`.
+void addRow(Context& context, Rows<TableRow>& rows, const TableRow& row, std::string_view label, std::size_t limit) {
+    context.rows.add(rows, row);
     const std::size_t count = rows.size();
     if (count > limit) errorAtLine(context.diagnostics, 2018, static_cast<std::int32_t>(limit), label);
-    if (row.state[kFirst] == CellState::na) errorAtLine(context.diagnostics, 2019, "Time");
-    if (count < 2 || !row.isNumber(kFirst)) return;
+    if (row[kFirst].isNa()) errorAtLine(context.diagnostics, 2019, "Time");
+    if (count < 2 || !row[kFirst].isNumber()) return;
     const TableRow& previous = rows[count - 2];
-    if (previous.isNumber(kFirst) && row.value[kFirst] <= previous.value[kFirst]) {
+    if (previous[kFirst].isNumber() && row[kFirst].value() <= previous[kFirst].value()) {
         errorAtLine(context.diagnostics, 2020);
     }
 }
@@ -83,7 +82,7 @@ void checkSameEnds(Context& context, const Wvfrm& waveform, std::string_view lab
     const TableRow& first = waveform.rows.front();
     const TableRow& last = waveform.rows.back();
     for (const Column column : kValueColumns) {
-        if (!first.isNumber(column) || !last.isNumber(column) || first.value[column] == last.value[column]) continue;
+        if (!first[column].isNumber() || !last[column].isNumber() || first[column].value() == last[column].value()) continue;
         error(context.diagnostics, 2007, columnWord(column), label, line);
     }
 }
@@ -96,7 +95,7 @@ void checkOffsets(Context& context, const Wvfrm& waveform, const WaveformLabel& 
     const OffsetMessage message = below ? OffsetMessage(2008) : OffsetMessage(2009);
     for (const Column column : kValueColumns) {
         const bool found = std::ranges::any_of(waveform.rows, [&](const TableRow& row) {
-            return row.isNumber(column) && (below ? row.value[column] < 0.0 : row.value[column] > 0.0);
+            return row[column].isNumber() && (below ? row[column].value() < 0.0 : row[column].value() > 0.0);
         });
         if (!found) continue;
         warning(context.diagnostics, message, label.open, columnWord(column), line);
@@ -120,6 +119,12 @@ void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const Wavef
 }
 
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text) {
+    const std::size_t limit = rowLimit(context.parse.version, label.form);
+    TableRow row;
+    if (readPlainRow(text, row)) {
+        addRow(context, waveform.rows, row, label.rows, limit);
+        return;
+    }
     std::string_view rest = text;
     const std::string_view first = takeItem(context, rest, '=');
     if (const auto* const line = findFixtureLine(first)) {
@@ -139,7 +144,8 @@ void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, st
         errorAtLine(context.diagnostics, 2011, label.rows);
         return;
     }
-    timeRow(context, waveform.rows, text, cell, label.rows, rowLimit(context.parse.version, label.form));
+    row = readRow(context, text, label.rows, "Time", cell);
+    addRow(context, waveform.rows, row, label.rows, limit);
 }
 
 void closeWvfrm(Context& context, const Wvfrm& waveform, const WaveformLabel& label) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/row_store.hpp"
 #include "reader/rngp.hpp"
 
 #include <cstdint>
@@ -24,7 +25,7 @@ struct Wvfrm {
     std::optional<double> r_dut;              ///< ohms
     std::optional<double> l_dut;              ///< henries
     std::optional<double> c_dut;              ///< farads
-    std::vector<TableRow> rows;               ///< in file order
+    Rows<TableRow> rows;                      ///< in file order
     std::unique_ptr<Wvfrm> composite_current; ///< rows of amperes through the supply over the same time
 };
 

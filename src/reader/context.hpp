@@ -1,14 +1,16 @@
 #pragma once
 
 #include "base/output.hpp"
+#include "base/row_store.hpp"
+#include "base/text_store.hpp"
 #include "diagnostics/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 #include "reader/source.hpp"
 
 namespace kestrel {
 
-/// What every reader of lines needs to know of a run: where it writes, the reader's state, the diagnostics and the
-/// source files. It holds no module's state.
+/// What every reader of lines needs to know of a run: where it writes, the reader's state, the diagnostics, the
+/// source files, and the stores of what records hold. It holds no module's state.
 struct Context {
     explicit Context(Output& output) : out(output), diagnostics(output, parse.line) {}
     Context(const Context&) = delete;
@@ -19,6 +21,8 @@ struct Context {
     ParseState parse;
     Diagnostics diagnostics;
     SourceStore sources;
+    RowStore rows;   ///< those of all tables that were read
+    TextStore texts; ///< names and other texts of records
 };
 
 } // namespace kestrel

@@ -6,9 +6,6 @@ namespace kestrel {
 
 namespace {
 
-/// Most white space that may be between two items.
-constexpr std::ptrdiff_t kMaxSkip = 120;
-
 /// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
 /// mode.
 const char* skipSpaces(const Context& context, const char* at, const char* end) {

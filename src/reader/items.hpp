@@ -11,6 +11,9 @@ namespace kestrel {
 
 struct Context;
 
+/// Most white space that may be between two items.
+inline constexpr std::ptrdiff_t kMaxSkip = 120;
+
 /// Most items that a caller may keep of one line.
 inline constexpr int kMaxItems = 8;
 

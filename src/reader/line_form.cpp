@@ -82,7 +82,7 @@ bool readRangeLine(Context& context, std::string_view rest, std::string_view nam
     Rng range;
     if (!readRange(context, values, name, range, OrderCheck::off)) return false;
     value = range;
-    if (range.typ().state != CellState::na) return true;
+    if (!range.typ().isNa()) return true;
     if (const auto* const named = std::get_if<CheckedMessage<ArgKind::text>>(&rules.typ_na)) {
         errorAtLine(context.diagnostics, *named, name);
     } else {

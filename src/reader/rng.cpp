@@ -13,8 +13,8 @@ namespace {
 /// True when all three are numbers and the typical one lies below both others or above both.
 bool typOutside(const Rng& range) {
     if (!std::ranges::all_of(range, &Cell::isNumber)) return false;
-    const double typ = range.typ().value;
-    const auto [low, high] = std::minmax(range.min().value, range.max().value);
+    const double typ = range.typ().value();
+    const auto [low, high] = std::minmax({range.min().value(), range.max().value()});
     return typ < low || typ > high;
 }
 
@@ -35,7 +35,7 @@ bool readRange(Context& context, std::string_view text, std::string_view quantit
 }
 
 bool anyBelowZero(const Rng& range) {
-    return std::ranges::any_of(range, [](const Cell& cell) { return cell.isNumber() && cell.value < 0.0; });
+    return std::ranges::any_of(range, [](const Cell& cell) { return cell.isNumber() && cell.value() < 0.0; });
 }
 
 } // namespace kestrel

@@ -1,6 +1,8 @@
 #include "reader/rngp.hpp"
 
+#include "base/text.hpp"
 #include "reader/context.hpp"
+#include "reader/decimal.hpp"
 #include "reader/items.hpp"
 #include "reader/line_form.hpp"
 
@@ -14,32 +16,69 @@ constexpr int kItems = static_cast<int>(kColumns);
 constexpr std::array<std::string_view, kColumns> kMissingColumns{"", kMissingCornerWords[0], kMissingCornerWords[1],
                                                                  kMissingCornerWords[2]};
 
+constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+/// Reads a plain cell and returns where it ends, which is at a blank or the end of the line; null for any other.
+const char* readPlainCell(const char* at, const char* end, Cell& cell) {
+    double value = 0.0;
+    if (const char* const number_end = readShortDecimal(at, end, value)) {
+        at = number_end;
+        if (at != end && isAlpha(*at)) {
+            value *= scaleFactor(*at);
+            while (at != end && isAlpha(*at)) {
+                ++at;
+            }
+        }
+        cell = Cell(value);
+    } else if (end - at >= 2 && toUpper(at[0]) == 'N' && toUpper(at[1]) == 'A') {
+        at += 2;
+        cell = Cell::na();
+    } else {
+        return nullptr;
+    }
+    return at == end || isBlank(*at) ? at : nullptr;
+}
+
 } // namespace
+
+bool readPlainRow(std::string_view text, TableRow& row) {
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (Cell& cell : row.cells) {
+        const char* const begin = at;
+        while (at != end && isBlank(*at)) {
+            ++at;
+        }
+        if (at - begin > kMaxSkip) return false;
+        at = readPlainCell(at, end, cell);
+        if (at == nullptr) return false;
+    }
+    // Lines come without blanks behind them. A row that begins with "NA" is reported.
+    return at == end && row[kFirst].isNumber();
+}
 
 FirstCell readFirstCell(std::string_view item) {
     FirstCell first{.item = item};
-    bool na = false;
-    first.result = readValueOrNa(item, first.cell.value, na);
-    first.cell.state = na ? CellState::na : CellState::number;
+    first.result = readCellText(item, first.cell);
     return first;
 }
 
 TableRow readRow(Context& context, std::string_view text, std::string_view table, std::string_view first_label,
                  const FirstCell& first) {
+    TableRow row;
+    if (!first.beginsRow() && readPlainRow(text, row)) return row;
     const ItemList items = splitItems(context, text, kItems);
     reportItemCount(context.diagnostics, items.count, kMissingColumns, table, {1402, 1401});
     // Where the line was split at more than blanks, the item read ahead is but a part of the row's.
     const bool is_read = first.result == ReadResult::number && first.item.size() == items[0].size();
-    TableRow row;
     for (int column = 0; column < kItems; ++column) {
-        const auto at = static_cast<std::size_t>(column);
-        Cell cell = first.cell;
-        if (column > 0 || !is_read) {
-            const std::string_view label = column == kFirst ? first_label : columnWord(static_cast<Column>(column));
-            readCell(context.diagnostics, items[column], items.has(column), table, label, cell);
+        Cell& cell = row.cells[static_cast<std::size_t>(column)];
+        if (column == kFirst && is_read) {
+            cell = first.cell;
+            continue;
         }
-        row.value[at] = cell.value;
-        row.state[at] = cell.state;
+        const std::string_view label = column == kFirst ? first_label : columnWord(static_cast<Column>(column));
+        readCell(context.diagnostics, items[column], items.has(column), table, label, cell);
     }
     return row;
 }

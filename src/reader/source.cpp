@@ -6,53 +6,18 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <limits>
-#include <new>
-#include <stdexcept>
 
 namespace kestrel {
 
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-/// Reads a whole file from the disk; null when it cannot be opened or read. A folder or a pipe is no source file.
-SourceText readFile(const std::string& path) {
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(path, failure)) return nullptr;
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
-    if (!file) return nullptr;
-    constexpr std::size_t kPiece = 65536;
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    auto text = std::make_shared<std::string>();
-    std::size_t used = 0;
-    // One byte more than the size, so that the end of the file is met without growing the text.
-    text->resize(failure ? kPiece : static_cast<std::size_t>(size) + 1);
-    while (const std::size_t got = std::fread(text->data() + used, 1, text->size() - used, file.get())) {
-        used += got;
-        if (used == text->size()) text->resize(used + std::max(used, kPiece));
-    }
-    if (std::ferror(file.get()) != 0) return nullptr;
-    text->resize(used);
-    return text;
-}
-
-SourceText loadText(Context& context, const std::string& path) {
-    SourceStore& store = context.sources;
-    if (const auto given = store.texts.find(path); given != store.texts.end()) return given->second;
-    if (store.last && store.last_path == path) return store.last;
-    SourceText text = readFile(path);
-    // What could not be read under one spelling of its name leaves the file read before where it is.
-    if (text) {
-        store.last = text;
-        store.last_path = path;
-    }
-    return text;
+/// Opens the text that a caller gave under this path, or the file.
+std::optional<ByteSource> openBytes(const Context& context, const std::string& path) {
+    const auto& texts = context.sources.texts;
+    if (const auto given = texts.find(path); given != texts.end()) return ByteSource(given->second);
+    return ByteSource::open(path);
 }
 
 void reportExtension(Diagnostics& diagnostics, FileKind kind) {
@@ -89,16 +54,17 @@ bool completeName(Diagnostics& diagnostics, std::string& bare_name, FileKind kin
     return true;
 }
 
-/// Loads a source under its path as it is, in lower case or in upper case; the directory follows the spelling that was
+/// Opens a source under its path as it is, in lower case or in upper case; the directory follows the spelling that was
 /// found.
-bool loadInAnyCase(Context& context, Source& source) {
+bool openInAnyCase(Context& context, Source& source) {
     using Convert = void (*)(std::string&);
     constexpr std::array<Convert, 3> kSpellings{[](std::string&) {}, lowerCase, upperCase};
     for (const Convert convert : kSpellings) {
         std::string path = source.path;
         convert(path);
-        source.text = loadText(context, path);
-        if (!source.text) continue;
+        std::optional<ByteSource> bytes = openBytes(context, path);
+        if (!bytes) continue;
+        source.bytes = std::move(*bytes);
         source.path = path;
         convert(context.parse.directory);
         return true;
@@ -106,34 +72,8 @@ bool loadInAnyCase(Context& context, Source& source) {
     return false;
 }
 
-void reportNoMemory(Diagnostics& diagnostics, const std::string& path) {
-    std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    constexpr std::uintmax_t kMost = std::numeric_limits<std::uint32_t>::max();
-    error(diagnostics, 1906, static_cast<std::uint32_t>(std::min(size, kMost)));
-}
-
 constexpr bool isIllegal(char c) {
     return static_cast<unsigned char>(c) >= 0x80 || (static_cast<unsigned char>(c) < 0x20 && c != '\t');
-}
-
-/// True when none of eight characters is a control character, TAB included, or beyond ASCII.
-bool arePrintable(const char* eight) {
-    constexpr std::uint64_t kOnes = 0x0101010101010101;
-    std::uint64_t word = 0;
-    std::memcpy(&word, eight, sizeof word);
-    // A character below the blank borrows from its highest bit; one beyond ASCII has it set from the start.
-    return (((word - kOnes * ' ') | word) & (kOnes * 0x80)) == 0;
-}
-
-/// Looks at eight characters at a time.
-bool isClean(std::string_view line) {
-    constexpr std::size_t kStep = sizeof(std::uint64_t);
-    std::size_t at = 0;
-    for (; at + kStep <= line.size(); at += kStep) {
-        if (!arePrintable(line.data() + at) && std::ranges::any_of(line.substr(at, kStep), isIllegal)) return false;
-    }
-    return std::ranges::none_of(line.substr(at), isIllegal);
 }
 
 std::string_view kindOfIllegal(char c) {
@@ -143,18 +83,23 @@ std::string_view kindOfIllegal(char c) {
 
 /// Copies the line with a blank for each illegal character, reporting them; of an overlong line the rest is reported,
 /// too.
-std::string_view policeLine(Context& context, LineReader& reader, std::string_view line, std::size_t capacity) {
-    reader.replaced.clear();
+void policeLine(Context& context, std::string& replaced, std::string_view line, std::size_t capacity) {
+    replaced.clear();
     for (const char c : line) {
-        const bool room = reader.replaced.size() + 1 < capacity;
+        const bool room = replaced.size() + 1 < capacity;
         if (isIllegal(c)) {
             errorAtLine(context.diagnostics, 1917, kindOfIllegal(c),
                         static_cast<unsigned>(static_cast<unsigned char>(c)),
                         std::string_view(room ? "  Converting to space." : ""));
         }
-        if (room) reader.replaced.push_back(isIllegal(c) ? ' ' : c);
+        if (room) replaced.push_back(isIllegal(c) ? ' ' : c);
     }
-    return reader.replaced;
+}
+
+/// A line that is not what was looked at.
+SourceLine lookAgain(std::string_view text, char comment) {
+    const std::size_t place = text.find(comment);
+    return {text, place == std::string_view::npos ? LineScan::kNone : place, text.find('\t') != std::string_view::npos};
 }
 
 } // namespace
@@ -187,41 +132,94 @@ std::optional<Source> openSource(Context& context, std::string_view name, FileKi
         return std::nullopt;
     }
     source.path = directory + source.bare_name;
-    try {
-        if (loadInAnyCase(context, source)) return source;
-        if (absent == WhenAbsent::report) error(context.diagnostics, 1905, directory, source.bare_name);
-    } catch (const std::bad_alloc&) {
-        reportNoMemory(context.diagnostics, source.path);
-    } catch (const std::length_error&) {
-        reportNoMemory(context.diagnostics, source.path);
-    }
+    if (openInAnyCase(context, source)) return source;
+    if (absent == WhenAbsent::report) reportNotOpened(context, source);
     return std::nullopt;
 }
 
-std::optional<std::string_view> readLine(Context& context, LineReader& reader, std::size_t capacity) {
-    const std::string_view text = *reader.text;
-    if (reader.next >= text.size()) return std::nullopt;
-    const std::size_t feed = text.find('\n', reader.next);
-    std::string_view line = text.substr(reader.next, feed == std::string_view::npos ? feed : feed - reader.next);
-    reader.next += line.size() + 1;
-    // A carriage return ahead of the line feed belongs to the line's end, a Ctrl-Z as last byte to the file's.
-    const char closing = feed == std::string_view::npos ? '\x1a' : '\r';
-    if (!line.empty() && line.back() == closing) line.remove_suffix(1);
-    if (reader.police && !isClean(line)) return policeLine(context, reader, line, capacity);
-    return line.substr(0, capacity - 1);
+void reportNotOpened(Context& context, const Source& source) {
+    error(context.diagnostics, 1905, context.parse.directory, source.bare_name);
 }
 
-std::optional<std::string_view> readLongLine(Context& context, LineReader& reader) {
-    return readLine(context, reader, std::numeric_limits<std::size_t>::max());
+ByteSource::ByteSource(SourceText text) : text_(std::move(text)), size_(text_->size()) {}
+
+std::optional<ByteSource> ByteSource::open(const std::string& path) {
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure)) return std::nullopt;
+    ByteSource source;
+    source.file_.reset(std::fopen(path.c_str(), "rb"));
+    if (!source.file_) return std::nullopt;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
+    if (!failure) source.size_ = size;
+    return source;
+}
+
+std::size_t ByteSource::read(char* to, std::size_t room) {
+    if (file_) return std::fread(to, 1, room, file_.get());
+    if (!text_) return 0;
+    const std::size_t size = text_->copy(to, room, next_);
+    next_ += size;
+    return size;
+}
+
+bool ByteSource::failed() const { return file_ && std::ferror(file_.get()) != 0; }
+
+/// Reads more behind what is left in the window; false when there is no more.
+bool LineReader::fill() {
+    constexpr std::size_t kWindow = std::size_t{128} << 10;
+    if (at_end_) return false;
+    const std::size_t left = end_ - begin_;
+    if (left == room_) {
+        // The window is new, or a line is longer than it. A small file needs but a small one.
+        const auto most = static_cast<std::size_t>(std::min<std::uintmax_t>(bytes_.size() + 1, kWindow));
+        const std::size_t room = room_ == 0 ? most : std::max(2 * room_, kWindow);
+        auto window = std::make_unique_for_overwrite<char[]>(room + kScanPadding);
+        std::copy_n(window_.get() + begin_, left, window.get());
+        window_ = std::move(window);
+        room_ = room;
+    } else {
+        std::memmove(window_.get(), window_.get() + begin_, left);
+    }
+    begin_ = 0;
+    end_ = left;
+    while (end_ < room_ && !at_end_) {
+        const std::size_t size = bytes_.read(window_.get() + end_, room_ - end_);
+        end_ += size;
+        at_end_ = size == 0;
+    }
+    // Looking for the end of a line stops here.
+    std::memset(window_.get() + end_, '\n', kScanPadding);
+    return true;
+}
+
+std::optional<SourceLine> LineReader::next(Context& context, std::size_t capacity) {
+    const char comment = context.parse.comment;
+    LineScan scan;
+    do {
+        scan = begin_ == end_ ? LineScan{} : scanLine(window_.get() + begin_, comment);
+        // A line that reaches to the end of the window may be but the beginning of one.
+    } while (begin_ + scan.length == end_ && fill());
+    if (begin_ == end_) return std::nullopt;
+    std::string_view line(window_.get() + begin_, scan.length);
+    const bool has_feed = begin_ + scan.length < end_;
+    begin_ += scan.length + (has_feed ? 1 : 0);
+    // A carriage return ahead of the line feed belongs to the line's end, a Ctrl-Z as last byte to the file's.
+    if (!line.empty() && line.back() == (has_feed ? '\r' : '\x1a')) line.remove_suffix(1);
+    if (scan.odd < line.size() && police_ == Police::on) {
+        policeLine(context, replaced_, line, capacity);
+        return lookAgain(replaced_, comment);
+    }
+    if (line.size() >= capacity) return lookAgain(line.substr(0, capacity - 1), comment);
+    return SourceLine{line, scan.comment, scan.has_tab};
 }
 
 IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, std::uint32_t& lines) {
-    const std::optional<Source> source = openSource(context, name.substr(0, kMaxPath), kind);
+    std::optional<Source> source = openSource(context, name.substr(0, kMaxPath), kind);
     if (!source) return IbisVersion::none;
-    LineReader reader{.text = source->text};
-    while (const std::optional<std::string_view> text = readLine(context, reader, kScanCapacity)) {
+    LineReader reader(std::move(source->bytes));
+    while (const std::optional<SourceLine> read = reader.next(context, kScanCapacity)) {
         ++lines;
-        const std::string_view line = skipWhiteSpace(context, *text);
+        const std::string_view line = skipWhiteSpace(context, read->text);
         if (!line.starts_with('[')) continue;
         if (!prefixEqualsNoCase(line, "[IBIS Ver]", 10) && !prefixEqualsNoCase(line, "[IBIS_Ver]", 10)) break;
         const std::string_view value = skipWhiteSpace(context, line.substr(line.find(']') + 1));

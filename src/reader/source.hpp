@@ -1,13 +1,17 @@
 #pragma once
 
 #include "base/text_hash.hpp"
+#include "reader/line_scan.hpp"
 #include "reader/parse_state.hpp"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kestrel {
 
@@ -18,20 +22,46 @@ inline constexpr std::size_t kMaxPath = 1024;
 /// Room for a line in the parse and in the pre-scan, terminator included.
 inline constexpr std::size_t kLineCapacity = 1024;
 inline constexpr std::size_t kScanCapacity = 121;
+/// Of lines that are as long as they are.
+inline constexpr std::size_t kNoCapacity = static_cast<std::size_t>(-1);
 
-/// The bytes of a source file; shared by whoever reads it, never changed.
+/// The bytes of a source file that a caller has in memory; shared by whoever reads it, never changed.
 using SourceText = std::shared_ptr<const std::string>;
 
-/// Source texts in memory, so that the pre-scans and the parse of a file read the disk once.
+/// Source texts in memory, put in by a caller, by path; found like files.
 struct SourceStore {
-    TextMap<SourceText> texts; ///< put in by a caller, by path; found like files
-    std::string last_path;     ///< the file read last from the disk
-    SourceText last;
+    TextMap<SourceText> texts;
+};
+
+/// The bytes of an opened source, from the disk or from memory, handed out once from the first to the last.
+class ByteSource {
+public:
+    ByteSource() = default;
+    explicit ByteSource(SourceText text);
+    /// Opens a file; nothing when there is none that can be read. A folder or a pipe is no source file.
+    [[nodiscard]] static std::optional<ByteSource> open(const std::string& path);
+
+    /// Bytes that there are in all, as far as that was known when it was opened.
+    [[nodiscard]] std::uintmax_t size() const { return size_; }
+    /// The next bytes, at most `room`; none at the end, or when the disk fails.
+    [[nodiscard]] std::size_t read(char* to, std::size_t room);
+    /// True when it ended because the disk failed.
+    [[nodiscard]] bool failed() const;
+
+private:
+    struct FileCloser {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+
+    std::unique_ptr<std::FILE, FileCloser> file_;
+    SourceText text_; ///< in place of a file
+    std::size_t next_ = 0;
+    std::uintmax_t size_ = 0;
 };
 
 /// An opened source file.
 struct Source {
-    SourceText text;
+    ByteSource bytes;
     std::string path;      ///< as opened
     std::string bare_name; ///< without directory, extension completed
 };
@@ -51,21 +81,42 @@ enum class WhenAbsent : bool { report, leave };
 [[nodiscard]] std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind,
                                                WhenAbsent absent = WhenAbsent::report);
 
-/// Reads the lines of a source one by one.
-struct LineReader {
-    SourceText text;
-    std::size_t next = 0;   ///< first byte not read yet
-    bool police = true;     ///< reports and blanks illegal characters
-    std::string replaced{}; ///< holds a line that is not in the text as it is read
+/// Reports that a source cannot be opened, or not be read to its end.
+void reportNotOpened(Context& context, const Source& source);
+
+/// A line of a source as it is read.
+struct SourceLine {
+    std::string_view text;                   ///< without its line feed
+    std::size_t comment = LineScan::kNone;   ///< where the first comment character is
+    bool has_tab = false;
 };
 
-/// The next line without its line feed, cut to the capacity (terminator included, so one character less is kept);
-/// nothing at the end of the file. Reports each illegal character, still under the count of the line before. The
-/// view holds until the next call.
-[[nodiscard]] std::optional<std::string_view> readLine(Context& context, LineReader& reader, std::size_t capacity);
+/// Reads the lines of a source one by one, through a window that moves over it.
+class LineReader {
+public:
+    enum class Police : bool { off, on };
 
-/// The same for .ami files, without a capacity.
-[[nodiscard]] std::optional<std::string_view> readLongLine(Context& context, LineReader& reader);
+    explicit LineReader(ByteSource bytes, Police police = Police::on) : bytes_(std::move(bytes)), police_(police) {}
+
+    /// The next line, cut to the capacity (terminator included, so one character less is kept); nothing at the end of
+    /// the file. Reports each illegal character, still under the count of the line before, and has a blank for it. The
+    /// line holds until the next call.
+    [[nodiscard]] std::optional<SourceLine> next(Context& context, std::size_t capacity);
+    /// True when the file ended because the disk failed.
+    [[nodiscard]] bool failed() const { return bytes_.failed(); }
+
+private:
+    bool fill();
+
+    ByteSource bytes_;
+    Police police_;
+    bool at_end_ = false;         ///< all bytes have been read into the window
+    std::unique_ptr<char[]> window_;
+    std::size_t room_ = 0;        ///< size of the window, without the padding behind it
+    std::size_t begin_ = 0;       ///< first byte in the window that was not handed out
+    std::size_t end_ = 0;         ///< behind the last byte in the window
+    std::string replaced_;        ///< holds a line that is not in the source as it is read
+};
 
 /// Finds the "[IBIS Ver]" line that must be the file's first keyword line and returns the version class of its first
 /// digit, `none` without one. `lines` grows by the lines looked at; it stays untouched when the file cannot be opened.

@@ -1,6 +1,7 @@
 #include "reader/values.hpp"
 
 #include "base/text.hpp"
+#include "reader/decimal.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -45,6 +46,9 @@ bool isHuge(std::string_view number) {
 
 /// Reads a decimal number with an optional exponent; an incomplete exponent is no part of it.
 Scan scanDecimal(std::string_view text, double& value) {
+    if (const char* const end = readShortDecimal(text.data(), text.data() + text.size(), value)) {
+        return {static_cast<std::size_t>(end - text.data()), false};
+    }
     const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
     // from_chars takes words such as "inf" for numbers.
     if (text.size() == sign || (!isDigit(text[sign]) && text[sign] != '.')) return {};
@@ -61,22 +65,6 @@ Scan scanDecimal(std::string_view text, double& value) {
 ReadResult resultOf(Scan scan, std::string_view text) {
     if (scan.length == 0) return ReadResult::noNumber;
     return scan.length == text.size() ? ReadResult::number : ReadResult::numberAndText;
-}
-
-/// What a letter behind a number multiplies it with: 1 for a letter that is a unit.
-double scaleFactor(char letter) {
-    switch (letter) {
-    case 'T': return 1e12;
-    case 'G': return 1e9;
-    case 'M': return 1e6;
-    case 'k': return 1e3;
-    case 'm': return 1e-3;
-    case 'u': return 1e-6;
-    case 'n': return 1e-9;
-    case 'p': return 1e-12;
-    case 'f': return 1e-15;
-    default: return 1.0;
-    }
 }
 
 } // namespace
@@ -106,26 +94,26 @@ ReadResult readScaled(std::string_view text, double& value) {
     return std::ranges::any_of(scale, isDigit) ? ReadResult::numberAndText : ReadResult::number;
 }
 
-ReadResult readValueOrNa(std::string_view text, double& value, bool& na) {
-    na = equalsNoCase(text, "NA");
-    if (!na) return readScaled(text, value);
-    value = 0.0;
-    return ReadResult::number;
+ReadResult readCellText(std::string_view text, Cell& cell) {
+    cell = {};
+    if (equalsNoCase(text, "NA")) {
+        cell = Cell::na();
+        return ReadResult::number;
+    }
+    double value = 0.0;
+    const ReadResult result = readScaled(text, value);
+    if (result != ReadResult::noNumber) cell = Cell(value);
+    return result;
 }
 
 bool readCell(Diagnostics& diagnostics, std::string_view text, bool present, std::string_view quantity,
               std::string_view label, Cell& cell) {
     cell = {};
     if (!present) return true;
-    bool na = false;
-    const ReadResult result = readValueOrNa(text, cell.value, na);
-    if (result == ReadResult::noNumber) {
-        errorAtLine(diagnostics, 1909, label, text);
-        return false;
-    }
+    const ReadResult result = readCellText(text, cell);
+    if (result == ReadResult::noNumber) errorAtLine(diagnostics, 1909, label, text);
     if (result == ReadResult::numberAndText) warningAtLine(diagnostics, 1910, label, quantity, text);
-    cell.state = na ? CellState::na : CellState::number;
-    return true;
+    return result != ReadResult::noNumber;
 }
 
 } // namespace kestrel

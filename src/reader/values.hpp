@@ -2,6 +2,7 @@
 
 #include "diagnostics/diagnostics.hpp"
 
+#include <bit>
 #include <cstdint>
 #include <string_view>
 
@@ -27,18 +28,41 @@ enum class ReadResult : std::uint8_t {
 /// behind the number that is no letter makes it no number.
 [[nodiscard]] ReadResult readScaled(std::string_view text, double& value);
 
-/// As readScaled, and "NA" in any case, which sets `na` and reads as 0.0.
-[[nodiscard]] ReadResult readValueOrNa(std::string_view text, double& value, bool& na);
-
 /// What a cell of a range or table row holds.
 enum class CellState : std::uint8_t { missing = 0, number = 1, na = 2 };
 
-/// One value that may be missing or "NA".
-struct Cell {
-    double value = 0.0;
-    CellState state = CellState::missing;
-    [[nodiscard]] bool isNumber() const { return state == CellState::number; }
+/// One value that may be missing or "NA". As large as a double: the two that are no numbers are patterns of bits that no
+/// text reads as.
+class Cell {
+public:
+    constexpr Cell() = default;
+    constexpr explicit Cell(double value) : value_(value) {}
+    [[nodiscard]] static constexpr Cell na() { return Cell(std::bit_cast<double>(kNa)); }
+
+    [[nodiscard]] constexpr bool isNumber() const { return value_ == value_; }
+    [[nodiscard]] constexpr bool isNa() const { return std::bit_cast<std::uint64_t>(value_) == kNa; }
+    [[nodiscard]] constexpr CellState state() const {
+        if (isNumber()) return CellState::number;
+        return isNa() ? CellState::na : CellState::missing;
+    }
+    /// 0 where there is no number.
+    [[nodiscard]] constexpr double value() const { return isNumber() ? value_ : 0.0; }
+
+    /// True for the same state and, of numbers, the same value.
+    constexpr bool operator==(const Cell& other) const {
+        return value_ == other.value_ || std::bit_cast<std::uint64_t>(value_) == std::bit_cast<std::uint64_t>(other.value_);
+    }
+
+private:
+    static constexpr std::uint64_t kMissing = 0x7FF8'0000'0000'0001; // quiet: they are copied as numbers are
+    static constexpr std::uint64_t kNa = 0x7FF8'0000'0000'0002;
+
+    double value_ = std::bit_cast<double>(kMissing);
 };
+static_assert(sizeof(Cell) == sizeof(double));
+
+/// Reads a scaled number or "NA" in any case; a text that is neither leaves the cell missing. Reports nothing.
+[[nodiscard]] ReadResult readCellText(std::string_view text, Cell& cell);
 
 /// Reads one cell. `present` is false when the line has no such item: the cell stays missing. Reports at the line a
 /// text that is no number (false) and warns of digits in the scale, with the column's `label` and the `quantity`.

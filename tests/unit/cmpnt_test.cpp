@@ -31,10 +31,10 @@ TEST(Component, keepsWhatWasReadInItsUnits) {
     ASSERT_EQ(component.pins.size(), 2U);
     const Pin& pin = component.pins[0];
     EXPECT_EQ(pin.signal_name, "RAS#");
-    EXPECT_DOUBLE_EQ(pin.r_pin.value, 0.2);
-    EXPECT_DOUBLE_EQ(pin.l_pin.value, 5e-9);
-    EXPECT_EQ(pin.c_pin.state, CellState::na);
-    EXPECT_EQ(component.pins[1].r_pin.state, CellState::missing);
+    EXPECT_DOUBLE_EQ(pin.r_pin.value(), 0.2);
+    EXPECT_DOUBLE_EQ(pin.l_pin.value(), 5e-9);
+    EXPECT_EQ(pin.c_pin.state(), CellState::na);
+    EXPECT_EQ(component.pins[1].r_pin.state(), CellState::missing);
     const Cmpnt& second = *file.root().components.find("Die");
     EXPECT_EQ(second.timing_location, Location::die);
     EXPECT_EQ(second.si_location, Location::notGiven);

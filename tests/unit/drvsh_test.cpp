@@ -37,8 +37,8 @@ TEST(DriverSchedule, namesByVersion) {
         const Mdl& model = *lines.root.models.newestFirst().begin();
         const DrvShEntry& entry = model.driver_schedule->entries.back();
         EXPECT_EQ(entry.model_name, row.stored);
-        EXPECT_EQ(entry.delays->rise_off.value, 2e-9);
-        EXPECT_EQ(entry.delays->fall_on.state, CellState::na);
+        EXPECT_EQ(entry.delays->rise_off.value(), 2e-9);
+        EXPECT_EQ(entry.delays->fall_on.state(), CellState::na);
     }
 }
 

@@ -33,11 +33,11 @@ TEST(Relations, keepTheirRowsInTheirUnits) {
     const DiffPins& diff_pins = *component.diff_pins;
     ASSERT_EQ(diff_pins.rows.size(), 2U);
     const DifPin& pair = diff_pins.rows[0];
-    EXPECT_DOUBLE_EQ(pair.vdiff.value, -0.15);
-    EXPECT_DOUBLE_EQ(pair.tdelay.typ().value, -1e-9);
-    EXPECT_EQ(pair.tdelay.min().state, CellState::na);
-    EXPECT_DOUBLE_EQ(pair.tdelay.max().value, 2e-9);
-    EXPECT_EQ(diff_pins.rows[1].tdelay.min().state, CellState::missing);
+    EXPECT_DOUBLE_EQ(pair.vdiff.value(), -0.15);
+    EXPECT_DOUBLE_EQ(pair.tdelay.typ().value(), -1e-9);
+    EXPECT_EQ(pair.tdelay.min().state(), CellState::na);
+    EXPECT_DOUBLE_EQ(pair.tdelay.max().value(), 2e-9);
+    EXPECT_EQ(diff_pins.rows[1].tdelay.min().state(), CellState::missing);
     EXPECT_TRUE(isInDiffPin(diff_pins, "4"));
     EXPECT_FALSE(isInDiffPin(diff_pins, "5"));
     const auto& series_pins = component.series_pins->rows;

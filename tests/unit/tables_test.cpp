@@ -146,7 +146,7 @@ TEST(Tables, keepTheirValues) {
     const MdlTables& tables = *lines.model().tables;
     std::vector<double> typical;
     for (const TableRow& row : sortedRows(*tables.pulldown)) // the one without a voltage is left out
-        typical.push_back(row.value[kTyp]);
+        typical.push_back(row[kTyp].value());
     EXPECT_THAT(typical, ElementsAre(3.0, 1.0, 4.0));
     ASSERT_EQ(tables.pullup->rows.size(), 2U); // of the second table, in file order
     EXPECT_EQ(tables.pullup->rows[0].value, (std::array{4.0, 1.0, 0.0, 0.0}));
@@ -158,7 +158,7 @@ TEST(Tables, keepTheirValues) {
     for (std::size_t i = 0; i < std::size(values); ++i)
         EXPECT_DOUBLE_EQ(values[i].value_or(-1.0), expected[i]) << i;
     ASSERT_EQ(w.rows.size(), 4U); // those whose time is refused, too
-    EXPECT_DOUBLE_EQ(w.rows[1].value[kFirst], 0.5e-9);
+    EXPECT_DOUBLE_EQ(w.rows[1][kFirst].value(), 0.5e-9);
 }
 
 } // namespace

@@ -365,8 +365,8 @@ TEST(Cells, reportWhatTheyCannotRead) {
         TestRun test;
         Cell cell{1.0, kNa};
         EXPECT_EQ(readCell(test.run.diagnostics, row.text, row.present, "Pin", "Minimum", cell), row.ok);
-        EXPECT_EQ(cell.state, row.state);
-        EXPECT_DOUBLE_EQ(cell.value, row.value);
+        EXPECT_EQ(cell.state(), row.state);
+        EXPECT_DOUBLE_EQ(cell.value(), row.value);
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
 }
@@ -410,17 +410,17 @@ TEST(Ranges, takeTypMinMax) {
         TestRun test;
         Rng range;
         EXPECT_EQ(readRange(test.run, row.text, "Vinl", range, row.check), row.ok);
-        EXPECT_EQ(range.typ().state, row.typ);
-        EXPECT_EQ(range.min().state, row.min);
-        EXPECT_EQ(range.max().state, row.max);
+        EXPECT_EQ(range.typ().state(), row.typ);
+        EXPECT_EQ(range.min().state(), row.min);
+        EXPECT_EQ(range.max().state(), row.max);
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
     TestRun test;
     Rng range;
     EXPECT_TRUE(readRange(test.run, "5V 4500m 5.5", "Vinl", range, OrderCheck::on));
-    EXPECT_DOUBLE_EQ(range.typ().value, 5.0);
-    EXPECT_DOUBLE_EQ(range.min().value, 4.5);
-    EXPECT_DOUBLE_EQ(range.max().value, 5.5);
+    EXPECT_DOUBLE_EQ(range.typ().value(), 5.0);
+    EXPECT_DOUBLE_EQ(range.min().value(), 4.5);
+    EXPECT_DOUBLE_EQ(range.max().value(), 5.5);
 }
 
 TEST(TableRows, areMadeOfWhateverCanBeRead) {
