@@ -82,7 +82,8 @@ void checkSameEnds(Context& context, const Wvfrm& waveform, std::string_view lab
     const TableRow& first = waveform.rows.front();
     const TableRow& last = waveform.rows.back();
     for (const Column column : kValueColumns) {
-        if (!first[column].isNumber() || !last[column].isNumber() || first[column].value() == last[column].value()) continue;
+        if (!first[column].isNumber() || !last[column].isNumber() || first[column].value() == last[column].value())
+            continue;
         error(context.diagnostics, 2007, columnWord(column), label, line);
     }
 }

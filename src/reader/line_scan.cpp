@@ -83,7 +83,8 @@ private:
 
     /// Marks bytes below the blank and those beyond ASCII.
     static constexpr Bits oddBytes(Bits word) {
-        const Bits from_blank = (word & ~kHigh) + kOnes * (0x80 - ' '); // its high bits: seven bits that make a blank or more
+        const Bits from_blank =
+            (word & ~kHigh) + kOnes * (0x80 - ' '); // its high bits: seven bits that make a blank or more
         return (~from_blank | word) & kHigh;
     }
 

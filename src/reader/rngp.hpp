@@ -39,9 +39,9 @@ struct FirstCell {
 /// Reads the first item of a line and reports nothing.
 [[nodiscard]] FirstCell readFirstCell(std::string_view item);
 
-/// Reads a line that is four plain cells, as nearly all lines of tables are: decimal numbers with or without a unit, and
-/// "NA" behind the first. False for any other, of which nothing is reported: readRow() reads it as it reads plain ones.
-/// Tables are read in a third of the time.
+/// Reads a line that is four plain cells, as nearly all lines of tables are: decimal numbers with or without a unit,
+/// and "NA" behind the first. False for any other, of which nothing is reported: readRow() reads it as it reads plain
+/// ones. Tables are read in a third of the time.
 [[nodiscard]] bool readPlainRow(std::string_view text, TableRow& row);
 
 /// Reads one line of a table. A row is made whatever its cells hold, callers go by their states.

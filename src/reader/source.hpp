@@ -86,8 +86,8 @@ void reportNotOpened(Context& context, const Source& source);
 
 /// A line of a source as it is read.
 struct SourceLine {
-    std::string_view text;                   ///< without its line feed
-    std::size_t comment = LineScan::kNone;   ///< where the first comment character is
+    std::string_view text;                 ///< without its line feed
+    std::size_t comment = LineScan::kNone; ///< where the first comment character is
     bool has_tab = false;
 };
 
@@ -110,12 +110,12 @@ private:
 
     ByteSource bytes_;
     Police police_;
-    bool at_end_ = false;         ///< all bytes have been read into the window
+    bool at_end_ = false; ///< all bytes have been read into the window
     std::unique_ptr<char[]> window_;
-    std::size_t room_ = 0;        ///< size of the window, without the padding behind it
-    std::size_t begin_ = 0;       ///< first byte in the window that was not handed out
-    std::size_t end_ = 0;         ///< behind the last byte in the window
-    std::string replaced_;        ///< holds a line that is not in the source as it is read
+    std::size_t room_ = 0;  ///< size of the window, without the padding behind it
+    std::size_t begin_ = 0; ///< first byte in the window that was not handed out
+    std::size_t end_ = 0;   ///< behind the last byte in the window
+    std::string replaced_;  ///< holds a line that is not in the source as it is read
 };
 
 /// Finds the "[IBIS Ver]" line that must be the file's first keyword line and returns the version class of its first

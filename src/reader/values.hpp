@@ -31,8 +31,8 @@ enum class ReadResult : std::uint8_t {
 /// What a cell of a range or table row holds.
 enum class CellState : std::uint8_t { missing = 0, number = 1, na = 2 };
 
-/// One value that may be missing or "NA". As large as a double: the two that are no numbers are patterns of bits that no
-/// text reads as.
+/// One value that may be missing or "NA". As large as a double: the two that are no numbers are patterns of bits that
+/// no text reads as.
 class Cell {
 public:
     constexpr Cell() = default;
@@ -50,7 +50,8 @@ public:
 
     /// True for the same state and, of numbers, the same value.
     constexpr bool operator==(const Cell& other) const {
-        return value_ == other.value_ || std::bit_cast<std::uint64_t>(value_) == std::bit_cast<std::uint64_t>(other.value_);
+        return value_ == other.value_ ||
+               std::bit_cast<std::uint64_t>(value_) == std::bit_cast<std::uint64_t>(other.value_);
     }
 
 private:

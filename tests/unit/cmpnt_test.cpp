@@ -27,7 +27,7 @@ TEST(Component, keepsWhatWasReadInItsUnits) {
     const Cmpnt& component = file.component();
     EXPECT_EQ(component.line, 4U);
     EXPECT_EQ(component.manufacturer, "Ours");
-    EXPECT_DOUBLE_EQ(component.package->l_pkg->typ().value, 1e-9);
+    EXPECT_DOUBLE_EQ(component.package->l_pkg->typ().value(), 1e-9);
     ASSERT_EQ(component.pins.size(), 2U);
     const Pin& pin = component.pins[0];
     EXPECT_EQ(pin.signal_name, "RAS#");

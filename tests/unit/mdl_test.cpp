@@ -107,11 +107,11 @@ TEST(Model, keepsWhatItsLinesGive) {
     EXPECT_EQ(values.cref, 5000.0);
     EXPECT_EQ(values.rref, 0.0);
     EXPECT_FALSE(values.vref);
-    EXPECT_DOUBLE_EQ(values.c_comp->min().value, 4e-12);
-    EXPECT_EQ(values.c_comp->max().state, CellState::na);
-    EXPECT_EQ(values.c_comp_gnd_clamp->typ().state, CellState::missing);
+    EXPECT_DOUBLE_EQ(values.c_comp->min().value(), 4e-12);
+    EXPECT_EQ(values.c_comp->max().state(), CellState::na);
+    EXPECT_EQ(values.c_comp_gnd_clamp->typ().state(), CellState::missing);
     EXPECT_FALSE(ranges.voltage_range);
-    EXPECT_DOUBLE_EQ(ranges.ttpower->typ().value, -1e-9);
+    EXPECT_DOUBLE_EQ(ranges.ttpower->typ().value(), -1e-9);
     EXPECT_TRUE(ranges.gnd_clamp_reference);
 }
 
@@ -304,16 +304,16 @@ TEST(Model, seriesKeywordsFillTheirSection) {
         "[Lc Series] 4n NA NA\n[Series Current]\n0 0 0 0\n1 1 1 1");
     const Mdl& model = reading.newest();
     ASSERT_TRUE(model.on_block && model.off_block);
-    EXPECT_DOUBLE_EQ(model.on_block->l_series->max().value, 3e-9);
+    EXPECT_DOUBLE_EQ(model.on_block->l_series->max().value(), 3e-9);
     EXPECT_FALSE(model.on_block->rl_series || model.on_block->series_current);
-    EXPECT_EQ(model.off_block->rl_series->typ().value, 3.0);
-    EXPECT_DOUBLE_EQ(model.off_block->lc_series->typ().value, 4e-9);
+    EXPECT_EQ(model.off_block->rl_series->typ().value(), 3.0);
+    EXPECT_DOUBLE_EQ(model.off_block->lc_series->typ().value(), 4e-9);
     EXPECT_FALSE(model.off_block->rc_series);
     EXPECT_EQ(model.off_block->series_current->rows.size(), 2U);
     // The next model has sections of its own.
     reading.read("[Model] n\nModel_type Series\n[Rl Series] 5 NA NA");
     ASSERT_TRUE(reading.newest().on_block);
-    EXPECT_EQ(reading.newest().on_block->rl_series->typ().value, 5.0);
+    EXPECT_EQ(reading.newest().on_block->rl_series->typ().value(), 5.0);
 }
 
 constexpr std::string_view kRamp = "[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\ndV/dt_f 1/1n 1/1n 1/1n\n";

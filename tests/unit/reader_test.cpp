@@ -15,11 +15,11 @@ namespace {
 std::string readAll(std::string_view text, std::size_t capacity) {
     Output out;
     kestrel::Run run(out);
-    LineReader reader{.text = std::make_shared<const std::string>(text)};
+    LineReader reader(ByteSource(std::make_shared<const std::string>(text)));
     std::string lines;
-    while (const std::optional<std::string_view> line = readLine(run, reader, capacity)) {
+    while (const std::optional<SourceLine> line = reader.next(run, capacity)) {
         ++run.parse.line;
-        lines.append("[").append(*line).append("]");
+        lines.append("[").append(line->text).append("]");
     }
     return lines + out.text();
 }
@@ -62,8 +62,8 @@ TEST(Reader, linesEndAndAreCutAsTheFormatSays) {
 TEST(Reader, silentReadingTakesEveryCharacter) {
     Output out;
     kestrel::Run run(out);
-    LineReader reader{.text = std::make_shared<const std::string>("a\x01\xff\n"), .police = false};
-    EXPECT_EQ(readLine(run, reader, 10), "a\x01\xff");
+    LineReader reader(ByteSource(std::make_shared<const std::string>("a\x01\xff\n")), LineReader::Police::off);
+    EXPECT_EQ(reader.next(run, 10)->text, "a\x01\xff");
     EXPECT_EQ(out.text(), "");
 }
 
@@ -143,12 +143,10 @@ TEST(Reader, namesAreCompletedSplitAndBounded) {
 TEST(Reader, amiTextLosesItsCommentsAndKeepsItsStrings) {
     Output out;
     kestrel::Run run(out);
-    const Source source{.text = std::make_shared<const std::string>("(root | a comment with a \"\n"
-                                                                    "  (text \"one | two\n"
-                                                                    "three\" end) | gone\n" +
-                                                                    std::string(500, ' ') + "\"open\n"),
-                        .path = "p.ami",
-                        .bare_name = "p.ami"};
+    const std::string text =
+        "(root | a comment with a \"\n  (text \"one | two\nthree\" end) | gone\n" + std::string(500, ' ') + "\"open\n";
+    Source source{
+        .bytes = ByteSource(std::make_shared<const std::string>(text)), .path = "p.ami", .bare_name = "p.ami"};
     EXPECT_EQ(collectAmi(run, source),
               "(root \n  (text \"one | two\nthree\" end) \n" + std::string(500, ' ') + "\"open\n");
     EXPECT_EQ(out.text(), "ERROR - Unterminated string detected. Possibly started at line 4\n");

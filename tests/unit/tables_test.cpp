@@ -149,7 +149,7 @@ TEST(Tables, keepTheirValues) {
         typical.push_back(row[kTyp].value());
     EXPECT_THAT(typical, ElementsAre(3.0, 1.0, 4.0));
     ASSERT_EQ(tables.pullup->rows.size(), 2U); // of the second table, in file order
-    EXPECT_EQ(tables.pullup->rows[0].value, (std::array{4.0, 1.0, 0.0, 0.0}));
+    EXPECT_EQ(tables.pullup->rows[0], (TableRow{{Cell(4.0), Cell(1.0), Cell::na(), Cell::na()}}));
     EXPECT_EQ(tables.ramp->r_load, -1000.0);
     const Wvfrm& w = *tables.rising_waveforms.at(0);
     const std::optional<double> values[] = {w.r_fixture, w.v_fixture, w.v_fixture_min, w.v_fixture_max, w.c_fixture,

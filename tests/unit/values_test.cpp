@@ -326,23 +326,22 @@ TEST(Numbers, scaledByALetter) {
     };
     for (const Row& row : rows) {
         double value = 0.0;
-        bool na = true;
+        Cell cell;
         EXPECT_EQ(readScaled(row.text, value), row.result) << row.text;
         EXPECT_DOUBLE_EQ(value, row.value) << row.text;
-        EXPECT_EQ(readValueOrNa(row.text, value, na), row.result) << row.text;
-        EXPECT_FALSE(na) << row.text;
+        EXPECT_EQ(readCellText(row.text, cell), row.result) << row.text;
+        EXPECT_EQ(cell.isNumber(), row.result != kNone) << row.text;
+        EXPECT_DOUBLE_EQ(cell.value(), row.value) << row.text;
     }
     for (const std::string_view text : {"NA", "na", "Na", "nA"}) {
-        double value = 1.0;
-        bool na = false;
-        EXPECT_EQ(readValueOrNa(text, value, na), kNumber) << text;
-        EXPECT_TRUE(na) << text;
-        EXPECT_EQ(value, 0.0) << text;
+        Cell cell(1.0);
+        EXPECT_EQ(readCellText(text, cell), kNumber) << text;
+        EXPECT_TRUE(cell.isNa()) << text;
+        EXPECT_EQ(cell.value(), 0.0) << text;
     }
-    bool na = true;
-    double value = 1.0;
-    EXPECT_EQ(readValueOrNa("NA1", value, na), kNone);
-    EXPECT_FALSE(na);
+    Cell cell(1.0);
+    EXPECT_EQ(readCellText("NA1", cell), kNone);
+    EXPECT_EQ(cell.state(), kMissing);
 }
 
 TEST(Cells, reportWhatTheyCannotRead) {
@@ -363,7 +362,7 @@ TEST(Cells, reportWhatTheyCannotRead) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         TestRun test;
-        Cell cell{1.0, kNa};
+        Cell cell(1.0);
         EXPECT_EQ(readCell(test.run.diagnostics, row.text, row.present, "Pin", "Minimum", cell), row.ok);
         EXPECT_EQ(cell.state(), row.state);
         EXPECT_DOUBLE_EQ(cell.value(), row.value);
@@ -459,9 +458,10 @@ TEST(TableRows, areMadeOfWhateverCanBeRead) {
         SCOPED_TRACE(row.text);
         TestRun test;
         const TableRow read = readRow(test.run, row.text, "Pullup", "Voltage");
-        EXPECT_EQ(read.state, row.states);
-        for (std::size_t column = 0; column < kColumns; ++column)
-            EXPECT_DOUBLE_EQ(read.value[column], row.values[column]) << column;
+        for (std::size_t column = 0; column < kColumns; ++column) {
+            EXPECT_EQ(read.cells[column].state(), row.states[column]) << column;
+            EXPECT_DOUBLE_EQ(read.cells[column].value(), row.values[column]) << column;
+        }
         EXPECT_EQ(test.out.text(), row.diagnostics);
     }
 }
