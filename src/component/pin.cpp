@@ -4,6 +4,8 @@
 #include "reader/items.hpp"
 #include "reader/names.hpp"
 
+#include <algorithm>
+
 namespace kestrel {
 
 namespace {
@@ -30,22 +32,27 @@ void readValues(Diagnostics& diagnostics, const TableColumns& columns, Pin& pin,
     }
 }
 
-ReportedPinNames& reportedNames(PinList& pins) {
-    if (pins.reported_names == nullptr) pins.reported_names = std::make_unique<ReportedPinNames>();
-    return *pins.reported_names;
+ReportedPins& reportedPins(PinList& pins) {
+    if (pins.reported == nullptr) pins.reported = std::make_unique<ReportedPins>();
+    return *pins.reported;
 }
 
 } // namespace
 
 bool isKnownPin(const PinList& pins, std::string_view name) {
-    return pins.has(name) || (pins.reported_names != nullptr && pins.reported_names->dropped.contains(name));
+    return pins.has(name) || (pins.reported != nullptr && pins.reported->dropped_names.contains(name));
+}
+
+bool isModelReported(const PinList& pins, const Pin& pin) {
+    const auto place = static_cast<std::uint32_t>(&pin - pins.begin());
+    return pins.reported != nullptr && std::ranges::binary_search(pins.reported->models, place);
 }
 
 std::string_view listedPinName(const PinList& pins, std::string_view written) {
-    if (pins.reported_names == nullptr) return written;
-    const auto& cut = pins.reported_names->cut;
+    if (pins.reported == nullptr) return written;
+    const auto& cut = pins.reported->cut_names;
     const auto at = cut.find(written);
-    return at == cut.end() ? written : std::string_view(at->second);
+    return at == cut.end() ? written : at->second.view();
 }
 
 bool isUnmodeledPinName(std::string_view model_name) {
@@ -64,24 +71,24 @@ void pinLine(Context& context, PinList& pins, std::string_view component, std::s
     const RowFit fit = fitRow(context, pins.columns, kRowColumns, items.count, 602, 603);
     const IbisVersion version = context.parse.version;
     if (fit == RowFit::notAllowed && items.count < kNameColumns) {
-        TextSet& dropped = reportedNames(pins).dropped;
+        TextSet& dropped = reportedPins(pins).dropped_names;
         dropped.emplace(items[0]);
         dropped.emplace(cutName(items[0], pinNameLimit(version)));
         return;
     }
 
     Pin row;
-    const bool name_fits = storeName(diagnostics, row.name, items[0], pinNameLimit(version), 604);
-    if (!name_fits) reportedNames(pins).cut.try_emplace(std::string(items[0]), row.name);
+    const bool name_fits = storeName(context, row.name, items[0], pinNameLimit(version), 604);
+    if (!name_fits) reportedPins(pins).cut_names.try_emplace(std::string(items[0]), row.name);
     const int long_limit = modelNameLimit(version); // signal names have the same
-    storeName(diagnostics, row.signal_name, items[1], long_limit, 605);
-    const bool model_fits = storeName(diagnostics, row.model_name, items[2], long_limit, 606);
-    const bool is_new = pins.add(std::move(row));
+    storeName(context, row.signal_name, items[1], long_limit, 605);
+    const bool model_fits = storeName(context, row.model_name, items[2], long_limit, 606);
+    const bool is_new = pins.add(context.rows, row);
     Pin& pin = pins.back();
     if (!is_new && name_fits) errorAtLine(diagnostics, 607, pin.name, component);
     const bool is_na = equalsNoCase(pin.model_name, "NA");
     if (is_na) errorAtLine(diagnostics, 612, pin.model_name);
-    pin.model_reported = !model_fits || is_na;
+    if (!model_fits || is_na) reportedPins(pins).models.push_back(static_cast<std::uint32_t>(pins.size() - 1));
     if (fit != RowFit::notAllowed) readValues(diagnostics, pins.columns, pin, items);
 }
 

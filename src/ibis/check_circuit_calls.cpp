@@ -35,7 +35,7 @@ void checkPin(Context& context, const Cmpnt& component, const CircuitCall& call,
         if (!isKnownPin(component.pins, listed)) error(context.diagnostics, 1840, call.circuit, component.name, name);
         return;
     }
-    if (isCircuitCallName(pin->model_name) || pin->model_reported) return;
+    if (isCircuitCallName(pin->model_name) || isModelReported(component.pins, *pin)) return;
     if (reported.pins.insert(pin).second) warning(context.diagnostics, 1845, pin->name, component.name);
 }
 

@@ -178,7 +178,7 @@ void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelN
             continue;
         }
         NamedModel& model = namedModel(root, names, pin.model_name);
-        if (pin.model_reported || model.pin_reported_for == &component) continue;
+        if (isModelReported(component.pins, pin) || model.pin_reported_for == &component) continue;
         if (reportPin(context.diagnostics, component, pin, model)) model.pin_reported_for = &component;
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/name_table.hpp"
 #include "base/output.hpp"
 #include "base/row_store.hpp"
 #include "base/text_store.hpp"
@@ -22,7 +23,8 @@ struct Context {
     Diagnostics diagnostics;
     SourceStore sources;
     RowStore rows;   ///< those of all tables that were read
-    TextStore texts; ///< names and other texts of records
+    TextStore texts; ///< texts of records
+    NameTable names; ///< names that many records share
 };
 
 } // namespace kestrel

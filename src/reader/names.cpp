@@ -31,16 +31,31 @@ bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_v
     return true;
 }
 
-} // namespace
-
-bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long) {
-    name = cutName(text, limit);
-    if (name.size() == text.size()) return true;
+/// Reports a name over its limit (false).
+bool checkLength(Diagnostics& diagnostics, std::string_view text, int limit, NameTooLong too_long) {
+    if (text.size() <= static_cast<std::size_t>(limit)) return true;
     const std::array<Arg, 2> args{Arg(text), Arg(limit)};
     const std::size_t first = too_long.shows_name ? 0 : 1;
     const std::size_t end = too_long.shows_limit ? 2 : 1;
     reportRow(diagnostics, Severity::errorAtLine, too_long.row, std::span(args).subspan(first, end - first));
     return false;
+}
+
+} // namespace
+
+bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long) {
+    name = cutName(text, limit);
+    return checkLength(diagnostics, text, limit, too_long);
+}
+
+bool storeName(Context& context, StoredText& name, std::string_view text, int limit, NameTooLong too_long) {
+    name = context.texts.add(cutName(text, limit));
+    return checkLength(context.diagnostics, text, limit, too_long);
+}
+
+bool storeName(Context& context, Name& name, std::string_view text, int limit, NameTooLong too_long) {
+    name = context.names.enter(cutName(text, limit));
+    return checkLength(context.diagnostics, text, limit, too_long);
 }
 
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,

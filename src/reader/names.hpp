@@ -10,6 +10,8 @@
 
 namespace kestrel {
 
+class Name;
+class StoredText;
 struct Context;
 
 /// Most characters of a pin name.
@@ -70,6 +72,10 @@ struct NameTooLong {
 
 /// Stores a name cut to its limit; false when it was over it, which is reported at the line.
 bool storeName(Diagnostics& diagnostics, std::string& name, std::string_view text, int limit, NameTooLong too_long);
+
+/// The same for texts and names of the context's stores.
+bool storeName(Context& context, StoredText& name, std::string_view text, int limit, NameTooLong too_long);
+bool storeName(Context& context, Name& name, std::string_view text, int limit, NameTooLong too_long);
 
 /// Stores a text that may be given once, cut at `limit`. Reports at the line one that is cut or empty, and one for
 /// which `destination` holds text already: then nothing is stored (false).

@@ -97,7 +97,7 @@ TEST(ShortPaths, numbersAreRoundedAsTheLibraryDoes) {
     EXPECT_GT(read, 300000);
     for (const std::string_view text :
          {"9007199254740992", "9007199254740992e22", "-0", "+0.0", "0e22", ".5", "5.", "1e22", "1e-22", "1.0e-21",
-          "123456789012345e-22", "0.00000000000000001", "1e0000000022", "4503599627370.4975", "3.e1", "1E+05mV"}) {
+          "123456789012345e-22", "0.00000000000000001", "1e0000000022", "4503599627370.497", "3.e1", "1E+05mV"}) {
         EXPECT_TRUE(agreesWithLibrary(text)) << text;
     }
     for (const std::string_view text :
