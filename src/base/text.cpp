@@ -19,7 +19,7 @@ std::string_view trim(std::string_view text) {
     return text;
 }
 
-bool equalsNoCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, toLower, toLower); }
+bool isSameNoCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, toLower, toLower); }
 
 bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t count) {
     return equalsNoCase(a.substr(0, count), b.substr(0, count));

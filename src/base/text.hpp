@@ -21,8 +21,13 @@ constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' +
 /// `text` without white space at either end, unbounded.
 [[nodiscard]] std::string_view trim(std::string_view text);
 
+/// True when texts of equal length are the same but for the case of letters.
+[[nodiscard]] bool isSameNoCase(std::string_view a, std::string_view b);
+
 /// True when both texts are the same but for the case of letters.
-[[nodiscard]] bool equalsNoCase(std::string_view a, std::string_view b);
+[[nodiscard]] inline bool equalsNoCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && isSameNoCase(a, b);
+}
 
 /// True when the first `count` characters agree but for case, or both texts end together before that.
 [[nodiscard]] bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t count);

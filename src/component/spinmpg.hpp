@@ -1,20 +1,21 @@
 #pragma once
 
+#include "base/name_table.hpp"
+#include "base/row_store.hpp"
+#include "base/text_store.hpp"
 #include "reader/columns.hpp"
 
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace kestrel {
 
 /// One row of "[Series Pin Mapping]". A row that was dropped keeps nothing but its model name and its group, so that
 /// the model counts as used and the group as mapped.
 struct SPin {
-    std::string pin_1;
-    std::string pin_2;
-    std::string model_name;
-    std::string group; ///< function table group, empty when the column is absent
+    StoredText pin_1;
+    StoredText pin_2;
+    Name model_name;
+    Name group; ///< function table group, empty when the column is absent
     bool pin_1_reported = false;
     bool pin_2_reported = false;
     bool model_reported = false;
@@ -24,7 +25,7 @@ struct SPin {
 /// "[Series Pin Mapping]".
 struct SeriesPins {
     TableColumns columns;
-    std::vector<SPin> rows; ///< in file order
+    Rows<SPin> rows; ///< in file order
 };
 
 /// Reads the header words behind "[Series Pin Mapping]".

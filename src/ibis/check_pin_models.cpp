@@ -26,8 +26,8 @@ bool isNoSeries(const Mdl& model) {
 }
 
 /// Looks a name up among the models, which marks the one found, then among the selectors.
-NamedModel lookUp(Ibis& root, std::string_view name) {
-    NamedModel named;
+void lookUp(Ibis& root, std::string_view name, NamedModel& named) {
+    named.looked_up = true;
     const auto note = [&named](const Mdl& model) {
         named.series = named.series || isSeries(model);
         named.not_series = named.not_series || isNoSeries(model);
@@ -42,13 +42,24 @@ NamedModel lookUp(Ibis& root, std::string_view name) {
             if (const Mdl* const entered = root.models.find(entry.model_name)) note(*entered);
         }
     }
+}
+
+/// What is known of a name without looking it up.
+NamedModel& judgedName(ModelNames& names, Name name) {
+    if (name.number() >= names.size()) names.resize(name.number() + std::size_t{1});
+    NamedModel& named = names[name.number()];
+    if (!named.is_judged) {
+        named.is_judged = true;
+        named.is_unmodeled = name.empty() || isUnmodeledPinName(name); // rows under a faulty header may lack it
+        named.is_circuit_call = isCircuitCallName(name);
+    }
     return named;
 }
 
-NamedModel& namedModel(Ibis& root, ModelNames& names, std::string_view name) {
-    const auto [at, is_new] = names.try_emplace(name);
-    if (is_new) at->second = lookUp(root, name);
-    return at->second;
+NamedModel& namedModel(Ibis& root, ModelNames& names, Name name) {
+    NamedModel& named = judgedName(names, name);
+    if (!named.looked_up) lookUp(root, name, named);
+    return named;
 }
 
 /// False when there is nothing to report about this pin.
@@ -64,14 +75,6 @@ bool reportPin(Diagnostics& diagnostics, const Cmpnt& component, const Pin& pin,
     }
     return true;
 }
-
-/// True for a pin that a circuit call connects, which came with version 4; before it the word is a name like any other.
-bool isCircuitCallPin(const Pin& pin, IbisVersion version) {
-    return version >= IbisVersion::v4 && isCircuitCallName(pin.model_name);
-}
-
-/// True when no model or selector is meant. Rows under a faulty header may lack the model name.
-bool needsNoModel(const Pin& pin) { return pin.model_name.empty() || isUnmodeledPinName(pin.model_name); }
 
 /// Looks a pin of a row up. The model that it names is returned, if it names one that may be compared.
 const Mdl* diffPinModel(Context& context, const Ibis& root, const Cmpnt& component, std::string_view name,
@@ -114,7 +117,7 @@ void reportSeriesModels(Context& context, const Cmpnt& component, ModelNames& na
                         CheckedMessage<ArgKind::text, ArgKind::text> message) {
     for (const SPin& row : component.series_pins->rows) {
         if (row.model_name.empty() || row.model_reported) continue;
-        NamedModel& model = names[row.model_name];
+        NamedModel& model = names[row.model_name.number()];
         if (!test(model) || model.rows_reported_for == &component) continue;
         error(context.diagnostics, message, row.model_name, component.name);
         model.rows_reported_for = &component;
@@ -133,7 +136,7 @@ void checkSeriesModels(Context& context, Ibis& root, const Cmpnt& component, Mod
 
 /// Holds the rows to the groups that are switched.
 void checkSeriesGroups(Context& context, const Ibis& root, const Cmpnt& component, const SwitchGroups& switches) {
-    const std::vector<SPin>& rows = component.series_pins->rows;
+    const Rows<SPin>& rows = component.series_pins->rows;
     for (const SPin& row : rows) {
         if (!row.group.empty() || row.pin_2.empty()) continue;
         const Mdl* const model = root.models.find(row.model_name);
@@ -170,14 +173,16 @@ void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelN
     const IbisVersion version = context.parse.version;
     const auto called = circuitCallPins(component);
     for (const Pin& pin : component.pins) {
-        if (needsNoModel(pin)) continue;
-        if (isCircuitCallPin(pin, version)) {
+        NamedModel& model = judgedName(names, pin.model_name);
+        if (model.is_unmodeled) continue;
+        // Before version 4 the word is a name like any other.
+        if (model.is_circuit_call && version >= IbisVersion::v4) {
             // A repeated pin is judged with the first of its name.
             const bool judged = component.pins.isFirst(pin);
             if (judged && !called.contains(pin.name)) error(context.diagnostics, 611, pin.name, component.name);
             continue;
         }
-        NamedModel& model = namedModel(root, names, pin.model_name);
+        if (!model.looked_up) lookUp(root, pin.model_name, model);
         if (isModelReported(component.pins, pin) || model.pin_reported_for == &component) continue;
         if (reportPin(context.diagnostics, component, pin, model)) model.pin_reported_for = &component;
     }

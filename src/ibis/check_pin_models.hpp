@@ -1,8 +1,6 @@
 #pragma once
 
-#include "base/text_hash.hpp"
-
-#include <string_view>
+#include <vector>
 
 namespace kestrel {
 
@@ -12,6 +10,10 @@ struct Ibis;
 
 /// What a model name of pins, or of rows between pins, stands for.
 struct NamedModel {
+    bool is_judged = false;                   ///< as a word, by what follows
+    bool is_unmodeled = false;                ///< no name at all, or one of a supply or no connection
+    bool is_circuit_call = false;             ///< the word that leaves a pin to the circuit calls
+    bool looked_up = false;                   ///< among models and selectors, with what follows
     bool found = false;                       ///< a model or a selector
     bool differential = false;                ///< a model of such a type
     bool series = false;                      ///< the model, or some entry of the selector, lies between pins
@@ -20,8 +22,8 @@ struct NamedModel {
     const Cmpnt* rows_reported_for = nullptr; ///< the same for the rows between pins
 };
 
-/// The model names of a file, so that each is looked up once. The names are views of the rows' own.
-using ModelNames = ViewMap<NamedModel>;
+/// What the model names of a file stand for, by their numbers, so that each is looked up once.
+using ModelNames = std::vector<NamedModel>;
 
 /// Looks up the model names of a component's pins and marks the models found; each name is reported once. Pins that
 /// circuit calls should name are looked up in those.

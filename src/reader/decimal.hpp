@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/text.hpp"
+#include "reader/values.hpp"
 
 #include <array>
 #include <cfloat>
@@ -76,5 +77,25 @@ inline constexpr std::array<double, 128> kScaleFactors = [] {
     return factors;
 }();
 [[nodiscard]] inline double scaleFactor(char letter) { return kScaleFactors[static_cast<std::size_t>(letter)]; }
+
+/// Reads the cell at the front of a text when it is a plain one: a number of the short way, with or without letters
+/// behind it, or "NA". Returns where it ends, or null for any other.
+[[nodiscard]] inline const char* readPlainCell(const char* at, const char* end, Cell& cell) {
+    double value = 0.0;
+    if (const char* const number_end = readShortDecimal(at, end, value)) {
+        at = number_end;
+        if (at != end && isAlpha(*at)) {
+            value *= scaleFactor(*at);
+            while (at != end && isAlpha(*at)) {
+                ++at;
+            }
+        }
+        cell = Cell(value);
+        return at;
+    }
+    if (end - at < 2 || toUpper(at[0]) != 'N' || toUpper(at[1]) != 'A') return nullptr;
+    cell = Cell::na();
+    return at + 2;
+}
 
 } // namespace kestrel

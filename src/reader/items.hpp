@@ -29,6 +29,12 @@ struct ItemList {
         return items[static_cast<std::size_t>(index)];
     }
     [[nodiscard]] bool has(int index) const { return index < kept; }
+
+    /// Counts an item, and keeps it unless `max` are kept.
+    void add(std::string_view item, int max) {
+        if (kept < max) items[static_cast<std::size_t>(kept++)] = item;
+        ++count;
+    }
 };
 
 /// `text` from its first character that is not white space. Passing over a 121st white-space character is an assertion

@@ -1,6 +1,7 @@
 #include "reader/keyword.hpp"
 
 #include "base/rows.hpp"
+#include "base/text.hpp"
 #include "diagnostics/diagnostics.hpp"
 #include "reader/parse_state.hpp"
 
@@ -152,50 +153,82 @@ constexpr std::array<KeywordRow, 121> kKeywords{{
 
 static_assert(rowsInOrder(kKeywords, &KeywordRow::code));
 
-/// One version's keywords in the order of their names, equal names in the order of their codes.
+/// What a character of a name counts as: names are written in any case, with blanks or underscores.
+constexpr std::array<char, 256> kFolded = [] {
+    std::array<char, 256> folded{};
+    for (std::size_t i = 0; i < folded.size(); ++i) {
+        const auto c = static_cast<char>(i);
+        folded[i] = c == ' ' ? '_' : toUpper(c);
+    }
+    return folded;
+}();
+constexpr char foldedCharacter(char c) { return kFolded[static_cast<unsigned char>(c)]; }
+
+/// Places in a table of one version's names.
+constexpr std::size_t kPlaces = 256;
+
+/// Where a name, which is not empty, belongs in such a table. Its length and three characters tell nearly all names
+/// apart.
+constexpr std::size_t placeOf(std::string_view name) {
+    const auto at = [name](std::size_t place) {
+        return static_cast<std::size_t>(static_cast<unsigned char>(foldedCharacter(name[place])));
+    };
+    return (name.size() * 94 + at(0) * 157 + at(name.size() / 2) * 74 + at(name.size() - 1) * 169) % kPlaces;
+}
+
+/// The rows of one version's keywords by the hashes of their names, so that a look-up is one compare; of equal names
+/// the first is entered.
 struct KeywordIndex {
-    std::array<std::uint8_t, kKeywords.size()> rows{};
-    std::size_t size = 0;
+    static constexpr std::uint8_t kFree = 0xFF;
+    static_assert(kKeywords.size() < kFree);
+
+    std::array<std::uint8_t, kPlaces> rows{};
+    std::size_t size = 0;  ///< keywords of the version
+    std::size_t moved = 0; ///< names whose place was taken
 };
 
 consteval KeywordIndex indexOf(std::size_t table) {
     KeywordIndex index;
+    index.rows.fill(KeywordIndex::kFree);
     for (std::size_t i = 0; i < kKeywords.size(); ++i) {
-        if ((kKeywords[i].versions >> table & 1) != 0) index.rows[index.size++] = static_cast<std::uint8_t>(i);
+        if ((kKeywords[i].versions >> table & 1) == 0) continue;
+        ++index.size;
+        std::size_t place = placeOf(kKeywords[i].name);
+        const std::size_t wanted = place;
+        while (index.rows[place] != KeywordIndex::kFree && kKeywords[index.rows[place]].name != kKeywords[i].name) {
+            place = (place + 1) % kPlaces;
+        }
+        if (index.rows[place] == KeywordIndex::kFree) index.rows[place] = static_cast<std::uint8_t>(i);
+        if (place != wanted) ++index.moved;
     }
-    std::sort(index.rows.begin(), index.rows.begin() + index.size, [](std::uint8_t a, std::uint8_t b) {
-        return kKeywords[a].name != kKeywords[b].name ? kKeywords[a].name < kKeywords[b].name : a < b;
-    });
     return index;
 }
 
 constexpr std::array<KeywordIndex, kTables> kIndexes{indexOf(0), indexOf(1), indexOf(2), indexOf(3)};
 static_assert(kIndexes[0].size == 50 && kIndexes[1].size == 88 && kIndexes[2].size == 109 && kIndexes[3].size == 121);
+static_assert(kIndexes[3].moved <= 10); // of more than a hundred
 
 constexpr std::size_t tableOf(IbisVersion version) {
     if (version < IbisVersion::v3) return 0;
     return std::min(static_cast<std::size_t>(version) - 2, kTables - 1);
 }
 
-constexpr char upperWithUnderscore(char c) {
-    if (c == ' ') return '_';
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+/// `folded` is a name of a table.
+constexpr bool isWritten(std::string_view name, std::string_view folded) {
+    return std::ranges::equal(name, folded, {}, foldedCharacter);
 }
 
 constexpr std::optional<KeywordCode> findInTable(std::string_view name, std::size_t table) {
     const KeywordIndex& index = kIndexes[table];
-    std::array<char, kMaxKeywordName> buffer{};
-    if (name.size() > buffer.size()) return std::nullopt;
-    std::transform(name.begin(), name.end(), buffer.begin(), upperWithUnderscore);
-    const std::string_view wanted(buffer.data(), name.size());
-    const auto* const end = index.rows.begin() + index.size;
-    const auto* const at =
-        std::lower_bound(index.rows.begin(), end, wanted,
-                         [](std::uint8_t row, std::string_view text) { return kKeywords[row].name < text; });
-    if (at == end || kKeywords[*at].name != wanted) return std::nullopt;
-    // The closing row of every table names the state without a keyword; a file cannot write it.
-    if (kKeywords[*at].code == KeywordCode::notKey) return std::nullopt;
-    return kKeywords[*at].code;
+    if (name.empty()) return std::nullopt;
+    for (std::size_t place = placeOf(name); index.rows[place] != KeywordIndex::kFree; place = (place + 1) % kPlaces) {
+        const KeywordRow& row = kKeywords[index.rows[place]];
+        if (!isWritten(name, row.name)) continue;
+        // The closing row of every table names the state without a keyword; a file cannot write it.
+        if (row.code == KeywordCode::notKey) return std::nullopt;
+        return row.code;
+    }
+    return std::nullopt;
 }
 static_assert(findInTable("Pin Mapping", 0) == KeywordCode::pinMapping);
 static_assert(findInTable("manufacturer", 3) == KeywordCode::manufacturer);

@@ -1,6 +1,5 @@
 #include "reader/rngp.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
 #include "reader/decimal.hpp"
 #include "reader/items.hpp"
@@ -18,27 +17,6 @@ constexpr std::array<std::string_view, kColumns> kMissingColumns{"", kMissingCor
 
 constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-/// Reads a plain cell and returns where it ends, which is at a blank or the end of the line; null for any other.
-const char* readPlainCell(const char* at, const char* end, Cell& cell) {
-    double value = 0.0;
-    if (const char* const number_end = readShortDecimal(at, end, value)) {
-        at = number_end;
-        if (at != end && isAlpha(*at)) {
-            value *= scaleFactor(*at);
-            while (at != end && isAlpha(*at)) {
-                ++at;
-            }
-        }
-        cell = Cell(value);
-    } else if (end - at >= 2 && toUpper(at[0]) == 'N' && toUpper(at[1]) == 'A') {
-        at += 2;
-        cell = Cell::na();
-    } else {
-        return nullptr;
-    }
-    return at == end || isBlank(*at) ? at : nullptr;
-}
-
 } // namespace
 
 bool readPlainRow(std::string_view text, TableRow& row) {
@@ -51,7 +29,7 @@ bool readPlainRow(std::string_view text, TableRow& row) {
         }
         if (at - begin > kMaxSkip) return false;
         at = readPlainCell(at, end, cell);
-        if (at == nullptr) return false;
+        if (at == nullptr || (at != end && !isBlank(*at))) return false;
     }
     // Lines come without blanks behind them. A row that begins with "NA" is reported.
     return at == end && row[kFirst].isNumber();

@@ -95,11 +95,9 @@ ReadResult readScaled(std::string_view text, double& value) {
 }
 
 ReadResult readCellText(std::string_view text, Cell& cell) {
+    const char* const end = text.data() + text.size();
+    if (readPlainCell(text.data(), end, cell) == end && !text.empty()) return ReadResult::number;
     cell = {};
-    if (equalsNoCase(text, "NA")) {
-        cell = Cell::na();
-        return ReadResult::number;
-    }
     double value = 0.0;
     const ReadResult result = readScaled(text, value);
     if (result != ReadResult::noNumber) cell = Cell(value);
