@@ -1,5 +1,7 @@
 #include "base/output.hpp"
 
+#include "base/general_form.hpp"
+
 #include <array>
 #include <charconv>
 
@@ -22,7 +24,14 @@ void Output::flush() {
     text_.clear();
 }
 
-void appendGeneral(std::string& text, double value) { appendReal(text, value, std::chars_format::general); }
+void appendGeneral(std::string& text, double value) {
+    std::array<char, kGeneralFormRoom> room;
+    if (char* const end = writeShortGeneralForm(room.data(), value)) {
+        text.append(room.data(), end);
+    } else {
+        appendReal(text, value, std::chars_format::general);
+    }
+}
 
 void appendScientific(std::string& text, double value) { appendReal(text, value, std::chars_format::scientific); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/powers.hpp"
 #include "base/text.hpp"
 #include "reader/values.hpp"
 
@@ -18,9 +19,7 @@ namespace kestrel {
     if constexpr (FLT_EVAL_METHOD != 0) return nullptr; // there results are rounded twice
     constexpr std::uint64_t kMostExact = std::uint64_t{1} << DBL_MANT_DIG;
     constexpr std::ptrdiff_t kMostDigits = 18; // no more fit into the integer whatever they are
-    constexpr std::array kPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-    constexpr auto kMostPower = static_cast<std::ptrdiff_t>(kPowers.size()) - 1;
+    constexpr std::ptrdiff_t kMostPower = kLargestExactPower;
 
     std::uint64_t digits = 0;
     const auto take_digits = [&at, end, &digits] {
@@ -55,8 +54,8 @@ namespace kestrel {
     }
     if (power < -kMostPower || power > kMostPower) return nullptr;
     const auto whole = static_cast<double>(digits);
-    const double magnitude = power < 0 ? whole / kPowers[static_cast<std::size_t>(-power)]
-                                       : whole * kPowers[static_cast<std::size_t>(power)];
+    const double magnitude = power < 0 ? whole / kExactPowers[static_cast<std::size_t>(-power)]
+                                       : whole * kExactPowers[static_cast<std::size_t>(power)];
     value = negative ? -magnitude : magnitude;
     return at;
 }

@@ -90,6 +90,7 @@ ItemList splitAtBlanks(const Context& context, std::string_view text, int max) {
         for (; edges != 0; edges &= edges - 1) {
             const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(edges));
             if ((blanks >> (place - at) & 1) == 0) {
+                if (text[place] < ' ') return splitByCharacters(context, text, max, '\0'); // other white space
                 end_gap(place);
                 item = place;
             } else {

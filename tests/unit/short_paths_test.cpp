@@ -1,4 +1,6 @@
 // What is read by a short path is read as the long way reads it.
+#include "base/general_form.hpp"
+#include "base/powers.hpp"
 #include "base/row_store.hpp"
 #include "base/text_store.hpp"
 #include "files.hpp"
@@ -7,6 +9,8 @@
 #include "reader/rngp.hpp"
 
 #include <charconv>
+#include <cmath>
+#include <limits>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -105,6 +109,41 @@ TEST(ShortPaths, numbersAreRoundedAsTheLibraryDoes) {
           "1234567890123456789", "0000000000000000001", "1e99999999999", "inf", "nan", "-e1"}) {
         EXPECT_FALSE(agreesWithLibrary(text)) << text;
     }
+}
+
+/// Holds the short way of printing to the library's wherever it gives a text; true when it did.
+bool printsAsLibrary(double value) {
+    std::array<char, kGeneralFormRoom> room{};
+    const char* const end = writeShortGeneralForm(room.data(), value);
+    if (end == nullptr) return false;
+    std::array<char, 64> expected{};
+    const auto expected_end =
+        std::to_chars(expected.data(), expected.data() + expected.size(), value, std::chars_format::general, 6).ptr;
+    EXPECT_EQ(std::string_view(room.data(), end), std::string_view(expected.data(), expected_end))
+        << std::hexfloat << value;
+    return true;
+}
+
+TEST(ShortPaths, numbersArePrintedAsTheLibraryDoes) {
+    Random random(6);
+    int printed = 0;
+    for (int round = 0; round < 500000 && !::testing::Test::HasFailure(); ++round) {
+        // Bit patterns of moderate exponents, and numbers near the middle of two texts of six digits.
+        const std::uint64_t bits = (random() & 0x800F'FFFF'FFFF'FFFF) | (1023 - 80 + random() % 160) << 52;
+        printed += printsAsLibrary(std::bit_cast<double>(bits)) ? 1 : 0;
+        const double middle = static_cast<double>(random() % 2000001) / 2.0;
+        const double power = kExactPowers[below(random, kExactPowers.size())];
+        for (const double value : {middle * power, middle / power, std::nextafter(middle / power, 0.0)})
+            printed += printsAsLibrary(value) ? 1 : 0;
+    }
+    EXPECT_GT(printed, 800000);
+    for (const double value :
+         {0.0,  -0.0,          1.0,          0.1,         99999.94, 999999.0,    999999.4, 999999.6, 1e6,  123456789.0,
+          1e-4, 0.00012345678, 9.9999996e-5, 9.999994e-5, 100000.0, 0.099999949, 3.3,      -6.02e-3, 1e15, -1e-15})
+        EXPECT_TRUE(printsAsLibrary(value)) << value;
+    for (const double value :
+         {1e300, 1e-300, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::denorm_min(), 100000.5})
+        EXPECT_FALSE(printsAsLibrary(value)) << value;
 }
 
 std::string randomRow(Random& random) {
