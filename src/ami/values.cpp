@@ -1,6 +1,7 @@
 #include "reader/values.hpp"
 
 #include "ami/leaf.hpp"
+#include "ami/words.hpp"
 #include "reader/context.hpp"
 
 #include <algorithm>
@@ -53,7 +54,7 @@ bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiIte
     switch (type) {
     case AmiType::text: return true;
     case AmiType::boolean: {
-        const auto hit = lookUpEnumeration(kBooleans, value.text);
+        const auto hit = lookUpAmiWord<kBooleans>(value.text);
         if (value.quoted != 0 || hit.row == nullptr) break;
         if (hit.exact) return true;
         errorAtLine(at(check, value), 4636, leaf.name(), part, shown(value.text), hit.row->text);
