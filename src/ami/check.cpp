@@ -151,7 +151,7 @@ private:
 
     /// True of a branch whose items are not to be read together.
     static bool isLongBranch(const OutlineItem& item) {
-        return !item.node->isFolded() && item.text != kDescription && !isAmiLeaf(*item.node);
+        return !item.node->isFolded() && !sameWord(item.text, kDescription) && !isAmiLeaf(*item.node);
     }
 
     /// Walks a parameter, a description or a branch, which is in `owner`; `is_direct` if that is a section.
@@ -164,7 +164,7 @@ private:
             }
             if (item->is_node == 0) {
                 reportAmiText(check_, *item, *open_.back());
-            } else if (item->text == kDescription) {
+            } else if (sameWord(item->text, kDescription)) {
                 reportRepeated(*item);
                 checkAmiDescription(check_, *item, *open_.back());
             } else {
@@ -228,7 +228,7 @@ private:
 
     template <class Items> void checkHoldsSomething(const AmiItem& branch, const Items& items) {
         const bool empty = std::ranges::all_of(
-            items, [](const AmiItem& item) { return item.is_node != 0 && item.text == kDescription; });
+            items, [](const AmiItem& item) { return item.is_node != 0 && sameWord(item.text, kDescription); });
         if (empty) warningAtLine(at(check_, branch), 4647, shown(branch.text));
     }
 
@@ -239,7 +239,7 @@ private:
             bool described = false;
             for (const AmiItem& item : itemsOf(*branch)) {
                 if (item.is_node == 0) continue;
-                if (item.text != kDescription) {
+                if (!sameWord(item.text, kDescription)) {
                     names_.emplace_back(nameMeant(item, names), item.text.data());
                 } else if (std::exchange(described, true)) {
                     repeated_.insert(item.text.data());
@@ -249,7 +249,7 @@ private:
         // Of equal names the first in the file comes first. Many files have them in order.
         if (!std::ranges::is_sorted(names_)) std::ranges::sort(names_);
         for (std::size_t i = 1; i < names_.size(); ++i) {
-            if (names_[i].first == names_[i - 1].first) repeated_.insert(names_[i].second);
+            if (sameWord(names_[i].first, names_[i - 1].first)) repeated_.insert(names_[i].second);
         }
     }
 

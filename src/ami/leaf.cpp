@@ -110,7 +110,7 @@ void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
 void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     AmiLeaf::Given& format = leaf[AmiPart::format];
     leaf.values = itemsOf(child);
-    if (child.text != nameOf(AmiPart::format)) {
+    if (!sameWord(child.text, nameOf(AmiPart::format))) {
         format.word = &child;
     } else if (!leaf.values.empty() && leaf.values.front().is_node == 0) {
         format.word = &leaf.values.front();
@@ -207,7 +207,7 @@ bool isOneString(AmiItems items) {
 /// is called so.
 bool holdsOnlyRows(const AmiItem& table) {
     return std::ranges::all_of(itemsOf(table), [](const AmiItem& item) {
-        const bool describes = item.text == nameOf(AmiPart::description) && isOneString(itemsOf(item));
+        const bool describes = sameWord(item.text, nameOf(AmiPart::description)) && isOneString(itemsOf(item));
         return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item) && !describes);
     });
 }
@@ -254,8 +254,8 @@ bool isAmiLeaf(const AmiNode& node) {
 
 bool isAmiTable(const AmiItem& node) {
     constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
-    if (node.text == kTable) return true;
-    if (node.text != nameOf(AmiPart::format) || node.size == 1) return false;
+    if (sameWord(node.text, kTable)) return true;
+    if (!sameWord(node.text, nameOf(AmiPart::format)) || node.size == 1) return false;
     const AmiItem& first = itemsOf(node).front();
     return first.is_node == 0 && first.text == kTable;
 }
