@@ -9,8 +9,8 @@
 
 namespace kestrel {
 
-/// True when two words are the same. The short ones of this language are compared in two pieces that overlap, which
-/// takes a third of the time of the library's comparison.
+/// True when two words are the same. The short ones of this language are compared in two pieces that overlap, in three
+/// fifths of the time that the library's comparison takes.
 [[nodiscard]] inline bool sameWord(std::string_view a, std::string_view b) {
     const std::size_t size = a.size();
     if (size != b.size()) return false;
