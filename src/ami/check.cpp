@@ -1,6 +1,8 @@
 #include "ami/check.hpp"
 
+#include "ami/outline.hpp"
 #include "ami/reserved.hpp"
+#include "ami/words.hpp"
 #include "reader/context.hpp"
 
 #include <algorithm>
@@ -27,28 +29,31 @@ constexpr std::string_view kDescription = kSections[static_cast<std::size_t>(Sec
 
 constexpr std::array<Reserved, 2> kRequired{Reserved::initReturnsImpulse, Reserved::getWaveExists};
 
-/// The sections of a tree by what they hold, however their names are spelled.
+/// The sections of a file by what they hold, however their names are spelled.
 struct Sections {
-    std::vector<const AmiItem*> reserved;
-    std::vector<const AmiItem*> specific;
+    std::vector<const AmiNode*> reserved;
+    std::vector<const AmiNode*> specific;
 };
 
-Sections findSections(const AmiItem& root) {
+Sections findSections(const AmiNode& root) {
     Sections sections;
-    for (const AmiItem& item : itemsOf(root)) {
-        const auto section = lookUpEnumeration(kSections, item.text);
+    for (const OutlineItem& item : itemsOf(root)) {
+        const auto section = lookUpAmiWord<kSections>(item.text);
         if (item.is_node == 0 || section.row == nullptr) continue;
-        if (section.row->code == Section::reserved) sections.reserved.push_back(&item);
-        if (section.row->code == Section::specific) sections.specific.push_back(&item);
+        if (section.row->code == Section::reserved) sections.reserved.push_back(item.node);
+        if (section.row->code == Section::specific) sections.specific.push_back(item.node);
     }
     return sections;
 }
 
 AmiRules chooseRules(AmiCheck& check, const Sections& sections) {
-    for (const AmiItem* const section : sections.reserved) {
-        for (const AmiItem& item : itemsOf(*section)) {
+    for (const AmiNode* const section : sections.reserved) {
+        for (const OutlineItem& item : itemsOf(*section)) {
             const ReservedRow* const row = item.is_node != 0 ? reservedRow(item.text) : nullptr;
-            if (row != nullptr && row->code == Reserved::amiVersion) return readAmiVersion(check, item);
+            if (row == nullptr || row->code != Reserved::amiVersion) continue;
+            std::vector<AmiItem> items;
+            readAmiItems(item.node->text, items);
+            return readAmiVersion(check, items.front());
         }
     }
     AmiRules rules;
@@ -59,22 +64,22 @@ AmiRules chooseRules(AmiCheck& check, const Sections& sections) {
 /// How names in a branch are compared.
 enum class Names : bool { exact, reserved };
 
-/// Checks a whole tree.
+/// Checks a whole file.
 class TreeCheck {
 public:
-    TreeCheck(Context& context, std::string_view text, const AmiItem& root)
-        : root_(root), sections_(findSections(root)), check_{context, LineFinder(text), {}} {
+    TreeCheck(Context& context, std::string_view text, const AmiNode& root)
+        : root_(root), root_head_(headOf(root)), sections_(findSections(root)), check_{context, LineFinder(text), {}} {
         check_.rules = chooseRules(check_, sections_);
     }
 
     void checkAll() {
-        markRepeated(sections_.reserved, Names::reserved);
-        markRepeated(sections_.specific, Names::exact);
-        for (const AmiItem& item : itemsOf(root_)) {
+        markRepeated(std::span<const AmiNode* const>(sections_.reserved), Names::reserved);
+        markRepeated(std::span<const AmiNode* const>(sections_.specific), Names::exact);
+        for (const OutlineItem& item : itemsOf(root_)) {
             if (item.is_node != 0) {
                 checkRootChild(item);
             } else {
-                reportAmiText(check_, item, root_);
+                reportAmiText(check_, item, root_head_);
             }
         }
         if (sections_.reserved.empty()) {
@@ -91,8 +96,8 @@ private:
         bool is_false = false;
     };
 
-    void checkRootChild(const AmiItem& child) {
-        const auto section = lookUpEnumeration(kSections, child.text);
+    void checkRootChild(const OutlineItem& child) {
+        const auto section = lookUpAmiWord<kSections>(child.text);
         if (section.row == nullptr) {
             errorAtLine(at(check_, child), 4626, shown(child.text));
             return;
@@ -101,42 +106,73 @@ private:
         bool& seen = section_seen_[static_cast<std::size_t>(section.row->code)];
         if (std::exchange(seen, true)) errorAtLine(at(check_, child), 4628, section.row->text);
         switch (section.row->code) {
-        case Section::reserved: walk(child, Section::reserved); break;
+        case Section::reserved: walk(*child.node, Section::reserved); break;
         case Section::specific:
             checkSectionOrder(child);
-            walk(child, Section::specific);
+            walk(*child.node, Section::specific);
             break;
-        case Section::description: checkAmiDescription(check_, child, root_); break;
+        case Section::description:
+            readAmiItems(child.node->text, items_);
+            checkAmiDescription(check_, items_.front(), root_head_);
+            break;
         }
     }
 
-    void checkSectionOrder(const AmiItem& specific) {
+    void checkSectionOrder(const OutlineItem& specific) {
         const bool reserved_follows =
             !sections_.reserved.empty() && !section_seen_[static_cast<std::size_t>(Section::reserved)];
-        if (check_.rules.first_version || !reserved_follows || &specific != sections_.specific.front()) return;
+        if (check_.rules.first_version || !reserved_follows || specific.node != sections_.specific.front()) return;
         errorAtLine(at(check_, specific), 4656, shown(check_.rules.version));
     }
 
-    /// Walks a section and its branches. They may be nested as deep as the file is long.
-    void walk(const AmiItem& top, Section section) {
-        std::vector<const AmiItem*> open{&top};
-        checkHoldsSomething(top);
-        const AmiItem* const end = &top + top.size;
-        for (const AmiItem* item = &top + 1; item != end;) {
-            while (item == open.back() + open.back()->size) {
+    /// Walks a section and its long branches. They may be nested as deep as the file is long.
+    void walk(const AmiNode& top, Section section) {
+        std::vector<OutlineItem> open{{headOf(top), &top}};
+        checkHoldsSomething(open.front(), itemsOf(top));
+        OutlineReader reader(top);
+        while (!open.empty()) {
+            const std::optional<OutlineItem> item = reader.next();
+            const bool direct = open.size() == 1;
+            if (!item) {
                 open.pop_back();
+            } else if (item->is_node == 0) {
+                reportAmiText(check_, *item, open.back());
+            } else if (isLongBranch(*item)) {
+                reportRepeated(*item);
+                enterBranch(*item, *item->node, section, direct);
+                open.push_back(*item);
+                reader.enter(*item->node);
+            } else {
+                readAmiItems(item->node->text, items_);
+                walkItems(items_.front(), open.back(), section, direct);
+            }
+        }
+    }
+
+    /// True of a branch whose items are not to be read together.
+    static bool isLongBranch(const OutlineItem& item) {
+        return !item.node->isFolded() && !sameWord(item.text, kDescription) && !isAmiLeaf(*item.node);
+    }
+
+    /// Walks a parameter, a description or a branch, which is in `owner`; `is_direct` if that is a section.
+    void walkItems(const AmiItem& top, const AmiItem& owner, Section section, bool is_direct) {
+        open_.assign(1, &owner);
+        const AmiItem* const end = &top + top.size;
+        for (const AmiItem* item = &top; item != end;) {
+            while (open_.size() > 1 && item == open_.back() + open_.back()->size) {
+                open_.pop_back();
             }
             if (item->is_node == 0) {
-                reportAmiText(check_, *item, *open.back());
-            } else if (item->text == kDescription) {
+                reportAmiText(check_, *item, *open_.back());
+            } else if (sameWord(item->text, kDescription)) {
                 reportRepeated(*item);
-                checkAmiDescription(check_, *item, *open.back());
+                checkAmiDescription(check_, *item, *open_.back());
             } else {
-                const bool direct = open.size() == 1;
+                const bool direct = is_direct && open_.size() == 1;
                 reportRepeated(*item);
                 if (!isAmiLeaf(*item)) {
-                    enterBranch(*item, section, direct);
-                    open.push_back(item++);
+                    enterBranch(*item, *item, section, direct);
+                    open_.push_back(item++);
                     continue;
                 }
                 checkParameter(*item, section, direct);
@@ -145,16 +181,17 @@ private:
         }
     }
 
-    void enterBranch(const AmiItem& branch, Section section, bool direct) {
+    /// `node` is what holds the branch's items.
+    template <class Node> void enterBranch(const AmiItem& branch, const Node& node, Section section, bool direct) {
         if (section == Section::specific) {
             checkSpecificName(branch);
         } else if (direct) {
             errorAtLine(at(check_, branch), 4649, shown(branch.text));
             if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, nullptr);
         }
-        const AmiItem* const only = &branch;
+        const Node* const only = &node;
         markRepeated(std::span(&only, 1), Names::exact);
-        if (section == Section::specific || !direct) checkHoldsSomething(branch);
+        if (section == Section::specific || !direct) checkHoldsSomething(branch, itemsOf(node));
     }
 
     void checkParameter(const AmiItem& node, Section section, bool direct) {
@@ -189,30 +226,30 @@ private:
         if (all_false) warning(check_.context.diagnostics, 4659);
     }
 
-    void checkHoldsSomething(const AmiItem& branch) {
+    template <class Items> void checkHoldsSomething(const AmiItem& branch, const Items& items) {
         const bool empty = std::ranges::all_of(
-            itemsOf(branch), [](const AmiItem& item) { return item.is_node != 0 && item.text == kDescription; });
+            items, [](const AmiItem& item) { return item.is_node != 0 && sameWord(item.text, kDescription); });
         if (empty) warningAtLine(at(check_, branch), 4647, shown(branch.text));
     }
 
     /// Finds names that are there twice among all that the branches hold, and second descriptions of one of them.
-    void markRepeated(std::span<const AmiItem* const> branches, Names names) {
+    template <class Node> void markRepeated(std::span<const Node* const> branches, Names names) {
         names_.clear();
-        for (const AmiItem* const branch : branches) {
+        for (const Node* const branch : branches) {
             bool described = false;
             for (const AmiItem& item : itemsOf(*branch)) {
                 if (item.is_node == 0) continue;
-                if (item.text != kDescription) {
-                    names_.emplace_back(nameMeant(item, names), &item);
+                if (!sameWord(item.text, kDescription)) {
+                    names_.emplace_back(nameMeant(item, names), item.text.data());
                 } else if (std::exchange(described, true)) {
-                    repeated_.insert(&item);
+                    repeated_.insert(item.text.data());
                 }
             }
         }
-        // Of equal names the first in the file comes first.
-        std::ranges::sort(names_);
+        // Of equal names the first in the file comes first. Many files have them in order.
+        if (!std::ranges::is_sorted(names_)) std::ranges::sort(names_);
         for (std::size_t i = 1; i < names_.size(); ++i) {
-            if (names_[i].first == names_[i - 1].first) repeated_.insert(names_[i].second);
+            if (sameWord(names_[i].first, names_[i - 1].first)) repeated_.insert(names_[i].second);
         }
     }
 
@@ -223,7 +260,7 @@ private:
     }
 
     void reportRepeated(const AmiItem& item) {
-        if (!repeated_.contains(&item)) return;
+        if (!repeated_.contains(item.text.data())) return;
         if (check_.rules.first_version) {
             warningAtLine(at(check_, item), 4632, shown(item.text));
         } else {
@@ -231,57 +268,91 @@ private:
         }
     }
 
-    const AmiItem& root_;
+    const AmiNode& root_;
+    const AmiItem root_head_;
     Sections sections_;
     AmiCheck check_;
     std::array<bool, kSections.size()> section_seen_{};
-    std::unordered_set<const AmiItem*> repeated_;
-    std::vector<std::pair<std::string_view, const AmiItem*>> names_; ///< of the branch just entered; kept for its room
-    std::array<Given, kReservedCount> given_{};                      ///< by Reserved
+    std::unordered_set<const char*> repeated_;                    ///< where their names are
+    std::vector<std::pair<std::string_view, const char*>> names_; ///< in the branch just entered and where they are
+    std::vector<AmiItem> items_;                                  ///< of what is being walked
+    std::vector<const AmiItem*> open_;                            ///< in there
+    std::array<Given, kReservedCount> given_{};                   ///< by Reserved
 };
 
 /// A node being walked, in the test for names.
-struct OpenNode {
-    const AmiItem* node;
+template <class Node> struct OpenNode {
+    const Node* node;
     bool holds_rows;               ///< it is the table of a parameter
     bool in_rows;                  ///< it is a row or in one, so that it is no parameter
     std::optional<bool> is_leaf{}; ///< looked up once
 };
 
-/// True when `item`, which is in `parent`, is the table of a parameter.
-bool isTableOf(const AmiItem& item, OpenNode& parent) {
-    if (!isAmiTable(item) || parent.holds_rows || parent.in_rows) return false;
-    if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);
-    return *parent.is_leaf;
-}
+/// Only the rows of a table go without a name. What was taken for rows while the brackets were read may be none.
+class NameCheck {
+public:
+    NameCheck(Context& context, std::string_view text) : context_(context), lines_(text) {}
 
-/// Only the rows of a table go without a name. What was taken for rows while the tree was read may be none.
-bool allNamed(Context& context, std::string_view text, const std::vector<AmiItem>& tree) {
-    if (std::ranges::all_of(tree, &AmiItem::hasName)) return true;
-    LineFinder lines(text);
-    bool all_named = true;
-    std::vector<OpenNode> open{{.node = tree.data(), .holds_rows = false, .in_rows = false}};
-    for (const AmiItem& item : std::span(tree).subspan(1)) {
-        while (&item == open.back().node + open.back().node->size) {
-            open.pop_back();
+    /// False if a name is missing, which is reported.
+    bool allNamed(const AmiOutline& outline) {
+        std::vector<OpenNode<AmiNode>> open{{.node = &outline.nodes.front(), .holds_rows = false, .in_rows = false}};
+        for (const AmiNode& node : std::span(outline.nodes).subspan(1)) {
+            while (&node == open.back().node + open.back().node->size) {
+                open.pop_back();
+            }
+            if (node.isFolded()) {
+                checkFolded(node, open.back());
+            } else {
+                open.push_back(enter(node, headOf(node), open.back()));
+            }
         }
-        if (item.is_node == 0) continue;
-        OpenNode& parent = open.back();
-        if (!item.hasName() && !parent.holds_rows) {
-            errorAtLine(AtLine(context.diagnostics, lines.lineOf(item.text)), 4622);
-            all_named = false;
+        return all_named_;
+    }
+
+private:
+    void checkFolded(const AmiNode& folded, OpenNode<AmiNode>& parent) {
+        readAmiItems(folded.text, items_);
+        const AmiItem& top = items_.front();
+        open_.assign(1, enter(top, top, parent));
+        for (const AmiItem& item : std::span(items_).subspan(1)) {
+            while (&item == open_.back().node + open_.back().node->size) {
+                open_.pop_back();
+            }
+            if (item.is_node != 0) open_.push_back(enter(item, item, open_.back()));
+        }
+    }
+
+    template <class Node, class Parent>
+    OpenNode<Node> enter(const Node& node, const AmiItem& head, OpenNode<Parent>& parent) {
+        if (!head.hasName() && !parent.holds_rows) {
+            errorAtLine(AtLine(context_.diagnostics, lines_.lineOf(head.text)), 4622);
+            all_named_ = false;
         }
         const bool in_rows = parent.holds_rows || parent.in_rows;
-        open.push_back({.node = &item, .holds_rows = isTableOf(item, parent), .in_rows = in_rows});
+        return {.node = &node, .holds_rows = !in_rows && isTableOf(node, parent), .in_rows = in_rows};
     }
-    return all_named;
-}
+
+    /// True when `node`, which is in `parent`, is the table of a parameter.
+    template <class Node, class Parent> static bool isTableOf(const Node& node, OpenNode<Parent>& parent) {
+        if (!isAmiTable(node)) return false;
+        if (!parent.is_leaf) parent.is_leaf = isAmiLeaf(*parent.node);
+        return *parent.is_leaf;
+    }
+
+    Context& context_;
+    LineFinder lines_;
+    bool all_named_ = true;
+    std::vector<AmiItem> items_;            ///< of the folded node being walked
+    std::vector<OpenNode<AmiItem>> open_{}; ///< in there
+};
 
 } // namespace
 
 void checkAmi(Context& context, std::string_view text) {
-    const std::vector<AmiItem> tree = readAmiTree(context, text);
-    if (!tree.empty() && allNamed(context, text, tree)) TreeCheck(context, text, tree.front()).checkAll();
+    const AmiOutline outline = readAmiOutline(context, text);
+    if (outline.nodes.empty()) return;
+    if (!outline.all_named && !NameCheck(context, text).allNamed(outline)) return;
+    TreeCheck(context, text, outline.nodes.front()).checkAll();
 }
 
 } // namespace kestrel

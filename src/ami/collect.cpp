@@ -1,4 +1,5 @@
 #include "ami/check.hpp"
+#include "base/large_memory.hpp"
 #include "base/make_room.hpp"
 #include "reader/context.hpp"
 
@@ -17,16 +18,19 @@ struct Collector {
     std::uint32_t string_line = 0; ///< where it began
 };
 
+/// The line up to its comment. Most lines have neither comment nor string.
 std::string_view cutComment(Collector& collector, std::string_view line, std::uint32_t number) {
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') {
-            collector.in_string = !collector.in_string;
-            if (collector.in_string) collector.string_line = number;
-        } else if (line[i] == collector.comment && !collector.in_string) {
-            return line.substr(0, i);
+    std::size_t comment = line.find(collector.comment);
+    for (std::size_t quote = line.find('"'); quote < line.size(); quote = line.find('"', quote + 1)) {
+        if (!collector.in_string) {
+            if (comment < quote) break;
+            collector.string_line = number;
+        } else if (comment < quote) { // it is in the string
+            comment = line.find(collector.comment, quote);
         }
+        collector.in_string = !collector.in_string;
     }
-    return line;
+    return collector.in_string ? line : line.substr(0, comment);
 }
 
 /// Adds a line; one for which there is no memory is reported and left out.
@@ -50,6 +54,7 @@ std::string collectAmi(Context& context, Source& source) {
     parse.comment = '|';
     Collector collector{.comment = parse.comment};
     makeRoom(collector.text, static_cast<std::size_t>(source.bytes.size()) + 1);
+    preferLargePages(collector.text.data(), collector.text.capacity());
     LineReader reader(std::move(source.bytes));
     while (const std::optional<SourceLine> line = reader.next(context, kNoCapacity)) {
         ++parse.line;

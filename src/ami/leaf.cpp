@@ -1,6 +1,11 @@
 #include "ami/leaf.hpp"
 
+#include "ami/words.hpp"
 #include "reader/context.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <span>
 
 namespace kestrel {
 
@@ -15,20 +20,19 @@ constexpr std::array<EnumerationRow<AmiUsage>, 4> kUsages{{
 
 constexpr std::string_view nameOf(AmiPart part) { return kAmiParts[static_cast<std::size_t>(part)].text; }
 
-bool isFormatWord(const AmiItem& node) { return lookUpEnumeration(kAmiFormats, node.text).row != nullptr; }
+bool isFormatWord(const AmiItem& node) { return lookUpAmiWord<kAmiFormats>(node.text).row != nullptr; }
 
 /// The code of the word that gives a part; one that is not in the table is reported.
-template <class Rows>
-std::optional<CodeOf<Rows>> readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const Rows& rows,
-                                     const AmiItem& word) {
-    const auto hit = lookUpEnumeration(rows, word.text);
-    if (hit.exact) return hit.row->code;
+template <const auto& kRows> auto readWord(AmiCheck& check, AmiLeaf& leaf, AmiPart part, const AmiItem& word) {
+    using Code = CodeOf<decltype(kRows)>;
+    const auto hit = lookUpAmiWord<kRows>(word.text);
+    if (hit.exact) return std::optional(hit.row->code);
     if (hit.row != nullptr) {
         errorAtLine(at(check, word), 4636, leaf.name(), nameOf(part), shown(word.text), hit.row->text);
     } else if (!check.rules.later) {
         errorAtLine(at(check, word), 4635, leaf.name(), nameOf(part), shown(word.text));
     }
-    return std::nullopt;
+    return std::optional<Code>();
 }
 
 /// Whether a part holds one word or may hold several.
@@ -59,7 +63,7 @@ void readUsage(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     if (check.rules.first_version && word->text == "Inout") { // which spelled it in both ways
         leaf.usage = AmiUsage::inOut;
     } else {
-        leaf.usage = readWord(check, leaf, AmiPart::usage, kUsages, *word);
+        leaf.usage = readWord<kUsages>(check, leaf, AmiPart::usage, *word);
     }
 }
 
@@ -75,7 +79,7 @@ Words typeWords(const AmiItem& node) {
         } else if (!isFormatWord(child)) {
             continue;
         }
-        const auto format = lookUpEnumeration(kAmiFormats, word->text);
+        const auto format = lookUpAmiWord<kAmiFormats>(word->text);
         return format.row == nullptr || format.row->code == AmiFormat::table ? Words::several : Words::one;
     }
     return Words::one;
@@ -87,7 +91,7 @@ void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     const AmiItem* const first = leaf[AmiPart::type].word;
     if (first == nullptr) return;
     leaf.type_words = 1;
-    leaf.type = readWord(check, leaf, AmiPart::type, kAmiTypes, *first);
+    leaf.type = readWord<kAmiTypes>(check, leaf, AmiPart::type, *first);
     if (words == Words::one) return;
     bool all_known = leaf.type.has_value();
     for (const AmiItem& word : itemsOf(child)) {
@@ -95,7 +99,7 @@ void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
         ++leaf.type_words;
         if (leaf.type) leaf.column_types.push_back({*leaf.type, first});
         leaf.type.reset();
-        const std::optional<AmiType> type = readWord(check, leaf, AmiPart::type, kAmiTypes, word);
+        const std::optional<AmiType> type = readWord<kAmiTypes>(check, leaf, AmiPart::type, word);
         if (type) leaf.column_types.push_back({*type, &word});
         all_known = all_known && type;
     }
@@ -106,7 +110,7 @@ void readType(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
 void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
     AmiLeaf::Given& format = leaf[AmiPart::format];
     leaf.values = itemsOf(child);
-    if (child.text != nameOf(AmiPart::format)) {
+    if (!sameWord(child.text, nameOf(AmiPart::format))) {
         format.word = &child;
     } else if (!leaf.values.empty() && leaf.values.front().is_node == 0) {
         format.word = &leaf.values.front();
@@ -116,7 +120,7 @@ void readFormat(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
         errorAtLine(at(check, child), 4635, leaf.name(), nameOf(AmiPart::format), std::string_view());
         return;
     }
-    leaf.format = readWord(check, leaf, AmiPart::format, kAmiFormats, *format.word);
+    leaf.format = readWord<kAmiFormats>(check, leaf, AmiPart::format, *format.word);
 }
 
 void readDefault(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
@@ -155,7 +159,7 @@ void readChild(AmiCheck& check, AmiLeaf& leaf, const AmiItem& child) {
         readPart(check, leaf, AmiPart::format, child);
         return;
     }
-    const auto part = lookUpEnumeration(kAmiParts, child.text);
+    const auto part = lookUpAmiWord<kAmiParts>(child.text);
     if (part.exact) {
         readPart(check, leaf, part.row->code, child);
         return;
@@ -186,9 +190,9 @@ void checkRequired(AmiCheck& check, const AmiLeaf& leaf) {
 constexpr EnumSet<AmiPart> kMarks{AmiPart::usage, AmiPart::type, AmiPart::format, AmiPart::initial};
 
 bool namesPart(const AmiItem& node) {
-    const auto part = lookUpEnumeration(kAmiParts, node.text);
+    const auto part = lookUpAmiWord<kAmiParts>(node.text);
     if (part.exact) return kMarks.has(part.row->code);
-    return lookUpEnumeration(kAmiFormats, node.text).exact;
+    return lookUpAmiWord<kAmiFormats>(node.text).exact;
 }
 
 bool holdsOnlyTexts(const AmiItem& node) {
@@ -203,7 +207,7 @@ bool isOneString(AmiItems items) {
 /// is called so.
 bool holdsOnlyRows(const AmiItem& table) {
     return std::ranges::all_of(itemsOf(table), [](const AmiItem& item) {
-        const bool describes = item.text == nameOf(AmiPart::description) && isOneString(itemsOf(item));
+        const bool describes = sameWord(item.text, nameOf(AmiPart::description)) && isOneString(itemsOf(item));
         return item.is_node == 0 || (!namesPart(item) && holdsOnlyTexts(item) && !describes);
     });
 }
@@ -213,6 +217,12 @@ bool holdsOnlyRows(const AmiItem& table) {
 bool marksLeaf(const AmiItem& child) {
     if (child.is_node == 0 || child.size == 1 || !namesPart(child)) return false;
     return holdsOnlyTexts(child) || (isAmiTable(child) && holdsOnlyRows(child));
+}
+
+/// True when nodes in this one hold nodes again for certain, so that it is neither a word's nor a table's and need not
+/// be read.
+bool holdsLongNodes(const AmiNode& node) {
+    return std::ranges::any_of(std::span(&node, node.size).subspan(1), std::not_fn(&AmiNode::isFolded));
 }
 
 } // namespace
@@ -233,10 +243,19 @@ void checkAmiDescription(AmiCheck& check, const AmiItem& description, const AmiI
 
 bool isAmiLeaf(const AmiItem& node) { return std::ranges::any_of(itemsOf(node), marksLeaf); }
 
+bool isAmiLeaf(const AmiNode& node) {
+    std::vector<AmiItem> items;
+    return std::ranges::any_of(itemsOf(node), [&](const OutlineItem& child) {
+        if (child.is_node == 0 || !namesPart(child) || holdsLongNodes(*child.node)) return false;
+        readAmiItems(child.node->text, items);
+        return marksLeaf(items.front());
+    });
+}
+
 bool isAmiTable(const AmiItem& node) {
     constexpr std::string_view kTable = kAmiFormats[static_cast<std::size_t>(AmiFormat::table)].text;
-    if (node.text == kTable) return true;
-    if (node.text != nameOf(AmiPart::format) || node.size == 1) return false;
+    if (sameWord(node.text, kTable)) return true;
+    if (!sameWord(node.text, nameOf(AmiPart::format)) || node.size == 1) return false;
     const AmiItem& first = itemsOf(node).front();
     return first.is_node == 0 && first.text == kTable;
 }

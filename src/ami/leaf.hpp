@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ami/outline.hpp"
 #include "ami/tree.hpp"
 #include "base/enum_set.hpp"
 #include "diagnostics/diagnostics.hpp"
@@ -126,6 +127,7 @@ struct AmiLeaf {
 
 /// True when a node is a parameter, false when it is a branch that holds some.
 [[nodiscard]] bool isAmiLeaf(const AmiItem& node);
+[[nodiscard]] bool isAmiLeaf(const AmiNode& node);
 
 /// True of "(Table ..." and "(Format Table ...". In a parameter these hold rows; a parameter or a branch may have the
 /// name, too.

@@ -1,5 +1,6 @@
 #include "ami/reserved.hpp"
 
+#include "ami/words.hpp"
 #include "reader/context.hpp"
 #include "reader/values.hpp"
 
@@ -108,7 +109,7 @@ constexpr std::array<ReservedRow, kReservedCount> kReserved{{
 static_assert(standAtCodes(kReserved));
 
 const ReservedRow* reservedRow(std::string_view name) {
-    const auto hit = lookUpEnumeration(kReserved, name);
+    const auto hit = lookUpAmiWord<kReserved>(name);
     return hit.row == nullptr ? nullptr : &kReserved[static_cast<std::size_t>(hit.row->code)];
 }
 

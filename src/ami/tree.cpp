@@ -1,152 +1,82 @@
 #include "ami/tree.hpp"
 
-#include "base/make_room.hpp"
-#include "base/text.hpp"
-#include "reader/context.hpp"
+#include "ami/char_classes.hpp"
+#include "ami/token.hpp"
 
 #include <algorithm>
-#include <array>
+#include <bit>
+#include <cstdint>
 
 namespace kestrel {
 
 namespace {
 
-enum class TokenKind : std::uint8_t { open, close, word, string, end };
-
-struct Token {
-    TokenKind kind;
-    std::string_view text; ///< of a string: what is between its quotes
-};
-
-constexpr bool endsWord(char c) { return isSpace(c) || c == '(' || c == ')' || c == '"'; }
-
-constexpr std::array<bool, 256> kEndsWord = [] {
-    std::array<bool, 256> table{};
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        table[i] = endsWord(static_cast<char>(i));
-    }
-    return table;
-}();
-
-std::size_t wordLength(std::string_view text) {
-    std::size_t length = 0;
-    while (length < text.size() && !kEndsWord[static_cast<unsigned char>(text[length])]) {
-        ++length;
-    }
-    return length;
-}
-
-/// Cuts a text into tokens.
-class Scanner {
+/// Builds the list of a node's items. However deep the nodes are nested, the open ones need no room of their own: until
+/// it is closed, a node's size holds the place of the node that it is in.
+class ItemBuilder {
 public:
-    explicit Scanner(std::string_view text) : rest_(text) {}
+    ItemBuilder(std::string_view text, std::vector<AmiItem>& items) : text_(text), items_(items) {}
 
-    Token next() {
-        std::size_t blanks = 0;
-        while (blanks < rest_.size() && isSpace(rest_[blanks])) {
-            ++blanks;
-        }
-        take(blanks);
-        if (rest_.empty()) return {TokenKind::end, rest_};
-        switch (rest_.front()) {
-        case '(': return {TokenKind::open, take(1)};
-        case ')': return {TokenKind::close, take(1)};
-        case '"': {
-            take(1);
-            const std::string_view text = take(std::min(rest_.find('"'), rest_.size()));
-            take(std::min<std::size_t>(1, rest_.size())); // a string that is left open has no second quote
-            return {TokenKind::string, text};
-        }
-        default: return {TokenKind::word, take(wordLength(rest_))};
+    void build() {
+        items_.clear();
+        StringFinder strings;
+        bool in_word = false;
+        for (std::size_t block = 0; block < text_.size(); block += kBlock) {
+            const CharClasses classes = charClassesAt(text_, block);
+            const std::uint64_t in_strings = strings.inStrings(classes.quotes);
+            const std::uint64_t words = ~(classes.blanks | classes.brackets | classes.quotes | in_strings);
+            const std::uint64_t first_letters = words & ~(words << 1 | (in_word ? 1U : 0U));
+            in_word = words >> (kBlock - 1) != 0;
+            std::uint64_t begins = first_letters | (classes.brackets & ~in_strings) | (classes.quotes & in_strings);
+            for (; begins != 0; begins &= begins - 1) {
+                const int bit = std::countr_zero(begins);
+                const std::size_t place = block + static_cast<std::size_t>(bit);
+                switch (text_[place]) {
+                case '(': openNode(place); break;
+                case ')': closeNode(); break;
+                case '"': addString(place + 1); break;
+                default: addWord(place, std::countr_one(words >> bit), bit); break;
+                }
+            }
         }
     }
 
 private:
-    std::string_view take(std::size_t count) {
-        const std::string_view taken = rest_.substr(0, count);
-        rest_.remove_prefix(count);
-        return taken;
-    }
-
-    std::string_view rest_;
-};
-
-constexpr bool isText(const Token& token) { return token.kind == TokenKind::word || token.kind == TokenKind::string; }
-
-/// Builds the list of items. However deep the nodes are nested, the open ones need no room of their own: until it is
-/// closed, a node's size holds the place of the node that it is in.
-class TreeBuilder {
-public:
-    TreeBuilder(Context& context, std::string_view text) : context_(context), scanner_(text), lines_(text) {
-        constexpr std::size_t kUsualItem = 8; // characters, white space and brackets included
-        makeRoom(items_, text.size() / kUsualItem);
-    }
-
-    std::vector<AmiItem> build() {
-        Token token = scanner_.next();
-        if (token.kind == TokenKind::end) {
-            error(context_.diagnostics, 4620);
-            return {};
-        }
-        if (token.kind != TokenKind::open) {
-            errorAtLine(at(token), 4621, shown(token.text));
-            return {};
-        }
-        const Token first = token;
-        do {
-            switch (token.kind) {
-            case TokenKind::open: token = openNode(token); continue;
-            case TokenKind::close: closeNode(); break;
-            case TokenKind::word:
-            case TokenKind::string: add(token, false); break;
-            case TokenKind::end:
-                error(context_.diagnostics, 4624, depth_, static_cast<std::int64_t>(lines_.lineOf(first.text)));
-                return {};
-            }
-            token = scanner_.next();
-        } while (depth_ > 0);
-        if (token.kind != TokenKind::end) {
-            errorAtLine(at(token), 4625, shown(token.text));
-            sound_ = false;
-        }
-        return sound_ ? std::move(items_) : std::vector<AmiItem>{};
-    }
-
-private:
-    AtLine at(const Token& token) { return {context_.diagnostics, lines_.lineOf(token.text)}; }
-
-    void add(const Token& token, bool is_node) {
-        items_.push_back({.text = token.text,
-                          .size = 1,
-                          .is_node = is_node ? 1U : 0U,
-                          .quoted = token.kind == TokenKind::string ? 1U : 0U});
-    }
-
-    /// Reads the name of a node, too, and returns the token behind.
-    Token openNode(const Token& bracket) {
-        const bool may_be_nameless = inTable();
-        const std::size_t place = items_.size();
-        const Token name = scanner_.next();
-        if (isText(name)) {
-            add(name, true);
-        } else {
-            add({TokenKind::open, bracket.text.substr(0, 0)}, true);
-            if (name.kind != TokenKind::end && !may_be_nameless) {
-                errorAtLine(at(bracket), 4622);
-                sound_ = false;
-            }
-        }
-        setSize(items_[place], open_);
-        open_ = place;
-        ++depth_;
-        return isText(name) ? scanner_.next() : name;
+    void openNode(std::size_t place) {
+        items_.push_back({.text = text_.substr(place, 0), .size = 1, .is_node = 1, .quoted = 0});
+        setSize(items_.back(), open_);
+        open_ = items_.size() - 1;
+        awaits_name_ = true;
     }
 
     void closeNode() {
+        AmiItem& node = items_[open_];
         const std::size_t place = open_;
-        open_ = items_[place].size;
-        setSize(items_[place], items_.size() - place);
-        --depth_;
+        open_ = node.size;
+        setSize(node, items_.size() - place);
+        awaits_name_ = false;
+    }
+
+    /// Of a word that goes on in the next block, `length` is not all.
+    void addWord(std::size_t place, int length, int bit) {
+        const bool goes_on = static_cast<std::size_t>(bit + length) == kBlock;
+        addText(goes_on ? firstWord(text_.substr(place)) : text_.substr(place, static_cast<std::size_t>(length)),
+                false);
+    }
+
+    void addString(std::size_t place) {
+        const std::string_view rest = text_.substr(place);
+        addText(rest.substr(0, rest.find('"')), true);
+    }
+
+    void addText(std::string_view text, bool quoted) {
+        if (awaits_name_) {
+            items_.back().text = text;
+            items_.back().quoted = quoted ? 1U : 0U;
+            awaits_name_ = false;
+        } else {
+            items_.push_back({.text = text, .size = 1, .is_node = 0, .quoted = quoted ? 1U : 0U});
+        }
     }
 
     static void setSize(AmiItem& node, std::size_t size) {
@@ -154,24 +84,10 @@ private:
         node.size = size & kMask;
     }
 
-    /// True right behind "(Table" and "(Format Table" of a parameter, and behind their rows.
-    [[nodiscard]] bool inTable() const {
-        constexpr std::string_view kTable = "Table";
-        constexpr std::int64_t kLeastDepth = 4; // root, section, parameter and table
-        if (depth_ < kLeastDepth) return false;
-        if (items_[open_].text == kTable) return true;
-        const std::size_t inside = open_ + 1;
-        return items_[open_].text == "Format" && inside < items_.size() && items_[inside].is_node == 0 &&
-               items_[inside].text == kTable;
-    }
-
-    Context& context_;
-    Scanner scanner_;
-    LineFinder lines_;
-    std::vector<AmiItem> items_;
-    std::size_t open_ = 0; ///< place of the innermost open node
-    std::int64_t depth_ = 0;
-    bool sound_ = true;
+    std::string_view text_;
+    std::vector<AmiItem>& items_;
+    std::size_t open_ = 0;     ///< place of the innermost open node
+    bool awaits_name_ = false; ///< the last item is a node whose name may follow
 };
 
 } // namespace
@@ -193,6 +109,6 @@ std::string_view shown(std::string_view text) {
     return text.substr(0, text.find('\n'));
 }
 
-std::vector<AmiItem> readAmiTree(Context& context, std::string_view text) { return TreeBuilder(context, text).build(); }
+void readAmiItems(std::string_view node, std::vector<AmiItem>& items) { ItemBuilder(node, items).build(); }
 
 } // namespace kestrel

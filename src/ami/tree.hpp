@@ -7,13 +7,11 @@
 
 namespace kestrel {
 
-struct Context;
-
-/// One item of a parameter tree. The items that a node holds follow it in the tree's list. Texts view the file's text,
+/// One item of a parameter file. The items that a node holds follow it in the list. Texts view the file's text,
 /// also those that are empty.
 struct AmiItem {
     std::string_view text;   ///< a word, a string without its quotes, or a node's name
-    std::size_t size : 62;   ///< items that this one is made of, itself included
+    std::size_t size : 62;   ///< items of the list that this one is made of, itself included
     std::size_t is_node : 1; ///< "(" name item... ")"; only the rows of a table may go without a name
     std::size_t quoted : 1;  ///< the word or name is in quotes
 
@@ -79,8 +77,8 @@ private:
 /// A text of a parameter file as messages show it: as far as its line goes, and of one that is very long the beginning.
 [[nodiscard]] std::string_view shown(std::string_view text);
 
-/// Reads the tree of a parameter file; the root is its first item. `text` has to outlive the tree. A fault in the
-/// brackets is reported and gives an empty list.
-[[nodiscard]] std::vector<AmiItem> readAmiTree(Context& context, std::string_view text);
+/// Reads the items of a node into a list, in place of what is in there; the node is the first. `node` begins with its
+/// "(" and ends with its ")"; the brackets in it are known to match. The text has to outlive the list.
+void readAmiItems(std::string_view node, std::vector<AmiItem>& items);
 
 } // namespace kestrel

@@ -1,6 +1,7 @@
 #include "reader/values.hpp"
 
 #include "ami/leaf.hpp"
+#include "ami/words.hpp"
 #include "reader/context.hpp"
 
 #include <algorithm>
@@ -47,21 +48,29 @@ void reportNodes(AmiCheck& check, const AmiLeaf& leaf, AmiItems items) {
     }
 }
 
-/// True when `value` is one of the type; otherwise it is reported. `part` is where it was given.
-bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiItem& value, std::string_view part) {
+/// A value that was checked to be a number.
+double numberOf(const AmiItem& value) {
     double number = 0.0;
+    return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
+}
+
+/// True when `value` is one of the type; otherwise it is reported. `part` is where it was given. A number is put into
+/// `number`; a whole one only if that is `wanted`, as its digits say that it is right.
+bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiItem& value, std::string_view part,
+                double& number, bool wanted) {
     switch (type) {
     case AmiType::text: return true;
     case AmiType::boolean: {
-        const auto hit = lookUpEnumeration(kBooleans, value.text);
+        const auto hit = lookUpAmiWord<kBooleans>(value.text);
         if (value.quoted != 0 || hit.row == nullptr) break;
         if (hit.exact) return true;
         errorAtLine(at(check, value), 4636, leaf.name(), part, shown(value.text), hit.row->text);
         return false;
     }
     case AmiType::integer:
-        if (value.quoted == 0 && isWholeNumber(value.text)) return true;
-        break;
+        if (value.quoted != 0 || !isWholeNumber(value.text)) break;
+        if (wanted) number = numberOf(value);
+        return true;
     case AmiType::real:
     case AmiType::tap:
     case AmiType::unitInterval:
@@ -70,12 +79,6 @@ bool checkValue(AmiCheck& check, const AmiLeaf& leaf, AmiType type, const AmiIte
     }
     errorAtLine(at(check, value), 4638, leaf.name(), shown(value.text), nameOf(type));
     return false;
-}
-
-/// A value that was checked to be a number.
-double numberOf(const AmiItem& value) {
-    double number = 0.0;
-    return readScaled(value.text, number) == ReadResult::number ? number : 0.0;
 }
 
 /// Compares numbers that may have been scaled: "3n" reads as a bit more than "3e-9". Whole numbers read as they are.
@@ -140,7 +143,8 @@ private:
         std::size_t column = 0;
         const auto check_cell = [&](const AmiItem& cell) {
             const std::optional<AmiType> type = typeOf(column++);
-            return !type || checkValue(check, leaf_, *type, cell, rowOf(AmiFormat::table).text);
+            double number = 0.0;
+            return !type || checkValue(check, leaf_, *type, cell, rowOf(AmiFormat::table).text, number, false);
         };
         if (row.hasName() && !check_cell(row)) return false;
         return std::ranges::all_of(itemsOf(row),
@@ -190,16 +194,26 @@ bool checkValueCount(AmiCheck& check, const AmiLeaf& leaf, const std::optional<T
     return false;
 }
 
-/// Stops at the first value that is none of the type.
-bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table) {
-    if (table) return table->checkValues(check);
-    return !leaf.format || !leaf.type || std::ranges::all_of(leaf.values, [&](const AmiItem& value) {
-        return value.is_node != 0 || checkValue(check, leaf, *leaf.type, value, rowOf(*leaf.format).text);
-    });
-}
-
 /// The formats that begin with typical value, minimum and maximum.
 constexpr AmiFormatSet kOrdered{AmiFormat::range, AmiFormat::increment, AmiFormat::steps};
+
+/// The values of such a format: typical value, minimum, maximum and, but for a range, one more.
+using Numbers = std::array<double, 4>;
+
+/// Stops at the first value that is none of the type. The numbers of an ordered format are kept for checkOrder().
+bool checkFormatValues(AmiCheck& check, const AmiLeaf& leaf, const std::optional<Table>& table, Numbers& numbers) {
+    if (table) return table->checkValues(check);
+    if (!leaf.format || !leaf.type) return true;
+    const bool ordered = kOrdered.has(*leaf.format);
+    std::size_t place = 0;
+    for (const AmiItem& value : leaf.values) {
+        if (value.is_node != 0) continue;
+        double number = 0.0;
+        if (!checkValue(check, leaf, *leaf.type, value, rowOf(*leaf.format).text, number, ordered)) return false;
+        if (place < numbers.size()) numbers[place++] = number;
+    }
+    return true;
+}
 
 struct Bounds {
     double min;
@@ -207,26 +221,26 @@ struct Bounds {
 };
 
 /// Checks the order of a complete list of numbers; without a fault in it, returns the bounds.
-std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf) {
-    AmiItems::Iterator value = leaf.values.begin();
-    const double typ = numberOf(*value++);
-    const double min = numberOf(*value++);
-    const double max = numberOf(*value++);
+std::optional<Bounds> checkOrder(AmiCheck& check, const AmiLeaf& leaf, const Numbers& numbers) {
+    const auto [typ, min, max, last] = numbers;
     const std::string_view format = rowOf(*leaf.format).text;
     const bool ordered = atMost(min, typ) && atMost(typ, max);
     if (!ordered) errorAtLine(at(check, *leaf[AmiPart::format].word), 4643, leaf.name(), format);
-    if (value != leaf.values.end() && numberOf(*value) <= 0.0) {
+    if (leaf.format != AmiFormat::range && last <= 0.0) {
         const std::string_view what = leaf.format == AmiFormat::steps ? "count" : "delta";
-        errorAtLine(at(check, *value), 4644, leaf.name(), what, format);
+        const AmiItem& value = *std::ranges::next(leaf.values.begin(), std::ssize(numbers) - 1);
+        errorAtLine(at(check, value), 4644, leaf.name(), what, format);
     }
     return ordered ? std::optional(Bounds{min, max}) : std::nullopt;
 }
 
-bool isMember(const AmiLeaf& leaf, const AmiItem& value) {
+/// `number` is what the value reads as, if it is one.
+bool isMember(const AmiLeaf& leaf, const AmiItem& value, double number) {
     const bool numbers = kAmiNumbers.has(*leaf.type);
     return std::ranges::any_of(leaf.values, [&](const AmiItem& item) {
         if (!numbers) return item.text == value.text;
-        return atMost(numberOf(item), numberOf(value)) && atMost(numberOf(value), numberOf(item));
+        const double member = numberOf(item);
+        return atMost(member, number) && atMost(number, member);
     });
 }
 
@@ -249,11 +263,12 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
     leaf.format_fits = checkFormatType(check, leaf);
     const bool complete = checkValueCount(check, leaf, table) && leaf.format_fits;
     checkListTip(check, leaf);
-    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf, table);
+    Numbers numbers{};
+    leaf.good_values = !leaf.format_fits || checkFormatValues(check, leaf, table, numbers);
 
     const bool has_numbers = complete && leaf.good_values && leaf.type && kAmiNumbers.has(*leaf.type);
     std::optional<Bounds> bounds;
-    if (has_numbers && kOrdered.has(*leaf.format)) bounds = checkOrder(check, leaf);
+    if (has_numbers && kOrdered.has(*leaf.format)) bounds = checkOrder(check, leaf, numbers);
 
     const AmiItem* const initial = leaf[AmiPart::initial].word;
     if (initial == nullptr) return;
@@ -261,11 +276,11 @@ void checkAmiValues(AmiCheck& check, AmiLeaf& leaf) {
         warningAtLine(at(check, *initial), 4648, leaf.name());
     }
     if (!leaf.good_values || !leaf.type) return;
-    leaf.good_default = checkValue(check, leaf, *leaf.type, *initial, kDefault);
+    double number = 0.0;
+    leaf.good_default = checkValue(check, leaf, *leaf.type, *initial, kDefault, number, true);
     if (!leaf.good_default) return;
-    const double number = numberOf(*initial);
     const bool outside = (bounds && !(atMost(bounds->min, number) && atMost(number, bounds->max))) ||
-                         (complete && leaf.format == AmiFormat::list && !isMember(leaf, *initial));
+                         (complete && leaf.format == AmiFormat::list && !isMember(leaf, *initial, number));
     leaf.default_outside = outside;
     if (outside) warningAtLine(at(check, *initial), 4642, leaf.name(), shown(initial->text), rowOf(*leaf.format).text);
 }
