@@ -57,7 +57,7 @@ constexpr NumberMessages kPins{3420, 3421, 3422, 3423, 3424};
 constexpr NumberMessages kSections{3425, 3426, 3428, 3429, 3430};
 
 void closeOpenMatrix(Diagnostics& diagnostics, PkgMdlState& state) {
-    if (const Mtx* const matrix = std::exchange(state.open_matrix, nullptr)) closeMtx(diagnostics, *matrix);
+    if (Mtx* const matrix = std::exchange(state.open_matrix, nullptr)) closeMtx(diagnostics, *matrix);
 }
 
 /// The matrix of a keyword, or null.
@@ -118,7 +118,7 @@ void bandwidthKeyword(Context& context, PkgMdlState& state, PkgMdl& package, con
 
 void rowKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
     if (Mtx* const matrix = matrixOf(package, state.matrix_keyword)) {
-        beginRow(context.diagnostics, *matrix, package.pin_names, line.text);
+        beginRow(context, *matrix, package.pin_names, line.text);
     } else {
         errorAtLine(context.diagnostics, 3466);
     }
@@ -128,7 +128,7 @@ void dataOutOfPlace(Context& context, std::string_view /*text*/) { errorAtLine(c
 
 void matrixLine(Context& context, PkgMdlState& state, PkgMdl& package, std::string_view text) {
     if (Mtx* const matrix = matrixOf(package, state.matrix_keyword)) {
-        rowLine(context.diagnostics, *matrix, package.pin_names, text);
+        rowLine(context, *matrix, package.pin_names, text);
     } else {
         dataOutOfPlace(context, text);
     }
@@ -136,9 +136,9 @@ void matrixLine(Context& context, PkgMdlState& state, PkgMdl& package, std::stri
 
 void pinLine(Context& context, PkgMdlState& state, PkgMdl& package, std::string_view text) {
     if (context.parse.version >= IbisVersion::v3 && state.sections_declared) {
-        sectionPinLine(context.diagnostics, state.cursor, package, text);
+        sectionPinLine(context, state.cursor, package, text);
     } else {
-        plainPinLine(context.diagnostics, package, text);
+        plainPinLine(context, package, text);
     }
 }
 
