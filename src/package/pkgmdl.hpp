@@ -28,11 +28,11 @@ struct PkgMdl : RecordOf<SubjectKind::packageModel> {
 
 /// The package model being read and what was seen of it.
 struct PkgMdlState : RecordState<PkgMdl> {
-    ChainCursor cursor;                               ///< in the chain of the last pin
-    KeywordCode previous = KeywordCode::notKey;       ///< the package model's keyword before the one being read
-    KeywordCode matrix_keyword = KeywordCode::notKey; ///< the matrix that "[Row]" goes to
-    Mtx* open_matrix = nullptr;                       ///< the matrix being read, checked when it is closed
-    bool sections_declared = false;                   ///< "[Number Of Sections]" was seen
+    ChainCursor cursor;                         ///< in the chain of the last pin
+    KeywordCode previous = KeywordCode::notKey; ///< the package model's keyword before the one being read
+    Mtx* row_matrix = nullptr;                  ///< the matrix that "[Row]" goes to
+    Mtx* open_matrix = nullptr;                 ///< the matrix being read, checked when it is closed
+    bool sections_declared = false;             ///< "[Number Of Sections]" was seen
     bool pin_numbers_seen = false;
     bool model_data_seen = false;
     bool end_model_data_seen = false;

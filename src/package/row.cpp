@@ -116,37 +116,58 @@ bool makeRoom(Diagnostics& diagnostics, Mtx& mtx) {
     return turnIntoWrap(diagnostics, mtx);
 }
 
-/// Takes a plain value off the front of `text`, which begins with it; false, with `text` as it was, for any other.
-bool takePlainValue(std::string_view& text, double& value) {
-    const char* const end = text.data() + text.size();
-    const char* at = readShortDecimal(text.data(), end, value);
-    if (at == nullptr) return false;
+// The short ways below go by places in the line instead of views of it, which the compiler keeps in registers.
+
+const char* skipBlanks(const char* at, const char* end) {
+    while (at != end && isBlank(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+/// Where the token that begins at `at` ends, when it is this name; else null.
+const char* endOfName(const char* at, const char* end, std::string_view name) {
+    if (static_cast<std::size_t>(end - at) <= name.size() || !isBlank(at[name.size()])) return nullptr;
+    for (const char c : name) {
+        if (*at != c || isBlank(c)) return nullptr; // the names of pins may have blanks, tokens none
+        ++at;
+    }
+    return at;
+}
+
+/// Reads the value that begins at `at` and returns where it ends; null for one that is not plain.
+const char* readPlainValue(const char* at, const char* end, double& value) {
+    at = readShortDecimal(at, end, value);
+    if (at == nullptr) return nullptr;
     if (at != end && isAlpha(*at)) {
         value *= scaleFactor(*at);
         while (at != end && isAlpha(*at)) {
             ++at;
         }
     }
-    if (at != end && !isBlank(*at)) return false;
-    text.remove_prefix(static_cast<std::size_t>(at - text.data()));
-    return true;
+    return at == end || isBlank(*at) ? at : nullptr;
 }
 
-/// Takes values off the front of `text` as long as they are plain and have slots, which is nearly always.
-void takePlainValues(RowStore& store, MtxRow& row, MtxValues& values, std::string_view& text) {
-    double value = 0.0;
-    for (text = skipBlanks(text); values.size() < row.column_count && takePlainValue(text, value);
-         text = skipBlanks(text)) {
+/// Reads values as long as they are plain and have slots, which is nearly always. Returns what is left of the line.
+std::string_view readPlainValues(RowStore& store, MtxRow& row, MtxValues& values, std::string_view text) {
+    const char* const end = text.data() + text.size();
+    const char* at = skipBlanks(text.data(), end);
+    while (at != end && values.size() < row.column_count) {
+        double value = 0.0;
+        const char* const value_end = readPlainValue(at, end, value);
+        if (value_end == nullptr) break;
         store.add(values, value);
         row.self_coupled = true;
+        at = skipBlanks(value_end, end);
     }
+    return {at, end};
 }
 
 /// A line of values, each of which fills the next slot.
 void readValues(Context& context, Mtx& mtx, std::string_view text) {
     MtxRow& row = mtx.rows.back();
     auto& values = std::get<MtxValues>(row.given);
-    takePlainValues(context.rows, row, values, text);
+    text = readPlainValues(context.rows, row, values, text);
     for (std::string_view token = takeToken(text); !token.empty(); token = takeToken(text)) {
         double value = 0.0;
         if (!readValue(context.diagnostics, token, value)) return;
@@ -226,10 +247,10 @@ bool readPlainEntry(RowStore& store, Mtx& mtx, const PackagePins& pins, std::str
         return false;
     }
     const std::string_view name = pins[column - 1];
-    if (takeToken(text) != name) return false;
+    const char* const end = text.data() + text.size();
+    const char* at = endOfName(skipBlanks(text.data(), end), end, name);
     double value = 0.0;
-    text = skipBlanks(text);
-    if (!takePlainValue(text, value) || !text.empty()) return false;
+    if (at == nullptr || readPlainValue(skipBlanks(at, end), end, value) != end) return false;
     if (!row.self_coupled && name == row.pin_name) row.self_coupled = true;
     addEntry(store, mtx, entries, {static_cast<std::uint32_t>(column), value});
     return true;
