@@ -22,7 +22,13 @@ std::size_t rowsOf(const std::vector<std::unique_ptr<Wvfrm>>& waveforms) {
     return rows;
 }
 
-std::size_t valuesOf(const std::optional<Mtx>& mtx) { return mtx ? mtx->values.size() : 0; }
+std::size_t valuesOf(const std::optional<Mtx>& mtx) {
+    std::size_t values = 0;
+    if (!mtx) return values;
+    for (const MtxRow& row : mtx->rows)
+        values += row.filled();
+    return values;
+}
 
 } // namespace
 

@@ -36,9 +36,20 @@ const PkgMdl* findPackages(Run& run, const Ibis& root, const Cmpnt& component) {
 
 /// Warns of the first pin of a package model that the component does not have.
 void checkPackagePins(Context& context, const Cmpnt& component, const PkgMdl& package) {
-    for (const std::uint32_t place : package.own_pins) {
-        const std::string& name = package.pin_names[place];
-        if (isKnownPin(component.pins, name)) continue;
+    const PinList& pins = component.pins;
+    auto pin = pins.begin(); // both lists mostly have the same order
+    auto odd = package.odd_pins.begin();
+    for (std::uint32_t place = 0; place < package.pin_names.size(); ++place) {
+        if (odd != package.odd_pins.end() && *odd == place) {
+            ++odd;
+            continue;
+        }
+        const std::string_view name = package.pin_names[place];
+        if (pin != pins.end() && pin->name == name) {
+            ++pin;
+            continue;
+        }
+        if (isKnownPin(pins, name)) continue;
         warning(context.diagnostics, 613, package.name, name, component.name);
         return;
     }

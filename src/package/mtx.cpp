@@ -19,13 +19,14 @@ constexpr std::array<EnumerationRow<MtxKind>, 3> kKinds{{
 /// Reports a row that lacks entries: every slot of a banded or full row has to be filled, of a sparse row one. True
 /// when it was reported.
 bool reportShortRow(Diagnostics& diagnostics, const Mtx& mtx, const MtxRow& row) {
+    const std::size_t filled = row.filled();
     if (mtx.kind == MtxKind::sparse) {
-        if (row.filled == 0) errorAtLine(diagnostics, 3117, row.pin_name);
-        return row.filled == 0;
+        if (filled == 0) errorAtLine(diagnostics, 3117, row.pin_name);
+        return filled == 0;
     }
-    if (row.filled == row.column_count) return false;
-    const char plural = row.filled == 1 ? '\0' : 's';
-    errorAtLine(diagnostics, 3116, row.column_count, row.pin_name, row.filled, plural);
+    if (filled == row.column_count) return false;
+    const char plural = filled == 1 ? '\0' : 's';
+    errorAtLine(diagnostics, 3116, row.column_count, row.pin_name, filled, plural);
     return true;
 }
 
@@ -35,8 +36,8 @@ std::uint32_t pinPlace(const PackagePins& pins, std::string_view name, std::size
     if (!pins.anyRepeated() && guess - 1 < pins.size() && pins[guess - 1] == name) {
         return static_cast<std::uint32_t>(guess);
     }
-    const std::string* const pin = pins.find(name);
-    return pin == nullptr ? 0 : static_cast<std::uint32_t>(pin - &pins[0] + 1);
+    const StoredText* const pin = pins.find(name);
+    return pin == nullptr ? 0 : static_cast<std::uint32_t>(pin - pins.begin() + 1);
 }
 
 Mtx createMtx(Diagnostics& diagnostics, std::string_view type, std::uint32_t order) {
@@ -67,7 +68,9 @@ void setBandwidth(Diagnostics& diagnostics, Mtx& mtx, std::string_view text) {
     if (mtx.bandwidth >= mtx.order) errorAtLine(diagnostics, 3706, mtx.bandwidth, mtx.order);
 }
 
-void closeMtx(Diagnostics& diagnostics, const Mtx& mtx) {
+void closeMtx(Diagnostics& diagnostics, Mtx& mtx) {
+    mtx.row_counts = nullptr; // both are made again where more rows come
+    mtx.taken_columns = {};
     if (mtx.rows.size() != mtx.order) errorAtLine(diagnostics, 3717, mtx.order, mtx.rows.size());
     bool short_row = false;
     for (const MtxRow& row : mtx.rows) {

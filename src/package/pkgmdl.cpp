@@ -57,7 +57,7 @@ constexpr NumberMessages kPins{3420, 3421, 3422, 3423, 3424};
 constexpr NumberMessages kSections{3425, 3426, 3428, 3429, 3430};
 
 void closeOpenMatrix(Diagnostics& diagnostics, PkgMdlState& state) {
-    if (const Mtx* const matrix = std::exchange(state.open_matrix, nullptr)) closeMtx(diagnostics, *matrix);
+    if (Mtx* const matrix = std::exchange(state.open_matrix, nullptr)) closeMtx(diagnostics, *matrix);
 }
 
 /// The matrix of a keyword, or null.
@@ -89,21 +89,22 @@ void markKeyword(Context& context, PkgMdlState& state, PkgMdl& /*package*/, cons
     const MarkRow& row = *rowOf(kMarks, line.key, &MarkRow::code);
     if (std::exchange(state.*(row.seen), true)) errorAtLine(context.diagnostics, 3468, row.label);
     if (!line.text.empty()) errorAtLine(context.diagnostics, 3469, row.label);
-    if (line.key == K::endModelData) state.matrix_keyword = K::notKey;
+    if (line.key == K::endModelData) state.row_matrix = nullptr;
     if (line.key == K::endModelData || line.key == K::endPackageModel) closeOpenMatrix(context.diagnostics, state);
 }
 
 void matrixKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
     const MatrixRow& row = *rowOf(kMatrices, line.key, &MatrixRow::code);
-    state.matrix_keyword = line.key;
     std::optional<Mtx>& matrix = package.*(row.matrix);
     if (matrix) {
+        state.row_matrix = &*matrix;
         errorAtLine(context.diagnostics, row.duplicate); // the matrix being read, perhaps another, stays open
         return;
     }
     closeOpenMatrix(context.diagnostics, state);
     matrix = createMtx(context.diagnostics, line.text, package.number_of_pins);
-    state.open_matrix = &*matrix;
+    state.row_matrix = &*matrix;
+    state.open_matrix = state.row_matrix;
 }
 
 void bandwidthKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
@@ -117,8 +118,8 @@ void bandwidthKeyword(Context& context, PkgMdlState& state, PkgMdl& package, con
 }
 
 void rowKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
-    if (Mtx* const matrix = matrixOf(package, state.matrix_keyword)) {
-        beginRow(context.diagnostics, *matrix, package.pin_names, line.text);
+    if (state.row_matrix != nullptr) {
+        beginRow(context, *state.row_matrix, package.pin_names, line.text);
     } else {
         errorAtLine(context.diagnostics, 3466);
     }
@@ -127,8 +128,8 @@ void rowKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Lin
 void dataOutOfPlace(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 3404); }
 
 void matrixLine(Context& context, PkgMdlState& state, PkgMdl& package, std::string_view text) {
-    if (Mtx* const matrix = matrixOf(package, state.matrix_keyword)) {
-        rowLine(context.diagnostics, *matrix, package.pin_names, text);
+    if (state.row_matrix != nullptr) {
+        rowLine(context, *state.row_matrix, package.pin_names, text);
     } else {
         dataOutOfPlace(context, text);
     }
@@ -136,9 +137,9 @@ void matrixLine(Context& context, PkgMdlState& state, PkgMdl& package, std::stri
 
 void pinLine(Context& context, PkgMdlState& state, PkgMdl& package, std::string_view text) {
     if (context.parse.version >= IbisVersion::v3 && state.sections_declared) {
-        sectionPinLine(context.diagnostics, state.cursor, package, text);
+        sectionPinLine(context, state.cursor, package, text);
     } else {
-        plainPinLine(context.diagnostics, package, text);
+        plainPinLine(context, package, text);
     }
 }
 

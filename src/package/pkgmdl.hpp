@@ -23,17 +23,16 @@ struct PkgMdl : RecordOf<SubjectKind::packageModel> {
     std::optional<Mtx> resistance;
     std::optional<Mtx> inductance;
     std::optional<Mtx> capacitance;
-    std::vector<std::uint32_t>
-        own_pins; ///< 0-based places of the pins that a component should have: not repeated, not cut
+    std::vector<std::uint32_t> odd_pins; ///< 0-based places, in order, of the pins that repeat another or are cut
 };
 
 /// The package model being read and what was seen of it.
 struct PkgMdlState : RecordState<PkgMdl> {
-    ChainCursor cursor;                               ///< in the chain of the last pin
-    KeywordCode previous = KeywordCode::notKey;       ///< the package model's keyword before the one being read
-    KeywordCode matrix_keyword = KeywordCode::notKey; ///< the matrix that "[Row]" goes to
-    Mtx* open_matrix = nullptr;                       ///< the matrix being read, checked when it is closed
-    bool sections_declared = false;                   ///< "[Number Of Sections]" was seen
+    ChainCursor cursor;                         ///< in the chain of the last pin
+    KeywordCode previous = KeywordCode::notKey; ///< the package model's keyword before the one being read
+    Mtx* row_matrix = nullptr;                  ///< the matrix that "[Row]" goes to
+    Mtx* open_matrix = nullptr;                 ///< the matrix being read, checked when it is closed
+    bool sections_declared = false;             ///< "[Number Of Sections]" was seen
     bool pin_numbers_seen = false;
     bool model_data_seen = false;
     bool end_model_data_seen = false;
@@ -44,10 +43,10 @@ struct PkgMdlState : RecordState<PkgMdl> {
 extern const RecordModule<PkgMdlState> kPkgMdl;
 
 /// Reads a line under "[Pin Numbers]" that is one pin name.
-void plainPinLine(Diagnostics& diagnostics, PkgMdl& package, std::string_view text);
+void plainPinLine(Context& context, PkgMdl& package, std::string_view text);
 
 /// Reads a line under "[Pin Numbers]" of a package model with sections: a pin and its sections, more sections, "Fork"
 /// or "Endfork". `cursor` goes on in the chain of the last pin.
-void sectionPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text);
+void sectionPinLine(Context& context, ChainCursor& cursor, PkgMdl& package, std::string_view text);
 
 } // namespace kestrel

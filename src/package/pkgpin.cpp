@@ -1,6 +1,6 @@
-#include "diagnostics/diagnostics.hpp"
 #include "package/pkgmdl.hpp"
 #include "package/token.hpp"
+#include "reader/context.hpp"
 #include "reader/names.hpp"
 
 namespace kestrel {
@@ -13,18 +13,19 @@ constexpr NameWarnings kPinWarnings{3445, 3446, 3447};
 
 /// The name of a pin, cut.
 struct PinName {
-    std::string text;
+    StoredText text;
     bool fits;
 };
 
-PinName readPinName(Diagnostics& diagnostics, std::string_view text) {
+PinName readPinName(Context& context, std::string_view text) {
     PinName name;
-    name.fits = storeName(diagnostics, name.text, text, kPackagePinLimit, 3432);
+    name.fits = storeName(context, name.text, text, kPackagePinLimit, 3432);
     return name;
 }
 
 /// Stores a pin; false when it was reported that there is no room for it.
-bool storePin(Diagnostics& diagnostics, PkgMdl& package, const PinName& name) {
+bool storePin(Context& context, PkgMdl& package, const PinName& name) {
+    Diagnostics& diagnostics = context.diagnostics;
     if (package.number_of_pins == 0) {
         errorAtLine(diagnostics, 3433);
         return false;
@@ -33,11 +34,9 @@ bool storePin(Diagnostics& diagnostics, PkgMdl& package, const PinName& name) {
         errorAtLine(diagnostics, 3435);
         return false;
     }
-    if (!package.pin_names.add(name.text)) {
-        errorAtLine(diagnostics, 3437, name.text);
-    } else if (name.fits) {
-        package.own_pins.push_back(static_cast<std::uint32_t>(package.pin_names.size() - 1));
-    }
+    const bool is_new = package.pin_names.add(context.rows, name.text);
+    if (!is_new) errorAtLine(diagnostics, 3437, name.text);
+    if (!is_new || !name.fits) package.odd_pins.push_back(static_cast<std::uint32_t>(package.pin_names.size() - 1));
     return true;
 }
 
@@ -80,32 +79,34 @@ bool isContinuation(std::string_view text) {
 }
 
 /// A line that begins a pin; its sections follow the name.
-void newPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
+void newPinLine(Context& context, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
     const std::string_view name = takeToken(text);
     cursor.tail = kNoElement;
     if (!cursor.forks.empty()) {
         errorAtLine(diagnostics, 3444, name);
         cursor.forks.clear();
     }
-    const PinName stored = readPinName(diagnostics, name);
+    const PinName stored = readPinName(context, name);
     warnOfName(diagnostics, name, kPinWarnings);
-    if (storePin(diagnostics, package, stored)) readSections(diagnostics, cursor, package, text);
+    if (storePin(context, package, stored)) readSections(diagnostics, cursor, package, text);
 }
 
 } // namespace
 
-void plainPinLine(Diagnostics& diagnostics, PkgMdl& package, std::string_view text) {
-    storePin(diagnostics, package, readPinName(diagnostics, skipBlanks(text)));
+void plainPinLine(Context& context, PkgMdl& package, std::string_view text) {
+    storePin(context, package, readPinName(context, skipBlanks(text)));
 }
 
-void sectionPinLine(Diagnostics& diagnostics, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
+void sectionPinLine(Context& context, ChainCursor& cursor, PkgMdl& package, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
     text = skipBlanks(text);
     if (text == "Fork") {
         forkLine(diagnostics, cursor, package);
     } else if (text == "Endfork") {
         endforkLine(diagnostics, cursor, package);
     } else if (!isContinuation(text)) {
-        newPinLine(diagnostics, cursor, package, text);
+        newPinLine(context, cursor, package, text);
     } else if (cursor.tail == kNoElement) {
         errorAtLine(diagnostics, 3438); // no section or fork that it could go on from
     } else {

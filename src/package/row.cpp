@@ -1,7 +1,8 @@
 #include "base/text.hpp"
-#include "diagnostics/diagnostics.hpp"
 #include "package/mtx.hpp"
 #include "package/token.hpp"
+#include "reader/context.hpp"
+#include "reader/decimal.hpp"
 #include "reader/names.hpp"
 #include "reader/values.hpp"
 
@@ -36,15 +37,29 @@ std::optional<std::uint64_t> nextColumnCount(const Mtx& mtx) {
 }
 
 /// Counts a row of this name and returns how many there were before; `index` is the place of its pin, or 0.
-std::uint32_t countRow(Mtx& mtx, const PackagePins& pins, std::string_view name, std::uint32_t index) {
-    if (index == 0) return mtx.unknown_rows.try_emplace(std::string(name), 0).first->second++;
-    if (index >= mtx.pin_rows.size()) mtx.pin_rows.resize(pins.size() + 1);
-    std::uint32_t earlier = mtx.pin_rows[index]++;
-    if (!mtx.unknown_rows.empty()) { // a pin may be listed behind the first row of its name
-        const auto unknown = mtx.unknown_rows.find(name);
-        earlier += unknown == mtx.unknown_rows.end() ? 0 : unknown->second;
+std::uint32_t countRow(RowCounts& counts, const PackagePins& pins, std::string_view name, std::uint32_t index) {
+    if (index == 0) return counts.of_others.try_emplace(std::string(name), 0).first->second++;
+    if (index >= counts.of_pins.size()) counts.of_pins.resize(pins.size() + 1);
+    std::uint32_t earlier = counts.of_pins[index]++;
+    if (!counts.of_others.empty()) { // a pin may be listed behind the first row of its name
+        const auto other = counts.of_others.find(name);
+        earlier += other == counts.of_others.end() ? 0 : other->second;
     }
     return earlier;
+}
+
+/// How many rows of this name the matrix has, which gets another one.
+std::uint32_t earlierRows(Mtx& mtx, const PackagePins& pins, std::string_view name, std::uint32_t index) {
+    mtx.in_order = mtx.in_order && index == mtx.rows.size() + 1;
+    if (mtx.in_order) return 0;
+    if (mtx.row_counts == nullptr) {
+        mtx.row_counts = std::make_unique<RowCounts>();
+        for (std::size_t place = 0; place < mtx.rows.size(); ++place) {
+            const std::string_view earlier = mtx.rows[place].pin_name;
+            countRow(*mtx.row_counts, pins, earlier, pinPlace(pins, earlier, place + 1));
+        }
+    }
+    return countRow(*mtx.row_counts, pins, name, index);
 }
 
 /// Reads one value; false when it was reported as unreadable.
@@ -101,29 +116,108 @@ bool makeRoom(Diagnostics& diagnostics, Mtx& mtx) {
     return turnIntoWrap(diagnostics, mtx);
 }
 
+// The short ways below go by places in the line instead of views of it, which the compiler keeps in registers.
+
+const char* skipBlanks(const char* at, const char* end) {
+    while (at != end && isBlank(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+/// Where the token that begins at `at` ends, when it is this name; else null.
+const char* endOfName(const char* at, const char* end, std::string_view name) {
+    if (static_cast<std::size_t>(end - at) <= name.size() || !isBlank(at[name.size()])) return nullptr;
+    for (const char c : name) {
+        if (*at != c || isBlank(c)) return nullptr; // the names of pins may have blanks, tokens none
+        ++at;
+    }
+    return at;
+}
+
+/// Reads the value that begins at `at` and returns where it ends; null for one that is not plain.
+const char* readPlainValue(const char* at, const char* end, double& value) {
+    at = readShortDecimal(at, end, value);
+    if (at == nullptr) return nullptr;
+    if (at != end && isAlpha(*at)) {
+        value *= scaleFactor(*at);
+        while (at != end && isAlpha(*at)) {
+            ++at;
+        }
+    }
+    return at == end || isBlank(*at) ? at : nullptr;
+}
+
+/// Reads values as long as they are plain and have slots, which is nearly always. Returns what is left of the line.
+std::string_view readPlainValues(RowStore& store, MtxRow& row, MtxValues& values, std::string_view text) {
+    const char* const end = text.data() + text.size();
+    const char* at = skipBlanks(text.data(), end);
+    while (at != end && values.size() < row.column_count) {
+        double value = 0.0;
+        const char* const value_end = readPlainValue(at, end, value);
+        if (value_end == nullptr) break;
+        store.add(values, value);
+        row.self_coupled = true;
+        at = skipBlanks(value_end, end);
+    }
+    return {at, end};
+}
+
 /// A line of values, each of which fills the next slot.
-void readValues(Diagnostics& diagnostics, Mtx& mtx, std::string_view text) {
+void readValues(Context& context, Mtx& mtx, std::string_view text) {
     MtxRow& row = mtx.rows.back();
+    auto& values = std::get<MtxValues>(row.given);
+    text = readPlainValues(context.rows, row, values, text);
     for (std::string_view token = takeToken(text); !token.empty(); token = takeToken(text)) {
         double value = 0.0;
-        if (!readValue(diagnostics, token, value)) return;
-        if (row.filled == row.column_count && !makeRoom(diagnostics, mtx)) return;
-        mtx.values.push_back(value);
-        ++row.filled;
+        if (!readValue(context.diagnostics, token, value)) return;
+        if (values.size() == row.column_count && !makeRoom(context.diagnostics, mtx)) return;
+        context.rows.add(values, value);
         row.self_coupled = true;
     }
+}
+
+void takeColumn(TakenColumns& taken, std::uint32_t column) {
+    if (column >= taken.row_of.size()) taken.row_of.resize(std::size_t{column} + 1);
+    taken.row_of[column] = taken.row;
+}
+
+/// Adds an entry to the last row.
+void addEntry(RowStore& store, Mtx& mtx, MtxEntries& entries, MtxEntry entry) {
+    store.add(entries, entry);
+    mtx.last_column = std::max(mtx.last_column, entry.column());
+    if (mtx.taken_columns.row == mtx.rows.size()) takeColumn(mtx.taken_columns, entry.column());
+}
+
+/// True when the last row has an entry in this column. Only columns that do not come in order need a list.
+bool isColumnTaken(Mtx& mtx, const MtxEntries& entries, std::uint32_t column) {
+    if (column > mtx.last_column) return false;
+    TakenColumns& taken = mtx.taken_columns;
+    const auto row = static_cast<std::uint32_t>(mtx.rows.size());
+    if (taken.row != row) {
+        taken.row = row;
+        for (const MtxEntry& entry : entries) {
+            takeColumn(taken, entry.column());
+        }
+    }
+    return taken.row_of[column] == row;
+}
+
+/// The column that the next entry of the last row has in a matrix that leaves none out.
+std::size_t nextColumn(const Mtx& mtx, const MtxEntries& entries) {
+    return entries.empty() ? mtx.rows.size() : std::size_t{entries.back().column()} + 1;
 }
 
 /// The 1-based column that a sparse line names, in the last row; 0 when it was reported.
 std::uint32_t readColumn(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view name) {
     MtxRow& row = mtx.rows.back();
+    const auto& entries = std::get<MtxEntries>(row.given);
     if (name.empty()) {
         errorAtLine(diagnostics, 3110);
         return 0;
     }
     if (name == row.pin_name) row.self_coupled = true;
-    const std::size_t guess = row.filled == 0 ? mtx.rows.size() : std::size_t{mtx.columns.back()} + 1;
-    const std::uint32_t column = pinPlace(pins, name, guess);
+    const std::uint32_t column = pinPlace(pins, name, nextColumn(mtx, entries));
     if (column == 0) {
         errorAtLine(diagnostics, 3100, name);
         return 0;
@@ -136,15 +230,36 @@ std::uint32_t readColumn(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& 
         programBugHereAtLine(diagnostics, 3112);
         return 0;
     }
-    if (column < mtx.column_row.size() && mtx.column_row[column] == mtx.rows.size()) {
+    if (isColumnTaken(mtx, entries, column)) {
         errorAtLine(diagnostics, 3113, column);
         return 0;
     }
     return column;
 }
 
+/// Reads the line of an entry as nearly all are: the pin behind that of the entry before, and a plain value. False,
+/// with nothing stored, for any other.
+bool readPlainEntry(RowStore& store, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+    MtxRow& row = mtx.rows.back();
+    auto& entries = std::get<MtxEntries>(row.given);
+    const std::size_t column = nextColumn(mtx, entries);
+    if (column <= mtx.last_column || column > row.column_count || column > pins.size() || pins.anyRepeated()) {
+        return false;
+    }
+    const std::string_view name = pins[column - 1];
+    const char* const end = text.data() + text.size();
+    const char* at = endOfName(skipBlanks(text.data(), end), end, name);
+    double value = 0.0;
+    if (at == nullptr || readPlainValue(skipBlanks(at, end), end, value) != end) return false;
+    if (!row.self_coupled && name == row.pin_name) row.self_coupled = true;
+    addEntry(store, mtx, entries, {static_cast<std::uint32_t>(column), value});
+    return true;
+}
+
 /// A line of a sparse matrix: the pin of a column, then the value.
-void readEntry(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+void readEntry(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+    if (readPlainEntry(context.rows, mtx, pins, text)) return;
+    Diagnostics& diagnostics = context.diagnostics;
     const std::uint32_t column = readColumn(diagnostics, mtx, pins, takeToken(text));
     if (column == 0) return;
     const std::string_view token = takeToken(text);
@@ -154,17 +269,25 @@ void readEntry(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std:
     }
     double value = 0.0;
     if (!readValue(diagnostics, token, value)) return;
-    if (column >= mtx.column_row.size()) mtx.column_row.resize(pins.size() + 1);
-    mtx.column_row[column] = static_cast<std::uint32_t>(mtx.rows.size());
-    mtx.columns.push_back(column);
-    mtx.values.push_back(value);
-    ++mtx.rows.back().filled;
+    addEntry(context.rows, mtx, std::get<MtxEntries>(mtx.rows.back().given), {column, value});
     if (const std::string_view more = takeToken(text); !more.empty()) errorAtLine(diagnostics, 3115, more);
+}
+
+/// Adds a row, of the pin at the 1-based place `index` or, when 0, of a name that is no pin's.
+void addRow(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view name, std::uint32_t index,
+            std::uint64_t columns) {
+    MtxRow& row = mtx.rows.emplace_back();
+    row.pin_name = index == 0 ? context.texts.add(name) : pins[index - 1];
+    if (mtx.kind == MtxKind::sparse) row.given = MtxEntries{};
+    row.column_count = columns;
+    mtx.widest = std::max(mtx.widest, columns);
+    mtx.last_column = 0;
 }
 
 } // namespace
 
-void beginRow(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view name) {
+void beginRow(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view name) {
+    Diagnostics& diagnostics = context.diagnostics;
     const std::optional<std::uint64_t> columns = nextColumnCount(mtx);
     if (!columns) return;
     if (name.empty()) {
@@ -179,20 +302,19 @@ void beginRow(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::
     }
     const std::uint32_t index = pinPlace(pins, name, mtx.rows.size() + 1);
     if (index == 0) errorAtLine(diagnostics, 3100, name);
-    for (std::uint32_t earlier = countRow(mtx, pins, name, index); earlier > 0; --earlier) {
+    for (std::uint32_t earlier = earlierRows(mtx, pins, name, index); earlier > 0; --earlier) {
         errorAtLine(diagnostics, 3101, name);
     }
-    mtx.rows.push_back({.pin_name = std::string(name), .column_count = *columns});
-    mtx.widest = std::max(mtx.widest, *columns);
+    addRow(context, mtx, pins, name, index, *columns);
     if (index != 0 && index != mtx.rows.size()) errorAtLine(diagnostics, 3102, name, index, mtx.rows.size());
 }
 
-void rowLine(Diagnostics& diagnostics, Mtx& mtx, const PackagePins& pins, std::string_view text) {
+void rowLine(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view text) {
     if (mtx.rows.empty()) return;
     if (mtx.kind == MtxKind::sparse) {
-        readEntry(diagnostics, mtx, pins, text);
+        readEntry(context, mtx, pins, text);
     } else {
-        readValues(diagnostics, mtx, text);
+        readValues(context, mtx, text);
     }
 }
 

@@ -131,6 +131,59 @@ TEST(Matrix, sparse) {
     });
 }
 
+TEST(Matrix, sparsePlacesOutOfOrder) {
+    expectCodes({
+        // B was given before C came out of order, and C before B repeats it; the next row knows nothing of them.
+        {4,
+         "Sparse_matrix\n[Row] A\nB 1\nD 1\nC 1\nB 2\nC 2\nA 1\nD 2\n[Row] B\nD 1\nC 1\nB 1\n[Row] C\nC 1\n[Row] D\nD 1",
+         "E3113@ E3113@ E3113@"},
+        // A line that has no use leaves its column free; the pin behind the last one is not always free.
+        {3, "Sparse_matrix\n[Row] A\nC 1\nA x\nA 1\nB 1\nC 2" + std::string("\n[Row] B\nB 1\n[Row] C\nC 1"),
+         "E3103@ E3113@"},
+        // Nothing of this is plain: a name with more behind it, values that are none, text behind a value.
+        {3, "Sparse_matrix\n[Row] A\nA1 1\nA 1-\nA 1e5x\nB 1nF\nC 1 C\n[Row] B\n  B\t-1.5e-3\n[Row] C\nC 0x1",
+         "E3100@ E3103@ E3115@ W3104@"},
+    });
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    start(lines, 3);
+    // A closed matrix that takes lines once more knows its rows and the columns of the last one.
+    lines.read("[Capacitance Matrix] Sparse_matrix\n[Row] B\nC 1\nB 1\n[End Package Model]\n[Row]\nB 2\nC 2");
+    EXPECT_EQ(lines.codes(), "E3102@ E3717@ E3120@ E3113@ E3113@");
+    lines.read("[Row] B\n[Row] A");
+    EXPECT_EQ(lines.codes(), "E3101@ E3102@");
+}
+
+TEST(Matrix, columnsOfPinsThatComeLater) {
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    lines.read(
+        "[Define Package Model] P\n[Number Of Pins] 40\n[Pin Numbers]\nA\nB\n[Resistance Matrix] Sparse_matrix\n"
+        "[Row] A\nB 1\nA 1\n[Pin Numbers]");
+    std::string text;
+    for (char pin = 'C'; pin <= 'Z'; ++pin)
+        text += std::string(1, pin) + "\n";
+    lines.read(text + "[Row]\nZ 1\nY 1\nZ 2\nB 2");
+    EXPECT_EQ(lines.codes(), "E3468@ E3120@ E3113@ E3113@");
+}
+
+TEST(Matrix, valuesAreThoseOfTheLines) {
+    Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
+    start(lines, 3);
+    lines.read(
+        "[Inductance Matrix] Full_matrix\n[Row] A\n\t2n 4e-9F  x\n4\n[Row] B\n123456789012345678901e-20 -.5m\n"
+        "[Capacitance Matrix] Sparse_matrix\n[Row] A\nB 1.5p\nC +2\nA 12345678901234567890e-19");
+    const PkgMdl& package = *lines.root.package_models.newestFirst().begin();
+    const auto values = [](const MtxRow& row) {
+        const auto& rows = std::get<MtxValues>(row.given);
+        return std::vector<double>(rows.begin(), rows.end());
+    };
+    EXPECT_EQ(values(package.inductance->rows[0]), (std::vector<double>{2e-9, 4e-9, 4}));
+    EXPECT_EQ(values(package.inductance->rows[1]), (std::vector<double>{1.23456789012345678901, -.5e-3}));
+    std::vector<double> entries;
+    for (const MtxEntry& entry : std::get<MtxEntries>(package.capacitance->rows[0].given))
+        entries.insert(entries.end(), {static_cast<double>(entry.column()), entry.value()});
+    EXPECT_EQ(entries, (std::vector<double>{2, 1.5e-12, 3, 2, 1, 1.234567890123456789}));
+}
+
 TEST(Matrix, memoryGoesByEntries) {
     Lines lines(KeywordCode::definePackageModel, IbisVersion::v3);
     start(lines, 4294967295U);
@@ -144,10 +197,10 @@ TEST(Matrix, memoryGoesByEntries) {
     EXPECT_EQ(package.resistance->rows[1].column_count, 4294967294U);
     EXPECT_EQ(package.inductance->rows[1].column_count, 4294967294U);
     EXPECT_EQ(package.capacitance->rows[1].column_count, 4294967295U);
-    EXPECT_EQ(package.resistance->values, (std::vector<double>{1, 2, 3}));
-    EXPECT_EQ(package.capacitance->values.size(), 2U);
-    EXPECT_EQ(package.capacitance->columns, (std::vector<std::uint32_t>{1, 26}));
-    EXPECT_LT(package.capacitance->column_row.capacity(), 100U);
+    EXPECT_EQ(package.resistance->rows[0].filled(), 3U);
+    EXPECT_EQ(package.capacitance->rows[0].filled(), 2U);
+    EXPECT_EQ(package.capacitance->taken_columns.row_of.capacity(), 0U);
+    EXPECT_EQ(package.capacitance->row_counts, nullptr);
 }
 
 } // namespace

@@ -100,9 +100,12 @@ TEST(PackageModel, plainPins) {
                  {"Fork\nLen=0/\na=b/c", "E3432@"}}); // "Len=0/" has six characters
     PackageLines lines;
     lines.read("[Define Package Model] P\n[Number Of Pins] 4\n[Pin Numbers]\nA\nABCDEF\nA");
-    EXPECT_EQ(lines.newest().pin_names.rows(), (std::vector<std::string>{"A", "ABCDE", "A"}));
-    EXPECT_EQ(pinPlace(lines.newest().pin_names, "A", 9), 1U);
-    EXPECT_EQ(pinPlace(lines.newest().pin_names, "ABCDEF", 1), 0U);
+    const PackagePins& pins = lines.newest().pin_names;
+    EXPECT_EQ((std::vector<std::string_view>(pins.begin(), pins.end())),
+              (std::vector<std::string_view>{"A", "ABCDE", "A"}));
+    EXPECT_EQ(lines.newest().odd_pins, (std::vector<std::uint32_t>{1, 2}));
+    EXPECT_EQ(pinPlace(pins, "A", 9), 1U);
+    EXPECT_EQ(pinPlace(pins, "ABCDEF", 1), 0U);
 }
 
 TEST(PackageModel, pinsWithSections) {
