@@ -22,7 +22,7 @@ std::size_t rowsOf(const std::vector<std::unique_ptr<Wvfrm>>& waveforms) {
     return rows;
 }
 
-std::size_t valuesOf(const std::optional<Mtx>& mtx) {
+std::size_t valuesOf(const std::unique_ptr<Mtx>& mtx) {
     std::size_t values = 0;
     if (!mtx) return values;
     for (const MtxRow& row : mtx->rows)

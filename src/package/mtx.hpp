@@ -8,7 +8,6 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <string_view>
 #include <variant>
@@ -81,7 +80,7 @@ struct Mtx {
     std::uint32_t order = 0; ///< number of pins when the matrix began
     bool bandwidth_given = false;
     std::uint32_t bandwidth = 0;
-    std::deque<MtxRow> rows; ///< in file order
+    std::vector<MtxRow> rows; ///< in file order
 
     std::uint64_t widest = 0;              ///< largest number of slots of any row
     bool in_order = true;                  ///< each row is that of the pin of its place

@@ -40,7 +40,7 @@ constexpr std::array<MarkRow, 4> kMarks{{
 /// A matrix: its keyword, where it is stored and what is reported of it.
 struct MatrixRow {
     KeywordCode code;
-    std::optional<Mtx> PkgMdl::*matrix;
+    std::unique_ptr<Mtx> PkgMdl::*matrix;
     std::string_view label;
     CheckedMessage<> duplicate;
     CheckedMessage<ArgKind::text> beside_sections;
@@ -63,7 +63,7 @@ void closeOpenMatrix(Diagnostics& diagnostics, PkgMdlState& state) {
 /// The matrix of a keyword, or null.
 Mtx* matrixOf(PkgMdl& package, KeywordCode code) {
     const MatrixRow* const row = rowOf(kMatrices, code, &MatrixRow::code);
-    return row == nullptr ? nullptr : &*(package.*(row->matrix));
+    return row == nullptr ? nullptr : (package.*(row->matrix)).get();
 }
 
 void nameKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
@@ -95,15 +95,15 @@ void markKeyword(Context& context, PkgMdlState& state, PkgMdl& /*package*/, cons
 
 void matrixKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
     const MatrixRow& row = *rowOf(kMatrices, line.key, &MatrixRow::code);
-    std::optional<Mtx>& matrix = package.*(row.matrix);
+    std::unique_ptr<Mtx>& matrix = package.*(row.matrix);
     if (matrix) {
-        state.row_matrix = &*matrix;
+        state.row_matrix = matrix.get();
         errorAtLine(context.diagnostics, row.duplicate); // the matrix being read, perhaps another, stays open
         return;
     }
     closeOpenMatrix(context.diagnostics, state);
-    matrix = createMtx(context.diagnostics, line.text, package.number_of_pins);
-    state.row_matrix = &*matrix;
+    matrix = std::make_unique<Mtx>(createMtx(context.diagnostics, line.text, package.number_of_pins));
+    state.row_matrix = matrix.get();
     state.open_matrix = state.row_matrix;
 }
 
@@ -181,7 +181,7 @@ void checkMatrixMark(Diagnostics& diagnostics, const PkgMdlState& state, bool se
 
 void checkMatrices(Diagnostics& diagnostics, const PkgMdlState& state, const PkgMdl& package) {
     for (const MatrixRow& row : kMatrices) {
-        const std::optional<Mtx>& matrix = package.*(row.matrix);
+        const std::unique_ptr<Mtx>& matrix = package.*(row.matrix);
         if (state.sections_declared) {
             if (matrix) error(diagnostics, row.beside_sections, package.name);
         } else if (matrix) {

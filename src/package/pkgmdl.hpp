@@ -5,7 +5,7 @@
 #include "reader/sections.hpp"
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,9 +20,9 @@ struct PkgMdl : RecordOf<SubjectKind::packageModel> {
     std::uint32_t number_of_sections = 0; ///< as stated; 0 until "[Number Of Sections]"
     PackagePins pin_names;                ///< those read, never more than number_of_pins, none empty
     std::vector<Chain> pin_sections;      ///< parallel to pin_names; empty while no sections are in use
-    std::optional<Mtx> resistance;
-    std::optional<Mtx> inductance;
-    std::optional<Mtx> capacitance;
+    std::unique_ptr<Mtx> resistance;
+    std::unique_ptr<Mtx> inductance;
+    std::unique_ptr<Mtx> capacitance;
     std::vector<std::uint32_t> odd_pins; ///< 0-based places, in order, of the pins that repeat another or are cut
 };
 

@@ -1,3 +1,4 @@
+#include "base/make_room.hpp"
 #include "base/text.hpp"
 #include "package/mtx.hpp"
 #include "package/token.hpp"
@@ -103,7 +104,7 @@ bool turnIntoWrap(Diagnostics& diagnostics, Mtx& mtx) {
 
 /// Looks for room for one more value in a row that has none; false when it was reported that there is no way to make
 /// some.
-bool makeRoom(Diagnostics& diagnostics, Mtx& mtx) {
+bool makeSlot(Diagnostics& diagnostics, Mtx& mtx) {
     if (mtx.kind == MtxKind::full) {
         errorAtLine(diagnostics, 3105);
         return false;
@@ -171,7 +172,7 @@ void readValues(Context& context, Mtx& mtx, std::string_view text) {
     for (std::string_view token = takeToken(text); !token.empty(); token = takeToken(text)) {
         double value = 0.0;
         if (!readValue(context.diagnostics, token, value)) return;
-        if (values.size() == row.column_count && !makeRoom(context.diagnostics, mtx)) return;
+        if (values.size() == row.column_count && !makeSlot(context.diagnostics, mtx)) return;
         context.rows.add(values, value);
         row.self_coupled = true;
     }
@@ -276,6 +277,10 @@ void readEntry(Context& context, Mtx& mtx, const PackagePins& pins, std::string_
 /// Adds a row, of the pin at the 1-based place `index` or, when 0, of a name that is no pin's.
 void addRow(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view name, std::uint32_t index,
             std::uint64_t columns) {
+    constexpr std::size_t kGrowth = 16; // in great steps: rows that move take their room twice for a while
+    if (mtx.rows.size() == mtx.rows.capacity()) {
+        makeRoom(mtx.rows, std::min(pins.size(), kGrowth * (mtx.rows.size() + 1)));
+    }
     MtxRow& row = mtx.rows.emplace_back();
     row.pin_name = index == 0 ? context.texts.add(name) : pins[index - 1];
     if (mtx.kind == MtxKind::sparse) row.given = MtxEntries{};
