@@ -34,10 +34,10 @@ public:
         const std::size_t last = rows.size() - 1;
         if (in_order_) {
             if (last == 0 || isBefore(nameOf(rows[last - 1]), nameOf(rows[last]))) return true;
-            in_order_ = false;
             for (std::size_t place = 0; place < last; ++place) {
                 enter(rows, place);
             }
+            in_order_ = false;
         }
         const bool is_new = enter(rows, last);
         any_repeated_ = any_repeated_ || !is_new;

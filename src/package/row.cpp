@@ -138,15 +138,8 @@ const char* endOfName(const char* at, const char* end, std::string_view name) {
 
 /// Reads the value that begins at `at` and returns where it ends; null for one that is not plain.
 const char* readPlainValue(const char* at, const char* end, double& value) {
-    at = readShortDecimal(at, end, value);
-    if (at == nullptr) return nullptr;
-    if (at != end && isAlpha(*at)) {
-        value *= scaleFactor(*at);
-        while (at != end && isAlpha(*at)) {
-            ++at;
-        }
-    }
-    return at == end || isBlank(*at) ? at : nullptr;
+    at = readPlainNumber(at, end, value);
+    return at == end || (at != nullptr && isBlank(*at)) ? at : nullptr;
 }
 
 /// Reads values as long as they are plain and have slots, which is nearly always. Returns what is left of the line.

@@ -77,20 +77,24 @@ inline constexpr std::array<double, 128> kScaleFactors = [] {
 }();
 [[nodiscard]] inline double scaleFactor(char letter) { return kScaleFactors[static_cast<std::size_t>(letter)]; }
 
-/// Reads the cell at the front of a text when it is a plain one: a number of the short way, with or without letters
-/// behind it, or "NA". Returns where it ends, or null for any other.
+/// Reads the scaled number at the front of a text when it is a plain one: a number of the short way, with or without
+/// letters behind it. Returns where it ends, or null for any other.
+[[nodiscard]] inline const char* readPlainNumber(const char* at, const char* end, double& value) {
+    at = readShortDecimal(at, end, value);
+    if (at == nullptr || at == end || !isAlpha(*at)) return at;
+    value *= scaleFactor(*at);
+    while (at != end && isAlpha(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+/// The same for a cell, which may also be "NA".
 [[nodiscard]] inline const char* readPlainCell(const char* at, const char* end, Cell& cell) {
     double value = 0.0;
-    if (const char* const number_end = readShortDecimal(at, end, value)) {
-        at = number_end;
-        if (at != end && isAlpha(*at)) {
-            value *= scaleFactor(*at);
-            while (at != end && isAlpha(*at)) {
-                ++at;
-            }
-        }
+    if (const char* const number_end = readPlainNumber(at, end, value)) {
         cell = Cell(value);
-        return at;
+        return number_end;
     }
     if (end - at < 2 || toUpper(at[0]) != 'N' || toUpper(at[1]) != 'A') return nullptr;
     cell = Cell::na();

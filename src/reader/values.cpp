@@ -83,6 +83,11 @@ ReadResult readDouble(std::string_view text, double& value) { return resultOf(sc
 
 ReadResult readScaled(std::string_view text, double& value) {
     double number = 0.0;
+    const char* const end = text.data() + text.size();
+    if (readPlainNumber(text.data(), end, number) == end && !text.empty()) {
+        value = number;
+        return ReadResult::number;
+    }
     const Scan scan = scanDecimal(text, number);
     if (scan.length != 0 && scan.length == text.size()) {
         value = number;

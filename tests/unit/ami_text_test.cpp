@@ -316,7 +316,7 @@ TEST(AmiComments, areCutOutsideOfStrings) {
         if (!text.empty() && text.back() != '\n') wanted.push_back('\n');
         TestRun test;
         test.run.sources.texts["p.ami"] = std::make_shared<const std::string>(text);
-        const std::optional<Source> source = openSource(test.run, "p.ami", FileKind::ami);
+        std::optional<Source> source = openSource(test.run, "p.ami", FileKind::ami);
         ASSERT_TRUE(source.has_value());
         EXPECT_EQ(collectAmi(test.run, *source), wanted) << text;
         EXPECT_EQ(!test.out.text().empty(), in_string) << text;
