@@ -1,7 +1,11 @@
 #include "base/output.hpp"
 
+#include "base/utf8.hpp"
+
 #include <array>
 #include <charconv>
+
+#include <unistd.h>
 
 namespace kestrel {
 
@@ -14,6 +18,18 @@ void appendReal(std::string& text, double value, std::chars_format format) {
 }
 
 } // namespace
+
+Output::Output(std::FILE* stream)
+    : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {}
+
+void Output::writeSpecial(std::string_view text) {
+    if (dropped_) return;
+    while (!text.empty()) {
+        const Character character = takeCharacter(text);
+        const bool harmless = !character.isControl() || character.bytes == "\n" || character.bytes == "\t";
+        writeControl(character.valid && harmless ? character.bytes : "?");
+    }
+}
 
 void Output::flush() {
     if (stream_ == nullptr) return;

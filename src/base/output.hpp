@@ -7,19 +7,30 @@
 
 namespace kestrel {
 
-/// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text.
+/// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text. To a
+/// terminal it writes no control characters but line feeds and TABs, and nothing that is not UTF-8: what is in a file
+/// cannot steer the terminal.
 class Output {
 public:
     /// Keeps everything that is written; text() returns it.
     Output() = default;
     /// Writes to `stream`, which stays open and belongs to the caller.
-    explicit Output(std::FILE* stream) : stream_(stream) {}
+    explicit Output(std::FILE* stream);
+    /// Drops everything.
+    [[nodiscard]] static Output nowhere() { return Output(Nowhere{}); }
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
     ~Output() { flush(); }
 
     /// Appends `text`.
     void write(std::string_view text) {
+        if (!plain_) return writeSpecial(text);
+        writeControl(text);
+    }
+
+    /// The same for a text of our own that may steer a terminal.
+    void writeControl(std::string_view text) {
+        if (dropped_) return;
         text_.append(text);
         if (stream_ != nullptr && text_.size() >= kFlushSize) flush();
     }
@@ -30,13 +41,23 @@ public:
     /// True when the stream did not take everything.
     [[nodiscard]] bool failed() const { return failed_; }
 
+    /// True when the stream leads to a terminal.
+    [[nodiscard]] bool isTerminal() const { return terminal_; }
+
     /// The text written so far; over a stream only what is still pending.
     [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
+    struct Nowhere {};
+    explicit Output(Nowhere /*unused*/) : plain_(false), dropped_(true) {}
+    void writeSpecial(std::string_view text);
+
     static constexpr std::size_t kFlushSize = 65536;
     std::FILE* stream_ = nullptr;
     bool failed_ = false;
+    bool terminal_ = false;
+    bool plain_ = true; ///< neither cleaned nor dropped
+    bool dropped_ = false;
     std::string text_;
 };
 

@@ -231,6 +231,7 @@ template <class Work> void withinMemory(Run& run, const Work& work) {
 std::optional<std::string> readAmi(Context& context, std::string_view name) {
     announce(context, name, kAmiVersion);
     const std::optional<Source> source = openSource(context, name, FileKind::ami);
+    if (source) nameFile(context.diagnostics, source->path);
     return source ? std::optional(collectAmi(context, *source)) : std::nullopt;
 }
 
@@ -256,18 +257,23 @@ void announce(Context& context, std::string_view name, std::string_view version)
 }
 
 bool parseFile(Run& run, std::string_view name, FileKind kind) {
-    // What the check of a record leads to is a file of its own.
-    const About about(run.diagnostics, nullptr);
     resetReader(run.parse, kind);
     std::uint32_t scanned = 0;
     const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));
+    if (!version && scanned == 0) { // not there, or empty: whoever named it is to blame
+        error(run.diagnostics, 900, name);
+        return false;
+    }
+    // What the check of a record leads to is a file of its own.
+    const About about(run.diagnostics, nullptr);
+    if (version) announce(run, name, *version);
+    const std::optional<Source> source = openSource(run, name, kind);
+    if (!source) return false;
+    nameFile(run.diagnostics, source->path);
     if (!version) {
         error(run.diagnostics, 900, name);
         return false;
     }
-    announce(run, name, *version);
-    const std::optional<Source> source = openSource(run, name, kind);
-    if (!source) return false;
     run.parse.file_name = source->bare_name;
     LineReader reader{.text = source->text};
     while (const std::optional<std::string_view> line = readLine(run, reader, kLineCapacity)) {
@@ -282,6 +288,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
 }
 
 bool checkFile(Run& run, std::string_view name, FileKind kind) {
+    nameFile(run.diagnostics, name);
     try {
         createRoot(run);
     } catch (const std::bad_alloc&) {
