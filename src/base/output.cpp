@@ -3,6 +3,7 @@
 #include "base/utf8.hpp"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 
 #include <unistd.h>
@@ -19,8 +20,7 @@ void appendReal(std::string& text, double value, std::chars_format format) {
 
 } // namespace
 
-Output::Output(std::FILE* stream)
-    : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {}
+Output::Output(std::FILE* stream) : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {}
 
 void Output::writeSpecial(std::string_view text) {
     if (dropped_) return;
@@ -33,8 +33,10 @@ void Output::writeSpecial(std::string_view text) {
 
 void Output::flush() {
     if (stream_ == nullptr) return;
-    if (std::fwrite(text_.data(), 1, text_.size(), stream_) != text_.size()) failed_ = true;
-    if (std::fflush(stream_) != 0) failed_ = true;
+    errno = 0;
+    const bool taken = std::fwrite(text_.data(), 1, text_.size(), stream_) == text_.size();
+    const bool flushed = std::fflush(stream_) == 0;
+    if ((!taken || !flushed) && error_ == 0) error_ = errno != 0 ? errno : EIO;
     text_.clear();
 }
 

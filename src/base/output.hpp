@@ -7,8 +7,8 @@
 
 namespace kestrel {
 
-/// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text. To a
-/// terminal it writes no control characters but line feeds and TABs, and nothing that is not UTF-8: what is in a file
+/// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text. To
+/// a terminal it writes no control characters but line feeds and TABs, and nothing that is not UTF-8: what is in a file
 /// cannot steer the terminal.
 class Output {
 public:
@@ -39,7 +39,10 @@ public:
     void flush();
 
     /// True when the stream did not take everything.
-    [[nodiscard]] bool failed() const { return failed_; }
+    [[nodiscard]] bool failed() const { return error_ != 0; }
+
+    /// The system's number of what went wrong first, 0 when all is well.
+    [[nodiscard]] int error() const { return error_; }
 
     /// True when the stream leads to a terminal.
     [[nodiscard]] bool isTerminal() const { return terminal_; }
@@ -54,7 +57,7 @@ private:
 
     static constexpr std::size_t kFlushSize = 65536;
     std::FILE* stream_ = nullptr;
-    bool failed_ = false;
+    int error_ = 0;
     bool terminal_ = false;
     bool plain_ = true; ///< neither cleaned nor dropped
     bool dropped_ = false;

@@ -91,9 +91,9 @@ struct Diagnostics : FindingCounts {
 
 /// How findings are printed.
 enum class TextForm : std::uint8_t {
-    words,       ///< the class's word
+    words,        ///< the class's word
     coloredWords, ///< the same, in the class's color
-    codes        ///< the message's number in place of the word
+    codes         ///< the message's number in place of the word
 };
 
 /// Prints a finding in the form that people read.

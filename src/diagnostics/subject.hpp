@@ -26,8 +26,8 @@ enum class SubjectKind : std::uint8_t {
 /// What every record of a file begins with: enough to say what a diagnostic is about.
 struct Subject {
     SubjectKind kind;
-    std::uint32_t line = 0; ///< at which the record began
-    std::string name;       ///< as the record keeps it; empty when the file gives none
+    std::uint32_t line = 0;            ///< at which the record began
+    std::string name;                  ///< as the record keeps it; empty when the file gives none
     const std::string* file = nullptr; ///< the path of the file that it is in, kept by the diagnostics of the run
 };
 

@@ -123,7 +123,8 @@ void reportRecursion(Diagnostics& diagnostics, const Ibis& caller, std::string_v
 
 /// A root of its own for a nested parse; the root and the reader's state before it come back with its end.
 struct NestedRoot {
-    explicit NestedRoot(Run& the_run) : run(the_run), kept(the_run.parse), other(the_run.diagnostics), root(createRoot(the_run)) {
+    explicit NestedRoot(Run& the_run)
+        : run(the_run), kept(the_run.parse), other(the_run.diagnostics), root(createRoot(the_run)) {
         // A run of its own: until its "[IBIS Ver]" the file is held to the oldest rules.
         run.parse.version = IbisVersion::none;
     }
