@@ -115,9 +115,9 @@ private:
         text_.clear();
         if (finding.code) text_.append(CodeText(finding.code).text());
         if (finding.subject != nullptr) {
-            if (!text_.empty()) text_.append(", ");
-            text_.append(subjectKindName(finding.subject->kind));
+            text_.append(text_.empty() ? "" : " ").append("(").append(subjectKindName(finding.subject->kind));
             if (!finding.subject->name.empty()) text_.append(" ").append(finding.subject->name);
+            text_.append(")");
         }
         if (text_.empty()) return;
         out_.write(",title=");

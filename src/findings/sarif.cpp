@@ -135,7 +135,7 @@ private:
             JsonObject region(place, "region");
             region.number("startLine", finding.line);
         }
-        if (finding.subject == nullptr) return;
+        if (finding.subject == nullptr || finding.subject->name.empty()) return;
         JsonArray subjects(location, "logicalLocations");
         JsonObject subject(subjects);
         subject.text("name", finding.subject->name);

@@ -106,7 +106,8 @@ VerimarkStatus checkOne(const Outputs& outputs, std::string_view name) {
     report.fileBegins({.path = name, .kind = extensionOf(kind).substr(1)});
     const FileOutcome outcome = checkInRun(run, name, kind);
     if (!outcome.read && outputs.empty_is_found && report.foundNothing())
-        errorText(run.diagnostics, "The file is empty, or its name too long.");
+        name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
+                               : errorText(run.diagnostics, "The name of the file is too long.");
     if (report.known != nullptr) {
         for (const std::string& file : run.diagnostics.files)
             report.known->checked(file);
@@ -199,7 +200,8 @@ void tellOfBaseline(Output& out, Output& errors, const Baseline& baseline, std::
 }
 
 /// Checks the files of the options, one after the other; nothing when it did not come to that.
-std::optional<VerimarkStatus> checkFiles(Output& out, Output& errors, const VerimarkOptions& options, FormatSettings settings) {
+std::optional<VerimarkStatus> checkFiles(Output& out, Output& errors, const VerimarkOptions& options,
+                                         FormatSettings settings) {
     const Trouble trouble(out, errors);
     Baseline known;
     BaselineWriter written;

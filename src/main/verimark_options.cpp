@@ -162,7 +162,7 @@ Problem applyValue(Walk& walk, const OptionRow& row, std::string_view value) {
             text += suggestion(near);
         } else {
             text += "; choose from";
-            for (const std::string_view choice : row.choices)
+            for (const std::string_view& choice : row.choices)
                 text.append(&choice == row.choices.data() ? " " : ", ").append(choice);
         }
         return WrongCall{shown, text};

@@ -165,7 +165,7 @@ TEST(Silence, holdsBackItsClassAlone) {
         expected += (mask & 4U) != 0 ? "" : kWarnings;
         expected += kNotes;
         EXPECT_EQ(test.out.text(), expected);
-        const DiagnosticCounts counts = diagnosticCounts(test.diagnostics);
+        const FindingCounts counts = diagnosticCounts(test.diagnostics);
         EXPECT_EQ(counts.bugs, (mask & 1U) != 0 ? 0 : 4);
         EXPECT_EQ(counts.errors, (mask & 2U) != 0 ? 0 : 4);
         EXPECT_EQ(counts.warnings, (mask & 4U) != 0 ? 0 : 4);
@@ -280,13 +280,15 @@ TEST(Places, aFindingKnowsItsRecord) {
     Reporting test;
     Diagnostics& d = test.diagnostics;
     std::string found;
-    d.on_finding = [&found](const Finding& finding) {
+    d.sink = [&found](const Finding& finding) {
         found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
-        found.append(std::to_string(finding.line)).append(" ");
+        found.append(std::to_string(finding.line)).append(" in ").append(finding.file).append(" ");
         found.append(finding.subject != nullptr ? finding.subject->name : "nothing").append("\n");
     };
-    const Subject model{SubjectKind::model, 4, "buf"};
-    const Subject component{SubjectKind::component, 2, "chip"};
+    const std::string pkg = "far.pkg";
+    const Subject model{SubjectKind::model, 4, "buf", &pkg};
+    const Subject component{SubjectKind::component, 2, "chip", nullptr};
+    nameFile(d, "chip.ibs");
     error(d, 903);
     {
         const About about(d, component);
@@ -298,8 +300,23 @@ TEST(Places, aFindingKnowsItsRecord) {
         }
         error(d, 903);
     }
-    error(d, 903);
-    EXPECT_EQ(found, "903 about 0 nothing\n905 at 12 chip\nfree about 4 buf\n903 about 2 chip\n903 about 0 nothing\n");
+    {
+        const OtherFile other(d);
+        nameFile(d, "pins.pkg");
+        error(d, 903);
+    }
+    test.line = 0;
+    errorAtLine(d, 905, 80);
+    EXPECT_EQ(found,
+              "903 about 1 in chip.ibs nothing\n"
+              "905 at 12 in chip.ibs chip\n"
+              "free about 4 in far.pkg buf\n"
+              "903 about 2 in chip.ibs chip\n"
+              "903 about 1 in pins.pkg nothing\n"
+              "905 at 1 in chip.ibs nothing\n");
+    EXPECT_EQ(test.out.text(), "");
+    EXPECT_EQ(d.errors, 5);
+    EXPECT_EQ(d.warnings, 1);
 }
 
 TEST(Summary, countsBeyond32Bits) {
