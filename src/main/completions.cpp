@@ -37,11 +37,11 @@ std::string bashCompletions() {
         if (row.value.empty()) return;
         values.append("    ").append(spellings(row, "|")).append(")");
         if (!row.choices.empty()) {
-            values.append(" COMPREPLY=($(compgen -W '").append(joined(row.choices)).append("' -- \"$cur\"))");
+            values.append(" COMPREPLY=($(compgen -W '").append(joined(row.choices)).append("' -- \"$cur\"));");
         } else if (row.value == kFileValue) {
-            values.append(" compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- \"$cur\")");
+            values.append(" compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- \"$cur\");");
         }
-        values.append("; return ;;\n");
+        values.append(" return ;;\n");
         if (row.letter == 0 || row.choices.empty()) return;
         const std::string option{'-', row.letter};
         attached.append("    ").append(option).append("?*) COMPREPLY=($(compgen -P ").append(option);
