@@ -2,11 +2,17 @@
 
 #include "diagnostics/diagnostics.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string>
 #include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -345,6 +351,31 @@ TEST(OutputToAStream, passesEverythingOnInOrder) {
     written.resize(std::fread(written.data(), 1, written.size(), stream));
     std::fclose(stream);
     EXPECT_TRUE(written == expected) << written.size();
+}
+
+TEST(OutputToATerminal, isNotSteeredByTexts) {
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_NE(controller, -1);
+    ASSERT_EQ(grantpt(controller), 0);
+    ASSERT_EQ(unlockpt(controller), 0);
+    std::FILE* const stream = std::fopen(ptsname(controller), "w");
+    ASSERT_NE(stream, nullptr);
+    {
+        Output out(stream);
+        EXPECT_TRUE(out.isTerminal());
+        // An escape sequence, one that begins with U+009B, a lone byte of it, DEL, what is not UTF-8, and what is.
+        out.write("a\x1b[2J\tb\u009b2J\x9b\x7f\xff\u00e9\r\n");
+        out.writeControl("\x1b[0m");
+    }
+    std::array<char, 256> seen{};
+    const ssize_t length = read(controller, seen.data(), seen.size());
+    // The terminal itself puts a carriage return ahead of a line feed and expands TABs or leaves them.
+    std::string text(seen.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    std::fclose(stream);
+    close(controller);
+    if (const std::size_t tab = text.find('\t'); tab != std::string::npos) text.erase(tab, 1);
+    std::erase(text, ' ');
+    EXPECT_EQ(text, "a?[2Jb?2J???\u00e9?\r\n\x1b[0m");
 }
 
 } // namespace
