@@ -24,15 +24,16 @@ public:
 
     /// Appends `text`.
     void write(std::string_view text) {
-        if (!plain_) return writeSpecial(text);
-        writeControl(text);
+        if (plain_) {
+            append(text);
+        } else {
+            writeSpecial(text);
+        }
     }
 
     /// The same for a text of our own that may steer a terminal.
     void writeControl(std::string_view text) {
-        if (dropped_) return;
-        text_.append(text);
-        if (stream_ != nullptr && text_.size() >= kFlushSize) flush();
+        if (!dropped_) append(text);
     }
 
     /// Hands what is pending to the stream; nothing happens without one.
@@ -54,6 +55,10 @@ private:
     struct Nowhere {};
     explicit Output(Nowhere /*unused*/) : plain_(false), dropped_(true) {}
     void writeSpecial(std::string_view text);
+    void append(std::string_view text) {
+        text_.append(text);
+        if (stream_ != nullptr && text_.size() >= kFlushSize) flush();
+    }
 
     static constexpr std::size_t kFlushSize = 65536;
     std::FILE* stream_ = nullptr;

@@ -83,27 +83,49 @@ void format(std::string& text, std::string_view format, std::span<const Arg> arg
     if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
 }
 
-/// Writes what is ahead of a message: its class, or its number in the coded form, and the line.
-void printHead(Output& out, const SeverityForm& form, const Finding& finding, TextForm text_form) {
-    std::string number;
+/// What is ahead of a message, of bounded length and so without a text of its own.
+class Head {
+public:
+    void add(std::string_view text) {
+        std::ranges::copy(text, text_.begin() + length_);
+        length_ += static_cast<std::ptrdiff_t>(text.size());
+    }
+    /// A number, right-aligned in `width` columns that are filled with `filler`.
+    void addNumber(std::uint32_t number, std::ptrdiff_t width, char filler) {
+        std::array<char, 12> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+        for (std::ptrdiff_t left = width - (end.ptr - digits.data()); left > 0; --left)
+            text_[static_cast<std::size_t>(length_++)] = filler;
+        add({digits.data(), end.ptr});
+    }
+    /// Writes what was added and begins afresh.
+    void write(Output& out) {
+        out.write({text_.data(), static_cast<std::size_t>(length_)});
+        length_ = 0;
+    }
+
+private:
+    std::array<char, 64> text_;
+    std::ptrdiff_t length_ = 0;
+};
+
+/// Adds the class of a finding, or its number in the coded form, and the line.
+void addHead(Output& out, Head& head, const SeverityForm& form, const Finding& finding, TextForm text_form) {
+    constexpr std::ptrdiff_t kWidth = 4;
     if (text_form == TextForm::codes && finding.code) {
-        appendInteger(number, *finding.code);
-        number.insert(0, number.size() < 4 ? 4 - number.size() : 0, '0');
-        number.insert(0, 1, form.letter);
-        out.write(number);
+        head.add({&form.letter, 1});
+        head.addNumber(*finding.code, kWidth, '0');
     } else if (text_form == TextForm::coloredWords) {
         out.writeControl(colorOf(form.level));
         out.write(form.word);
         out.writeControl(kColorOff);
     } else {
-        out.write(form.word);
+        head.add(form.word);
     }
     if (!form.with_line) return;
-    number.clear();
-    appendInteger(number, finding.shown_line, 4);
-    out.write(" (line ");
-    out.write(number);
-    out.write(")");
+    head.add(" (line ");
+    head.addNumber(finding.shown_line, kWidth, ' ');
+    head.add(")");
 }
 
 /// The file of a finding: that of its subject, which may have been read from another than the present one.
@@ -179,10 +201,12 @@ void FindingCounts::add(const FindingCounts& others) {
 
 void printFinding(Output& out, const Finding& finding, TextForm text_form) {
     const SeverityForm& form = formOf(finding.severity);
-    printHead(out, form, finding, text_form);
+    Head head;
+    addHead(out, head, form, finding, text_form);
     const std::size_t length = finding.text.size();
     const bool own_line = form.wrap_from != 0 && length >= form.wrap_from && length <= kWrapTo;
-    out.write(own_line ? " -\n    " : " - ");
+    head.add(own_line ? " -\n    " : " - ");
+    head.write(out);
     out.write(finding.text);
     out.write("\n");
 }

@@ -32,7 +32,7 @@ std::optional<MessageCode> messageCode(std::string_view text) {
 } // namespace
 
 bool Ignored::has(const Finding& finding) const {
-    if (!finding.code) return false;
+    if (!any || !finding.code) return false;
     return codes.contains(*finding.code) ||
            of_level[static_cast<std::size_t>(levelOf(finding.severity))].contains(*finding.code);
 }
@@ -44,6 +44,7 @@ std::optional<std::string> ignore(Ignored& ignored, std::string_view list) {
         const std::optional<MessageCode> code = messageCode(level ? word.substr(1) : word);
         if (!code) return std::string(word);
         (level ? ignored.of_level[static_cast<std::size_t>(*level)] : ignored.codes).insert(*code);
+        ignored.any = true;
         if (word.size() == list.size()) return std::nullopt;
         list.remove_prefix(word.size() + 1);
     }

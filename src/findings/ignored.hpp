@@ -12,6 +12,7 @@ namespace kestrel {
 
 /// The messages that a user wants left out.
 struct Ignored {
+    bool any = false;                                      ///< there are some
     std::set<MessageCode> codes;                           ///< of any class
     std::array<std::set<MessageCode>, kLevels> of_level{}; ///< of one class only
 

@@ -2,9 +2,12 @@
 #include "findings/format.hpp"
 #include "findings/json.hpp"
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <set>
 #include <string>
+#include <unordered_map>
 
 namespace kestrel {
 
@@ -60,9 +63,11 @@ public:
             addByte(static_cast<unsigned char>(c));
         addByte(0); // parts it from the next
     }
+    [[nodiscard]] std::uint64_t value() const { return value_; }
     [[nodiscard]] std::string hexadecimal() const {
         constexpr std::string_view kDigits = "0123456789abcdef";
         std::string text;
+        text.reserve(28);
         for (unsigned shift = 64; shift > 0; shift -= 4)
             text.push_back(kDigits[(value_ >> (shift - 4)) & 15U]);
         return text;
@@ -75,6 +80,19 @@ private:
     }
 
     std::uint64_t value_ = 0xcbf29ce484222325;
+};
+
+/// A number that comes from a file's texts is hashed as they are, with a seed.
+class NumberHash {
+public:
+    std::size_t operator()(std::uint64_t number) const {
+        std::array<char, sizeof number> bytes{};
+        std::memcpy(bytes.data(), &number, sizeof number);
+        return hash_({bytes.data(), bytes.size()});
+    }
+
+private:
+    TextHash hash_;
 };
 
 /// One run with the results of all files, in the form 2.1.0.
@@ -153,9 +171,9 @@ private:
             fingerprint.add(finding.subject->name);
         }
         std::string text = fingerprint.hexadecimal();
-        const std::int64_t earlier = seen_[text]++;
+        const std::uint32_t earlier = seen_[fingerprint.value()]++;
         text.push_back(':');
-        appendInteger(text, earlier + 1);
+        appendInteger(text, std::int64_t{earlier} + 1);
         return text;
     }
 
@@ -172,7 +190,8 @@ private:
     JsonText text_;
     FormatSettings settings_;
     std::set<std::optional<MessageCode>> codes_; // at most those of the catalog
-    TextMap<std::int64_t> seen_;                 // fingerprints of the present file and how often each came
+    // Fingerprints of the present file and how often each came.
+    std::unordered_map<std::uint64_t, std::uint32_t, NumberHash> seen_;
     // Each within the one above, and gone before it.
     std::optional<JsonObject> whole_;
     std::optional<JsonArray> runs_;
