@@ -38,8 +38,8 @@ const std::map<std::string, Names>& allowed() {
         {"package", kReading},
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
-        {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                           "findings"})},
+        {"main",
+         kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis", "findings"})},
     };
     return kAllowed;
 }
