@@ -15,8 +15,8 @@ struct FreeMemory {
 };
 using Memory = std::unique_ptr<std::byte[], FreeMemory>;
 
-/// Memory for a store that grows with the input, not initialized, in large pages if it is large. `size` is rounded up to
-/// what the system hands out.
+/// Memory for a store that grows with the input, not initialized, in large pages if it is large. `size` is rounded up
+/// to what the system hands out.
 [[nodiscard]] Memory allocateLarge(std::size_t& size);
 
 } // namespace kestrel

@@ -1,9 +1,13 @@
 #include "base/output.hpp"
 
 #include "base/general_form.hpp"
+#include "base/utf8.hpp"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
+
+#include <unistd.h>
 
 namespace kestrel {
 
@@ -17,10 +21,23 @@ void appendReal(std::string& text, double value, std::chars_format format) {
 
 } // namespace
 
+Output::Output(std::FILE* stream) : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {}
+
+void Output::writeSpecial(std::string_view text) {
+    if (dropped_) return;
+    while (!text.empty()) {
+        const Character character = takeCharacter(text);
+        const bool harmless = !character.isControl() || character.bytes == "\n" || character.bytes == "\t";
+        writeControl(character.valid && harmless ? character.bytes : "?");
+    }
+}
+
 void Output::flush() {
     if (stream_ == nullptr) return;
-    if (std::fwrite(text_.data(), 1, text_.size(), stream_) != text_.size()) failed_ = true;
-    if (std::fflush(stream_) != 0) failed_ = true;
+    errno = 0;
+    const bool taken = std::fwrite(text_.data(), 1, text_.size(), stream_) == text_.size();
+    const bool flushed = std::fflush(stream_) == 0;
+    if ((!taken || !flushed) && error_ == 0) error_ = errno != 0 ? errno : EIO;
     text_.clear();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/output.hpp"
+#include "base/text_hash.hpp"
 #include "diagnostics/message.hpp"
 #include "diagnostics/subject.hpp"
 
@@ -31,29 +32,54 @@ enum class Severity : std::uint8_t {
     internalError
 };
 
+/// The class of a diagnostic, whether or not it names a line. Advice and cautions are never held against a file.
+enum class Level : std::uint8_t { bug, error, warning, note, advice, caution };
+inline constexpr std::size_t kLevels = 6;
+
+[[nodiscard]] Level levelOf(Severity severity);
+
+/// The name of a class in machine-readable forms, such as "error".
+[[nodiscard]] std::string_view levelName(Level level);
+
 /// One diagnostic as it was reported. Its texts and its subject live no longer than the call that gets it.
 struct Finding {
     Severity severity;
     std::optional<MessageCode> code; ///< none for a text that is not in the catalog
-    std::uint32_t line;     ///< the line that it names; else the one at which its subject began, or 0 without a subject
-    bool exact;             ///< it names the line itself
-    const Subject* subject; ///< the record that it is about, null when it is about none
+    std::string_view file;           ///< the path of the file where its line is; empty while none is read
+    std::uint32_t line;              ///< the line that it names, else the one where its subject began; 1 without either
+    std::uint32_t shown_line;        ///< what the text form shows of an exact line: 0 ahead of the first
+    bool exact;                      ///< it names the line itself
+    const Subject* subject;          ///< the record that it is about, null when it is about none
     std::string_view text;
 };
 
-/// The reporting state of one run: what was printed by class, what is silenced, and where it is printed.
-struct Diagnostics {
-    /// Prints to `output`; diagnostics at a line show `*line_counter`, the reader's count of lines.
-    Diagnostics(Output& output, const std::uint32_t& line_counter) : out(&output), line(&line_counter) {}
-
-    Output* out;
-    const std::uint32_t* line;                      ///< of the diagnostics at a line; AtLine sets another
-    const Subject* subject = nullptr;               ///< the record being read or checked; About sets it
-    std::function<void(const Finding&)> on_finding; ///< called with every diagnostic that is printed
+/// Findings by class.
+struct FindingCounts {
     std::int64_t bugs = 0;
     std::int64_t errors = 0;
     std::int64_t warnings = 0;
     std::int64_t cautions = 0;
+    std::int64_t notes = 0;
+    std::int64_t advice = 0;
+
+    /// Counts one finding of the class.
+    void add(Level level);
+    /// Adds the counts of other findings.
+    void add(const FindingCounts& others);
+};
+
+/// The reporting state of one run: what was found by class, what is silenced, and who gets it.
+struct Diagnostics : FindingCounts {
+    /// Prints to `output`; diagnostics at a line show `*line_counter`, the reader's count of lines.
+    Diagnostics(Output& output, const std::uint32_t& line_counter) : out(&output), line(&line_counter) {}
+
+    Output* out;
+    const std::uint32_t* line;         ///< of the diagnostics at a line; AtLine sets another
+    const Subject* subject = nullptr;  ///< the record being read or checked; About sets it
+    const std::string* file = nullptr; ///< the path of the file being read or checked; nameFile sets it
+    TextSet files;                     ///< the paths of all of them; records refer to these texts
+    /// Gets every diagnostic that is not silenced. Without one they are printed to `out` in the text form.
+    std::function<void(const Finding&)> sink;
     bool silence_bugs = false;
     bool silence_errors = false;
     bool silence_warnings = false;
@@ -63,10 +89,24 @@ struct Diagnostics {
     std::string text;             ///< the message being formatted; kept for its room
 };
 
-/// Formats and prints row `row` of the catalog, unless its class is silenced, and counts it.
+/// How findings are printed.
+enum class TextForm : std::uint8_t {
+    words,        ///< the class's word
+    coloredWords, ///< the same, in the class's color
+    codes         ///< the message's number in place of the word
+};
+
+/// Prints a finding in the form that people read.
+void printFinding(Output& out, const Finding& finding, TextForm form = TextForm::words);
+
+/// What turns the color of a class on in a terminal, and what turns it off again.
+[[nodiscard]] std::string_view colorOf(Level level);
+inline constexpr std::string_view kColorOff = "\x1b[0m";
+
+/// Formats row `row` of the catalog, counts it and hands it on, unless its class is silenced.
 void reportRow(Diagnostics& diagnostics, Severity severity, std::size_t row, std::span<const Arg> args);
 
-/// Prints and counts a text that is not in the catalog, always in the word form.
+/// The same for a text that is not in the catalog; it is never printed in the coded form.
 void reportText(Diagnostics& diagnostics, Severity severity, std::string_view text, std::span<const Arg> args);
 
 /// Reports a message whose code is only known at run time; a code that is not in the catalog is an internal error,
@@ -133,16 +173,11 @@ inline constexpr TextReporter<Severity::cautionAtLine> cautionTextAtLine;
 inline constexpr TextReporter<Severity::note> noteText;
 inline constexpr TextReporter<Severity::noteAtLine> noteTextAtLine;
 
-/// Bugs, errors and warnings printed so far.
-struct DiagnosticCounts {
-    std::int64_t bugs;
-    std::int64_t errors;
-    std::int64_t warnings;
-};
-[[nodiscard]] DiagnosticCounts diagnosticCounts(const Diagnostics& diagnostics);
+/// What was reported so far.
+[[nodiscard]] FindingCounts diagnosticCounts(const Diagnostics& diagnostics);
 
 /// Bugs plus errors: not zero means that the file fails.
-[[nodiscard]] std::int64_t failureCount(const Diagnostics& diagnostics);
+[[nodiscard]] std::int64_t failureCount(const FindingCounts& counts);
 
 /// Sets the counts of bugs, warnings and errors to 0 and drops the context text; the count of cautions stays.
 void resetCounts(Diagnostics& diagnostics);
@@ -204,7 +239,24 @@ private:
     const Subject* before_;
 };
 
+/// The files that are read while it lasts are others: the one before is named again at its end.
+class OtherFile {
+public:
+    explicit OtherFile(Diagnostics& diagnostics) : diagnostics_(diagnostics), before_(diagnostics.file) {}
+    OtherFile(const OtherFile&) = delete;
+    OtherFile& operator=(const OtherFile&) = delete;
+    ~OtherFile() { diagnostics_.file = before_; }
+
+private:
+    Diagnostics& diagnostics_;
+    const std::string* before_;
+};
+
+/// From here on, what is found and what is read is in this file.
+void nameFile(Diagnostics& diagnostics, std::string_view path);
+
 /// Prints the counts by class and "File Passed" or "File Failed".
+void printSummary(Output& out, const FindingCounts& counts, bool failed);
 void printSummary(Diagnostics& diagnostics);
 
 /// Prints "file:line:assertion failed.", flushes and aborts the process.

@@ -25,6 +25,7 @@ bool wasFound(const AmiFiles& files, const std::filesystem::path& path) {
 void checkAmiFile(Context& context, AmiFiles& files, const Mdl& model, const std::string& name) {
     constexpr std::string_view kSeparators = "/\\";
     const KeptParse kept(context.parse);
+    const OtherFile other(context.diagnostics);
     const bool is_absolute = kSeparators.find(name.front()) != std::string_view::npos;
     const std::string path = is_absolute ? name : context.parse.directory + name;
     if (wasFound(files, path)) return;
@@ -41,6 +42,7 @@ void checkAmiFile(Context& context, AmiFiles& files, const Mdl& model, const std
     const bool is_new = files.paths.insert(normal(source->path)).second;
     files.paths.insert(normal(path));
     if (!is_new) return;
+    nameFile(context.diagnostics, source->path);
     announce(context, opened, kAmiVersion);
     checkAmi(context, collectAmi(context, *source));
 }

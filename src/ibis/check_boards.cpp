@@ -123,7 +123,8 @@ void reportRecursion(Diagnostics& diagnostics, const Ibis& caller, std::string_v
 
 /// A root of its own for a nested parse; the root and the reader's state before it come back with its end.
 struct NestedRoot {
-    explicit NestedRoot(Run& the_run) : run(the_run), kept(the_run.parse), root(createRoot(the_run)) {
+    explicit NestedRoot(Run& the_run)
+        : run(the_run), kept(the_run.parse), other(the_run.diagnostics), root(createRoot(the_run)) {
         // A run of its own: until its "[IBIS Ver]" the file is held to the oldest rules.
         run.parse.version = IbisVersion::none;
     }
@@ -133,13 +134,18 @@ struct NestedRoot {
 
     Run& run;
     KeptParse kept;
+    OtherFile other;
     Ibis& root;
 };
 
-FollowedFile readFile(Run& run, std::string_view name, FileKind kind) {
+/// Reads a file that a board leads to.
+FollowedFile readFile(Run& run, const EbdMdl& board, std::string_view name, FileKind kind) {
     const NestedRoot nested(run);
     FollowedFile file;
-    file.is_read = parseFile(run, name, kind);
+    {
+        const About about(run.diagnostics, board); // one that does not open is the board's fault
+        file.is_read = parseFile(run, name, kind);
+    }
     if (!file.is_read) return file;
     file.version = run.parse.version;
     if (kind == FileKind::ibs) {
@@ -171,7 +177,7 @@ void checkOtherFile(Run& run, const Ibis& root, const EbdMdl& board, const FileR
     const auto [at, is_new] = followed.try_emplace(file.key);
     FollowedFile& target = at->second;
     if (is_new) {
-        target = readFile(run, file.name, file.kind);
+        target = readFile(run, board, file.name, file.kind);
         reportRecursion(run.diagnostics, root, run.parse.file_name, target, file.name);
     }
     if (!target.is_read) return;

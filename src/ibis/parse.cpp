@@ -232,6 +232,7 @@ template <class Work> void withinMemory(Run& run, const Work& work) {
 std::optional<std::string> readAmi(Context& context, std::string_view name) {
     announce(context, name, kAmiVersion);
     std::optional<Source> source = openSource(context, name, FileKind::ami);
+    if (source) nameFile(context.diagnostics, source->path);
     return source ? std::optional(collectAmi(context, *source)) : std::nullopt;
 }
 
@@ -257,18 +258,23 @@ void announce(Context& context, std::string_view name, std::string_view version)
 }
 
 bool parseFile(Run& run, std::string_view name, FileKind kind) {
-    // What the check of a record leads to is a file of its own.
-    const About about(run.diagnostics, nullptr);
     resetReader(run.parse, kind);
     std::uint32_t scanned = 0;
     const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));
+    if (!version && scanned == 0) { // not there, or empty: whoever named it is to blame
+        error(run.diagnostics, 900, name);
+        return false;
+    }
+    // What the check of a record leads to is a file of its own.
+    const About about(run.diagnostics, nullptr);
+    if (version) announce(run, name, *version);
+    std::optional<Source> source = openSource(run, name, kind);
+    if (!source) return false;
+    nameFile(run.diagnostics, source->path);
     if (!version) {
         error(run.diagnostics, 900, name);
         return false;
     }
-    announce(run, name, *version);
-    std::optional<Source> source = openSource(run, name, kind);
-    if (!source) return false;
     run.parse.file_name = source->bare_name;
     LineReader reader(std::move(source->bytes));
     while (const std::optional<SourceLine> line = reader.next(run, kLineCapacity)) {
@@ -284,6 +290,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
 }
 
 bool checkFile(Run& run, std::string_view name, FileKind kind) {
+    nameFile(run.diagnostics, name);
     try {
         createRoot(run);
     } catch (const std::bad_alloc&) {

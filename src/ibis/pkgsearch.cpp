@@ -133,6 +133,7 @@ bool readMatchingFiles(Run& run, std::string_view wanted) {
     }
     for (const std::uint32_t file : matching) {
         const KeptParse kept(run.parse);
+        const OtherFile other(run.diagnostics);
         parseFile(run, directory.files[file], FileKind::pkg);
     }
     return !matching.empty();

@@ -13,7 +13,7 @@ struct Run;
 enum class VersionSearch : std::uint8_t {
     found,
     nothingRead, ///< the file could not be opened, which was reported, or holds nothing
-    refused      ///< the file names no version, or none that is valid for its kind; an uncounted error line reports it
+    refused      ///< the file names no version, or none that is valid for its kind, which was reported
 };
 
 /// Finds out which version an .ibs, .pkg or .ebd file claims, ahead of its check, and keeps it in the reader's state.

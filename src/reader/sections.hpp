@@ -158,6 +158,7 @@ template <class State> void openRecord(const Context& context, State& state, Obj
     state.list = &list;
     state.current = &list.add(std::make_unique<typename State::Record>());
     state.current->line = context.parse.line;
+    state.current->file = context.diagnostics.file;
 }
 
 /// Closes the section that waits for its end, unless the keyword belongs to it.

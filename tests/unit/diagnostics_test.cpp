@@ -2,11 +2,17 @@
 
 #include "diagnostics/diagnostics.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string>
 #include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -165,7 +171,7 @@ TEST(Silence, holdsBackItsClassAlone) {
         expected += (mask & 4U) != 0 ? "" : kWarnings;
         expected += kNotes;
         EXPECT_EQ(test.out.text(), expected);
-        const DiagnosticCounts counts = diagnosticCounts(test.diagnostics);
+        const FindingCounts counts = diagnosticCounts(test.diagnostics);
         EXPECT_EQ(counts.bugs, (mask & 1U) != 0 ? 0 : 4);
         EXPECT_EQ(counts.errors, (mask & 2U) != 0 ? 0 : 4);
         EXPECT_EQ(counts.warnings, (mask & 4U) != 0 ? 0 : 4);
@@ -280,13 +286,15 @@ TEST(Places, aFindingKnowsItsRecord) {
     Reporting test;
     Diagnostics& d = test.diagnostics;
     std::string found;
-    d.on_finding = [&found](const Finding& finding) {
+    d.sink = [&found](const Finding& finding) {
         found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
-        found.append(std::to_string(finding.line)).append(" ");
+        found.append(std::to_string(finding.line)).append(" in ").append(finding.file).append(" ");
         found.append(finding.subject != nullptr ? finding.subject->name : "nothing").append("\n");
     };
-    const Subject model{SubjectKind::model, 4, "buf"};
-    const Subject component{SubjectKind::component, 2, "chip"};
+    const std::string pkg = "far.pkg";
+    const Subject model{SubjectKind::model, 4, "buf", &pkg};
+    const Subject component{SubjectKind::component, 2, "chip", nullptr};
+    nameFile(d, "chip.ibs");
     error(d, 903);
     {
         const About about(d, component);
@@ -298,8 +306,23 @@ TEST(Places, aFindingKnowsItsRecord) {
         }
         error(d, 903);
     }
-    error(d, 903);
-    EXPECT_EQ(found, "903 about 0 nothing\n905 at 12 chip\nfree about 4 buf\n903 about 2 chip\n903 about 0 nothing\n");
+    {
+        const OtherFile other(d);
+        nameFile(d, "pins.pkg");
+        error(d, 903);
+    }
+    test.line = 0;
+    errorAtLine(d, 905, 80);
+    EXPECT_EQ(found,
+              "903 about 1 in chip.ibs nothing\n"
+              "905 at 12 in chip.ibs chip\n"
+              "free about 4 in far.pkg buf\n"
+              "903 about 2 in chip.ibs chip\n"
+              "903 about 1 in pins.pkg nothing\n"
+              "905 at 1 in chip.ibs nothing\n");
+    EXPECT_EQ(test.out.text(), "");
+    EXPECT_EQ(d.errors, 5);
+    EXPECT_EQ(d.warnings, 1);
 }
 
 TEST(Summary, countsBeyond32Bits) {
@@ -328,6 +351,31 @@ TEST(OutputToAStream, passesEverythingOnInOrder) {
     written.resize(std::fread(written.data(), 1, written.size(), stream));
     std::fclose(stream);
     EXPECT_TRUE(written == expected) << written.size();
+}
+
+TEST(OutputToATerminal, isNotSteeredByTexts) {
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_NE(controller, -1);
+    ASSERT_EQ(grantpt(controller), 0);
+    ASSERT_EQ(unlockpt(controller), 0);
+    std::FILE* const stream = std::fopen(ptsname(controller), "w");
+    ASSERT_NE(stream, nullptr);
+    {
+        Output out(stream);
+        EXPECT_TRUE(out.isTerminal());
+        // An escape sequence, one that begins with U+009B, a lone byte of it, DEL, what is not UTF-8, and what is.
+        out.write("a\x1b[2J\tb\u009b2J\x9b\x7f\xff\u00e9\r\n");
+        out.writeControl("\x1b[0m");
+    }
+    std::array<char, 256> seen{};
+    const ssize_t length = read(controller, seen.data(), seen.size());
+    // The terminal itself puts a carriage return ahead of a line feed and expands TABs or leaves them.
+    std::string text(seen.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    std::fclose(stream);
+    close(controller);
+    if (const std::size_t tab = text.find('\t'); tab != std::string::npos) text.erase(tab, 1);
+    std::erase(text, ' ');
+    EXPECT_EQ(text, "a?[2Jb?2J???\u00e9?\r\n\x1b[0m");
 }
 
 } // namespace

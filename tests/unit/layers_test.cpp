@@ -28,6 +28,7 @@ const std::map<std::string, Names>& allowed() {
     static const std::map<std::string, Names> kAllowed{
         {"base", {}},
         {"diagnostics", {"base"}},
+        {"findings", {"base", "diagnostics"}},
         {"reader", {"base", "diagnostics"}},
         {"header", kReading},
         {"external", kReading},
@@ -37,7 +38,8 @@ const std::map<std::string, Names>& allowed() {
         {"package", kReading},
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
-        {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"main",
+         kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis", "findings"})},
     };
     return kAllowed;
 }

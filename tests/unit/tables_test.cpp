@@ -112,7 +112,10 @@ TEST(Tables, haveLimitsByKindAndVersion) {
         const int limit = row.printed.find("1000") != std::string::npos ? 1000 : 100;
         EXPECT_EQ(Lines(row.owner, row.version).read(row.opened + rowsOf(limit)).codes(), "") << row.opened;
         Lines lines(row.owner, row.version);
-        lines.run.diagnostics.on_finding = [&row](const Finding& finding) { EXPECT_EQ(finding.text, row.printed); };
+        lines.run.diagnostics.sink = [&](const Finding& finding) {
+            EXPECT_EQ(finding.text, row.printed);
+            printFinding(lines.out, finding, TextForm::codes);
+        };
         EXPECT_EQ(lines.read(row.opened + rowsOf(limit + 2)).codes(), "E2018@ E2018@") << row.opened;
     }
 }

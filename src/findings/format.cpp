@@ -1,0 +1,47 @@
+#include "findings/format.hpp"
+
+#include "base/text.hpp"
+
+#include <charconv>
+
+namespace kestrel {
+
+std::string_view verdictName(Verdict verdict) {
+    constexpr std::array<std::string_view, 3> kNames{"passed", "failed", "unread"};
+    return kNames[static_cast<std::size_t>(verdict)];
+}
+
+std::unique_ptr<Format> makeFormat(FormatKind kind, Output& out, const FormatSettings& settings) {
+    switch (kind) {
+    case FormatKind::text: break;
+    case FormatKind::gcc: return makeGcc(out, settings);
+    case FormatKind::json: return makeJson(out, settings);
+    case FormatKind::jsonl: return makeJsonl(out);
+    case FormatKind::sarif: return makeSarif(out, settings);
+    case FormatKind::github: return makeGithub(out);
+    case FormatKind::junit: return makeJunit(out, settings);
+    }
+    return makeText(out, settings);
+}
+
+bool failsFile(Level level, Level fail_on) {
+    switch (level) {
+    case Level::bug:
+    case Level::error: return true;
+    case Level::warning: return fail_on == Level::warning || fail_on == Level::advice;
+    case Level::advice: return fail_on == Level::advice;
+    case Level::note:
+    case Level::caution: break;
+    }
+    return false;
+}
+
+std::string_view messageOf(const Finding& finding) { return stripTrailing(finding.text); }
+
+CodeText::CodeText(std::optional<MessageCode> code) {
+    if (!code) return;
+    const auto end = std::to_chars(digits_.data(), digits_.data() + digits_.size(), *code);
+    length_ = static_cast<std::size_t>(end.ptr - digits_.data());
+}
+
+} // namespace kestrel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "diagnostics/diagnostics.hpp"
+
+#include <array>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// The messages that a user wants left out.
+struct Ignored {
+    bool any = false;                                      ///< there are some
+    std::set<MessageCode> codes;                           ///< of any class
+    std::array<std::set<MessageCode>, kLevels> of_level{}; ///< of one class only
+
+    [[nodiscard]] bool has(const Finding& finding) const;
+};
+
+/// Adds a list such as "905,E1104,W921"; a letter means one class only. What is no message of the catalog is returned.
+[[nodiscard]] std::optional<std::string> ignore(Ignored& ignored, std::string_view list);
+
+} // namespace kestrel

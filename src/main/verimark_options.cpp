@@ -1,0 +1,263 @@
+#include "main/verimark_options.hpp"
+
+#include "base/text.hpp"
+#include "main/completions.hpp"
+
+#include <algorithm>
+#include <numeric>
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kColors[] = {"auto", "always", "never"};
+constexpr std::string_view kLevelNames[] = {"error", "warning", "advice"};
+constexpr Level kFailLevels[] = {Level::error, Level::warning, Level::advice};
+
+/// The place of a value among the choices, of which it is one.
+template <class Choices> std::size_t placeAmong(const Choices& choices, std::string_view value) {
+    return static_cast<std::size_t>(std::ranges::find(choices, value) - std::ranges::begin(choices));
+}
+
+/// Keeps the value as it is.
+template <std::string_view VerimarkOptions::*Member>
+std::string keep(VerimarkOptions& options, std::string_view value) {
+    options.*Member = value;
+    return {};
+}
+
+template <Task Wanted> std::string setTask(VerimarkOptions& options, std::string_view /*value*/) {
+    options.task = Wanted;
+    return {};
+}
+
+std::string setFormat(VerimarkOptions& options, std::string_view value) {
+    options.format = static_cast<FormatKind>(placeAmong(kFormatNames, value));
+    return {};
+}
+
+std::string setColor(VerimarkOptions& options, std::string_view value) {
+    options.color = static_cast<ColorWhen>(placeAmong(kColors, value));
+    return {};
+}
+
+std::string setFailOn(VerimarkOptions& options, std::string_view value) {
+    options.fail_on = kFailLevels[placeAmong(kLevelNames, value)];
+    return {};
+}
+
+std::string setQuiet(VerimarkOptions& options, std::string_view /*value*/) {
+    options.quiet = true;
+    return {};
+}
+
+std::string setIgnored(VerimarkOptions& options, std::string_view value) {
+    const std::optional<std::string> unknown = ignore(options.ignored, value);
+    return unknown ? "there is no message \"" + *unknown + "\"; \"verimark --messages\" lists them" : std::string();
+}
+
+std::string setShell(VerimarkOptions& options, std::string_view value) {
+    options.task = Task::completions;
+    options.shell = value;
+    return {};
+}
+
+using G = OptionGroup;
+using V = VerimarkOptions;
+constexpr OptionRow kOptions[] = {
+    {'f', "format", "FORMAT", G::output, "text, gcc, json, jsonl, sarif, github or junit", kFormatNames, setFormat},
+    {'o', "output", "FILE", G::output, "writes there, when all is done", {}, keep<&V::output>},
+    {0, "color", "WHEN", G::output, "auto, always or never: text and gcc in color", kColors, setColor},
+    {0, "quiet", "", G::output, "findings only, and summaries of files that failed", {}, setQuiet},
+    {0, "ignore", "CODE,...", G::findings, "leaves messages out, such as 905 or W921", {}, setIgnored},
+    {0, "fail-on", "LEVEL", G::findings, "error, warning or advice: what fails a file", kLevelNames, setFailOn},
+    {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keep<&V::baseline>},
+    {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keep<&V::write_baseline>},
+    {0, "messages", "", G::other, "lists all messages and ends", {}, setTask<Task::messages>},
+    {0, "help", "", G::other, "shows this and ends", {}, setTask<Task::help>},
+    {0, "version", "", G::other, "shows the version and ends", {}, setTask<Task::version>},
+    {0, "completions", "SHELL", G::hidden, "the completions for a shell", kShells, setShell},
+};
+
+const OptionRow* rowNamed(std::string_view name) {
+    const auto row = std::ranges::find(kOptions, name, &OptionRow::name);
+    return row == std::end(kOptions) ? nullptr : &*row;
+}
+
+const OptionRow* rowOfLetter(char letter) {
+    const auto row = std::ranges::find(kOptions, letter, &OptionRow::letter);
+    return row == std::end(kOptions) || letter == 0 ? nullptr : &*row;
+}
+
+/// How many letters have to be changed, put in or left out to make one word of the other.
+std::size_t distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (toLower(a[i]) == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+/// The word that was most likely meant; empty when none is near.
+template <class Words, class Name = std::identity>
+std::string_view nearest(const Words& words, std::string_view wanted, Name name = {}) {
+    constexpr std::size_t kLongest = 40; // what is longer is no slip
+    std::string_view best;
+    std::size_t least = wanted.size() / 3 + 2;
+    if (wanted.empty() || wanted.size() > kLongest) return best;
+    for (const auto& word : words) {
+        const std::string_view candidate = std::invoke(name, word);
+        const bool begins = wanted.size() > 1 && candidate.starts_with(wanted);
+        const std::size_t steps = begins ? 0 : distance(wanted, candidate);
+        if (steps >= least || steps >= candidate.size()) continue;
+        least = steps;
+        best = candidate;
+    }
+    return best;
+}
+
+std::string suggestion(std::string_view near) { return "; did you mean \"" + std::string(near) + "\"?"; }
+
+WrongCall noSuchOption(std::string_view argument, std::string_view near) {
+    std::string text = ": no such option";
+    text.append(near.empty() ? "; try \"verimark --help\"" : suggestion("--" + std::string(near)));
+    return {std::string(argument), text};
+}
+
+WrongCall unknownName(std::string_view argument, std::string_view name) {
+    std::vector<std::string_view> names;
+    for (const OptionRow& row : kOptions)
+        if (row.group != OptionGroup::hidden) names.push_back(row.name);
+    return noSuchOption(argument, nearest(names, name));
+}
+
+/// For a letter that is none: an option whose name begins with it.
+WrongCall unknownLetter(std::string_view argument, char letter) {
+    const auto row = std::ranges::find_if(kOptions, [letter](const OptionRow& option) {
+        return option.group != OptionGroup::hidden && option.name.front() == toLower(letter);
+    });
+    return noSuchOption(argument, row == std::end(kOptions) ? std::string_view() : row->name);
+}
+
+/// The arguments and how far the walk has come.
+struct Walk {
+    std::span<const std::string_view> arguments;
+    std::size_t next = 0;
+    VerimarkOptions options{};
+};
+
+using Problem = std::optional<WrongCall>;
+
+Problem applyValue(Walk& walk, const OptionRow& row, std::string_view value) {
+    const std::string shown = "--" + std::string(row.name) + "=" + std::string(value);
+    if (!row.choices.empty() && std::ranges::find(row.choices, value) == row.choices.end()) {
+        std::string text = ": no such " + std::string(row.value);
+        if (const std::string_view near = nearest(row.choices, value); !near.empty()) {
+            text += suggestion(near);
+        } else {
+            text += "; choose from";
+            for (const std::string_view& choice : row.choices)
+                text.append(&choice == row.choices.data() ? " " : ", ").append(choice);
+        }
+        return WrongCall{shown, text};
+    }
+    const std::string wrong = row.apply(walk.options, value);
+    return wrong.empty() ? Problem() : WrongCall{shown, ": " + wrong};
+}
+
+/// Applies an option whose value, if it is joined to it, is given; takes the next argument for one that is missing.
+Problem applyOption(Walk& walk, const OptionRow& row, std::string_view argument,
+                    std::optional<std::string_view> value) {
+    if (row.value.empty()) {
+        if (value) return WrongCall{std::string(argument), ": takes no value"};
+        row.apply(walk.options, {});
+        return {};
+    }
+    if (!value && walk.next < walk.arguments.size()) value = walk.arguments[walk.next++];
+    if (!value || value->empty()) {
+        return WrongCall{std::string(argument),
+                         ": needs a value, as in --" + std::string(row.name) + "=" + std::string(row.value)};
+    }
+    return applyValue(walk, row, *value);
+}
+
+Problem readLong(Walk& walk, std::string_view argument) {
+    const std::string_view body = argument.substr(2);
+    const std::size_t sign = body.find('=');
+    const OptionRow* const row = rowNamed(body.substr(0, sign));
+    if (row == nullptr) return unknownName(argument.substr(0, argument.find('=')), body.substr(0, sign));
+    if (sign == std::string_view::npos) return applyOption(walk, *row, argument, std::nullopt);
+    return applyOption(walk, *row, argument, body.substr(sign + 1));
+}
+
+/// Letters behind one hyphen; what follows a letter that takes a value is the value.
+Problem readShort(Walk& walk, std::string_view argument) {
+    const std::string_view letters = argument.substr(1);
+    const std::string_view word = letters.substr(0, letters.find('='));
+    if (word.size() > 1 && rowNamed(word) != nullptr) return noSuchOption(argument, word);
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        const OptionRow* const row = rowOfLetter(letters[i]);
+        if (row == nullptr) return unknownLetter(argument, letters[i]);
+        const std::string_view rest = letters.substr(i + 1);
+        if (!row->value.empty())
+            return applyOption(walk, *row, argument, rest.empty() ? std::nullopt : std::optional(rest));
+        row->apply(walk.options, {});
+    }
+    return {};
+}
+
+bool endsRun(Task task) { return task == Task::help || task == Task::version; }
+
+} // namespace
+
+std::span<const OptionRow> optionRows() { return kOptions; }
+
+std::variant<VerimarkOptions, WrongCall> readVerimarkOptions(std::span<const std::string_view> arguments) {
+    Walk walk{arguments};
+    bool options_ended = false;
+    while (walk.next < arguments.size() && !endsRun(walk.options.task)) {
+        const std::string_view argument = arguments[walk.next++];
+        Problem problem;
+        if (options_ended || !argument.starts_with('-')) {
+            walk.options.files.push_back(argument);
+        } else if (argument == "--") {
+            options_ended = true;
+        } else if (argument == "-") {
+            problem = noSuchOption(argument, {});
+        } else if (argument.starts_with("--")) {
+            problem = readLong(walk, argument);
+        } else {
+            problem = readShort(walk, argument);
+        }
+        if (problem) return *problem;
+    }
+    if (walk.options.task == Task::check && walk.options.files.empty())
+        return WrongCall{"no file given", "; try \"verimark --help\""};
+    return walk.options;
+}
+
+std::string optionList() {
+    constexpr std::size_t kColumn = 30;
+    std::string text;
+    OptionGroup group = OptionGroup::hidden;
+    for (const OptionRow& row : kOptions) {
+        if (row.group == OptionGroup::hidden) continue;
+        if (row.group != group)
+            text.append("\n").append(kGroupNames[static_cast<std::size_t>(row.group)]).append(":\n");
+        group = row.group;
+        std::string line = row.letter != 0 ? std::string("  -") + row.letter + ", " : std::string("      ");
+        line.append("--").append(row.name);
+        if (!row.value.empty()) line.append("=").append(row.value);
+        line.resize(std::max(line.size() + 2, kColumn), ' ');
+        text.append(line).append(row.help).append("\n");
+    }
+    return text;
+}
+
+} // namespace kestrel

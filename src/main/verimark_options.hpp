@@ -1,0 +1,65 @@
+#pragma once
+
+#include "findings/format.hpp"
+#include "findings/ignored.hpp"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace kestrel {
+
+/// When class words are printed in color; automatic: on a terminal, unless the environment forbids it.
+enum class ColorWhen : std::uint8_t { automatic, always, never };
+
+/// What verimark is called for.
+enum class Task : std::uint8_t { check, help, version, messages, completions };
+
+/// What verimark's command line asks for. Texts belong to the arguments.
+struct VerimarkOptions {
+    Task task = Task::check;
+    std::vector<std::string_view> files;
+    FormatKind format = FormatKind::text;
+    std::string_view output; ///< a file's path; empty for the standard output
+    ColorWhen color = ColorWhen::automatic;
+    Ignored ignored;
+    Level fail_on = Level::error;
+    std::string_view baseline;
+    std::string_view write_baseline;
+    bool quiet = false;
+    std::string_view shell; ///< for which completions are wanted
+};
+
+/// What is wrong with a command line: the argument and the words about it.
+struct WrongCall {
+    std::string argument;
+    std::string text;
+};
+
+/// The headings under which the options are listed; those for our own use are not.
+enum class OptionGroup : std::uint8_t { output, findings, other, hidden };
+inline constexpr std::string_view kGroupNames[] = {"Output", "Findings", "Other"};
+
+/// One option. Reading the command line, the help, the completions and the test of the manual page go by these rows.
+struct OptionRow {
+    char letter;            ///< 0 for none
+    std::string_view name;  ///< behind "--"
+    std::string_view value; ///< what the help calls its value; empty when it takes none
+    OptionGroup group;
+    std::string_view help;                     ///< on one line
+    std::span<const std::string_view> choices; ///< the values that it takes; empty for any
+    /// Takes the value, which is not empty and one of the choices; what is wrong with it is returned.
+    std::string (*apply)(VerimarkOptions& options, std::string_view value);
+};
+[[nodiscard]] std::span<const OptionRow> optionRows();
+
+/// Reads the arguments, the program's own name not among them. What ends a run at once, such as "--help", ends reading.
+[[nodiscard]] std::variant<VerimarkOptions, WrongCall> readVerimarkOptions(std::span<const std::string_view> arguments);
+
+/// The list of options as the help shows it.
+[[nodiscard]] std::string optionList();
+
+} // namespace kestrel
