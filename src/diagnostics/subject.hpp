@@ -1,7 +1,8 @@
 #pragma once
 
+#include "base/name_table.hpp"
+
 #include <cstdint>
-#include <string>
 
 namespace kestrel {
 
@@ -23,7 +24,7 @@ enum class SubjectKind : std::uint8_t {
 struct Subject {
     SubjectKind kind;
     std::uint32_t line = 0; ///< at which the record began
-    std::string name;       ///< as the record keeps it; empty when the file gives none
+    Name name;              ///< as the record keeps it; empty when the file gives none
 };
 
 /// The base of the records of one kind.

@@ -283,10 +283,11 @@ TEST(Places, aFindingKnowsItsRecord) {
     d.on_finding = [&found](const Finding& finding) {
         found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
         found.append(std::to_string(finding.line)).append(" ");
-        found.append(finding.subject != nullptr ? finding.subject->name : "nothing").append("\n");
+        found.append(finding.subject != nullptr ? finding.subject->name.view() : "nothing").append("\n");
     };
-    const Subject model{SubjectKind::model, 4, "buf"};
-    const Subject component{SubjectKind::component, 2, "chip"};
+    NameTable names;
+    const Subject model{SubjectKind::model, 4, names.enter("buf")};
+    const Subject component{SubjectKind::component, 2, names.enter("chip")};
     error(d, 903);
     {
         const About about(d, component);
