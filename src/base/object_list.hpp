@@ -1,8 +1,11 @@
 #pragma once
 
-#include "base/text_hash.hpp"
+#include "base/name_table.hpp"
+#include "base/number_index.hpp"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <type_traits>
@@ -56,31 +59,46 @@ public:
     [[nodiscard]] NewestFirst<T> newestFirst() { return NewestFirst<T>(objects_); }
     [[nodiscard]] NewestFirst<const T> newestFirst() const { return NewestFirst<const T>(objects_); }
 
-    /// Enters the object under its finished name, which must not change any more. Of equal names the newest is found.
-    void enterName(T& object, std::string_view name) { by_name_.insert_or_assign(name, &object); }
+    /// Enters the newest object under its name, which is one of `names` and must not change any more. Of equal names
+    /// the newest is found.
+    void enterNewest(const NameTable& names) {
+        names_ = &names;
+        places_.at(objects_.back()->name.number()) = static_cast<std::uint32_t>(objects_.size());
+    }
 
     /// The newest object entered under exactly this name, or null.
-    [[nodiscard]] const T* find(std::string_view name) const {
-        const auto at = by_name_.find(name);
-        return at == by_name_.end() ? nullptr : at->second;
+    [[nodiscard]] const T* find(Name name) const {
+        const std::uint32_t place = places_.find(name.number());
+        return place == 0 ? nullptr : objects_[place - 1].get();
     }
-    [[nodiscard]] T* find(std::string_view name) { return const_cast<T*>(std::as_const(*this).find(name)); }
+    [[nodiscard]] T* find(Name name) { return const_cast<T*>(std::as_const(*this).find(name)); }
+
+    /// The same for a name that has to be looked up first.
+    [[nodiscard]] const T* find(std::string_view text) const {
+        if (names_ == nullptr) return nullptr;
+        const Name name = names_->find(text);
+        return name.empty() && !text.empty() ? nullptr : find(name);
+    }
+    [[nodiscard]] T* find(std::string_view text) { return const_cast<T*>(std::as_const(*this).find(text)); }
 
     /// Walks the objects as newestFirst() does and calls `report` with each that has others of its name behind it, and
     /// how many those are.
     template <class Report> void eachRepeatedName(Report report) const {
-        ViewMap<std::size_t> left;
+        NumberIndex left; // one more than there are: the index has no 0
         for (const T& object : newestFirst()) {
-            ++left[object.name];
+            std::uint32_t& count = left.at(object.name.number());
+            count = std::max(count, 1U) + 1;
         }
         for (const T& object : newestFirst()) {
-            if (const std::size_t behind = --left[object.name]; behind > 0) report(object, behind);
+            const std::size_t behind = --left.at(object.name.number()) - 1;
+            if (behind > 0) report(object, behind);
         }
     }
 
 private:
     std::vector<std::unique_ptr<T>> objects_;
-    ViewMap<T*> by_name_; // keys view the objects' own names
+    NumberIndex places_; // by the numbers of the names
+    const NameTable* names_ = nullptr;
 };
 
 } // namespace kestrel

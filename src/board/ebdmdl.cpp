@@ -17,9 +17,11 @@ void storeNameOnce(Context& context, std::string& name, std::string_view text, s
 }
 
 void nameKeyword(Context& context, EbdMdlState& state, EbdMdl& board, std::string_view text) {
-    storeNameOnce(context, board.name, text, "Define Ebd Model");
-    state.list->enterName(board, board.name);
-    setContext(context.diagnostics, board.name);
+    std::string name(board.name);
+    storeNameOnce(context, name, text, "Define Ebd Model");
+    board.name = context.names.enter(name);
+    state.list->enterNewest(context.names);
+    setContext(context.diagnostics, board.name.view());
 }
 
 void manufacturerKeyword(Context& context, EbdMdl& board, std::string_view text) {

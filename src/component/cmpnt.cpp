@@ -22,10 +22,10 @@ constexpr std::array<EnumerationRow<Location>, 2> kLocations{{{"Pin", Location::
 constexpr EnumerationMessages kLocationMessages{512, 520};
 
 void readName(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
-    setTextOnce(context.diagnostics, component.name, text, kLongNameLimit, "Component");
-    if (std::ranges::any_of(component.name, isSpace)) warningAtLine(context.diagnostics, 513, component.name);
+    setTextOnce(context, component.name, text, kLongNameLimit, "Component");
+    if (std::ranges::any_of(component.name.view(), isSpace)) warningAtLine(context.diagnostics, 513, component.name);
     checkNotReserved(context.diagnostics, component.name);
-    state.list->enterName(component, component.name);
+    state.list->enterNewest(context.names);
 }
 
 /// Reads "Si_location Pin" or "Timing_location = Die"; the "=" may be left out and is not counted.

@@ -14,9 +14,9 @@ namespace kestrel {
 /// What "[Begin EMI Component]" gives. Farads.
 struct CmpntEmi {
     EmiDomain domain = EmiDomain::notGiven;
-    std::optional<double> cpd; ///< the typical one of a range
-    std::optional<double> c_heatsink_gnd;
-    std::optional<double> c_heatsink_float;
+    GivenValue cpd; ///< the typical one of a range
+    GivenValue c_heatsink_gnd;
+    GivenValue c_heatsink_float;
     PinEmiTable pins;
     PinDomainEmiTable pin_domains;
 };

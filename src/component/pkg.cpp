@@ -13,7 +13,7 @@ constexpr int kItems = 4; ///< name, typ, min, max
 /// A value of a package and what is reported when it is given twice or not at all.
 struct PkgValue {
     std::string_view name;
-    std::optional<Rng> Pkg::*range;
+    GivenRange Pkg::*range;
     CheckedMessage<> duplicate;
     CheckedMessage<ArgKind::text> missing;
 };
@@ -42,7 +42,7 @@ void pkgLine(Context& context, Pkg& package, std::string_view text) {
         errorAtLine(diagnostics, 1206);
         return;
     }
-    std::optional<Rng>& stored = package.*value->range;
+    GivenRange& stored = package.*value->range;
     if (stored) {
         errorAtLine(diagnostics, value->duplicate);
         return;

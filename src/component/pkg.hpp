@@ -12,9 +12,9 @@ struct Context;
 /// "[Package]": resistance (ohms), inductance (henries) and capacitance (farads) of the package, absent until their
 /// line is read.
 struct Pkg {
-    std::optional<Rng> r_pkg;
-    std::optional<Rng> l_pkg;
-    std::optional<Rng> c_pkg;
+    GivenRange r_pkg;
+    GivenRange l_pkg;
+    GivenRange c_pkg;
 };
 
 /// Reads one line of "[Package]". A rejected line changes nothing.

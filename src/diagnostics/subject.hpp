@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/name_table.hpp"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,7 +29,7 @@ enum class SubjectKind : std::uint8_t {
 struct Subject {
     SubjectKind kind;
     std::uint32_t line = 0;            ///< at which the record began
-    std::string name;                  ///< as the record keeps it; empty when the file gives none
+    Name name;                         ///< as the record keeps it; empty when the file gives none
     const std::string* file = nullptr; ///< the path of the file that it is in, kept by the diagnostics of the run
 };
 

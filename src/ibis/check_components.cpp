@@ -64,7 +64,7 @@ struct LookedUp {
 void checkComponent(Run& run, Ibis& root, const Cmpnt& component, LookedUp& looked_up) {
     const PkgMdl* const package = findPackages(run, root, component);
     const PinList& pins = component.pins;
-    const std::string& name = component.name;
+    const Name name = component.name;
     if (pins.empty()) {
         error(run.diagnostics, 524, name);
     } else {

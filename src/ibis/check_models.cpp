@@ -1,4 +1,4 @@
-#include "base/text_hash.hpp"
+#include "base/name_table.hpp"
 #include "component/cmpnt.hpp"
 #include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
@@ -9,18 +9,30 @@
 #include "reader/names.hpp"
 
 #include <algorithm>
+#include <ranges>
+#include <span>
+#include <vector>
 
 namespace kestrel {
 
 namespace {
 
-using Names = ViewSet;
+/// A set of names.
+class Names {
+public:
+    explicit Names(const NameTable& names) : has_(names.numbers()) {}
+    void insert(Name name) { has_[name.number()] = true; }
+    [[nodiscard]] bool contains(Name name) const { return has_[name.number()]; }
+
+private:
+    std::vector<bool> has_; // by the numbers of the names
+};
 
 /// Types that cannot drive and so cannot be scheduled.
 constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelType::terminator, ModelType::series,
                                   ModelType::seriesSwitch};
 
-void checkDriver(Context& context, Ibis& root, const Mdl& model, std::string_view name) {
+void checkDriver(Context& context, Ibis& root, const Mdl& model, Name name) {
     const Mdl* const driver = referenceMdl(root, name);
     if (driver == nullptr) {
         error(context.diagnostics, 4207, name, model.name);
@@ -31,8 +43,8 @@ void checkDriver(Context& context, Ibis& root, const Mdl& model, std::string_vie
 }
 
 /// What pins may name to have a composite current: the models with one, and the selectors that offer such a model.
-Names namesWithCurrent(const Ibis& root) {
-    Names models;
+Names namesWithCurrent(const Context& context, const Ibis& root) {
+    Names models(context.names);
     for (const Mdl& model : root.models.newestFirst()) {
         if (root.models.find(model.name) == &model && hasCompositeCurrent(model)) models.insert(model.name);
     }
@@ -49,22 +61,23 @@ Names namesWithCurrent(const Ibis& root) {
 }
 
 /// Model names of all pins and rows between pins.
-Names usedModelNames(const Ibis& root) {
-    Names names;
+Names usedModelNames(const Context& context, const Ibis& root) {
+    Names names(context.names);
     for (const Cmpnt& component : root.components.newestFirst()) {
         for (const Pin& pin : component.pins) {
             names.insert(pin.model_name);
         }
         if (component.series_pins == nullptr) continue;
         for (const SPin& row : component.series_pins->rows) {
-            names.insert(row.model_name);
+            const Name name = context.names.find(row.model_name);
+            if (!name.empty() || row.model_name.empty()) names.insert(name);
         }
     }
     return names;
 }
 
 /// Looks the entry's model up and marks it; a name without a model, or a reserved word, counts as single-ended.
-bool isSingleEnded(Context& context, Ibis& root, const MSel& selector, std::string_view model_name) {
+bool isSingleEnded(Context& context, Ibis& root, const MSel& selector, Name model_name) {
     if (isReservedWord(model_name)) return true;
     const Mdl* const model = referenceMdl(root, model_name);
     if (model != nullptr) return !isDifferential(*model);
@@ -86,9 +99,29 @@ void checkEntries(Context& context, Ibis& root, MSel& selector) {
     }
 }
 
+/// Warns of submodels that no model adds.
+void checkSubmodelUse(Context& context, const Ibis& root) {
+    Names added(context.names);
+    for (const Mdl& model : root.models.newestFirst()) {
+        for (const AddSubmodel& row : model.add_submodels) {
+            added.insert(row.name);
+        }
+    }
+    for (const SubMdl& submodel : root.submodels.newestFirst()) {
+        const About about(context.diagnostics, submodel);
+        if (!added.contains(submodel.name)) warning(context.diagnostics, 220, submodel.name);
+    }
+}
+
 } // namespace
 
 Mdl* referenceMdl(Ibis& root, std::string_view name) {
+    Mdl* const model = root.models.find(name);
+    if (model != nullptr) model->referenced = true;
+    return model;
+}
+
+Mdl* referenceMdl(Ibis& root, Name name) {
     Mdl* const model = root.models.find(name);
     if (model != nullptr) model->referenced = true;
     return model;
@@ -111,7 +144,7 @@ void checkCompositeCurrents(Context& context, const Ibis& root) {
 
 void checkComponentCurrents(Context& context, const Ibis& root) {
     if (context.diagnostics.silence_cautions) return;
-    const Names names = namesWithCurrent(root);
+    const Names names = namesWithCurrent(context, root);
     for (const Cmpnt& component : root.components.newestFirst()) {
         const About about(context.diagnostics, component);
         const auto has_current = [&names](const Pin& pin) { return names.contains(pin.model_name); };
@@ -124,9 +157,8 @@ void checkDrvShs(Context& context, Ibis& root) {
     for (const Mdl& model : root.models.newestFirst()) {
         if (!model.driver_schedule) continue;
         const About about(context.diagnostics, model);
-        const std::vector<DrvShEntry>& entries = model.driver_schedule->entries;
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-            checkDriver(context, root, model, entry->model_name);
+        for (const DrvShEntry& entry : std::views::reverse(std::span(model.driver_schedule.entries))) {
+            checkDriver(context, root, model, entry.model_name);
         }
     }
 }
@@ -134,7 +166,7 @@ void checkDrvShs(Context& context, Ibis& root) {
 void checkMSels(Context& context, Ibis& root) {
     if (root.model_selectors.empty()) return;
     // Gathered once: there may be as many selectors as pins.
-    const Names used = usedModelNames(root);
+    const Names used = usedModelNames(context, root);
     for (MSel& selector : root.model_selectors.newestFirst()) {
         const About about(context.diagnostics, selector);
         if (referenceMdl(root, selector.name) != nullptr) error(context.diagnostics, 4021, selector.name);
@@ -146,16 +178,7 @@ void checkMSels(Context& context, Ibis& root) {
 }
 
 void checkAddedSubmodels(Context& context, const Ibis& root) {
-    Names added;
-    for (const Mdl& model : root.models.newestFirst()) {
-        for (const AddSubmodel& row : model.add_submodels) {
-            added.insert(row.name);
-        }
-    }
-    for (const SubMdl& submodel : root.submodels.newestFirst()) {
-        const About about(context.diagnostics, submodel);
-        if (!added.contains(submodel.name)) warning(context.diagnostics, 220, submodel.name);
-    }
+    if (!root.submodels.empty()) checkSubmodelUse(context, root);
     for (const Mdl& model : root.models.newestFirst()) {
         const About about(context.diagnostics, model);
         for (const AddSubmodel& row : model.add_submodels) {

@@ -10,9 +10,11 @@ struct Context;
 struct Ibis;
 struct Mdl;
 struct Run;
+class Name;
 
 /// Looks a model up by exact name and marks it as referenced; null when there is none.
 Mdl* referenceMdl(Ibis& root, std::string_view name);
+Mdl* referenceMdl(Ibis& root, Name name);
 
 /// Checks the receiver thresholds of all models.
 void checkRcvThs(Context& context, const Ibis& root);

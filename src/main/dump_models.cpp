@@ -31,7 +31,7 @@ void appendQuantity(Text& text, double value, std::string_view unit) {
     text.append(unit);
 }
 
-void appendValue(Text& text, std::string_view label, const std::optional<double>& value, std::string_view unit) {
+void appendValue(Text& text, std::string_view label, GivenValue value, std::string_view unit) {
     text.append(label);
     if (value) {
         appendQuantity(text, *value, unit);
@@ -44,9 +44,9 @@ void appendValue(Text& text, std::string_view label, const std::optional<double>
 /// Behind each of three corners: two are parted from what follows, the last ends the line.
 constexpr std::array<std::string_view, kCornerCount> kBehindCorner{"; ", "; ", "\n"};
 
-void appendRange(Text& text, std::string_view label, const std::optional<Rng>& range, std::string_view unit) {
+void appendRange(Text& text, std::string_view label, const Rng* range, std::string_view unit) {
     text.append(label);
-    if (!range) {
+    if (range == nullptr) {
         text.append("-\n");
         return;
     }
@@ -63,8 +63,8 @@ void appendRange(Text& text, std::string_view label, const std::optional<Rng>& r
 void appendRate(Text& text, std::string_view label, const std::optional<RampRate>& rate) {
     text.append(label);
     for (const Corner corner : kCorners) {
-        if (rate && (*rate)[corner].state == CellState::number) {
-            appendGeneral(text, (*rate)[corner].dv);
+        if (rate && (*rate)[corner].state() == CellState::number) {
+            appendGeneral(text, (*rate)[corner].dv.value());
             text.push_back('/');
             appendGeneral(text, (*rate)[corner].dt);
         } else {
@@ -83,23 +83,23 @@ void appendFixture(Text& text, const Wvfrm& waveform, std::string_view end) {
     if (!waveform.v_fixture) return;
     text.append("V_fixture=");
     appendQuantity(text, *waveform.v_fixture, "V");
-    for (const std::optional<double>* corner : {&waveform.v_fixture_min, &waveform.v_fixture_max}) {
-        if (!*corner) continue;
+    for (const GivenValue corner : {waveform.v_fixture_min, waveform.v_fixture_max}) {
+        if (!corner) continue;
         text.append(", ");
-        appendQuantity(text, **corner, "V");
+        appendQuantity(text, *corner, "V");
     }
     text.append(end);
 }
 
-using Waveforms = std::vector<std::unique_ptr<Wvfrm>>;
+using Waveforms = Rows<Wvfrm>;
 
 void appendWaveformLines(Text& text, std::string_view label, const Waveforms& waveforms) {
     std::int64_t number = 0;
-    for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
+    for (const Wvfrm& waveform : waveforms) {
         text.append(label);
         appendInteger(text, ++number);
         text.append(": ");
-        appendFixture(text, *waveform, "; ");
+        appendFixture(text, waveform, "; ");
         text.push_back('\n');
     }
 }
@@ -115,8 +115,8 @@ void appendSummary(Text& text, const Mdl& model) {
         appendValue(text, "          Vinl: ", values.vinl, "V");
         appendValue(text, "          Vinh: ", values.vinh, "V");
     }
-    appendRange(text, "        C_comp: ", values.c_comp, "F");
-    appendRange(text, " Voltage Range: ", model.ranges->voltage_range, "V");
+    appendRange(text, "        C_comp: ", values.c_comp ? &*values.c_comp : nullptr, "F");
+    appendRange(text, " Voltage Range: ", findRange(model, MdlRange::voltageRange), "V");
     appendValue(text, "         Vmeas: ", values.vmeas, "V");
     appendValue(text, "          Cref: ", values.cref, "F");
     appendValue(text, "          Rref: ", values.rref, "Ohms");
@@ -125,8 +125,8 @@ void appendSummary(Text& text, const Mdl& model) {
     text.append(tables.gnd_clamp ? "GND_Clamp; " : "-; ").append(tables.power_clamp ? "POWER_Clamp; " : "-; ");
     text.append(tables.pullup ? "Pullup; " : "-; ").append(tables.pulldown ? "Pulldown\n" : "-\n");
     if (kEdgeTypes.has(model.type())) {
-        appendRate(text, "  Rising dV/dt: ", tables.ramp ? tables.ramp->dv_dt_r : std::nullopt);
-        appendRate(text, " Falling dV/dt: ", tables.ramp ? tables.ramp->dv_dt_f : std::nullopt);
+        appendRate(text, "  Rising dV/dt: ", tables.ramp->dv_dt_r);
+        appendRate(text, " Falling dV/dt: ", tables.ramp->dv_dt_f);
         appendWaveformLines(text, " Rising Wvf. ", tables.rising_waveforms);
         // No leading blank here, unlike the rising label.
         appendWaveformLines(text, "Falling Wvf. ", tables.falling_waveforms);
@@ -163,20 +163,20 @@ struct TableDump {
         text.push_back('\n');
     }
 
-    void curve(std::string_view title, const std::optional<Crv>& table) {
+    void curve(std::string_view title, const Crv& table) {
         if (!table) return;
         text.append(title);
         head("V", 'A');
-        rows(table->rows);
+        rows(table.rows);
     }
 
     void waveforms(std::string_view title, const Waveforms& list) {
         if (list.empty()) return;
         text.append(title);
-        for (const std::unique_ptr<Wvfrm>& waveform : list) {
-            appendFixture(text, *waveform, ";");
+        for (const Wvfrm& waveform : list) {
+            appendFixture(text, waveform, ";");
             head("\ns", 'V');
-            rows(waveform->rows);
+            rows(waveform.rows);
         }
     }
 

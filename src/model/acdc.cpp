@@ -13,7 +13,7 @@ namespace kestrel {
 
 namespace {
 
-using Waveforms = std::vector<std::unique_ptr<Wvfrm>>;
+using Waveforms = Rows<Wvfrm>;
 
 /// The waveforms of one edge, and the rate of the ramp for it.
 struct Edge {
@@ -73,8 +73,8 @@ std::optional<double> edgeTime(const Wvfrm& waveform) {
 bool differsMuch(const RampCorner& typical, const Waveforms& waveforms) {
     constexpr double kMost = 5.0;
     bool compared = false;
-    for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
-        const std::optional<double> time = edgeTime(*waveform);
+    for (const Wvfrm& waveform : waveforms) {
+        const std::optional<double> time = edgeTime(waveform);
         if (!time) continue;
         compared = true;
         if (typical.dt >= *time / kMost && typical.dt <= *time * kMost) return false;
@@ -83,11 +83,11 @@ bool differsMuch(const RampCorner& typical, const Waveforms& waveforms) {
 }
 
 void checkRampTimes(Context& context, const Mdl& model) {
-    const std::optional<Ramp>& ramp = model.tables->ramp;
+    const OnDemand<Ramp>& ramp = model.tables->ramp;
     if (!ramp) return;
     for (const Edge& edge : kEdges) {
         const std::optional<RampRate>& rate = *ramp.*edge.rate;
-        if (!rate || rate->typ().state != CellState::number) continue;
+        if (!rate || rate->typ().state() != CellState::number) continue;
         if (differsMuch(rate->typ(), (*model.tables).*edge.waveforms)) {
             caution(context.diagnostics, 1709, model.name, edge.rate_name);
         }
@@ -97,9 +97,9 @@ void checkRampTimes(Context& context, const Mdl& model) {
 void checkTimePoints(Context& context, const Mdl& model) {
     for (const Edge& edge : kEdges) {
         std::int32_t number = 0;
-        for (const std::unique_ptr<Wvfrm>& waveform : (*model.tables).*edge.waveforms) {
+        for (const Wvfrm& waveform : (*model.tables).*edge.waveforms) {
             ++number;
-            if (waveform->composite_current == nullptr || sameTimes(*waveform, *waveform->composite_current)) continue;
+            if (!waveform.composite_current || sameTimes(waveform, *waveform.composite_current)) continue;
             caution(context.diagnostics, 2021, model.name, edge.word, number);
         }
     }
@@ -110,7 +110,7 @@ void checkTimePoints(Context& context, const Mdl& model) {
 bool hasCompositeCurrent(const Mdl& model) {
     return std::ranges::any_of(kEdges, [&model](const Edge& edge) {
         return std::ranges::any_of((*model.tables).*edge.waveforms,
-                                   [](const auto& waveform) { return waveform->composite_current != nullptr; });
+                                   [](const Wvfrm& waveform) { return static_cast<bool>(waveform.composite_current); });
     });
 }
 

@@ -8,7 +8,7 @@ namespace kestrel {
 
 namespace {
 
-using Field = std::optional<Rng> CComp::*;
+using Field = GivenRange CComp::*;
 constexpr std::array<Field, 5> kFields{&CComp::c_comp, &CComp::c_comp_pullup, &CComp::c_comp_pulldown,
                                        &CComp::c_comp_power_clamp, &CComp::c_comp_gnd_clamp};
 

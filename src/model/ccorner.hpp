@@ -3,18 +3,17 @@
 #include "reader/line_form.hpp"
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 namespace kestrel {
 
 /// The capacitances of a buffer as a whole or by its structures, in farads.
 struct CComp {
-    std::optional<Rng> c_comp;
-    std::optional<Rng> c_comp_pullup;
-    std::optional<Rng> c_comp_pulldown;
-    std::optional<Rng> c_comp_power_clamp;
-    std::optional<Rng> c_comp_gnd_clamp;
+    GivenRange c_comp;
+    GivenRange c_comp_pullup;
+    GivenRange c_comp_pulldown;
+    GivenRange c_comp_power_clamp;
+    GivenRange c_comp_gnd_clamp;
 };
 
 /// "[C Comp Corner]": the capacitances of the corners. Minimum and maximum are those of the corner, whichever of them

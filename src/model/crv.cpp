@@ -140,16 +140,16 @@ void checkZeroCrossing(Context& context, const Crv& curve, std::string_view labe
 
 std::string_view curveLabel(CurveKind kind) { return rulesOf(kind).label; }
 
-void openCrv(Context& context, CrvState& state, std::optional<Crv>& slot, CurveKind kind, std::string_view text) {
+void openCrv(Context& context, CrvState& state, Crv& slot, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
     if (slot) errorAtLine(context.diagnostics, 1100, label);
     expectNoText(context, text, label, 1104);
-    beginCrv(context, state, slot.emplace());
+    beginCrv(context, state, slot);
 }
 
 void beginCrv(const Context& context, CrvState& state, Crv& curve) {
     state = CrvState{};
-    curve.line = context.parse.line;
+    curve = {.rows = {}, .line = context.parse.line, .given = true};
 }
 
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text) {

@@ -16,8 +16,11 @@ enum class ModelType : std::uint8_t;
 
 /// One I-V table: voltage (volts), then typical, minimum and maximum current (amperes), in file order.
 struct Crv {
-    std::uint32_t line = 0; ///< at which it began
     Rows<TableRow> rows;
+    std::uint32_t line = 0; ///< at which it began
+    bool given = false;     ///< its keyword was there
+
+    explicit operator bool() const { return given; }
 };
 
 /// The direction in which a table's current should go as the voltage rises.
@@ -66,7 +69,7 @@ struct CurveOwner {
 [[nodiscard]] std::string_view curveLabel(CurveKind kind);
 
 /// Opens a table at its keyword line; `text` is what follows the keyword. An old table is reported and replaced.
-void openCrv(Context& context, CrvState& state, std::optional<Crv>& slot, CurveKind kind, std::string_view text);
+void openCrv(Context& context, CrvState& state, Crv& slot, CurveKind kind, std::string_view text);
 
 /// Begins a table that has been made at this line.
 void beginCrv(const Context& context, CrvState& state, Crv& curve);

@@ -90,7 +90,7 @@ Dly readDly(Context& context, std::string_view text, std::string_view model_name
 /// Stores the name, cut to its limit, and judges what is stored.
 void setModelName(Context& context, std::string_view model, std::string_view name, DrvShEntry& entry) {
     Diagnostics& diagnostics = context.diagnostics;
-    storeName(diagnostics, entry.model_name, name, modelNameLimit(context.parse.version), 4212);
+    storeName(context, entry.model_name, name, modelNameLimit(context.parse.version), 4212);
     if (entry.model_name == model) {
         errorAtLine(diagnostics, 4213, entry.model_name);
     } else if (isReservedWord(entry.model_name)) {
@@ -100,14 +100,14 @@ void setModelName(Context& context, std::string_view model, std::string_view nam
 
 } // namespace
 
-void openDrvSh(Context& context, std::unique_ptr<DrvSh>& slot, std::string_view text) {
-    if (slot) errorAtLine(context.diagnostics, 4200);
-    slot = std::make_unique<DrvSh>();
+void openDrvSh(Context& context, DrvSh& schedule, std::string_view text) {
+    if (schedule) errorAtLine(context.diagnostics, 4200);
+    schedule = {.given = true, .entries = {}};
     expectNoText(context, text, "Driver Schedule", 4204);
 }
 
 void drvShLine(Context& context, DrvSh& schedule, std::string_view text, std::string_view model) {
-    DrvShEntry& entry = schedule.entries.emplace_back();
+    DrvShEntry& entry = context.rows.add(schedule.entries, {});
     const std::string_view name = takeItem(context, text);
     if (name.empty()) {
         errorAtLine(context.diagnostics, 4211);

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "base/name_table.hpp"
+#include "base/row_store.hpp"
 #include "reader/values.hpp"
 
-#include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace kestrel {
 
@@ -20,19 +18,22 @@ struct Dly {
     Cell fall_off;
 };
 
-/// One line of "[Driver Schedule]".
+/// One line of "[Driver Schedule]", which may lack all that it gives.
 struct DrvShEntry {
-    std::string model_name;    ///< at most 20 or 40 characters, by version
-    std::optional<Dly> delays; ///< absent on a line without a name
+    Name model_name; ///< at most 20 or 40 characters, by version
+    Dly delays;
 };
 
 /// "[Driver Schedule]": entries in file order; checks walk them from the last to the first.
 struct DrvSh {
-    std::vector<DrvShEntry> entries;
+    bool given = false; ///< the keyword was there
+    Rows<DrvShEntry> entries;
+
+    explicit operator bool() const { return given; }
 };
 
 /// Opens a schedule at its keyword line. An old one is reported and replaced.
-void openDrvSh(Context& context, std::unique_ptr<DrvSh>& slot, std::string_view text);
+void openDrvSh(Context& context, DrvSh& schedule, std::string_view text);
 
 /// Reads one entry of the schedule of this model. A model may be scheduled more than once.
 void drvShLine(Context& context, DrvSh& schedule, std::string_view text, std::string_view model);

@@ -18,6 +18,10 @@ template <auto Part, auto Read> void partLine(Context& context, Mdl& model, std:
     Read(context, *(model.*Part), text, model.name);
 }
 
+void scheduleLine(Context& context, Mdl& model, std::string_view text) {
+    drvShLine(context, model.driver_schedule, text, model.name);
+}
+
 /// A data line under a keyword that has none.
 void strayLine(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 121); }
 
@@ -63,13 +67,13 @@ void openSeriesCurrent(Context& context, MdlState& state, Mdl& model, std::strin
 
 void seriesCurrentLine(Context& context, MdlState& state, Mdl& model, std::string_view text) {
     SeriesBlock* const block = currentSeriesBlock(context, state, model);
-    if (block != nullptr) crvLine(context, state.crv, *block->series_current, CurveKind::seriesCurrent, text);
+    if (block != nullptr) crvLine(context, state.crv, block->series_current, CurveKind::seriesCurrent, text);
 }
 
 /// Outside series models the keyword opened no table; so with the next one.
 void closeSeriesCurrent(Context& context, const MdlState& state, const Mdl& model) {
     if (state.series_block == nullptr) return;
-    closeCrv(context, state.crv, *state.series_block->series_current, CurveKind::seriesCurrent, curveOwner(model));
+    closeCrv(context, state.crv, state.series_block->series_current, CurveKind::seriesCurrent, curveOwner(model));
 }
 
 void openSeriesMosfet(Context& context, MdlState& state, Mdl& model, std::string_view text) {
@@ -93,14 +97,14 @@ void openCompositeCurrent(Context& context, MdlState& state, std::string_view te
         errorAtLine(context.diagnostics, 1701);
         return;
     }
-    std::unique_ptr<Wvfrm>& current = state.last_waveform->composite_current;
+    OnDemand<Wvfrm>& current = state.last_waveform->composite_current;
     if (current) errorAtLine(context.diagnostics, 1702);
     openSingleWvfrm(context, current, kCompositeCurrent, text);
 }
 
 void compositeCurrentLine(Context& context, MdlState& state, std::string_view text) {
     if (state.last_waveform == nullptr) return;
-    wvfrmLine(context, *state.last_waveform->composite_current, kCompositeCurrent, text);
+    wvfrmLine(context, state.last_waveform->composite_current.made(context.rows), kCompositeCurrent, text);
 }
 
 void closeCompositeCurrent(Context& context, const MdlState& state) {
@@ -153,8 +157,7 @@ constexpr auto kSections = sectionTable<MdlState>({
     waveformSection<MdlState, &Tables::rising_waveforms, kRisingWaveform>(K::risingWaveform),
     waveformSection<MdlState, &Tables::falling_waveforms, kFallingWaveform>(K::fallingWaveform),
     section<MdlState, openCompositeCurrent, compositeCurrentLine, closeCompositeCurrent>(K::compositeCurrent),
-    section<MdlState, openPart<&Mdl::driver_schedule, openDrvSh>, partLine<&Mdl::driver_schedule, drvShLine>>(
-        K::driverSchedule),
+    section<MdlState, openPart<&Mdl::driver_schedule, openDrvSh>, scheduleLine>(K::driverSchedule),
     section<MdlState, openAddSubmodel, readAddSubmodel>(K::addSubmodel),
     section<MdlState, openSpec, partLine<&Mdl::model_spec, mSpecLine>, closeSpec>(K::modelSpec),
     section<MdlState, openThresholds, partLine<&Mdl::receiver_thresholds, rcvThLine>>(K::receiverThresholds),
@@ -179,7 +182,7 @@ constexpr auto kSections = sectionTable<MdlState>({
 });
 
 void closeModel(Context& context, MdlState& /*state*/, Mdl& model) {
-    if (model.driver_schedule) closeDrvSh(context, *model.driver_schedule, model.name);
+    if (model.driver_schedule) closeDrvSh(context, model.driver_schedule, model.name);
     checkModel(context, model);
 }
 
@@ -195,6 +198,11 @@ const RecordModule<MdlState> kMdl{
 };
 
 CurveOwner curveOwner(const Mdl& model) { return {"Model", model.name, model.type()}; }
+
+const Rng* findRange(const Mdl& model, MdlRange which) {
+    const MdlRangeRow* const row = rowOf(model.ranges, which, &MdlRangeRow::which);
+    return row == nullptr ? nullptr : &row->range;
+}
 
 bool isDifferential(const Mdl& model) { return kDifferentialTypes.has(model.type()); }
 

@@ -14,7 +14,6 @@
 #include "reader/sections.hpp"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,14 +22,12 @@ namespace kestrel {
 
 /// One row of "[Add Submodel]".
 struct AddSubmodel {
-    std::string name; ///< at most 40 characters
+    Name name; ///< at most 40 characters
     SubmodelMode mode = SubmodelMode::none;
 };
 
-/// A single value. Its line marks it as given (0 until it reads) as soon as it is accepted.
-using GivenValue = std::optional<double>;
-
-/// What the subparameters under the keyword itself give. Volts, ohms, farads.
+/// What the subparameters under the keyword itself give. Volts, ohms, farads. The line of a single value marks it as
+/// given (0 until it reads) as soon as it is accepted.
 struct MdlValues : CComp {
     ModelType model_type = ModelType::notGiven;
     Polarity polarity = Polarity::notGiven;
@@ -45,43 +42,48 @@ struct MdlValues : CComp {
     GivenValue rref_diff;
 };
 
-/// What keywords with a range on their own line give. Volts, ohms, farads, degrees Celsius for the temperature, seconds
-/// for transit times.
-struct MdlRanges {
-    std::optional<Rng> temperature_range;
-    std::optional<Rng> voltage_range;
-    std::optional<Rng> pullup_reference;
-    std::optional<Rng> pulldown_reference;
-    std::optional<Rng> power_clamp_reference;
-    std::optional<Rng> gnd_clamp_reference;
-    std::optional<Rng> external_reference;
-    std::optional<Rng> ttgnd;
-    std::optional<Rng> ttpower;
-    std::optional<Rng> rgnd;
-    std::optional<Rng> rpower;
-    std::optional<Rng> rac;
-    std::optional<Rng> cac;
+/// What keywords with a range on their own line give.
+enum class MdlRange : std::uint8_t {
+    temperatureRange,
+    voltageRange,
+    pullupReference,
+    pulldownReference,
+    powerClampReference,
+    gndClampReference,
+    externalReference,
+    ttgnd,
+    ttpower,
+    rgnd,
+    rpower,
+    rac,
+    cac
+};
+
+/// One of those ranges. Volts, ohms, farads, degrees Celsius for the temperature, seconds for transit times.
+struct MdlRangeRow {
+    MdlRange which;
+    Rng range;
 };
 
 /// The tables of a model.
 struct MdlTables : Tables {
-    std::optional<Crv> isso_pu;
-    std::optional<Crv> isso_pd;
+    Crv isso_pu;
+    Crv isso_pd;
 };
 
 /// One "[Model]", whose name has at most 20 or 40 characters, by version. Its parts take up room only once a line gives
 /// them, so that a file of hardly more than keyword lines stays cheap.
 struct Mdl : RecordOf<SubjectKind::model> {
     OnDemand<MdlValues> values;
-    OnDemand<MdlRanges> ranges;
+    Rows<MdlRangeRow> ranges; ///< those that are given; findRange() finds one
     OnDemand<MdlTables> tables;
     std::unique_ptr<CCorner> c_comp_corner;
-    std::unique_ptr<DrvSh> driver_schedule;
+    DrvSh driver_schedule;
     std::unique_ptr<MSpec> model_spec;
     std::unique_ptr<RcvTh> receiver_thresholds;
     std::unique_ptr<SeriesBlock> on_block;
     std::unique_ptr<SeriesBlock> off_block;
-    std::vector<AddSubmodel> add_submodels;    ///< in file order
+    Rows<AddSubmodel> add_submodels;           ///< in file order
     std::unique_ptr<AlgMod> algorithmic_model; ///< "[Algorithmic Model]", from its keyword line on
     std::unique_ptr<MdlEmi> emi_model;         ///< "[Begin EMI Model]", likewise
     std::unique_ptr<ExtCkt> external_model;    ///< "[External Model]", likewise
@@ -103,6 +105,9 @@ extern const RecordModule<MdlState> kMdl;
 
 /// Whose tables they are.
 [[nodiscard]] CurveOwner curveOwner(const Mdl& model);
+
+/// The range that the keyword has given, or null.
+[[nodiscard]] const Rng* findRange(const Mdl& model, MdlRange which);
 
 /// True for the four "_diff" types.
 [[nodiscard]] bool isDifferential(const Mdl& model);

@@ -24,17 +24,17 @@ constexpr std::array<Presence, 6> kCapacitances{
 constexpr std::array<NamedPart, 2> kThresholds{
     {{"Vinl", isPresent<&MdlValues::vinl>}, {"Vinh", isPresent<&MdlValues::vinh>}}};
 
-constexpr std::array<NamedPart, 4> kTerminatorParts{{{"Rgnd", isPresent<&MdlRanges::rgnd>},
-                                                     {"Rpower", isPresent<&MdlRanges::rpower>},
-                                                     {"Rac", isPresent<&MdlRanges::rac>},
-                                                     {"Cac", isPresent<&MdlRanges::cac>}}};
+constexpr std::array<NamedPart, 4> kTerminatorParts{{{"Rgnd", isPresent<MdlRange::rgnd>},
+                                                     {"Rpower", isPresent<MdlRange::rpower>},
+                                                     {"Rac", isPresent<MdlRange::rac>},
+                                                     {"Cac", isPresent<MdlRange::cac>}}};
 
-constexpr std::array<NamedPart, 2> kPullReferences{{{"Pullup Reference", isPresent<&MdlRanges::pullup_reference>},
-                                                    {"Pulldown Reference", isPresent<&MdlRanges::pulldown_reference>}}};
+constexpr std::array<NamedPart, 2> kPullReferences{{{"Pullup Reference", isPresent<MdlRange::pullupReference>},
+                                                    {"Pulldown Reference", isPresent<MdlRange::pulldownReference>}}};
 
 constexpr std::array<NamedPart, 2> kClampReferences{
-    {{"POWER Clamp Reference", isPresent<&MdlRanges::power_clamp_reference>},
-     {"GND Clamp Reference", isPresent<&MdlRanges::gnd_clamp_reference>}}};
+    {{"POWER Clamp Reference", isPresent<MdlRange::powerClampReference>},
+     {"GND Clamp Reference", isPresent<MdlRange::gndClampReference>}}};
 
 constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::pullup>},
                                                  {"Pulldown", isPresent<&Tables::pulldown>},
@@ -42,8 +42,8 @@ constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::p
                                                  {"GND_Clamp", isPresent<&Tables::gnd_clamp>},
                                                  {"Rising Waveform", isPresent<&Tables::rising_waveforms>},
                                                  {"Falling Waveform", isPresent<&Tables::falling_waveforms>},
-                                                 {"TTgnd", isPresent<&MdlRanges::ttgnd>},
-                                                 {"TTpower", isPresent<&MdlRanges::ttpower>},
+                                                 {"TTgnd", isPresent<MdlRange::ttgnd>},
+                                                 {"TTpower", isPresent<MdlRange::ttpower>},
                                                  {"Driver Schedule", isPresent<&Mdl::driver_schedule>}}};
 
 constexpr ModelTypeSet kMeasuredBothWays{ModelType::io, ModelType::ioOpenDrain, ModelType::ioOpenSink,
@@ -72,13 +72,14 @@ void checkTerminator(Context& context, const Mdl& model) {
             if (part.present(model)) error(context.diagnostics, 185, model.name, part.word);
         }
     }
-    const MdlRanges& ranges = *model.ranges;
-    if (ranges.cac && !ranges.rac) error(context.diagnostics, 186, model.name);
-    if (ranges.rac && !ranges.cac) error(context.diagnostics, 187, model.name);
+    const bool rac = isPresent<MdlRange::rac>(model);
+    const bool cac = isPresent<MdlRange::cac>(model);
+    if (cac && !rac) error(context.diagnostics, 186, model.name);
+    if (rac && !cac) error(context.diagnostics, 187, model.name);
 }
 
 void checkReferenceVoltages(Context& context, const Mdl& model) {
-    if (model.ranges->voltage_range) return;
+    if (isPresent<MdlRange::voltageRange>(model)) return;
     for (const NamedPart& reference : kPullReferences) {
         if (reference.present(model)) continue;
         if (kPullReferenceOptional.has(model.type())) {
@@ -118,22 +119,24 @@ void checkSeriesSection(Context& context, const Mdl& model, const SeriesBlock& b
 /// What a model has to give when its thresholds follow a supply.
 struct SupplyKeyword {
     ReferenceSupply supply;
-    std::optional<Rng> MdlRanges::*reference;
+    MdlRange reference;
     CheckedMessage<ArgKind::text> missing;
 };
 constexpr auto kSupplyKeywords = std::to_array({
-    SupplyKeyword{ReferenceSupply::powerClamp, &MdlRanges::power_clamp_reference, 195},
-    SupplyKeyword{ReferenceSupply::gndClamp, &MdlRanges::gnd_clamp_reference, 196},
-    SupplyKeyword{ReferenceSupply::pullup, &MdlRanges::pullup_reference, 197},
-    SupplyKeyword{ReferenceSupply::pulldown, &MdlRanges::pulldown_reference, 198},
-    SupplyKeyword{ReferenceSupply::external, &MdlRanges::external_reference, 199},
+    SupplyKeyword{ReferenceSupply::powerClamp, MdlRange::powerClampReference, 195},
+    SupplyKeyword{ReferenceSupply::gndClamp, MdlRange::gndClampReference, 196},
+    SupplyKeyword{ReferenceSupply::pullup, MdlRange::pullupReference, 197},
+    SupplyKeyword{ReferenceSupply::pulldown, MdlRange::pulldownReference, 198},
+    SupplyKeyword{ReferenceSupply::external, MdlRange::externalReference, 199},
 });
 
 /// Thresholds that follow a supply need its reference keyword.
 void checkReferenceSupply(Context& context, const Mdl& model) {
     if (!model.receiver_thresholds) return;
     const auto* const row = rowOf(kSupplyKeywords, model.receiver_thresholds->reference_supply, &SupplyKeyword::supply);
-    if (row != nullptr && !((*model.ranges).*row->reference)) error(context.diagnostics, row->missing, model.name);
+    if (row != nullptr && findRange(model, row->reference) == nullptr) {
+        error(context.diagnostics, row->missing, model.name);
+    }
 }
 
 void checkSeriesSections(Context& context, const Mdl& model) {
@@ -176,9 +179,9 @@ void checkTestLoad(Context& context, const Mdl& model) {
 /// An I-V table of the supplies and the one that it belongs to.
 struct IssoTable {
     std::string_view name;
-    std::optional<Crv> MdlTables::*table;
+    Crv MdlTables::*table;
     std::string_view main_name;
-    std::optional<Crv> MdlTables::*main;
+    Crv MdlTables::*main;
 };
 constexpr auto kIssoTables = std::to_array({
     IssoTable{"ISSO PD", &MdlTables::isso_pd, "Pulldown", &Tables::pulldown},
@@ -201,17 +204,17 @@ bool covers(const Crv& curve, double supply) {
 
 void checkIsso(Context& context, const Mdl& model) {
     const MdlTables& tables = *model.tables;
-    const std::optional<Rng>& range = model.ranges->voltage_range;
+    const Rng* const range = findRange(model, MdlRange::voltageRange);
     for (const IssoTable& row : kIssoTables) {
-        const std::optional<Crv>& table = tables.*row.table;
+        const Crv& table = tables.*row.table;
         if (!table) continue;
         if (!(tables.*row.main)) warning(context.diagnostics, 1501, model.name, row.name, row.main_name);
         if (kNoTestLoadTypes.has(model.type())) {
             warning(context.diagnostics, 1502, model.name, row.name, modelTypeText(model.type()));
         }
-        if (!range || !range->typ().isNumber()) continue;
+        if (range == nullptr || !range->typ().isNumber()) continue;
         const double supply = range->typ().value();
-        if (!covers(*table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
+        if (!covers(table, supply)) caution(context.diagnostics, 1503, model.name, row.name, -supply, supply);
     }
 }
 

@@ -10,23 +10,23 @@ namespace {
 
 /// What "[Model Spec]" should precede; "[Receiver Thresholds]" only has to precede the first of them.
 constexpr std::array<Presence, 24> kLaterKeywords{
-    isPresent<&MdlRanges::temperature_range>,
-    isPresent<&MdlRanges::voltage_range>,
-    isPresent<&MdlRanges::pullup_reference>,
-    isPresent<&MdlRanges::pulldown_reference>,
-    isPresent<&MdlRanges::power_clamp_reference>,
-    isPresent<&MdlRanges::gnd_clamp_reference>,
-    isPresent<&MdlRanges::ttgnd>,
-    isPresent<&MdlRanges::ttpower>,
+    isPresent<MdlRange::temperatureRange>,
+    isPresent<MdlRange::voltageRange>,
+    isPresent<MdlRange::pullupReference>,
+    isPresent<MdlRange::pulldownReference>,
+    isPresent<MdlRange::powerClampReference>,
+    isPresent<MdlRange::gndClampReference>,
+    isPresent<MdlRange::ttgnd>,
+    isPresent<MdlRange::ttpower>,
     isPresent<&Mdl::driver_schedule>,
     isPresent<&Tables::pullup>,
     isPresent<&Tables::pulldown>,
     isPresent<&Tables::power_clamp>,
     isPresent<&Tables::gnd_clamp>,
-    isPresent<&MdlRanges::rgnd>,
-    isPresent<&MdlRanges::rpower>,
-    isPresent<&MdlRanges::rac>,
-    isPresent<&MdlRanges::cac>,
+    isPresent<MdlRange::rgnd>,
+    isPresent<MdlRange::rpower>,
+    isPresent<MdlRange::rac>,
+    isPresent<MdlRange::cac>,
     isPresent<&Tables::ramp>,
     isPresent<&Tables::rising_waveforms>,
     isPresent<&Tables::falling_waveforms>,
@@ -88,8 +88,8 @@ void readAddSubmodel(Context& context, Mdl& model, std::string_view text) {
         return;
     }
     if (items.count > kItems) errorAtLine(context.diagnostics, 210);
-    AddSubmodel& row = model.add_submodels.emplace_back();
-    const bool fits = storeName(context.diagnostics, row.name, items[0], kLongNameLimit, 212);
+    AddSubmodel& row = context.rows.add(model.add_submodels, {});
+    const bool fits = storeName(context, row.name, items[0], kLongNameLimit, 212);
     if (fits && isReservedWord(row.name)) errorAtLine(context.diagnostics, 213, row.name);
     if (items.count < kItems) {
         errorAtLine(context.diagnostics, 215);

@@ -86,25 +86,25 @@ using NegativeMessages = std::array<PlainMessage, kCornerCount>;
 struct RangeKeyword {
     KeywordCode code;
     std::string_view name;
-    std::optional<Rng> MdlRanges::*field;
+    MdlRange which;
     bool before_sections = false; ///< belongs ahead of the "[On]" and "[Off]" sections
     std::optional<NegativeMessages> negative;
 };
 
 constexpr std::array<RangeKeyword, 13> kRangeKeywords{{
-    {KeywordCode::temperatureRange, "Temperature Range", &MdlRanges::temperature_range, true, {}},
-    {KeywordCode::voltageRange, "Voltage Range", &MdlRanges::voltage_range, true, {}},
-    {KeywordCode::pullupReference, "Pullup Reference", &MdlRanges::pullup_reference, true, {}},
-    {KeywordCode::pulldownReference, "Pulldown Reference", &MdlRanges::pulldown_reference, true, {}},
-    {KeywordCode::powerClampReference, "POWER Clamp Reference", &MdlRanges::power_clamp_reference, true, {}},
-    {KeywordCode::gndClampReference, "GND Clamp Reference", &MdlRanges::gnd_clamp_reference, true, {}},
-    {KeywordCode::externalReference, "External Reference", &MdlRanges::external_reference, false, {}},
-    {KeywordCode::rgnd, "Rgnd", &MdlRanges::rgnd, false, {}},
-    {KeywordCode::rpower, "Rpower", &MdlRanges::rpower, false, {}},
-    {KeywordCode::rac, "Rac", &MdlRanges::rac, false, {}},
-    {KeywordCode::cac, "Cac", &MdlRanges::cac, false, {}},
-    {KeywordCode::ttgnd, "TTgnd", &MdlRanges::ttgnd, false, NegativeMessages{108, 109, 110}},
-    {KeywordCode::ttpower, "TTpower", &MdlRanges::ttpower, false, NegativeMessages{112, 113, 114}},
+    {KeywordCode::temperatureRange, "Temperature Range", MdlRange::temperatureRange, true, {}},
+    {KeywordCode::voltageRange, "Voltage Range", MdlRange::voltageRange, true, {}},
+    {KeywordCode::pullupReference, "Pullup Reference", MdlRange::pullupReference, true, {}},
+    {KeywordCode::pulldownReference, "Pulldown Reference", MdlRange::pulldownReference, true, {}},
+    {KeywordCode::powerClampReference, "POWER Clamp Reference", MdlRange::powerClampReference, true, {}},
+    {KeywordCode::gndClampReference, "GND Clamp Reference", MdlRange::gndClampReference, true, {}},
+    {KeywordCode::externalReference, "External Reference", MdlRange::externalReference, false, {}},
+    {KeywordCode::rgnd, "Rgnd", MdlRange::rgnd, false, {}},
+    {KeywordCode::rpower, "Rpower", MdlRange::rpower, false, {}},
+    {KeywordCode::rac, "Rac", MdlRange::rac, false, {}},
+    {KeywordCode::cac, "Cac", MdlRange::cac, false, {}},
+    {KeywordCode::ttgnd, "TTgnd", MdlRange::ttgnd, false, NegativeMessages{108, 109, 110}},
+    {KeywordCode::ttpower, "TTpower", MdlRange::ttpower, false, NegativeMessages{112, 113, 114}},
 }};
 
 void reportNegative(Diagnostics& diagnostics, const Rng& range, const NegativeMessages& messages) {
@@ -121,18 +121,17 @@ void reportAlreadyDefined(Context& context, const Mdl& model, std::string_view n
 }
 
 void readSubparameter(Context& context, Mdl& model, std::string_view text) {
-    MdlValues& values = model.values.made();
+    MdlValues& values = model.values.made(context.rows);
     const Row* const row = readSubparameter(context, kSubparameters, values, text, model.name);
     if (row == nullptr) return;
-    if (const auto* const range = std::get_if<std::optional<Rng> MdlValues::*>(&row->field)) {
+    if (const auto* const range = std::get_if<GivenRange MdlValues::*>(&row->field)) {
         checkCornerOrder(context, model, row->name, *(values.**range));
     }
 }
 
 void readRangeKeyword(Context& context, Mdl& model, const Line& line) {
     const RangeKeyword& row = *rowOf(kRangeKeywords, line.key, &RangeKeyword::code);
-    std::optional<Rng>& field = model.ranges.made().*row.field;
-    if (field) {
+    if (findRange(model, row.which) != nullptr) {
         reportAlreadyDefined(context, model, row.name);
         return;
     }
@@ -140,8 +139,10 @@ void readRangeKeyword(Context& context, Mdl& model, const Line& line) {
     if (row.before_sections && sections_begun && model.type() == ModelType::seriesSwitch) {
         errorAtLine(context.diagnostics, 204, model.name, row.name);
     }
-    readRangeLine(context, line.text, row.name, kModelRangeRules, field);
-    if (field && row.negative) reportNegative(context.diagnostics, *field, *row.negative);
+    GivenRange range;
+    if (!readRangeLine(context, line.text, row.name, kModelRangeRules, range)) return;
+    context.rows.add(model.ranges, {row.which, *range});
+    if (row.negative) reportNegative(context.diagnostics, *range, *row.negative);
 }
 
 } // namespace kestrel

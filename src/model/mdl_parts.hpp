@@ -18,13 +18,17 @@ template <auto Field, class Part, class... Others>
     }
 }
 
-/// True when the model has what `Field` holds: a value, a table, at least one entry, a flag.
+/// True when the model has what `Field` names or holds: a range, a value, a table, at least one entry, a flag.
 template <auto Field> [[nodiscard]] bool isPresent(const Mdl& model) {
-    const auto& value = fieldOf<Field>(model, *model.values, *model.ranges, *model.tables);
-    if constexpr (requires { value.empty(); }) {
-        return !value.empty();
+    if constexpr (std::is_same_v<decltype(Field), MdlRange>) {
+        return findRange(model, Field) != nullptr;
     } else {
-        return static_cast<bool>(value);
+        const auto& value = fieldOf<Field>(model, *model.values, *model.tables);
+        if constexpr (requires { value.empty(); }) {
+            return !value.empty();
+        } else {
+            return static_cast<bool>(value);
+        }
     }
 }
 using Presence = bool (*)(const Mdl&);

@@ -1,5 +1,6 @@
 #include "model/msel.hpp"
 
+#include "base/rows.hpp"
 #include "base/text.hpp"
 #include "reader/record_name.hpp"
 
@@ -20,6 +21,18 @@ std::string_view entryDescription(Context& context, std::string_view text, std::
     return text.substr(0, room);
 }
 
+/// Notes the name of an entry that comes behind `entries`; false when one of them has it already.
+bool noteEntryName(MSelState& state, const Rows<MSelEntry>& entries, Name name) {
+    constexpr std::size_t kFew = 32; // which are compared one by one
+    if (entries.size() < kFew) return rowOf(entries, name, &MSelEntry::model_name) == nullptr;
+    if (entries.size() == kFew) {
+        for (const MSelEntry& entry : entries) {
+            state.entry_names.at(entry.model_name.number()) = 1;
+        }
+    }
+    return std::exchange(state.entry_names.at(name.number()), 1U) == 0;
+}
+
 /// Reads "model description" and appends it, repeated or not.
 void entryLine(Context& context, MSelState& state, MSel& selector, std::string_view text) {
     constexpr int kItems = 2;
@@ -30,11 +43,14 @@ void entryLine(Context& context, MSelState& state, MSel& selector, std::string_v
     }
     if (items.count < kItems) errorAtLine(context.diagnostics, 4011, items.count, kKeyword, kItems);
     const auto name_end = static_cast<std::size_t>(items[0].data() + items[0].size() - text.data());
-    MSelEntry& entry = selector.entries.emplace_back();
-    storeName(context.diagnostics, entry.model_name, items[0], modelNameLimit(context.parse.version), 4017);
+    MSelEntry entry;
+    storeName(context, entry.model_name, items[0], modelNameLimit(context.parse.version), 4017);
     if (equalsNoCase(entry.model_name, "NA")) errorAtLine(context.diagnostics, 4018);
-    entry.description = entryDescription(context, trim(text.substr(name_end)), entry.model_name.size());
-    if (!state.entry_names.insert(entry.model_name).second) errorAtLine(context.diagnostics, 4025, entry.model_name);
+    const std::string_view description = trim(text.substr(name_end));
+    entry.description = context.texts.add(entryDescription(context, description, entry.model_name.size()));
+    const bool is_new = noteEntryName(state, selector.entries, entry.model_name);
+    context.rows.add(selector.entries, entry);
+    if (!is_new) errorAtLine(context.diagnostics, 4025, entry.model_name);
 }
 
 void closeSelector(Context& context, MSelState& /*state*/, MSel& selector) {

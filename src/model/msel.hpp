@@ -1,29 +1,30 @@
 #pragma once
 
-#include "base/text_hash.hpp"
+#include "base/name_table.hpp"
+#include "base/number_index.hpp"
+#include "base/row_store.hpp"
+#include "base/text_store.hpp"
 #include "reader/sections.hpp"
 
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace kestrel {
 
 /// One entry of a selector.
 struct MSelEntry {
-    std::string model_name; ///< at most 20 or 40 characters, by version
-    std::string description;
+    Name model_name; ///< at most 20 or 40 characters, by version
+    StoredText description;
 };
 
 /// One "[Model Selector]", whose name has at most 20 or 40 characters, by version.
 struct MSel : RecordOf<SubjectKind::modelSelector> {
-    std::vector<MSelEntry> entries;   ///< in file order
+    Rows<MSelEntry> entries;          ///< in file order
     std::optional<bool> single_ended; ///< kind of the first entry, set by the final checks
 };
 
 /// The selector being read.
 struct MSelState : RecordState<MSel> {
-    TextSet entry_names; ///< for the test of repeated names
+    NumberIndex entry_names; ///< for the test of repeated names, once there are many
 };
 
 /// Reads selectors. At the end of one its number of entries is checked.

@@ -6,7 +6,7 @@ namespace kestrel {
 
 namespace {
 
-using Field = std::optional<Rng> MSpec::*;
+using Field = GivenRange MSpec::*;
 using Row = Subparameter<MSpec>;
 
 constexpr auto kFrom4 = IbisVersion::v4;

@@ -4,7 +4,6 @@
 #include "reader/line_form.hpp"
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 namespace kestrel {
@@ -12,41 +11,41 @@ namespace kestrel {
 /// "[Model Spec]": thresholds, overshoot limits and timing test loads that take the place of the model's own. Volts,
 /// seconds, farads, ohms, amperes; areas in volt seconds.
 struct MSpec {
-    std::optional<Rng> vinh;
-    std::optional<Rng> vinl;
-    std::optional<Rng> vinh_plus;
-    std::optional<Rng> vinh_minus;
-    std::optional<Rng> vinl_plus;
-    std::optional<Rng> vinl_minus;
-    std::optional<Rng> s_overshoot_high;
-    std::optional<Rng> s_overshoot_low;
-    std::optional<Rng> d_overshoot_high;
-    std::optional<Rng> d_overshoot_low;
-    std::optional<Rng> pulse_high;
-    std::optional<Rng> pulse_low;
-    std::optional<Rng> d_overshoot_time;
-    std::optional<Rng> pulse_time;
-    std::optional<Rng> vmeas;
-    std::optional<Rng> vref;
-    std::optional<Rng> cref;
-    std::optional<Rng> rref;
-    std::optional<Rng> cref_rising;
-    std::optional<Rng> cref_falling;
-    std::optional<Rng> rref_rising;
-    std::optional<Rng> rref_falling;
-    std::optional<Rng> vref_rising;
-    std::optional<Rng> vref_falling;
-    std::optional<Rng> vmeas_rising;
-    std::optional<Rng> vmeas_falling;
-    std::optional<Rng> rref_diff;
-    std::optional<Rng> cref_diff;
-    std::optional<Rng> d_overshoot_area_h;
-    std::optional<Rng> d_overshoot_area_l;
-    std::optional<Rng> d_overshoot_ampl_h;
-    std::optional<Rng> d_overshoot_ampl_l;
-    std::optional<Rng> weak_r;
-    std::optional<Rng> weak_i;
-    std::optional<Rng> weak_v;
+    GivenRange vinh;
+    GivenRange vinl;
+    GivenRange vinh_plus;
+    GivenRange vinh_minus;
+    GivenRange vinl_plus;
+    GivenRange vinl_minus;
+    GivenRange s_overshoot_high;
+    GivenRange s_overshoot_low;
+    GivenRange d_overshoot_high;
+    GivenRange d_overshoot_low;
+    GivenRange pulse_high;
+    GivenRange pulse_low;
+    GivenRange d_overshoot_time;
+    GivenRange pulse_time;
+    GivenRange vmeas;
+    GivenRange vref;
+    GivenRange cref;
+    GivenRange rref;
+    GivenRange cref_rising;
+    GivenRange cref_falling;
+    GivenRange rref_rising;
+    GivenRange rref_falling;
+    GivenRange vref_rising;
+    GivenRange vref_falling;
+    GivenRange vmeas_rising;
+    GivenRange vmeas_falling;
+    GivenRange rref_diff;
+    GivenRange cref_diff;
+    GivenRange d_overshoot_area_h;
+    GivenRange d_overshoot_area_l;
+    GivenRange d_overshoot_ampl_h;
+    GivenRange d_overshoot_ampl_l;
+    GivenRange weak_r;
+    GivenRange weak_i;
+    GivenRange weak_v;
     RefusedLines refused;
 };
 

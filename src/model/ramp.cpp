@@ -21,12 +21,12 @@ bool readPart(Diagnostics& diagnostics, std::string_view text, std::string_view 
 /// Reads a cell "dV/dt" or "NA"; any other is reported and leaves the corner as if it were missing.
 RampCorner readCorner(Context& context, std::string_view cell, std::string_view name, std::string_view word) {
     const ItemList parts = splitItems(context, cell, 3, '/');
-    if (parts.count == 1 && equalsNoCase(parts[0], "NA")) return {.state = CellState::na};
-    RampCorner corner;
-    if (parts.count == 3 && parts[1] == "/" && readPart(context.diagnostics, parts[0], name, word, corner.dv) &&
-        readPart(context.diagnostics, parts[2], name, word, corner.dt)) {
-        corner.state = CellState::number;
-        return corner;
+    if (parts.count == 1 && equalsNoCase(parts[0], "NA")) return {.dv = Cell::na()};
+    double dv = 0.0;
+    double dt = 0.0;
+    if (parts.count == 3 && parts[1] == "/" && readPart(context.diagnostics, parts[0], name, word, dv) &&
+        readPart(context.diagnostics, parts[2], name, word, dt)) {
+        return {Cell(dv), dt};
     }
     errorAtLine(context.diagnostics, 1312, name, word, cell);
     return {};
@@ -36,11 +36,11 @@ RampCorner readCorner(Context& context, std::string_view cell, std::string_view 
 /// zero; a typical one has been reported.
 void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_view name) {
     const RampCorner& typical = rate.typ();
-    if (typical.state == CellState::na) errorAtLine(diagnostics, 1309, name);
+    if (typical.state() == CellState::na) errorAtLine(diagnostics, 1309, name);
     for (const RampCorner& corner : rate) {
-        if (corner.state == CellState::na) continue;
-        if (&corner == &typical && corner.state == CellState::missing) continue;
-        if (corner.dv <= 0.0) errorAtLine(diagnostics, 1310, "dV");
+        if (corner.state() == CellState::na) continue;
+        if (&corner == &typical && corner.state() == CellState::missing) continue;
+        if (corner.dv.value() <= 0.0) errorAtLine(diagnostics, 1310, "dV");
         if (corner.dt <= 0.0) errorAtLine(diagnostics, 1310, "dT");
     }
 }
@@ -82,11 +82,10 @@ constexpr auto kRamp = subparameters<Subparameter<Ramp>>(
 
 } // namespace
 
-void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text) {
+void openRamp(Context& context, OnDemand<Ramp>& slot, std::string_view text) {
     if (slot) errorAtLine(context.diagnostics, 1300);
-    slot.emplace();
+    slot.madeAnew(context.rows).line = context.parse.line;
     expectNoText(context, text, "Ramp", 1304);
-    slot->line = context.parse.line;
 }
 
 void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name) {

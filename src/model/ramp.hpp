@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/on_demand.hpp"
 #include "reader/corner.hpp"
 #include "reader/values.hpp"
 
@@ -13,9 +14,10 @@ struct Context;
 
 /// One corner of an edge rate: a voltage step (volts) over a time (seconds).
 struct RampCorner {
-    double dv = 0.0;
+    Cell dv; ///< missing or "NA" with the corner
     double dt = 0.0;
-    CellState state = CellState::missing;
+
+    [[nodiscard]] CellState state() const { return dv.state(); }
 };
 
 /// An edge rate.
@@ -26,11 +28,11 @@ struct Ramp {
     std::uint32_t line = 0; ///< at which it began
     std::optional<RampRate> dv_dt_r;
     std::optional<RampRate> dv_dt_f;
-    std::optional<double> r_load; ///< ohms
+    GivenValue r_load; ///< ohms
 };
 
 /// Opens a ramp at its keyword line; it takes the place of an old one, which is reported.
-void openRamp(Context& context, std::optional<Ramp>& slot, std::string_view text);
+void openRamp(Context& context, OnDemand<Ramp>& slot, std::string_view text);
 
 /// Reads a rate or load line; `owner_name` is the model's or submodel's name.
 void rampLine(Context& context, Ramp& ramp, std::string_view text, std::string_view owner_name);

@@ -8,7 +8,7 @@ namespace kestrel {
 
 namespace {
 
-using Field = std::optional<double> RcvTh::*;
+using Field = GivenValue RcvTh::*;
 using Row = Subparameter<RcvTh, ReferenceSupply>;
 
 constexpr std::array<EnumerationRow<ReferenceSupply>, 5> kSupplies{{
@@ -68,7 +68,7 @@ void checkSensitivity(Context& context, const RcvTh& thresholds, std::string_vie
 }
 
 void checkOrder(Context& context, const RcvTh& t, std::string_view model) {
-    const auto above = [](const std::optional<double>& a, const std::optional<double>& b) { return a && b && *a > *b; };
+    const auto above = [](const GivenValue& a, const GivenValue& b) { return a && b && *a > *b; };
     const auto wrong = [&](std::string_view first, std::string_view second) {
         warning(context.diagnostics, 3220, model, first, second);
     };

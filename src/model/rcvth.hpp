@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string_view>
 
 namespace kestrel {
@@ -15,21 +14,21 @@ enum class ReferenceSupply : std::uint8_t { notGiven, powerClamp, gndClamp, pull
 /// "[Receiver Thresholds]" in volts and seconds; the four "_ac" and "_dc" thresholds of a single input are offsets from
 /// `vth`.
 struct RcvTh {
-    std::optional<double> vth;
-    std::optional<double> vth_min;
-    std::optional<double> vth_max;
-    std::optional<double> vinh_ac;
-    std::optional<double> vinh_dc;
-    std::optional<double> vinl_ac;
-    std::optional<double> vinl_dc;
-    std::optional<double> threshold_sensitivity; ///< volts per volt of the supply
+    GivenValue vth;
+    GivenValue vth_min;
+    GivenValue vth_max;
+    GivenValue vinh_ac;
+    GivenValue vinh_dc;
+    GivenValue vinl_ac;
+    GivenValue vinl_dc;
+    GivenValue threshold_sensitivity; ///< volts per volt of the supply
     ReferenceSupply reference_supply = ReferenceSupply::notGiven;
-    std::optional<double> vcross_low;
-    std::optional<double> vcross_high;
-    std::optional<double> vdiff_ac;
-    std::optional<double> vdiff_dc;
-    std::optional<double> tslew_ac;
-    std::optional<double> tdiffslew_ac;
+    GivenValue vcross_low;
+    GivenValue vcross_high;
+    GivenValue vdiff_ac;
+    GivenValue vdiff_dc;
+    GivenValue tslew_ac;
+    GivenValue tdiffslew_ac;
     RefusedLines refused;
 };
 

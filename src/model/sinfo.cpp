@@ -9,7 +9,7 @@ namespace kestrel {
 
 namespace {
 
-using Field = std::optional<Rng> SeriesBlock::*;
+using Field = GivenRange SeriesBlock::*;
 
 /// An element of a series section by its keyword.
 struct SeriesElement {
@@ -56,7 +56,7 @@ SeriesBlock& openSeriesBlock(Context& context, std::unique_ptr<SeriesBlock>& slo
 
 void readSeriesRange(Context& context, SeriesBlock& block, const Line& line, std::string_view model) {
     const SeriesElement& row = *rowOf(kElements, line.key, &SeriesElement::code);
-    std::optional<Rng>& value = block.*row.field;
+    GivenRange& value = block.*row.field;
     if (value) {
         errorAtLine(context.diagnostics, 119, row.name(), model);
     } else if (!readRangeLine(context, line.text, row.name(), kRangeRules, value)) {
@@ -77,7 +77,7 @@ void checkSeriesBlock(Context& context, const SeriesBlock& block, std::string_vi
               kElements[placeOf(rule.needed)].label);
     }
     for (const SeriesElement& element : kElements) {
-        const std::optional<Rng>& value = block.*element.field;
+        const GivenRange& value = block.*element.field;
         if (value && anyBelowZero(*value)) warning(context.diagnostics, 2906, model, label, element.label);
     }
 }

@@ -6,7 +6,6 @@
 #include "reader/line_form.hpp"
 
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -16,13 +15,13 @@ struct Context;
 
 /// One "[On]" or "[Off]" section of a series model: its elements in ohms, henries and farads.
 struct SeriesBlock {
-    std::optional<Rng> r_series;
-    std::optional<Rng> l_series;
-    std::optional<Rng> rl_series;
-    std::optional<Rng> c_series;
-    std::optional<Rng> rc_series;
-    std::optional<Rng> lc_series;
-    std::optional<Crv> series_current;
+    GivenRange r_series;
+    GivenRange l_series;
+    GivenRange rl_series;
+    GivenRange c_series;
+    GivenRange rc_series;
+    GivenRange lc_series;
+    Crv series_current;
     std::vector<SMos> mosfets; ///< in file order
     RefusedLines refused;
 };

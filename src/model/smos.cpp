@@ -13,7 +13,7 @@ constexpr std::string_view kVds = "Vds";
 constexpr std::size_t kMaxTables = 100;
 
 /// Reads "Vds = number"; false when the line gives no voltage.
-bool readVds(Context& context, std::optional<double>& vds, std::string_view text) {
+bool readVds(Context& context, GivenValue& vds, std::string_view text) {
     Diagnostics& diagnostics = context.diagnostics;
     const ValueLine line = splitValueLine(context, text);
     if (!line.complete) {

@@ -2,7 +2,6 @@
 
 #include "model/crv.hpp"
 
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -12,8 +11,8 @@ struct Context;
 
 /// One "[Series MOSFET]": its current over the gate voltage at one drain-to-source voltage.
 struct SMos {
-    std::optional<double> vds; ///< volts
-    bool vds_refused = false;  ///< a line for it was there and has been reported
+    GivenValue vds;           ///< volts
+    bool vds_refused = false; ///< a line for it was there and has been reported
     Crv table;
 };
 

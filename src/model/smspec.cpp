@@ -16,9 +16,9 @@ constexpr auto kSpec = subparameters<Subparameter<SmSpec>>(
 
 } // namespace
 
-void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view text) {
+void openSmSpec(Context& context, OnDemand<SmSpec>& slot, std::string_view text) {
     if (slot) errorAtLine(context.diagnostics, 2700);
-    slot.emplace();
+    static_cast<void>(slot.madeAnew(context.rows));
     expectNoText(context, text, "Submodel Spec", 2704);
 }
 

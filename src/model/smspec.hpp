@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/on_demand.hpp"
 #include "reader/rng.hpp"
 
-#include <optional>
 #include <string_view>
 
 namespace kestrel {
@@ -11,13 +11,13 @@ struct Context;
 
 /// "[Submodel Spec]": trigger voltages (volts) and the delay (seconds) until a bus holder lets go.
 struct SmSpec {
-    std::optional<Rng> v_trigger_r;
-    std::optional<Rng> v_trigger_f;
-    std::optional<Rng> off_delay;
+    GivenRange v_trigger_r;
+    GivenRange v_trigger_f;
+    GivenRange off_delay;
 };
 
 /// Opens a spec at its keyword line; it takes the place of an old one, which is reported.
-void openSmSpec(Context& context, std::optional<SmSpec>& slot, std::string_view text);
+void openSmSpec(Context& context, OnDemand<SmSpec>& slot, std::string_view text);
 
 /// Reads one line of it.
 void smSpecLine(Context& context, SmSpec& spec, std::string_view text, std::string_view submodel);

@@ -39,7 +39,7 @@ void requireType(Context& context, const SubMdl& submodel) {
 }
 
 void openSpec(Context& context, SubMdl& submodel, std::string_view text) {
-    SubMdlTables& tables = submodel.tables.made();
+    SubMdlTables& tables = submodel.tables.made(context.rows);
     if (tables.pulldown || tables.pullup || tables.gnd_clamp || tables.power_clamp || submodel.gnd_pulse ||
         submodel.power_pulse) {
         errorAtLine(context.diagnostics, 2406);
@@ -48,22 +48,22 @@ void openSpec(Context& context, SubMdl& submodel, std::string_view text) {
 }
 
 void specLine(Context& context, SubMdl& submodel, std::string_view text) {
-    smSpecLine(context, *submodel.tables.made().spec, text, submodel.name);
+    smSpecLine(context, submodel.tables.made(context.rows).spec.made(context.rows), text, submodel.name);
 }
 
 void closeSpec(Context& context, const SubMdl& submodel) {
     closeSmSpec(context, *submodel.tables->spec, submodel.name);
 }
 
-template <const WaveformLabel& Label, std::unique_ptr<Wvfrm> SubMdl::*Slot, CheckedMessage<> Repeated>
+template <const WaveformLabel& Label, OnDemand<Wvfrm> SubMdl::*Slot, CheckedMessage<> Repeated>
 constexpr Section<SubMdlState> pulse(KeywordCode key) {
     constexpr auto kOpen = [](Context& context, SubMdl& submodel, std::string_view text) {
-        std::unique_ptr<Wvfrm>& table = submodel.*Slot;
-        if (table != nullptr) errorAtLine(context.diagnostics, Repeated);
+        OnDemand<Wvfrm>& table = submodel.*Slot;
+        if (table) errorAtLine(context.diagnostics, Repeated);
         openSingleWvfrm(context, table, Label, text);
     };
     constexpr auto kLine = [](Context& context, SubMdl& submodel, std::string_view text) {
-        wvfrmLine(context, *(submodel.*Slot), Label, text);
+        wvfrmLine(context, (submodel.*Slot).made(context.rows), Label, text);
     };
     constexpr auto kClose = [](Context& context, const SubMdl& submodel) {
         closeWvfrm(context, *(submodel.*Slot), Label);

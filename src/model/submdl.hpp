@@ -4,8 +4,6 @@
 #include "model/tables.hpp"
 
 #include <cstdint>
-#include <memory>
-#include <optional>
 
 namespace kestrel {
 
@@ -14,15 +12,15 @@ enum class SubmodelType : std::uint8_t { notGiven = 0, noType = 1, dynamicClamp 
 
 /// The tables that a submodel has as models have them, and the "[Submodel Spec]" that says when they apply.
 struct SubMdlTables : Tables {
-    std::optional<SmSpec> spec;
+    OnDemand<SmSpec> spec;
 };
 
 /// One "[Submodel]", whose name has at most 40 characters.
 struct SubMdl : RecordOf<SubjectKind::submodel> {
     SubmodelType type = SubmodelType::notGiven;
     OnDemand<SubMdlTables> tables;
-    std::unique_ptr<Wvfrm> gnd_pulse;
-    std::unique_ptr<Wvfrm> power_pulse;
+    OnDemand<Wvfrm> gnd_pulse;
+    OnDemand<Wvfrm> power_pulse;
 };
 
 /// The submodel being read.

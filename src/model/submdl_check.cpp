@@ -3,8 +3,6 @@
 #include "reader/values.hpp"
 
 #include <array>
-#include <memory>
-#include <vector>
 
 namespace kestrel {
 
@@ -92,11 +90,11 @@ void checkEnd(Context& context, std::string_view submodel, const TableRow& row, 
     }
 }
 
-void checkTrigger(Context& context, std::string_view submodel, const std::vector<std::unique_ptr<Wvfrm>>& waveforms,
-                  const std::optional<Rng>& trigger, const TriggerRule& rule) {
+void checkTrigger(Context& context, std::string_view submodel, const Rows<Wvfrm>& waveforms, const GivenRange& trigger,
+                  const TriggerRule& rule) {
     if (!trigger || !trigger->typ().isNumber()) return;
-    for (const std::unique_ptr<Wvfrm>& waveform : waveforms) {
-        const Rows<TableRow>& rows = waveform->rows;
+    for (const Wvfrm& waveform : waveforms) {
+        const Rows<TableRow>& rows = waveform.rows;
         if (rows.empty() || !rows.front()[kTyp].isNumber()) continue;
         checkEnd(context, submodel, rows.front(), *trigger, rule.start);
         checkEnd(context, submodel, rows.back(), *trigger, rule.end);
@@ -111,7 +109,7 @@ void checkSubMdl(Context& context, const SubMdl& submodel) {
             error(context.diagnostics, rule.message, submodel.name);
         }
     }
-    const std::optional<SmSpec>& spec = submodel.tables->spec;
+    const OnDemand<SmSpec>& spec = submodel.tables->spec;
     if (!spec) return;
     checkTrigger(context, submodel.name, submodel.tables->rising_waveforms, spec->v_trigger_r, kRisingRule);
     checkTrigger(context, submodel.name, submodel.tables->falling_waveforms, spec->v_trigger_f, kFallingRule);

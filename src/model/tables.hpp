@@ -6,22 +6,18 @@
 #include "model/wvfrm.hpp"
 #include "reader/sections.hpp"
 
-#include <memory>
-#include <optional>
-#include <vector>
-
 /// The tables that models and submodels have alike, and the sections that read them.
 namespace kestrel {
 
 /// The I-V tables, the ramp and the waveforms of a model or submodel.
 struct Tables {
-    std::optional<Crv> pulldown;
-    std::optional<Crv> pullup;
-    std::optional<Crv> gnd_clamp;
-    std::optional<Crv> power_clamp;
-    std::optional<Ramp> ramp;
-    std::vector<std::unique_ptr<Wvfrm>> rising_waveforms;  ///< in file order
-    std::vector<std::unique_ptr<Wvfrm>> falling_waveforms; ///< in file order
+    Crv pulldown;
+    Crv pullup;
+    Crv gnd_clamp;
+    Crv power_clamp;
+    OnDemand<Ramp> ramp;
+    Rows<Wvfrm> rising_waveforms;  ///< in file order
+    Rows<Wvfrm> falling_waveforms; ///< in file order
 };
 
 /// The state of a module that reads records with tables, which each record keeps in `tables` and `curveOwner` names.
@@ -33,13 +29,13 @@ template <class Record> struct TablesState : RecordState<Record> {
 template <class State, auto Slot, CurveKind Kind> constexpr Section<State> curveSection(KeywordCode key) {
     using Record = typename State::Record;
     constexpr auto kOpen = [](Context& context, State& state, Record& record, std::string_view text) {
-        openCrv(context, state.crv, record.tables.made().*Slot, Kind, text);
+        openCrv(context, state.crv, record.tables.made(context.rows).*Slot, Kind, text);
     };
     constexpr auto kLine = [](Context& context, State& state, Record& record, std::string_view text) {
-        crvLine(context, state.crv, *(record.tables.made().*Slot), Kind, text);
+        crvLine(context, state.crv, record.tables.made(context.rows).*Slot, Kind, text);
     };
     constexpr auto kClose = [](Context& context, const State& state, const Record& record) {
-        closeCrv(context, state.crv, *((*record.tables).*Slot), Kind, curveOwner(record));
+        closeCrv(context, state.crv, (*record.tables).*Slot, Kind, curveOwner(record));
     };
     return section<State, kOpen, kLine, kClose>(key);
 }
@@ -47,10 +43,10 @@ template <class State, auto Slot, CurveKind Kind> constexpr Section<State> curve
 template <class State> constexpr Section<State> rampSection(KeywordCode key) {
     using Record = typename State::Record;
     constexpr auto kOpen = [](Context& context, Record& record, std::string_view text) {
-        openRamp(context, record.tables.made().ramp, text);
+        openRamp(context, record.tables.made(context.rows).ramp, text);
     };
     constexpr auto kLine = [](Context& context, Record& record, std::string_view text) {
-        rampLine(context, *record.tables.made().ramp, text, record.name);
+        rampLine(context, record.tables.made(context.rows).ramp.made(context.rows), text, record.name);
     };
     constexpr auto kClose = [](Context& context, const Record& record) { closeRamp(context, *record.tables->ramp); };
     return section<State, kOpen, kLine, kClose>(key);
@@ -60,7 +56,7 @@ template <class State, auto List, const WaveformLabel& Label>
 constexpr Section<State> waveformSection(KeywordCode key) {
     using Record = typename State::Record;
     constexpr auto kOpen = [](Context& context, State& state, Record& record, std::string_view text) {
-        state.last_waveform = &openWvfrm(context, record.tables.made().*List, Label, text);
+        state.last_waveform = &openWvfrm(context, record.tables.made(context.rows).*List, Label, text);
     };
     constexpr auto kLine = [](Context& context, State& state, std::string_view text) {
         wvfrmLine(context, *state.last_waveform, Label, text);

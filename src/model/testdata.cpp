@@ -54,7 +54,7 @@ template <std::size_t Table> void tableLine(Context& context, TestData& data, st
     std::string_view rest = text;
     const auto* const row = kData.find(takeItem(context, rest, '='));
     if (row == nullptr) {
-        wvfrmLine(context, *data.tables[Table], kTables[Table], text);
+        wvfrmLine(context, data.tables[Table].made(context.rows), kTables[Table], text);
         return;
     }
     warningAtLine(context.diagnostics, 2318, row->name, data.name);
@@ -89,7 +89,7 @@ void closeTestData(Context& context, State& /*state*/, TestData& data) {
     require(&TestData::type);
     require(&TestData::driver_model);
     require(&TestData::test_load);
-    if (std::ranges::none_of(data.tables, [](const auto& table) { return table != nullptr; })) {
+    if (std::ranges::none_of(data.tables, [](const auto& table) { return static_cast<bool>(table); })) {
         error(diagnostics, 2322, data.name);
     }
     if (data.type != TestType::singleEnded) return;

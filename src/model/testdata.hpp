@@ -4,7 +4,6 @@
 #include "model/wvfrm.hpp"
 
 #include <array>
-#include <memory>
 #include <string>
 
 namespace kestrel {
@@ -16,7 +15,7 @@ struct TestData : RecordOf<SubjectKind::testData> {
     std::string driver_model;
     std::string driver_model_inv;
     std::string test_load;
-    std::array<std::unique_ptr<Wvfrm>, 8> tables; ///< in the order of their keywords
+    std::array<OnDemand<Wvfrm>, 8> tables; ///< in the order of their keywords
     RefusedLines refused;
 };
 

@@ -45,12 +45,12 @@ constexpr auto kLoad = subparameters<Subparameter<TestLoad, TestType>>(
         .group = kKeyword,
     });
 
-using Value = std::optional<double> TestLoad::*;
+using Value = GivenValue TestLoad::*;
 
 /// Parallel resistors and the voltage that they end at.
 struct Termination {
     std::array<Value, 2> resistors;
-    std::optional<Rng> TestLoad::*voltage;
+    GivenRange TestLoad::*voltage;
 };
 constexpr std::array<Termination, 2> kTerminations{{
     {{&TestLoad::rp1_near, &TestLoad::rp1_far}, &TestLoad::v_term1},

@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace kestrel {
@@ -23,26 +22,26 @@ inline constexpr std::array<EnumerationRow<TestType>, 2> kTestTypes{{
 /// volts. A series part that is missing is a short, a parallel one is open. The name has at most 40 characters.
 struct TestLoad : RecordOf<SubjectKind::testLoad> {
     TestType type = TestType::notGiven;
-    std::optional<double> c1_near;
-    std::optional<double> c2_near;
-    std::optional<double> c1_far;
-    std::optional<double> c2_far;
-    std::optional<double> rs_near;
-    std::optional<double> rs_far;
-    std::optional<double> rp1_near;
-    std::optional<double> rp2_near;
-    std::optional<double> rp1_far;
-    std::optional<double> rp2_far;
-    std::optional<double> ls_near;
-    std::optional<double> ls_far;
-    std::optional<double> td;
-    std::optional<double> zo;
-    std::optional<Rng> v_term1;
-    std::optional<Rng> v_term2;
+    GivenValue c1_near;
+    GivenValue c2_near;
+    GivenValue c1_far;
+    GivenValue c2_far;
+    GivenValue rs_near;
+    GivenValue rs_far;
+    GivenValue rp1_near;
+    GivenValue rp2_near;
+    GivenValue rp1_far;
+    GivenValue rp2_far;
+    GivenValue ls_near;
+    GivenValue ls_far;
+    GivenValue td;
+    GivenValue zo;
+    GivenRange v_term1;
+    GivenRange v_term2;
     std::string receiver_model;
     std::string receiver_model_inv;
-    std::optional<double> r_diff_near;
-    std::optional<double> r_diff_far;
+    GivenValue r_diff_near;
+    GivenValue r_diff_far;
     RefusedLines refused;
     bool used = false; ///< some test data name it
 };

@@ -105,18 +105,15 @@ void checkOffsets(Context& context, const Wvfrm& waveform, const WaveformLabel& 
 
 } // namespace
 
-Wvfrm& openWvfrm(Context& context, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
-                 std::string_view text) {
-    Wvfrm& waveform = *list.emplace_back(std::make_unique<Wvfrm>());
+Wvfrm& openWvfrm(Context& context, Rows<Wvfrm>& list, const WaveformLabel& label, std::string_view text) {
+    Wvfrm& waveform = context.rows.add(list, {});
     if (list.size() > kMaxWaveforms) errorAtLine(context.diagnostics, 2000, label.open);
     beginTable(context, waveform, label, text);
     return waveform;
 }
 
-void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label,
-                     std::string_view text) {
-    slot = std::make_unique<Wvfrm>();
-    beginTable(context, *slot, label, text);
+void openSingleWvfrm(Context& context, OnDemand<Wvfrm>& slot, const WaveformLabel& label, std::string_view text) {
+    beginTable(context, slot.madeAnew(context.rows), label, text);
 }
 
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text) {

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "base/on_demand.hpp"
 #include "base/row_store.hpp"
 #include "reader/rngp.hpp"
 
 #include <cstdint>
-#include <memory>
-#include <optional>
 #include <string_view>
-#include <vector>
 
 namespace kestrel {
 
@@ -15,18 +13,18 @@ struct Context;
 
 /// One voltage-versus-time table with its test fixture: time (seconds), then typical, minimum and maximum voltage.
 struct Wvfrm {
-    std::uint32_t line = 0;                   ///< at which it began
-    std::optional<double> r_fixture;          ///< ohms
-    std::optional<double> v_fixture;          ///< volts
-    std::optional<double> v_fixture_min;      ///< volts
-    std::optional<double> v_fixture_max;      ///< volts
-    std::optional<double> c_fixture;          ///< farads
-    std::optional<double> l_fixture;          ///< henries
-    std::optional<double> r_dut;              ///< ohms
-    std::optional<double> l_dut;              ///< henries
-    std::optional<double> c_dut;              ///< farads
-    Rows<TableRow> rows;                      ///< in file order
-    std::unique_ptr<Wvfrm> composite_current; ///< rows of amperes through the supply over the same time
+    std::uint32_t line = 0;            ///< at which it began
+    GivenValue r_fixture;              ///< ohms
+    GivenValue v_fixture;              ///< volts
+    GivenValue v_fixture_min;          ///< volts
+    GivenValue v_fixture_max;          ///< volts
+    GivenValue c_fixture;              ///< farads
+    GivenValue l_fixture;              ///< henries
+    GivenValue r_dut;                  ///< ohms
+    GivenValue l_dut;                  ///< henries
+    GivenValue c_dut;                  ///< farads
+    Rows<TableRow> rows;               ///< in file order
+    OnDemand<Wvfrm> composite_current; ///< rows of amperes through the supply over the same time
 };
 
 /// How a V-t table is read and closed.
@@ -56,12 +54,12 @@ inline constexpr WaveformLabel kGndPulse{"GND Pulse", "GND Pulse Table", Wavefor
 inline constexpr WaveformLabel kPowerPulse{"POWER Pulse", "POWER Pulse Table", WaveformForm::pulse,
                                            OffsetLimit::notAboveZero};
 
-/// Appends a waveform to its list at the keyword line and returns it. Lists of more than 100 are reported.
-Wvfrm& openWvfrm(Context& context, std::vector<std::unique_ptr<Wvfrm>>& list, const WaveformLabel& label,
-                 std::string_view text);
+/// Appends a waveform to its list at the keyword line and returns it; it moves when the next one is appended. Lists of
+/// more than 100 are reported.
+Wvfrm& openWvfrm(Context& context, Rows<Wvfrm>& list, const WaveformLabel& label, std::string_view text);
 
 /// Opens a table that is no part of a list; the caller has dealt with an older one.
-void openSingleWvfrm(Context& context, std::unique_ptr<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
+void openSingleWvfrm(Context& context, OnDemand<Wvfrm>& slot, const WaveformLabel& label, std::string_view text);
 
 /// Reads a fixture line or a table row.
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);

@@ -67,8 +67,8 @@ Mtx* matrixOf(PkgMdl& package, KeywordCode code) {
 }
 
 void nameKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
-    setTextOnce(context.diagnostics, package.name, line.text, kLongNameLimit, "Define Package Model");
-    state.list->enterName(package, package.name);
+    setTextOnce(context, package.name, line.text, kLongNameLimit, "Define Package Model");
+    state.list->enterNewest(context.names);
 }
 
 void textKeyword(Context& context, PkgMdlState& /*state*/, PkgMdl& package, const Line& line) {

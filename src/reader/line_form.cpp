@@ -40,7 +40,7 @@ ValueLine splitValueLine(const Context& context, std::string_view line) {
 }
 
 bool readValueLine(Context& context, std::string_view text, const ValueLineMessages& messages,
-                   const ValueLineWords& words, std::optional<double>& value) {
+                   const ValueLineWords& words, GivenValue& value) {
     if (messages.given == ValueGiven::whenAccepted) value = 0.0;
 
     const ValueLine line = splitValueLine(context, text);
@@ -77,7 +77,7 @@ std::optional<std::string_view> readWordLine(Context& context, std::string_view 
 }
 
 bool readRangeLine(Context& context, std::string_view rest, std::string_view name, const RangeLineRules& rules,
-                   std::optional<Rng>& value) {
+                   GivenRange& value) {
     const std::string_view values = rules.admits_equals_sign ? withoutEqualsSign(context, rest) : rest;
     Rng range;
     if (!readRange(context, values, name, range, OrderCheck::off)) return false;

@@ -115,7 +115,7 @@ struct ValueLineWords {
 /// Everything is reported at the line; fewer than three items and a second one other than "=" end it, more than three
 /// do not. True when the number read.
 bool readValueLine(Context& context, std::string_view text, const ValueLineMessages& messages,
-                   const ValueLineWords& words, std::optional<double>& value);
+                   const ValueLineWords& words, GivenValue& value);
 
 /// What the lines "name word" of one block report.
 struct WordLineMessages {
@@ -150,7 +150,7 @@ struct RangeLineRules {
 /// Reads what follows the name of a line "name typ min max"; their order does not matter. A range of which a cell does
 /// not read is not stored (false); one whose typical value is "NA" is reported at the line and stored.
 bool readRangeLine(Context& context, std::string_view rest, std::string_view name, const RangeLineRules& rules,
-                   std::optional<Rng>& value);
+                   GivenRange& value);
 
 /// What is reported of the number that a keyword gives; all at the line, `suspicious` as a warning.
 struct NumberMessages {

@@ -17,17 +17,17 @@ constexpr std::uint32_t kMaxPrintedLimit = 2176;
 
 constexpr std::array<std::string_view, 5> kReservedWords{"GND", "NC", "POWER", "CIRCUITCALL", "NA"};
 
-/// Stores what there is room for.
-bool storeOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
-               std::string_view keyword,
-               CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::unsignedInteger> too_long, std::size_t room) {
-    if (!destination.empty()) {
+using TextTooLong = CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::unsignedInteger>;
+
+/// Judges a text that may be given once; false when the record has one already.
+bool checkOnce(Diagnostics& diagnostics, std::string_view present, std::string_view text, std::uint32_t limit,
+               std::string_view keyword, TextTooLong too_long) {
+    if (!present.empty()) {
         errorAtLine(diagnostics, 1911, keyword);
         return false;
     }
     if (text.empty()) errorAtLine(diagnostics, 1913, keyword);
     if (text.size() > limit) errorAtLine(diagnostics, too_long, keyword, text, std::min(limit, kMaxPrintedLimit));
-    destination = text.substr(0, room);
     return true;
 }
 
@@ -60,12 +60,23 @@ bool storeName(Context& context, Name& name, std::string_view text, int limit, N
 
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                  std::string_view keyword) {
-    return storeOnce(diagnostics, destination, text, limit, keyword, 1912, limit);
+    if (!checkOnce(diagnostics, destination, text, limit, keyword, 1912)) return false;
+    destination = text.substr(0, limit);
+    return true;
+}
+
+bool setTextOnce(Context& context, Name& destination, std::string_view text, std::uint32_t limit,
+                 std::string_view keyword) {
+    if (!checkOnce(context.diagnostics, destination, text, limit, keyword, 1912)) return false;
+    destination = context.names.enter(text.substr(0, limit));
+    return true;
 }
 
 bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                       std::string_view keyword) {
-    return storeOnce(diagnostics, destination, text, limit, keyword, 1914, kMaxWholeText);
+    if (!checkOnce(diagnostics, destination, text, limit, keyword, 1914)) return false;
+    destination = text.substr(0, kMaxWholeText);
+    return true;
 }
 
 void requiredKeywordMissing(Context& context, std::string_view keyword) {

@@ -82,6 +82,10 @@ bool storeName(Context& context, Name& name, std::string_view text, int limit, N
 bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                  std::string_view keyword);
 
+/// The same for a name that many records may share.
+bool setTextOnce(Context& context, Name& destination, std::string_view text, std::uint32_t limit,
+                 std::string_view keyword);
+
 /// The same, but an overlong text is stored whole, up to 1024 characters.
 bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
                       std::string_view keyword);

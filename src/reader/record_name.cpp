@@ -2,7 +2,7 @@
 
 namespace kestrel {
 
-bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, std::string& name) {
+bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, Name& name) {
     Diagnostics& diagnostics = context.diagnostics;
     const ItemList items = splitItems(context, text, 1);
     if (items.count == 0 && rules.missing.index() != 0) {
@@ -15,7 +15,7 @@ bool readNewName(Context& context, std::string_view text, const RecordNameRules&
     }
     if (items.count != 1) errorAtLine(diagnostics, rules.wrong_count, items.count, rules.keyword, 1);
     if (items.count == 0) return false;
-    const bool whole = storeName(diagnostics, name, items[0], rules.limit(context.parse.version), rules.length);
+    const bool whole = storeName(context, name, items[0], rules.limit(context.parse.version), rules.length);
     const bool reserved = isReservedWord(name);
     if (reserved) errorAtLine(diagnostics, rules.reserved, name);
     switch (rules.repeats) {

@@ -5,7 +5,6 @@
 #include "reader/sections.hpp"
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <variant>
 
@@ -33,7 +32,7 @@ struct RecordNameRules {
 };
 
 /// Reads the name, cut to its limit, and reports all at the line but that it is repeated. True when that is due.
-bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, std::string& name);
+bool readNewName(Context& context, std::string_view text, const RecordNameRules& rules, Name& name);
 
 /// Reads the name of a record behind its keyword and enters the record under it.
 template <class State>
@@ -42,7 +41,7 @@ void readRecordName(Context& context, State& state, typename State::Record& reco
     if (readNewName(context, text, rules, record.name) && state.list->find(record.name) != nullptr) {
         errorAtLine(context.diagnostics, rules.repeated, record.name);
     }
-    if (!record.name.empty() || rules.missing.index() == 0) state.list->enterName(record, record.name);
+    if (!record.name.empty() || rules.missing.index() == 0) state.list->enterNewest(context.names);
 }
 
 /// The same in the form in which a section opens.

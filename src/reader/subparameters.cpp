@@ -5,7 +5,7 @@
 namespace kestrel {
 
 bool readSubparameterValue(Context& context, const SubparameterMessages& messages, const SubparameterLine& line,
-                           std::optional<double>& value) {
+                           GivenValue& value) {
     const ValueLineWords words = messages.about_owner ? ValueLineWords{line.owner, line.owner, line.name}
                                                       : ValueLineWords{line.name, messages.group, line.name};
     if (!readValueLine(context, line.text, *messages.value, words, value)) return false;
@@ -15,7 +15,7 @@ bool readSubparameterValue(Context& context, const SubparameterMessages& message
 }
 
 bool readSubparameterValue(Context& context, const SubparameterMessages& messages, const SubparameterLine& line,
-                           std::optional<Rng>& range) {
+                           GivenRange& range) {
     if (!readRangeLine(context, line.rest, line.name, *messages.range, range)) return false;
     if (line.bound != Bound::none && anyBelowZero(*range)) {
         warningAtLine(context.diagnostics, *messages.out_of_bounds, line.name);

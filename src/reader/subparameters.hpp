@@ -53,8 +53,8 @@ template <class Record> struct OwnForm {
 /// A row of the table; `Codes` are the enumerations of its words.
 template <class RecordType, class... Codes> struct Subparameter {
     using Record = RecordType;
-    using Field = std::variant<std::optional<double> Record::*, std::optional<Rng> Record::*, std::string Record::*,
-                               OwnForm<Record>, WordField<Record, Codes>...>;
+    using Field = std::variant<GivenValue Record::*, GivenRange Record::*, std::string Record::*, OwnForm<Record>,
+                               WordField<Record, Codes>...>;
 
     std::string_view name;
     Field field;
@@ -133,9 +133,9 @@ consteval SubparameterTable<Row, Count> subparameters(const Row (&rows)[Count], 
     for (const Row& row : rows) {
         using Record = typename Row::Record;
         bool complete = true;
-        if (std::holds_alternative<std::optional<double> Record::*>(row.field)) {
+        if (std::holds_alternative<GivenValue Record::*>(row.field)) {
             complete = messages.value.has_value();
-        } else if (std::holds_alternative<std::optional<Rng> Record::*>(row.field)) {
+        } else if (std::holds_alternative<GivenRange Record::*>(row.field)) {
             complete = messages.range.has_value();
         } else if (std::holds_alternative<std::string Record::*>(row.field)) {
             complete = messages.word && messages.name;
@@ -186,9 +186,9 @@ template <class Table, class Record, class Value>
 
 /// Readers of lines by the kind of their field; all report at the line and give false when they refuse it.
 bool readSubparameterValue(Context& context, const SubparameterMessages& messages, const SubparameterLine& line,
-                           std::optional<double>& value);
+                           GivenValue& value);
 bool readSubparameterValue(Context& context, const SubparameterMessages& messages, const SubparameterLine& line,
-                           std::optional<Rng>& range);
+                           GivenRange& range);
 bool readSubparameterValue(Context& context, const SubparameterMessages& messages, const SubparameterLine& line,
                            std::string& name);
 [[nodiscard]] std::optional<std::string_view> readSubparameterWord(Context& context, const WordMessages& messages,

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 namespace kestrel {
@@ -61,6 +62,23 @@ private:
     double value_ = std::bit_cast<double>(kMissing);
 };
 static_assert(sizeof(Cell) == sizeof(double));
+
+/// A value that a file gives or does not. As large as a double: one that is not given is a pattern of bits that no text
+/// reads as.
+class GivenValue {
+public:
+    constexpr GivenValue() = default;
+    constexpr GivenValue(double value) : value_(value) {}
+
+    [[nodiscard]] constexpr bool has_value() const { return value_ == value_; }
+    constexpr explicit operator bool() const { return has_value(); }
+    /// The value, which must be given.
+    [[nodiscard]] constexpr double operator*() const { return value_; }
+    [[nodiscard]] constexpr double value_or(double other) const { return has_value() ? value_ : other; }
+
+private:
+    double value_ = std::numeric_limits<double>::quiet_NaN();
+};
 
 /// Reads a scaled number or "NA" in any case; a text that is neither leaves the cell missing. Reports nothing.
 [[nodiscard]] ReadResult readCellText(std::string_view text, Cell& cell);

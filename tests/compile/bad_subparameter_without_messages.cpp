@@ -2,8 +2,8 @@
 #include "reader/subparameters.hpp"
 
 struct Load {
-    std::optional<double> ohms;
-    std::optional<kestrel::Rng> volts;
+    kestrel::GivenValue ohms;
+    kestrel::GivenRange volts;
 };
 
 constexpr auto kTable = kestrel::subparameters<kestrel::Subparameter<Load>>(

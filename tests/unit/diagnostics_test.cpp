@@ -289,11 +289,12 @@ TEST(Places, aFindingKnowsItsRecord) {
     d.sink = [&found](const Finding& finding) {
         found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
         found.append(std::to_string(finding.line)).append(" in ").append(finding.file).append(" ");
-        found.append(finding.subject != nullptr ? finding.subject->name : "nothing").append("\n");
+        found.append(finding.subject != nullptr ? finding.subject->name.view() : "nothing").append("\n");
     };
     const std::string pkg = "far.pkg";
-    const Subject model{SubjectKind::model, 4, "buf", &pkg};
-    const Subject component{SubjectKind::component, 2, "chip", nullptr};
+    NameTable names;
+    const Subject model{SubjectKind::model, 4, names.enter("buf"), &pkg};
+    const Subject component{SubjectKind::component, 2, names.enter("chip"), nullptr};
     nameFile(d, "chip.ibs");
     error(d, 903);
     {

@@ -35,10 +35,10 @@ TEST(DriverSchedule, namesByVersion) {
         lines.read("[Driver Schedule]\n  " + row.name + " 1n 2n NA NA");
         EXPECT_EQ(lines.codes(), row.codes) << row.name;
         const Mdl& model = *lines.root.models.newestFirst().begin();
-        const DrvShEntry& entry = model.driver_schedule->entries.back();
+        const DrvShEntry& entry = model.driver_schedule.entries.back();
         EXPECT_EQ(entry.model_name, row.stored);
-        EXPECT_EQ(entry.delays->rise_off.value(), 2e-9);
-        EXPECT_EQ(entry.delays->fall_on.state(), CellState::na);
+        EXPECT_EQ(entry.delays.rise_off.value(), 2e-9);
+        EXPECT_EQ(entry.delays.fall_on.state(), CellState::na);
     }
 }
 

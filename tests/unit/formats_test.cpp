@@ -117,7 +117,8 @@ TEST(Gcc, keepsAFindingOnItsLine) {
 }
 
 TEST(Github, escapesWhatEndsACommand) {
-    const Subject model{SubjectKind::model, 3, "a,b::c%", nullptr};
+    NameTable names;
+    const Subject model{SubjectKind::model, 3, names.enter("a,b::c%"), nullptr};
     EXPECT_EQ(
         written(FormatKind::github, {finding("50%\r\n::error::x, \x1b", &model, "a,b:c\n.ibs")}),
         "::error file=a%2Cb%3Ac%0A.ibs,line=3,title=905 (model a%2Cb%3A%3Ac%25)::50%25%0D%0A::error::x, \uFFFD\n");
@@ -136,8 +137,9 @@ std::vector<std::string> fingerprints(const std::vector<Finding>& findings) {
 }
 
 TEST(Sarif, fingerprintsSurviveMovedLinesAndTellFindingsApart) {
-    Subject model{SubjectKind::model, 3, "m", nullptr};
-    const Subject other{SubjectKind::model, 3, "n", nullptr};
+    NameTable names;
+    Subject model{SubjectKind::model, 3, names.enter("m"), nullptr};
+    const Subject other{SubjectKind::model, 3, names.enter("n"), nullptr};
     const auto before = fingerprints({finding("x", &model)});
     model.line = 30;
     EXPECT_EQ(fingerprints({finding("x", &model)}), before);

@@ -96,23 +96,24 @@ TEST(Model, keepsWhatItsLinesGive) {
         "[Model] m\nVinl = 9\nModel_type I/O_open_sink\nPolarity Inverting\nEnable Active-Low\nVinl 1\n"
         "Vinh = 2.0V\nVmeas=1.5 x\nCref = 5k\nRref = x\nVref_diff = 1\nC_comp 5p 4p NA\n"
         "C_comp_gnd_clamp\n[Voltage Range] 3.3 x 3.6\n[TTpower] -1n NA NA\n[GND Clamp Reference] 0 0 0");
-    const MdlValues& values = *reading.newest().values;
-    const MdlRanges& ranges = *reading.newest().ranges;
+    const Mdl& model = reading.newest();
+    const MdlValues& values = *model.values;
     EXPECT_EQ(values.model_type, ModelType::ioOpenSink);
     EXPECT_EQ(values.polarity, Polarity::inverting);
     EXPECT_EQ(values.enable, EnableMode::activeLow);
-    EXPECT_EQ(values.vinl, 0.0); // given, without a value
-    EXPECT_EQ(values.vinh, 2.0);
-    EXPECT_EQ(values.vmeas, 1.5);
-    EXPECT_EQ(values.cref, 5000.0);
-    EXPECT_EQ(values.rref, 0.0);
+    EXPECT_EQ(values.vinl.value_or(-1.0), 0.0); // given, without a value
+    EXPECT_EQ(values.vinh.value_or(-1.0), 2.0);
+    EXPECT_EQ(values.vmeas.value_or(-1.0), 1.5);
+    EXPECT_EQ(values.cref.value_or(-1.0), 5000.0);
+    EXPECT_EQ(values.rref.value_or(-1.0), 0.0);
     EXPECT_FALSE(values.vref);
     EXPECT_DOUBLE_EQ(values.c_comp->min().value(), 4e-12);
     EXPECT_EQ(values.c_comp->max().state(), CellState::na);
     EXPECT_EQ(values.c_comp_gnd_clamp->typ().state(), CellState::missing);
-    EXPECT_FALSE(ranges.voltage_range);
-    EXPECT_DOUBLE_EQ(ranges.ttpower->typ().value(), -1e-9);
-    EXPECT_TRUE(ranges.gnd_clamp_reference);
+    EXPECT_EQ(findRange(model, MdlRange::voltageRange), nullptr);
+    ASSERT_NE(findRange(model, MdlRange::ttpower), nullptr);
+    EXPECT_DOUBLE_EQ(findRange(model, MdlRange::ttpower)->typ().value(), -1e-9);
+    EXPECT_NE(findRange(model, MdlRange::gndClampReference), nullptr);
 }
 
 TEST(Model, names) {
@@ -309,7 +310,7 @@ TEST(Model, seriesKeywordsFillTheirSection) {
     EXPECT_EQ(model.off_block->rl_series->typ().value(), 3.0);
     EXPECT_DOUBLE_EQ(model.off_block->lc_series->typ().value(), 4e-9);
     EXPECT_FALSE(model.off_block->rc_series);
-    EXPECT_EQ(model.off_block->series_current->rows.size(), 2U);
+    EXPECT_EQ(model.off_block->series_current.rows.size(), 2U);
     // The next model has sections of its own.
     reading.read("[Model] n\nModel_type Series\n[Rl Series] 5 NA NA");
     ASSERT_TRUE(reading.newest().on_block);
@@ -463,11 +464,11 @@ TEST(Model, currentsGoToTheLastWaveformWhateverStandsBetween) {
         .read("[Composite Current]\n0 1m NA NA\n1n 2m NA NA\n2n 1m NA NA");
     EXPECT_EQ(reading.codes(), "");
     const Mdl& model = reading.newest();
-    EXPECT_EQ(model.tables->rising_waveforms.at(0)->composite_current, nullptr);
-    ASSERT_TRUE(model.tables->falling_waveforms.at(0)->composite_current);
-    EXPECT_EQ(model.tables->falling_waveforms[0]->composite_current->rows.size(), 2U);
-    ASSERT_TRUE(model.tables->rising_waveforms.at(1)->composite_current);
-    EXPECT_EQ(model.tables->rising_waveforms[1]->composite_current->rows.size(), 3U);
+    EXPECT_FALSE(model.tables->rising_waveforms[0].composite_current);
+    ASSERT_TRUE(model.tables->falling_waveforms[0].composite_current);
+    EXPECT_EQ(model.tables->falling_waveforms[0].composite_current->rows.size(), 2U);
+    ASSERT_TRUE(model.tables->rising_waveforms[1].composite_current);
+    EXPECT_EQ(model.tables->rising_waveforms[1].composite_current->rows.size(), 3U);
 }
 
 TEST(Model, thresholdsThatBeginASet) {

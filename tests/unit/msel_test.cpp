@@ -76,14 +76,31 @@ TEST(ModelSelector, entryLines) {
     }
 }
 
+TEST(ModelSelector, repeatedEntriesAreSeenHoweverManyThereAre) {
+    const auto entries = [](int first, int last) {
+        std::string lines;
+        for (int i = first; i <= last; ++i)
+            lines.append("m").append(std::to_string(i)).append(" text\n");
+        return lines;
+    };
+    Lines test(KeywordCode::modelSelector);
+    // Around the number from which on names are no longer compared one by one; the next selector begins anew.
+    test.read("[Model Selector] S\n" + entries(1, 31));
+    EXPECT_EQ(test.read(entries(31, 32)).codes(), "E4025@");
+    EXPECT_EQ(test.read(entries(1, 1) + entries(32, 33) + entries(33, 33)).codes(), "E4025@ E4025@ E4025@");
+    EXPECT_EQ(test.read(entries(34, 90)).codes(), "");
+    EXPECT_EQ(test.read(entries(2, 2) + entries(50, 50)).codes(), "E4025@ E4025@");
+    EXPECT_EQ(test.read("[Model Selector] T\n" + entries(1, 60)).codes(), "");
+}
+
 TEST(ModelSelector, namesOfModels) {
     const std::pair<std::string, std::string> rows[] = {{"Same", "E4021"}, {"same", ""}, {"", "E4010@ E4021"}};
     for (const auto& [name, codes] : rows) {
         Lines test(KeywordCode::modelSelector, IbisVersion::v5);
         for (const std::string_view model_name : {"Same", ""}) {
             Mdl& model = test.root.models.add(std::make_unique<Mdl>());
-            model.name = model_name;
-            test.root.models.enterName(model, model.name);
+            model.name = test.run.names.enter(model_name);
+            test.root.models.enterNewest(test.run.names);
         }
         test.read("[Model Selector] " + name + "\nGND ground");
         checkMSels(test.run, test.root);

@@ -194,7 +194,7 @@ TEST(EmiComponents, keepTheirValuesAndTables) {
     EXPECT_EQ(emi.domain, EmiDomain::other);
     EXPECT_DOUBLE_EQ(emi.cpd.value_or(0.0), 6e-12);
     EXPECT_DOUBLE_EQ(emi.c_heatsink_gnd.value_or(0.0), 3.7e-12);
-    EXPECT_EQ(emi.c_heatsink_float, std::nullopt);
+    EXPECT_FALSE(emi.c_heatsink_float);
     const auto& pins = emi.pins.rows;
     ASSERT_EQ(pins.size(), 3U);
     EXPECT_EQ(pins[0].pin, "123456789"); // as written: no message speaks of its length

@@ -21,11 +21,11 @@ std::string printedOfCurve(CurveKind kind, std::initializer_list<std::string_vie
                            std::optional<ModelType> type) {
     TestRun test(true);
     CrvState state;
-    std::optional<Crv> slot;
+    Crv slot;
     openCrv(test.run, state, slot, kind, "");
     for (const std::string_view row : rows)
-        crvLine(test.run, state, *slot, kind, row);
-    closeCrv(test.run, state, *slot, kind, {type ? "Model" : "Submodel", "drv", type});
+        crvLine(test.run, state, slot, kind, row);
+    closeCrv(test.run, state, slot, kind, {type ? "Model" : "Submodel", "drv", type});
     return test.out.text();
 }
 
@@ -124,8 +124,8 @@ TEST(Tables, pastTheirLimitsAreKept) {
     ModelLines lines("[ISSO PD]" + rowsOf(150) + "\n[Rising Waveform]" + rowsOf(1002));
     EXPECT_THAT(lines.out.text(),
                 testing::HasSubstr("E1107 (line  104) - More Than 100 Voltage Points Provided For ISSO PD\n"));
-    EXPECT_EQ(lines.model().tables->isso_pd->rows.size(), 150U);
-    EXPECT_EQ(lines.model().tables->rising_waveforms[0]->rows.size(), 1002U);
+    EXPECT_EQ(lines.model().tables->isso_pd.rows.size(), 150U);
+    EXPECT_EQ(lines.model().tables->rising_waveforms[0].rows.size(), 1002U);
     const std::pair<std::string, std::string> rows[] = {{"[Falling Waveform]", "E2000@ E2003@"},
                                                         {"[Series MOSFET]", "E2811@ E2801@"}};
     for (const auto& [keyword, codes] : rows) {
@@ -148,15 +148,15 @@ TEST(Tables, keepTheirValues) {
         "C_fixture = 10p\nL_fixture = 2n\nR_dut = 1m\nL_dut = 3n\nC_dut = 4p\n0 0 0 0\n  .5n 1 1 1\n.4n 2 2 2\nNA 3 3 3\nR_dut = 8\n");
     const MdlTables& tables = *lines.model().tables;
     std::vector<double> typical;
-    for (const TableRow& row : sortedRows(*tables.pulldown)) // the one without a voltage is left out
+    for (const TableRow& row : sortedRows(tables.pulldown)) // the one without a voltage is left out
         typical.push_back(row[kTyp].value());
     EXPECT_THAT(typical, ElementsAre(3.0, 1.0, 4.0));
-    ASSERT_EQ(tables.pullup->rows.size(), 2U); // of the second table, in file order
-    EXPECT_EQ(tables.pullup->rows[0], (TableRow{{Cell(4.0), Cell(1.0), Cell::na(), Cell::na()}}));
-    EXPECT_EQ(tables.ramp->r_load, -1000.0);
-    const Wvfrm& w = *tables.rising_waveforms.at(0);
-    const std::optional<double> values[] = {w.r_fixture, w.v_fixture, w.v_fixture_min, w.v_fixture_max, w.c_fixture,
-                                            w.l_fixture, w.r_dut,     w.l_dut,         w.c_dut};
+    ASSERT_EQ(tables.pullup.rows.size(), 2U); // of the second table, in file order
+    EXPECT_EQ(tables.pullup.rows[0], (TableRow{{Cell(4.0), Cell(1.0), Cell::na(), Cell::na()}}));
+    EXPECT_EQ(tables.ramp->r_load.value_or(0.0), -1000.0);
+    const Wvfrm& w = tables.rising_waveforms.front();
+    const GivenValue values[] = {w.r_fixture, w.v_fixture, w.v_fixture_min, w.v_fixture_max, w.c_fixture,
+                                 w.l_fixture, w.r_dut,     w.l_dut,         w.c_dut};
     const double expected[] = {50, 3.3, 3.0, 3.6, 10e-12, 2e-9, 1e-3, 3e-9, 4e-12};
     for (std::size_t i = 0; i < std::size(values); ++i)
         EXPECT_DOUBLE_EQ(values[i].value_or(-1.0), expected[i]) << i;
