@@ -5,40 +5,35 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
 namespace kestrel {
 
-/// A name of a NameTable, which has to outlive it. As large as a pointer; reads as a text everywhere. Equal names of
-/// one table are the same name and have the same number.
+/// A name of a NameTable, which has to outlive it. As large as a pointer; reads as a text everywhere. Equal names of one
+/// table are the same name and have the same number.
 class Name {
 public:
     Name() = default;
 
-    [[nodiscard]] std::string_view view() const { return entry_ == nullptr ? std::string_view() : entry_->text.view(); }
+    [[nodiscard]] std::string_view view() const { return text_.view(); }
     operator std::string_view() const { return view(); }
     [[nodiscard]] std::size_t size() const { return view().size(); }
-    [[nodiscard]] bool empty() const { return entry_ == nullptr; }
+    [[nodiscard]] bool empty() const { return text_.empty(); }
 
     /// Names are numbered from 1 in the order in which they came, so that what is known of them fits into a list; the
     /// empty one has 0.
-    [[nodiscard]] std::uint32_t number() const { return entry_ == nullptr ? 0 : entry_->number; }
+    [[nodiscard]] std::uint32_t number() const { return text_.tag(); }
 
-    friend bool operator==(Name a, Name b) { return a.entry_ == b.entry_; }
+    friend bool operator==(Name a, Name b) { return a.text_.isSameAs(b.text_); }
     friend bool operator==(Name a, std::string_view b) { return a.view() == b; }
 
 private:
     friend class NameTable;
-    struct Entry {
-        StoredText text;
-        std::uint32_t number;
-        std::uint32_t hash;
-    };
-    explicit Name(const Entry* entry) : entry_(entry) {}
+    explicit Name(StoredText text) : text_(text) {}
 
-    const Entry* entry_ = nullptr; ///< null when empty
+    StoredText text_; // with the number as its tag
 };
 
 /// The names that many rows share, those of models above all, each kept once.
@@ -54,21 +49,24 @@ public:
     /// The name that reads so, or the empty one where there is none.
     [[nodiscard]] Name find(std::string_view text) const;
     /// One more than the largest number of a name.
-    [[nodiscard]] std::size_t numbers() const { return entries_.size() + 1; }
+    [[nodiscard]] std::size_t numbers() const { return taken_ + 1; }
 
 private:
     struct Slot {
+        StoredText text; ///< empty in a free slot
         std::uint32_t hash = 0;
-        std::uint32_t number = 0; ///< 0 is a free slot
     };
 
+    [[nodiscard]] std::uint32_t hashOf(std::string_view text) const {
+        return static_cast<std::uint32_t>(seed_.hashOf(text));
+    }
     [[nodiscard]] std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
     void grow();
 
     HashSeed seed_;
     TextStore texts_;
-    std::deque<Name::Entry> entries_; // which stay where they are
-    std::vector<Slot> slots_;         // a power of two, at most half of them taken
+    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    std::size_t taken_ = 0;
 };
 
 } // namespace kestrel

@@ -29,6 +29,15 @@ public:
     [[nodiscard]] std::size_t size() const { return view().size(); }
     [[nodiscard]] bool empty() const { return at_ == nullptr; }
 
+    /// The number that a text was given when it was added; of others only the empty one may be asked, which has 0.
+    [[nodiscard]] std::uint32_t tag() const {
+        std::uint32_t tag = 0;
+        if (at_ != nullptr) std::memcpy(&tag, at_ - sizeof tag, sizeof tag);
+        return tag;
+    }
+    /// True for one and the same stored text, not one that reads alike.
+    [[nodiscard]] bool isSameAs(const StoredText& other) const { return at_ == other.at_; }
+
     friend bool operator==(const StoredText& a, const StoredText& b) { return a.at_ == b.at_ || a.view() == b.view(); }
     friend bool operator==(const StoredText& a, std::string_view b) { return a.view() == b; }
 
@@ -50,18 +59,29 @@ public:
     ~TextStore() = default;
 
     [[nodiscard]] StoredText add(std::string_view text) {
-        if (text.empty()) return {};
-        const bool is_long = text.size() >= StoredText::kLong;
-        const std::size_t head = is_long ? 1 + sizeof(std::size_t) : 1;
-        char* const at = take(head + text.size());
-        *at = static_cast<char>(is_long ? StoredText::kLong : text.size());
-        const std::size_t length = text.size();
-        if (is_long) std::memcpy(at + 1, &length, sizeof length);
-        std::memcpy(at + head, text.data(), length);
-        return StoredText(at);
+        return text.empty() ? StoredText() : put(take(roomFor(text)), text);
+    }
+
+    /// The same with a number, which is kept ahead of the text; it must not be empty.
+    [[nodiscard]] StoredText addTagged(std::uint32_t tag, std::string_view text) {
+        char* const at = take(sizeof tag + roomFor(text));
+        std::memcpy(at, &tag, sizeof tag);
+        return put(at + sizeof tag, text);
     }
 
 private:
+    static bool isLong(std::string_view text) { return text.size() >= StoredText::kLong; }
+    static std::size_t headOf(std::string_view text) { return isLong(text) ? 1 + sizeof(std::size_t) : 1; }
+    static std::size_t roomFor(std::string_view text) { return headOf(text) + text.size(); }
+
+    static StoredText put(char* at, std::string_view text) {
+        const std::size_t length = text.size();
+        *at = static_cast<char>(isLong(text) ? StoredText::kLong : length);
+        if (isLong(text)) std::memcpy(at + 1, &length, sizeof length);
+        std::memcpy(at + headOf(text), text.data(), length);
+        return StoredText(at);
+    }
+
     char* take(std::size_t size) {
         if (left_ < size) addPiece(size);
         char* const at = top_;

@@ -50,57 +50,75 @@ ItemList splitByCharacters(const Context& context, std::string_view text, int ma
 }
 
 #if defined(__SSE2__)
-/// Which of the sixteen characters at `at` are blanks or TABs, the first in the lowest bit.
-std::uint32_t blanksOfSixteen(const char* at) {
+/// What ends items among sixteen characters, a bit for each, the first in the lowest.
+struct Stops {
+    std::uint32_t blanks;
+    std::uint32_t splits;
+};
+
+Stops stopsOfSixteen(const char* at, char split) {
     const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const __m128i blanks =
-        _mm_or_si128(_mm_cmpeq_epi8(characters, _mm_set1_epi8(' ')), _mm_cmpeq_epi8(characters, _mm_set1_epi8('\t')));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(blanks));
+    const auto bits_of = [characters](char c) {
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(characters, _mm_set1_epi8(c))));
+    };
+    return {bits_of(' ') | bits_of('\t'), split == '\0' ? 0 : bits_of(split)};
 }
 
-/// Finds blanks sixteen characters at a time, and items where blanks begin and end: twice as quick as looking at each
-/// character. Nothing outside of the text is read.
-ItemList splitAtBlanks(const Context& context, std::string_view text, int max) {
+/// The same for the characters of a text from `at` on, without reading outside of it. What is beyond its end counts as
+/// blank.
+Stops stopsAt(std::string_view text, std::size_t at, char split) {
     constexpr std::size_t kStep = 16;
-    constexpr std::uint32_t kAll = 0xFFFF;
+    const std::size_t left = text.size() - at;
+    if (left >= kStep) return stopsOfSixteen(text.data() + at, split);
+    if (at != 0) {
+        // The last sixteen characters, without those that have been looked at.
+        const auto [blanks, splits] = stopsOfSixteen(text.data() + text.size() - kStep, split);
+        return {(blanks | 0xFFFF0000U) >> (kStep - left), splits >> (kStep - left)};
+    }
+    std::array<char, kStep> padded;
+    padded.fill(' ');
+    text.copy(padded.data(), kStep);
+    return stopsOfSixteen(padded.data(), split);
+}
+
+/// Finds what ends items sixteen characters at a time, which is twice as quick as looking at each character.
+ItemList splitWide(const Context& context, std::string_view text, int max, char split) {
+    constexpr std::size_t kStep = 16;
     ItemList list;
-    std::size_t item = 0;           // where the item begins that is being read
-    std::size_t gap = 0;            // where the blanks begin that are being read
-    std::uint32_t blank_before = 1; // whether the last character looked at was a blank
+    bool in_item = false;
+    std::size_t item = 0; // where the item begins that is being read
+    std::size_t gap = 0;  // else where the blanks begin
     const auto end_gap = [&](std::size_t at) {
-        if (at - gap > static_cast<std::size_t>(kMaxSkip) && !context.parse.long_lines)
+        if (at - gap > static_cast<std::size_t>(kMaxSkip) && !context.parse.long_lines) {
             assertionFailed(context.out, here());
+        }
     };
     for (std::size_t at = 0; at < text.size(); at += kStep) {
-        const std::size_t left = text.size() - at;
-        std::uint32_t blanks = kAll;
-        if (left >= kStep) {
-            blanks = blanksOfSixteen(text.data() + at);
-        } else if (at != 0) {
-            // The last sixteen characters, without those that have been looked at.
-            blanks = (blanksOfSixteen(text.data() + text.size() - kStep) | kAll << kStep) >> (kStep - left);
-        } else {
-            std::array<char, kStep> padded;
-            padded.fill(' ');
-            text.copy(padded.data(), kStep);
-            blanks = blanksOfSixteen(padded.data());
-        }
-        // Every character that is not as the one before it begins an item or ends one.
-        std::uint32_t edges = (blanks ^ (blanks << 1 | blank_before)) & kAll;
-        for (; edges != 0; edges &= edges - 1) {
-            const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(edges));
-            if ((blanks >> (place - at) & 1) == 0) {
-                if (text[place] < ' ') return splitByCharacters(context, text, max, '\0'); // other white space
-                end_gap(place);
-                item = place;
-            } else {
+        const auto [blanks, splits] = stopsAt(text, at, split);
+        const std::uint32_t stops = blanks | splits;
+        // Where items begin and end, and each split character.
+        std::uint32_t marks = ((stops ^ (stops << 1 | (in_item ? 0U : 1U))) | splits) & 0xFFFF;
+        for (; marks != 0; marks &= marks - 1) {
+            const auto bit = static_cast<unsigned>(std::countr_zero(marks));
+            const std::size_t place = at + bit;
+            if (in_item) { // every mark ends one
                 list.add(text.substr(item, place - item), max);
+                in_item = false;
                 gap = place;
             }
+            if ((blanks >> bit & 1) != 0) continue;
+            if (text[place] < ' ') return splitByCharacters(context, text, max, split); // other white space
+            end_gap(place);
+            if ((splits >> bit & 1) != 0) {
+                list.add(text.substr(place, 1), max);
+                gap = place + 1;
+            } else {
+                in_item = true;
+                item = place;
+            }
         }
-        blank_before = blanks >> (kStep - 1) & 1;
     }
-    if (blank_before == 0) {
+    if (in_item) {
         list.add(text.substr(item), max);
     } else {
         end_gap(text.size());
@@ -108,8 +126,8 @@ ItemList splitAtBlanks(const Context& context, std::string_view text, int max) {
     return list;
 }
 #else
-ItemList splitAtBlanks(const Context& context, std::string_view text, int max) {
-    return splitByCharacters(context, text, max, '\0');
+ItemList splitWide(const Context& context, std::string_view text, int max, char split) {
+    return splitByCharacters(context, text, max, split);
 }
 #endif
 
@@ -122,7 +140,7 @@ std::string_view skipWhiteSpace(const Context& context, std::string_view text) {
 
 ItemList splitItems(const Context& context, std::string_view text, int max, char split) {
     assert(max <= kMaxItems);
-    return split == '\0' ? splitAtBlanks(context, text, max) : splitByCharacters(context, text, max, split);
+    return splitWide(context, text, max, split);
 }
 
 std::string_view takeItem(const Context& context, std::string_view& text, char split) {

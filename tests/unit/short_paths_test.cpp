@@ -178,6 +178,26 @@ TEST(ShortPaths, rowsAreReadAsTheGeneralReaderDoes) {
     EXPECT_GT(read, 20000);
 }
 
+TEST(ShortPaths, linesAreCutIntoItemsAsOneByOne) {
+    Random random(7);
+    TestRun test;
+    for (int round = 0; round < 100000; ++round) {
+        const std::string text = textOf(random, round % 2 == 0 ? "ab= \t" : "abcdefgh=      ", below(random, 70));
+        const char split = "\0="[below(random, 2)];
+        std::string_view rest = text;
+        std::vector<std::string_view> expected;
+        for (std::string_view item = takeItem(test.run, rest, split); !item.empty();
+             item = takeItem(test.run, rest, split))
+            expected.push_back(item);
+        const ItemList items = splitItems(test.run, text, kMaxItems, split);
+        ASSERT_EQ(static_cast<std::size_t>(items.count), expected.size()) << text;
+        for (int i = 0; i < items.kept; ++i) {
+            ASSERT_EQ(items[i].data(), expected[static_cast<std::size_t>(i)].data()) << text;
+            ASSERT_EQ(items[i], expected[static_cast<std::size_t>(i)]) << text;
+        }
+    }
+}
+
 /// The lines of a text, each ended by a line feed.
 std::string linesOf(const std::string& text) {
     Output out;
