@@ -49,7 +49,8 @@ public:
 
     void finding(const Finding& finding) override {
         const Level level = levelOf(finding.severity);
-        line_.assign(":");
+        line_.clear();
+        line_.push_back(':');
         appendInteger(line_, finding.line);
         line_.append(": ");
         writeOnOneLine(out_, finding.file);
@@ -58,8 +59,10 @@ public:
         out_.write(wordOf(level));
         if (color_) out_.writeControl(kColorOff);
         writeOnOneLine(out_, messageOf(finding));
-        if (const CodeText code(finding.code); finding.code) line_.assign(" [").append(code.text()).append("]\n");
-        out_.write(finding.code ? std::string_view(line_) : "\n");
+        line_.clear();
+        if (const CodeText code(finding.code); finding.code) line_.append(" [").append(code.text()).append("]");
+        line_.push_back('\n');
+        out_.write(line_);
     }
 
 private:

@@ -67,7 +67,7 @@ void listMessages(Output& out, FormatKind format, const FormatSettings& settings
         std::string classes;
         for (const std::string_view name : classesOf(row.code))
             classes.append(classes.empty() ? "" : ",").append(name);
-        if (classes.empty()) classes = "-";
+        if (classes.empty()) classes.push_back('-');
         classes.resize(std::max(classes.size(), kClassesWidth), ' ');
         line.clear();
         appendInteger(line, row.code, 4);
