@@ -7,16 +7,27 @@
 
 namespace kestrel {
 
+/// The name that reads so, if it is the one that was entered last or the next one: rows name models one after the other
+/// in the order in which others did, or the same again. That spares the look-up of most names.
+StoredText NameTable::guessed(std::string_view text) {
+    if (guess_ < texts_by_number_.size() && texts_by_number_[guess_] == text) return texts_by_number_[guess_++];
+    if (guess_ > 0 && texts_by_number_[guess_ - 1] == text) return texts_by_number_[guess_ - 1];
+    return {};
+}
+
 Name NameTable::enter(std::string_view text) {
     if (text.empty()) return {};
+    if (const StoredText known = guessed(text); !known.empty()) return Name(known);
     if (2 * numbers() > slots_.size()) grow();
     const std::uint32_t hash = hashOf(text);
     Slot& slot = slots_[slotOf(text, hash)];
     if (slot.text.empty()) {
         if (numbers() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-        slot = {texts_.addTagged(static_cast<std::uint32_t>(numbers()), text), hash};
-        ++taken_;
+        const StoredText added = texts_.addTagged(static_cast<std::uint32_t>(numbers()), text);
+        texts_by_number_.push_back(added);
+        slot = {added, hash};
     }
+    guess_ = slot.text.tag();
     return Name(slot.text);
 }
 

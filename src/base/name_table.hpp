@@ -11,8 +11,8 @@
 
 namespace kestrel {
 
-/// A name of a NameTable, which has to outlive it. As large as a pointer; reads as a text everywhere. Equal names of one
-/// table are the same name and have the same number.
+/// A name of a NameTable, which has to outlive it. As large as a pointer; reads as a text everywhere. Equal names of
+/// one table are the same name and have the same number.
 class Name {
 public:
     Name() = default;
@@ -49,7 +49,7 @@ public:
     /// The name that reads so, or the empty one where there is none.
     [[nodiscard]] Name find(std::string_view text) const;
     /// One more than the largest number of a name.
-    [[nodiscard]] std::size_t numbers() const { return taken_ + 1; }
+    [[nodiscard]] std::size_t numbers() const { return texts_by_number_.size() + 1; }
 
 private:
     struct Slot {
@@ -57,6 +57,7 @@ private:
         std::uint32_t hash = 0;
     };
 
+    [[nodiscard]] StoredText guessed(std::string_view text);
     [[nodiscard]] std::uint32_t hashOf(std::string_view text) const {
         return static_cast<std::uint32_t>(seed_.hashOf(text));
     }
@@ -65,8 +66,9 @@ private:
 
     HashSeed seed_;
     TextStore texts_;
-    std::vector<Slot> slots_; // a power of two, at most half of them taken
-    std::size_t taken_ = 0;
+    std::vector<Slot> slots_;                 // a power of two, at most half of them taken
+    std::vector<StoredText> texts_by_number_; // from that of number 1 on
+    std::size_t guess_ = 0;                   // place in the list behind the name that was entered last
 };
 
 } // namespace kestrel

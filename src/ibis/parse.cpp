@@ -182,7 +182,7 @@ void dispatchKeyword(Run& run, std::string_view line) {
 /// One line from the file, without its line feed.
 void handleLine(Run& run, const SourceLine& read) {
     finishLine(run, read);
-    const std::string_view line = read.text;
+    const std::string_view& line = read.text;
     const std::string_view body = skipWhiteSpace(run, line);
     const LineKind kind = classify(run, line, body);
     if (kind == LineKind::blank) return;

@@ -3,6 +3,7 @@
 #include "reader/context.hpp"
 #include "reader/line_form.hpp"
 #include "reader/names.hpp"
+#include "reader/rngp.hpp"
 
 #include <algorithm>
 
@@ -80,10 +81,14 @@ void checkDelays(Diagnostics& diagnostics, const Delays& delays) {
 /// Reads the delays behind the name of a scheduled model; when every cell reads, checks which are given together and
 /// how they lie to one another.
 Dly readDly(Context& context, std::string_view text, std::string_view model_name) {
-    const ItemList items = splitItems(context, text, kDelays);
-    reportItemCount(context.diagnostics, items.count, kLabels, model_name, {4502, 4501}, MissingItems::first);
     Delays delays;
-    if (readCells(context.diagnostics, items, model_name, delays)) checkDelays(context.diagnostics, delays);
+    bool all_read = readPlainCells(text, delays);
+    if (!all_read) {
+        const ItemList items = splitItems(context, text, kDelays);
+        reportItemCount(context.diagnostics, items.count, kLabels, model_name, {4502, 4501}, MissingItems::first);
+        all_read = readCells(context.diagnostics, items, model_name, delays);
+    }
+    if (all_read) checkDelays(context.diagnostics, delays);
     return {delays[kRiseOn], delays[kRiseOff], delays[kFallOn], delays[kFallOff]};
 }
 

@@ -36,17 +36,18 @@ bool noteEntryName(MSelState& state, const Rows<MSelEntry>& entries, Name name) 
 /// Reads "model description" and appends it, repeated or not.
 void entryLine(Context& context, MSelState& state, MSel& selector, std::string_view text) {
     constexpr int kItems = 2;
-    const ItemList items = splitItems(context, text, kItems);
-    if (items.count == 0) {
+    // Only a line that is longer than any gap may be can hold too long a one, in its description also.
+    if (text.size() > static_cast<std::size_t>(kMaxSkip)) static_cast<void>(splitItems(context, text, 0));
+    const std::string_view name = takeItem(context, text);
+    if (name.empty()) {
         errorAtLine(context.diagnostics, 4016);
         return;
     }
-    if (items.count < kItems) errorAtLine(context.diagnostics, 4011, items.count, kKeyword, kItems);
-    const auto name_end = static_cast<std::size_t>(items[0].data() + items[0].size() - text.data());
+    const std::string_view description = trim(text);
+    if (description.empty()) errorAtLine(context.diagnostics, 4011, 1, kKeyword, kItems);
     MSelEntry entry;
-    storeName(context, entry.model_name, items[0], modelNameLimit(context.parse.version), 4017);
+    storeName(context, entry.model_name, name, modelNameLimit(context.parse.version), 4017);
     if (equalsNoCase(entry.model_name, "NA")) errorAtLine(context.diagnostics, 4018);
-    const std::string_view description = trim(text.substr(name_end));
     entry.description = context.texts.add(entryDescription(context, description, entry.model_name.size()));
     const bool is_new = noteEntryName(state, selector.entries, entry.model_name);
     context.rows.add(selector.entries, entry);

@@ -19,22 +19,31 @@ inline constexpr int kMaxItems = 8;
 
 /// The items of a line as the splitter found them; views into the line.
 struct ItemList {
-    std::array<std::string_view, kMaxItems> items{};
     int kept = 0;  ///< items held, never more than were wanted
     int count = 0; ///< items on the line, those not kept included
 
     /// The item, or an empty view where the line has none.
     [[nodiscard]] std::string_view operator[](int index) const {
         assert(index >= 0 && index < kMaxItems);
-        return items[static_cast<std::size_t>(index)];
+        if (!has(index)) return {};
+        const Piece& piece = pieces_[static_cast<std::size_t>(index)];
+        return {piece.first, piece.last};
     }
     [[nodiscard]] bool has(int index) const { return index < kept; }
 
     /// Counts an item, and keeps it unless `max` are kept.
-    void add(std::string_view item, int max) {
-        if (kept < max) items[static_cast<std::size_t>(kept++)] = item;
+    void add(const char* first, const char* last, int max) {
+        if (kept < max) pieces_[static_cast<std::size_t>(kept++)] = {first, last};
         ++count;
     }
+
+private:
+    /// An item that is not set before it is kept: lists are made for every line.
+    struct Piece {
+        const char* first;
+        const char* last;
+    };
+    std::array<Piece, kMaxItems> pieces_; // NOLINT(cppcoreguidelines-pro-type-member-init)
 };
 
 /// `text` from its first character that is not white space. Passing over a 121st white-space character is an assertion

@@ -19,10 +19,10 @@ constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 } // namespace
 
-bool readPlainRow(std::string_view text, TableRow& row) {
+bool readPlainCells(std::string_view text, std::array<Cell, kColumns>& cells) {
     const char* at = text.data();
     const char* const end = at + text.size();
-    for (Cell& cell : row.cells) {
+    for (Cell& cell : cells) {
         const char* const begin = at;
         while (at != end && isBlank(*at)) {
             ++at;
@@ -31,8 +31,11 @@ bool readPlainRow(std::string_view text, TableRow& row) {
         at = readPlainCell(at, end, cell);
         if (at == nullptr || (at != end && !isBlank(*at))) return false;
     }
-    // Lines come without blanks behind them. A row that begins with "NA" is reported.
-    return at == end && row[kFirst].isNumber();
+    return at == end; // lines come without blanks behind them
+}
+
+bool readPlainRow(std::string_view text, TableRow& row) {
+    return readPlainCells(text, row.cells) && row[kFirst].isNumber(); // one that begins with "NA" is reported
 }
 
 FirstCell readFirstCell(std::string_view item) {
