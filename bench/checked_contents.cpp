@@ -11,14 +11,14 @@ namespace kestrel::bench {
 
 namespace {
 
-std::size_t rowsOf(const std::optional<Crv>& curve) { return curve ? curve->rows.size() : 0; }
+std::size_t rowsOf(const Crv& curve) { return curve.rows.size(); }
 
-std::size_t rowsOf(const std::unique_ptr<Wvfrm>& waveform) { return waveform ? waveform->rows.size() : 0; }
+std::size_t rowsOf(const OnDemand<Wvfrm>& waveform) { return waveform->rows.size(); }
 
-std::size_t rowsOf(const std::vector<std::unique_ptr<Wvfrm>>& waveforms) {
+std::size_t rowsOf(const Rows<Wvfrm>& waveforms) {
     std::size_t rows = 0;
-    for (const std::unique_ptr<Wvfrm>& waveform : waveforms)
-        rows += rowsOf(waveform);
+    for (const Wvfrm& waveform : waveforms)
+        rows += waveform.rows.size();
     return rows;
 }
 
@@ -43,7 +43,7 @@ Contents contentsOf(const Ibis& root) {
         contents.table_rows += rowsOf(model.tables->pulldown) + rowsOf(model.tables->pullup) +
                                rowsOf(model.tables->gnd_clamp) + rowsOf(model.tables->power_clamp) +
                                rowsOf(model.tables->rising_waveforms) + rowsOf(model.tables->falling_waveforms);
-        if (model.driver_schedule) contents.schedule_entries += model.driver_schedule->entries.size();
+        contents.schedule_entries += model.driver_schedule.entries.size();
     }
     for (const SubMdl& submodel : root.submodels.newestFirst()) {
         ++contents.submodels;

@@ -82,7 +82,7 @@ void checkDelays(Diagnostics& diagnostics, const Delays& delays) {
 /// how they lie to one another.
 Dly readDly(Context& context, std::string_view text, std::string_view model_name) {
     Delays delays;
-    bool all_read = readPlainCells(text, delays);
+    bool all_read = readPlainCells(context, text, delays);
     if (!all_read) {
         const ItemList items = splitItems(context, text, kDelays);
         reportItemCount(context.diagnostics, items.count, kLabels, model_name, {4502, 4501}, MissingItems::first);

@@ -119,7 +119,7 @@ void openSingleWvfrm(Context& context, OnDemand<Wvfrm>& slot, const WaveformLabe
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text) {
     const std::size_t limit = rowLimit(context.parse.version, label.form);
     TableRow row;
-    if (readPlainRow(text, row)) {
+    if (readPlainRow(context, text, row)) {
         addRow(context, waveform.rows, row, label.rows, limit);
         return;
     }

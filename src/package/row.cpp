@@ -161,7 +161,7 @@ std::string_view readPlainValues(RowStore& store, MtxRow& row, MtxValues& values
 void readValues(Context& context, Mtx& mtx, std::string_view text) {
     MtxRow& row = mtx.rows.back();
     auto& values = std::get<MtxValues>(row.given);
-    text = readPlainValues(context.rows, row, values, text);
+    if (context.short_paths) text = readPlainValues(context.rows, row, values, text);
     for (std::string_view token = takeToken(text); !token.empty(); token = takeToken(text)) {
         double value = 0.0;
         if (!readValue(context.diagnostics, token, value)) return;
@@ -252,7 +252,7 @@ bool readPlainEntry(RowStore& store, Mtx& mtx, const PackagePins& pins, std::str
 
 /// A line of a sparse matrix: the pin of a column, then the value.
 void readEntry(Context& context, Mtx& mtx, const PackagePins& pins, std::string_view text) {
-    if (readPlainEntry(context.rows, mtx, pins, text)) return;
+    if (context.short_paths && readPlainEntry(context.rows, mtx, pins, text)) return;
     Diagnostics& diagnostics = context.diagnostics;
     const std::uint32_t column = readColumn(diagnostics, mtx, pins, takeToken(text));
     if (column == 0) return;

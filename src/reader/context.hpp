@@ -22,9 +22,10 @@ struct Context {
     ParseState parse;
     Diagnostics diagnostics;
     SourceStore sources;
-    RowStore rows;   ///< those of all tables that were read
-    TextStore texts; ///< texts of records
-    NameTable names; ///< names that many records share
+    bool short_paths = true; ///< off in tests: lines, items, rows and matrices are read by the long ways
+    RowStore rows;           ///< those of all tables that were read
+    TextStore texts;         ///< texts of records
+    NameTable names;         ///< names that many records share
 };
 
 } // namespace kestrel

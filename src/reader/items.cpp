@@ -148,7 +148,7 @@ std::string_view skipWhiteSpace(const Context& context, std::string_view text) {
 
 ItemList splitItems(const Context& context, std::string_view text, int max, char split) {
     assert(max <= kMaxItems);
-    return splitWide(context, text, max, split);
+    return context.short_paths ? splitWide(context, text, max, split) : splitByCharacters(context, text, max, split);
 }
 
 std::string_view takeItem(const Context& context, std::string_view& text, char split) {

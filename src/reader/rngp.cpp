@@ -19,7 +19,8 @@ constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 } // namespace
 
-bool readPlainCells(std::string_view text, std::array<Cell, kColumns>& cells) {
+bool readPlainCells(const Context& context, std::string_view text, std::array<Cell, kColumns>& cells) {
+    if (!context.short_paths) return false;
     const char* at = text.data();
     const char* const end = at + text.size();
     for (Cell& cell : cells) {
@@ -34,8 +35,8 @@ bool readPlainCells(std::string_view text, std::array<Cell, kColumns>& cells) {
     return at == end; // lines come without blanks behind them
 }
 
-bool readPlainRow(std::string_view text, TableRow& row) {
-    return readPlainCells(text, row.cells) && row[kFirst].isNumber(); // one that begins with "NA" is reported
+bool readPlainRow(const Context& context, std::string_view text, TableRow& row) {
+    return readPlainCells(context, text, row.cells) && row[kFirst].isNumber(); // one that begins with "NA" is reported
 }
 
 FirstCell readFirstCell(std::string_view item) {
@@ -47,7 +48,7 @@ FirstCell readFirstCell(std::string_view item) {
 TableRow readRow(Context& context, std::string_view text, std::string_view table, std::string_view first_label,
                  const FirstCell& first) {
     TableRow row;
-    if (!first.beginsRow() && readPlainRow(text, row)) return row;
+    if (!first.beginsRow() && readPlainRow(context, text, row)) return row;
     const ItemList items = splitItems(context, text, kItems);
     reportItemCount(context.diagnostics, items.count, kMissingColumns, table, {1402, 1401});
     // Where the line was split at more than blanks, the item read ahead is but a part of the row's.

@@ -41,12 +41,12 @@ struct FirstCell {
 
 /// Reads a text that is four plain cells, each a decimal number with or without a unit or "NA"; false for any other, of
 /// which nothing is reported.
-[[nodiscard]] bool readPlainCells(std::string_view text, std::array<Cell, kColumns>& cells);
+[[nodiscard]] bool readPlainCells(const Context& context, std::string_view text, std::array<Cell, kColumns>& cells);
 
 /// Reads a line that is four plain cells, as nearly all lines of tables are: decimal numbers with or without a unit,
 /// and "NA" behind the first. False for any other, of which nothing is reported: readRow() reads it as it reads plain
 /// ones. Tables are read in a third of the time.
-[[nodiscard]] bool readPlainRow(std::string_view text, TableRow& row);
+[[nodiscard]] bool readPlainRow(const Context& context, std::string_view text, TableRow& row);
 
 /// Reads one line of a table. A row is made whatever its cells hold, callers go by their states.
 [[nodiscard]] TableRow readRow(Context& context, std::string_view text, std::string_view table,

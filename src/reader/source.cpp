@@ -196,7 +196,8 @@ std::optional<SourceLine> LineReader::next(Context& context, std::size_t capacit
     const char comment = context.parse.comment;
     LineScan scan;
     do {
-        scan = begin_ == end_ ? LineScan{} : scanLine(window_.get() + begin_, comment);
+        const auto scan_line = context.short_paths ? scanLine : scanLineByWords;
+        scan = begin_ == end_ ? LineScan{} : scan_line(window_.get() + begin_, comment);
         // A line that reaches to the end of the window may be but the beginning of one.
     } while (begin_ + scan.length == end_ && fill());
     if (begin_ == end_) return std::nullopt;
