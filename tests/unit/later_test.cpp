@@ -141,6 +141,12 @@ TEST(Later, version51ForbidsWhatLaterOnesAreLetOff) {
               "E2207@ E2220@ E2307@ E2316@ E2412@ E2506@ E2605@ E2606@ E2607@ "
               "E3100@ E3117@ E3121@ E3432@ " // the second and third since the pins are cut to different names
               "E4012@ E4017@ E4019@ E4212@");
+
+    Files board(true);
+    board.put("Module.ebd", asVersion51("Module.ebd")).add("Chip.ibs", kPart, "5.1").check("Module.ebd");
+    // 4322, 4330 and 4390 since the pins are cut to one name, and the component's to another.
+    EXPECT_EQ(distinct(board.codes()),
+              "E0916@ E1010@ E1912@ E4317@ E4322@ E4324@ E4330 E4361@ E4369 E4370 E4375@ E4380@ E4385@ E4386@ E4390");
 }
 
 TEST(Later, aFileIsReadByTheRulesOfItsOwnVersion) {
