@@ -186,8 +186,11 @@ private:
         if (section == Section::specific) {
             checkSpecificName(branch);
         } else if (direct) {
-            errorAtLine(at(check_, branch), 4649, shown(branch.text));
-            if (const ReservedRow* const row = reservedRow(branch.text)) give(*row, nullptr);
+            const ReservedRow* const row = reservedRow(branch.text);
+            // A later version may have branches of names that are not known here.
+            const bool may_be = row == nullptr && check_.rules.later && check_.context.parse.takes_later;
+            if (!may_be) errorAtLine(at(check_, branch), 4649, shown(branch.text));
+            if (row != nullptr) give(*row, nullptr);
         }
         const Node* const only = &node;
         markRepeated(std::span(&only, 1), Names::exact);

@@ -89,7 +89,11 @@ void checkVersion(AmiCheck& check, const AmiLeaf& leaf) {
     constexpr std::array<std::string_view, 2> kKnown{"5.0", kNewestVersion};
     const AmiItem* const value = singleValue(leaf);
     if (value == nullptr || contains(kKnown, value->text)) return;
-    warningAtLine(at(check, *value), 4657, shown(value->text));
+    if (check.context.parse.takes_later && isLaterVersion(value->text)) {
+        noteLaterVersion(at(check, *value), value->text);
+    } else {
+        warningAtLine(at(check, *value), 4657, shown(value->text));
+    }
 }
 
 } // namespace

@@ -13,7 +13,8 @@ constexpr NumberMessages kNumberOfPins{4310, 4311, 4312, 4313, 4314};
 
 /// Stores a name; a cut may have left blanks at its end.
 void storeNameOnce(Context& context, std::string& name, std::string_view text, std::string_view label) {
-    if (setTextOnce(context.diagnostics, name, text, kLongNameLimit, label)) name.resize(stripTrailing(name).size());
+    if (setTextOnce(context.diagnostics, name, text, longNameLimit(context.parse.version), label))
+        name.resize(stripTrailing(name).size());
 }
 
 void nameKeyword(Context& context, EbdMdlState& state, EbdMdl& board, std::string_view text) {
@@ -76,7 +77,7 @@ void pinRow(Context& context, EbdMdl& board, std::string_view text) {
         return;
     }
     std::string name;
-    storeName(diagnostics, name, items[0], kBoardPinLimit, 4317);
+    storeName(diagnostics, name, items[0], boardPinLimit(context.parse.version), 4317);
     if (board.number_of_pins == 0) {
         errorAtLine(diagnostics, 4318);
         return;
@@ -89,12 +90,12 @@ void pinRow(Context& context, EbdMdl& board, std::string_view text) {
     EbdPin& pin = board.pins.back();
     if (!is_new) errorAtLine(diagnostics, 4322, pin.name);
     if (!items.has(1)) errorAtLine(diagnostics, 4323);
-    storeName(diagnostics, pin.signal_name, items[1], kBoardSignalLimit, 4324);
+    storeName(diagnostics, pin.signal_name, items[1], boardSignalLimit(context.parse.version), 4324);
     if (items.count > 2) errorAtLine(diagnostics, 4325);
 }
 
 void pathRow(Context& context, EbdMdlState& state, EbdMdl& board, std::string_view text) {
-    pathLine(context.diagnostics, board.paths.back(), state.cursor, text);
+    pathLine(context, board.paths.back(), state.cursor, text);
 }
 
 void dataOutOfPlace(Context& context, std::string_view /*text*/) { errorAtLine(context.diagnostics, 4302); }

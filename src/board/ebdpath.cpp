@@ -1,9 +1,11 @@
 #include "board/ebdpath.hpp"
 
 #include "base/rows.hpp"
-#include "diagnostics/diagnostics.hpp"
 #include "package/token.hpp"
+#include "reader/context.hpp"
 #include "reader/names.hpp"
+
+#include <utility>
 
 namespace kestrel {
 
@@ -30,6 +32,7 @@ std::string_view takePathToken(Diagnostics& diagnostics, std::string_view& text)
 /// A place on a line of the path being read.
 struct PathReader {
     Diagnostics& diagnostics;
+    IbisVersion version;
     EbdPath& path;
     ChainCursor& cursor;
     std::string_view text; ///< what follows the token
@@ -47,7 +50,7 @@ void pinToken(PathReader& reader, std::string_view) {
         errorAtLine(diagnostics, 4349);
         return;
     }
-    storeName(diagnostics, reader.path.pins.emplace_back(), name, kBoardPinLimit, 4361);
+    storeName(diagnostics, reader.path.pins.emplace_back(), name, boardPinLimit(reader.version), 4361);
     warnOfName(diagnostics, name, kPinWarnings);
     reader.attachNewest(ElementKind::pin, reader.path.pins);
 }
@@ -105,11 +108,13 @@ void readNode(PathReader& reader, std::string_view text) {
     }
     const std::string_view designator = text.substr(0, period);
     const std::string_view pin = text.substr(period + 1);
-    if (designator.size() > kDesignatorLimit) error(diagnostics, 4369);
-    if (pin.size() > kBoardPinLimit) error(diagnostics, 4370);
+    const int designator_limit = designatorLimit(reader.version);
+    const int pin_limit = boardPinLimit(reader.version);
+    if (std::cmp_greater(designator.size(), designator_limit)) error(diagnostics, 4369);
+    if (std::cmp_greater(pin.size(), pin_limit)) error(diagnostics, 4370);
     warnOfName(diagnostics, text, kNodeWarnings);
-    reader.path.nodes.push_back({.designator = std::string(cutName(designator, kDesignatorLimit)),
-                                 .pin = std::string(cutName(pin, kBoardPinLimit))});
+    reader.path.nodes.push_back({.designator = std::string(cutName(designator, designator_limit)),
+                                 .pin = std::string(cutName(pin, pin_limit))});
     reader.attachNewest(ElementKind::node, reader.path.nodes);
 }
 
@@ -141,8 +146,10 @@ constexpr std::array<TokenRow, 6> kTokens{{
 
 } // namespace
 
-void pathLine(Diagnostics& diagnostics, EbdPath& path, ChainCursor& cursor, std::string_view text) {
-    PathReader reader{.diagnostics = diagnostics, .path = path, .cursor = cursor, .text = text};
+void pathLine(Context& context, EbdPath& path, ChainCursor& cursor, std::string_view text) {
+    Diagnostics& diagnostics = context.diagnostics;
+    PathReader reader{
+        .diagnostics = diagnostics, .version = context.parse.version, .path = path, .cursor = cursor, .text = text};
     for (;;) {
         const std::string_view token = takePathToken(diagnostics, reader.text);
         if (token.empty()) return;

@@ -8,7 +8,7 @@
 
 namespace kestrel {
 
-struct Diagnostics;
+struct Context;
 
 /// A pin of a mounted component.
 struct EbdNode {
@@ -25,6 +25,6 @@ struct EbdPath {
 };
 
 /// Reads a line of a path: pins, nodes, sections, forks and "NC". `cursor` goes on in the path's chain.
-void pathLine(Diagnostics& diagnostics, EbdPath& path, ChainCursor& cursor, std::string_view text);
+void pathLine(Context& context, EbdPath& path, ChainCursor& cursor, std::string_view text);
 
 } // namespace kestrel

@@ -33,7 +33,7 @@ void openAlternates(Context& context, std::unique_ptr<Alternates>& alternates, s
 void alternateLine(Context& context, Alternates& alternates, std::string_view component, std::string_view text) {
     alternates.listed = true;
     std::string name;
-    const bool fits = storeName(context.diagnostics, name, trim(text), kLongNameLimit, 535);
+    const bool fits = storeName(context.diagnostics, name, trim(text), longNameLimit(context.parse.version), 535);
     if (!checkNotReserved(context.diagnostics, name)) return;
     const bool is_new = alternates.models.add(name);
     if (!fits) {

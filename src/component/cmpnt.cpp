@@ -22,7 +22,7 @@ constexpr std::array<EnumerationRow<Location>, 2> kLocations{{{"Pin", Location::
 constexpr EnumerationMessages kLocationMessages{512, 520};
 
 void readName(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
-    setTextOnce(context, component.name, text, kLongNameLimit, "Component");
+    setTextOnce(context, component.name, text, longNameLimit(context.parse.version), "Component");
     if (std::ranges::any_of(component.name.view(), isSpace)) warningAtLine(context.diagnostics, 513, component.name);
     checkNotReserved(context.diagnostics, component.name);
     state.list->enterNewest(context.names);
@@ -56,12 +56,14 @@ void componentLine(Context& context, Cmpnt& component, std::string_view text) {
 }
 
 void readManufacturer(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
-    setTextOnce(context.diagnostics, component.manufacturer, text, kLongNameLimit, "Manufacturer");
+    setTextOnce(context.diagnostics, component.manufacturer, text, longNameLimit(context.parse.version),
+                "Manufacturer");
     state.manufacturer_seen = true;
 }
 
 void readPackageModel(Context& context, CmpntState& state, Cmpnt& component, std::string_view text) {
-    setTextOnce(context.diagnostics, component.package_model, text, kLongNameLimit, "Package_Model");
+    setTextOnce(context.diagnostics, component.package_model, text, longNameLimit(context.parse.version),
+                "Package_Model");
     checkNotReserved(context.diagnostics, component.package_model);
     state.package_model_seen = true;
 }

@@ -30,7 +30,8 @@ Allowed allowedColumns(IbisVersion version) {
 
 void readLabel(Context& context, PinMap& row, std::size_t column, std::string_view text) {
     std::string& label = row.labels[column];
-    row.label_reported[column] = !storeName(context.diagnostics, label, text, kBusLabelLimit, 707);
+    row.label_reported[column] =
+        !storeName(context.diagnostics, label, text, busLabelLimit(context.parse.version), 707);
 }
 
 /// "NA" is no placeholder here; it is taken for the one that is.
@@ -45,7 +46,7 @@ void dropRow(PinMapping& mapping, const ItemList& items, IbisVersion version) {
     PinMap& row = mapping.dropped_rows.emplace_back();
     row.pin = cutName(items[0], pinNameLimit(version));
     for (int place = 1; items.has(place); ++place) {
-        row.labels[static_cast<std::size_t>(place - 1)] = cutName(items[place], kBusLabelLimit);
+        row.labels[static_cast<std::size_t>(place - 1)] = cutName(items[place], busLabelLimit(version));
     }
 }
 
@@ -131,6 +132,10 @@ ViewSet supplyLabels(const MappedPins& of, const std::vector<SupplyRow>& supplie
 }
 
 void checkLabels(Context& context, const MappedPins& of, const std::vector<SupplyRow>& supplies) {
+    // These may connect a label.
+    for (const LaterKeyword keyword : {LaterKeyword::busLabel, LaterKeyword::dieSupplyPads}) {
+        if (wasPassedOver(context.parse, keyword)) return;
+    }
     ViewSet known = supplyLabels(of, supplies);
     for (const PinMap& row : of.mapping.rows) {
         for (std::size_t column = 0; column < kBusColumns; ++column) {

@@ -77,7 +77,7 @@ void openCircuitCall(Context& context, std::vector<CircuitCall>& calls, std::str
     const ItemList items = splitItems(context, text, 1);
     if (items.count == 0) errorAtLine(context.diagnostics, 1833);
     if (items.count > 1) errorAtLine(context.diagnostics, 1803, items.count, kNames.kind, 1);
-    calls.emplace_back().circuit = cutName(items[0], kLongNameLimit);
+    calls.emplace_back().circuit = cutName(items[0], longNameLimit(context.parse.version));
 }
 
 void circuitCallLine(Context& context, CircuitCall& call, std::string_view text) {

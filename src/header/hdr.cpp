@@ -7,8 +7,8 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::uint32_t kShortTextLimit = 70;
-constexpr std::uint32_t kDateLimit = 40;
+constexpr int kShortTextLimit = 70;
+constexpr int kDateLimit = 40;
 
 constexpr std::array<std::string_view, 10> kVersions{"2.0", "2.1", "3.0", "3.1", "3.2",
                                                      "4.0", "4.1", "4.2", "5.0", "5.1"};
@@ -30,7 +30,7 @@ struct ValueKeyword {
     std::string_view name;
     std::string Hdr::*text;
     bool HdrState::*seen;
-    std::uint32_t limit;
+    int limit;
     CheckedMessage<> duplicate;
 };
 
@@ -52,8 +52,11 @@ bool anyOtherKeywordSeen(const HdrState& state) {
            state.disclaimer_seen || state.copyright_seen;
 }
 
-bool isLegalVersion(std::string_view text, bool top_level) {
-    return contains(kVersions, text) || (top_level && text.starts_with("1."));
+/// The version class of a text, for one that is legal.
+std::optional<IbisVersion> legalVersion(const ParseState& parse, std::string_view text) {
+    if (parse.takes_later && isLaterVersion(text)) return IbisVersion::later;
+    if (!contains(kVersions, text) && !(parse.top_level && text.starts_with("1."))) return std::nullopt;
+    return static_cast<IbisVersion>(text.front() - '0');
 }
 
 void ibisVerLine(Context& context, HdrState& state, Hdr& header, std::string_view text) {
@@ -66,18 +69,22 @@ void ibisVerLine(Context& context, HdrState& state, Hdr& header, std::string_vie
     std::string& stored = header.ibis_version;
     setTextOnce(context.diagnostics, stored, text, kShortTextLimit, "IBIS_Version");
     if (stored.empty()) return;
-    if (!isLegalVersion(stored, context.parse.top_level)) {
+    const std::optional<IbisVersion> version = legalVersion(context.parse, stored);
+    if (!version) {
         errorAtLine(context.diagnostics, 1008, stored);
         return;
     }
-    context.parse.version = static_cast<IbisVersion>(stored.front() - '0');
+    context.parse.version = *version;
+    if (version == IbisVersion::later) noteLaterVersion(context.diagnostics, stored);
 }
 
-void checkFileName(Diagnostics& diagnostics, std::string_view name) {
+void checkFileName(Context& context, std::string_view name) {
+    Diagnostics& diagnostics = context.diagnostics;
+    const bool takes_upper = context.parse.version == IbisVersion::later;
     int periods = 0;
     for (const char c : name) {
         if (isUpper(c)) {
-            errorAtLine(diagnostics, 1010, name, c);
+            if (!takes_upper) errorAtLine(diagnostics, 1010, name, c);
         } else if (!isFileNameCharacter(c)) {
             errorAtLine(diagnostics, 1011, name, c);
         } else if (c == '.' && ++periods > 1) {
@@ -89,7 +96,7 @@ void checkFileName(Diagnostics& diagnostics, std::string_view name) {
 
 void storeFileName(Context& context, Hdr& header, std::string_view text) {
     constexpr std::string_view kName = "File_name";
-    const auto limit = static_cast<std::uint32_t>(fileNameLimit(context.parse.version));
+    const int limit = fileNameLimit(context.parse.version);
     if (context.parse.version < IbisVersion::v3) {
         setTextOnce(context.diagnostics, header.file_name, text, limit, kName);
     } else {
@@ -105,7 +112,7 @@ void fileNameLine(Context& context, HdrState& state, Hdr& header, std::string_vi
     state.file_name_seen = true;
     storeFileName(context, header, text);
     const std::string& name = header.file_name;
-    if (!name.empty()) checkFileName(context.diagnostics, name);
+    if (!name.empty()) checkFileName(context, name);
     if (!equalsNoCase(name, context.parse.file_name)) {
         errorAtLine(context.diagnostics, 1014, context.parse.file_name, name);
     }
@@ -119,7 +126,7 @@ void valueLine(Context& context, HdrState& state, Hdr& header, std::string_view 
         return;
     }
     std::string& stored = header.*Keyword.text;
-    setTextOnce(context.diagnostics, stored, text, Keyword.limit, Keyword.name);
+    setTextOnce(context.diagnostics, stored, text, unlessLater(context.parse.version, Keyword.limit), Keyword.name);
     checkNotReserved(context.diagnostics, stored);
 }
 

@@ -11,8 +11,8 @@ namespace kestrel {
 struct Hdr : RecordOf<SubjectKind::header> {
     std::string ibis_version; ///< at most 70 characters
     std::string file_name;
-    std::string file_rev; ///< at most 70 characters
-    std::string date;     ///< at most 40 characters
+    std::string file_rev; ///< at most 70 characters up to version 5
+    std::string date;     ///< at most 40 characters up to version 5
     std::optional<std::string> source;
     std::optional<std::string> notes;
     std::optional<std::string> disclaimer;
@@ -30,9 +30,6 @@ struct HdrState : RecordState<Hdr> {
     bool disclaimer_seen = false;
     bool copyright_seen = false;
 };
-
-/// True for the characters that a file name in a file may have: letters, digits and some marks.
-[[nodiscard]] bool isFileNameCharacter(char c);
 
 /// Reads the header, which any other keyword ends.
 extern const RecordModule<HdrState> kHdr;

@@ -86,10 +86,11 @@ void checkPins(Diagnostics& diagnostics, const EbdRefDes& entry, const NameViews
     }
 }
 
-void checkBoardReference(Diagnostics& diagnostics, const ObjectList<EbdMdl>& boards, const EbdRefDes& entry,
-                         const NameViews& pins) {
+/// `version` is that of the file in which the boards are.
+void checkBoardReference(Diagnostics& diagnostics, const ObjectList<EbdMdl>& boards, IbisVersion version,
+                         const EbdRefDes& entry, const NameViews& pins) {
     if (const EbdMdl* const board = boards.find(entry.component)) {
-        checkPins(diagnostics, entry, pins, kBoardPinLimit,
+        checkPins(diagnostics, entry, pins, boardPinLimit(version),
                   [board](std::string_view pin) { return board->pins.has(pin); });
     } else {
         error(diagnostics, 4390, entry.component, entry.file_name);
@@ -159,14 +160,16 @@ FollowedFile readFile(Run& run, const EbdMdl& board, std::string_view name, File
 }
 
 /// Checks references into the file of the board itself, which need no reading.
-void checkOwnFile(Diagnostics& diagnostics, const Ibis& root, const EbdMdl& board, const FileReference& file,
+void checkOwnFile(Context& context, const Ibis& root, const EbdMdl& board, const FileReference& file,
                   const UsedPins& used) {
+    Diagnostics& diagnostics = context.diagnostics;
     const About about(diagnostics, board);
     for (const EbdRefDes* const entry : file.entries) {
         if (entry->component == board.name) {
             error(diagnostics, 4381, entry->designator, board.name);
         } else {
-            checkBoardReference(diagnostics, root.board_descriptions, *entry, used.at(entry->designator));
+            checkBoardReference(diagnostics, root.board_descriptions, context.parse.version, *entry,
+                                used.at(entry->designator));
         }
     }
 }
@@ -187,7 +190,7 @@ void checkOtherFile(Run& run, const Ibis& root, const EbdMdl& board, const FileR
         if (file.kind == FileKind::ibs) {
             checkComponentReference(run.diagnostics, target, *entry, pins);
         } else {
-            checkBoardReference(run.diagnostics, target.boards, *entry, pins);
+            checkBoardReference(run.diagnostics, target.boards, target.version, *entry, pins);
         }
     }
 }
@@ -205,7 +208,7 @@ void checkBoards(Run& run, const Ibis& root, bool nested) {
         const UsedPins used = collectUsedPins(board);
         for (const FileReference& file : collectFiles(board, used)) {
             if (equalsNoCase(file.name, run.parse.file_name)) {
-                checkOwnFile(run.diagnostics, root, board, file, used);
+                checkOwnFile(run, root, board, file, used);
             } else {
                 checkOtherFile(run, root, board, file, used, followed);
             }

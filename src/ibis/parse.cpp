@@ -26,12 +26,18 @@ void resetReader(ParseState& parse, FileKind kind) {
     parse.end_seen = false;
     parse.submodel_context = false;
     parse.continuation_pending = false;
+    parse.passing_over = false;
+    parse.passed_over = {};
+    // Only a file's own version may be a later one.
+    parse.long_lines = false;
+    if (parse.version == IbisVersion::later) parse.version = IbisVersion::v5;
 }
 
 /// Length and TAB checks of a line that has been read and counted.
 void finishLine(Run& run, const SourceLine& line) {
     const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
-    if (line.text.size() > static_cast<std::size_t>(limit)) errorAtLine(run.diagnostics, 905, limit);
+    const bool is_long = line.text.size() > static_cast<std::size_t>(limit);
+    if (is_long && !run.parse.long_lines) errorAtLine(run.diagnostics, 905, limit);
     if (line.has_tab && !run.parse.tab_warned) {
         run.parse.tab_warned = true;
         warningAtLine(run.diagnostics, 921);
@@ -102,7 +108,33 @@ KeywordCode inContext(const ParseState& parse, KeywordCode code) {
     }
 }
 
-/// Finds the keyword of a line, or reports that it is none.
+/// Passes over a keyword of a later version with its data lines; false for any other name. Records stay open, as for
+/// every keyword that is none.
+bool passOver(ParseState& parse, std::string_view name) {
+    if (parse.version != IbisVersion::later) return false;
+    const std::optional<LaterKeyword> later = findLaterKeyword(name);
+    if (!later) return false;
+    ++parse.passed_over[static_cast<std::size_t>(*later)];
+    parse.passing_over = true;
+    return true;
+}
+
+/// Notes which keywords of a file were passed over.
+void notePassedOver(Context& context) {
+    std::uint32_t count = 0;
+    std::string names;
+    for (std::size_t i = 0; i < kLaterKeywordCount; ++i) {
+        const std::uint32_t times = context.parse.passed_over[i];
+        if (times == 0) continue;
+        count += times;
+        names.append(names.empty() ? "" : ", ").append(laterKeywordName(static_cast<LaterKeyword>(i)));
+    }
+    if (count == 0) return;
+    noteTextAtLine(context.diagnostics, "Passed over: %u %s of later versions: %s", count,
+                   std::string_view(count == 1 ? "keyword" : "keywords"), names);
+}
+
+/// Finds the keyword of a line, or reports that it is none or passes over it.
 std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
     const std::size_t bracket = line.find(']');
     if (bracket == std::string_view::npos) {
@@ -117,6 +149,7 @@ std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
     if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version)) {
         return inContext(run.parse, *code);
     }
+    if (passOver(run.parse, name)) return std::nullopt;
     std::string shown(name);
     std::replace(shown.begin(), shown.end(), ' ', '_');
     errorAtLine(run.diagnostics, 916, shown);
@@ -165,7 +198,10 @@ void dispatchKeyword(Run& run, std::string_view line) {
         errorAtLine(run.diagnostics, 909);
         parse.continuation_pending = false;
     }
+    parse.passing_over = false;
     const std::optional<KeywordCode> code = recognise(run, line);
+    // Where a keyword passed over is left, the one before it still tells what the next belongs to.
+    if (parse.passing_over) return;
     parse.current = code.value_or(KeywordCode::notKey);
     if (!code) return;
     if (*code == KeywordCode::model) parse.submodel_context = false;
@@ -198,7 +234,7 @@ void handleLine(Run& run, const SourceLine& read) {
     if (kind == LineKind::keyword) {
         // A keyword is read from its bracket on, data with its leading blanks.
         dispatchKeyword(run, text.substr(line.size() - body.size()));
-    } else {
+    } else if (!run.parse.passing_over) {
         handOn(run, moduleOf(run.parse.current), Line{LineKind::data, run.parse.current, text});
     }
 }
@@ -209,7 +245,8 @@ std::optional<std::string_view> announcedVersion(IbisVersion version) {
     case IbisVersion::v2: return "2.1";
     case IbisVersion::v3: return "3.2";
     case IbisVersion::v4: return "4.2";
-    case IbisVersion::v5: return "5.1";
+    case IbisVersion::v5:
+    case IbisVersion::later: return "5.1";
     case IbisVersion::none:
     case IbisVersion::v1: break;
     }
@@ -260,7 +297,8 @@ void announce(Context& context, std::string_view name, std::string_view version)
 bool parseFile(Run& run, std::string_view name, FileKind kind) {
     resetReader(run.parse, kind);
     std::uint32_t scanned = 0;
-    const std::optional<std::string_view> version = announcedVersion(scanVersion(run, name, kind, scanned));
+    const IbisVersion found = scanVersion(run, name, kind, scanned);
+    const std::optional<std::string_view> version = announcedVersion(found);
     if (!version && scanned == 0) { // not there, or empty: whoever named it is to blame
         error(run.diagnostics, 900, name);
         return false;
@@ -276,8 +314,10 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
         return false;
     }
     run.parse.file_name = source->bare_name;
+    run.parse.long_lines = found == IbisVersion::later;
+    const std::size_t capacity = run.parse.long_lines ? kNoCapacity : kLineCapacity;
     LineReader reader(std::move(source->bytes));
-    while (const std::optional<SourceLine> line = reader.next(run, kLineCapacity)) {
+    while (const std::optional<SourceLine> line = reader.next(run, capacity)) {
         ++run.parse.line;
         handleLine(run, *line);
     }
@@ -286,6 +326,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
         error(run.diagnostics, 903);
         dispatchKeyword(run, "[END]");
     }
+    notePassedOver(run);
     return true;
 }
 

@@ -102,6 +102,7 @@ VerimarkStatus checkOne(const Outputs& outputs, std::string_view name) {
     const FileKind kind = kindOrIbs(name);
     Report& report = outputs.report;
     Run run(outputs.announcements);
+    run.parse.takes_later = true;
     run.diagnostics.sink = [&report](const Finding& finding) { report.finding(finding); };
     report.fileBegins({.path = name, .kind = extensionOf(kind).substr(1)});
     const FileOutcome outcome = checkInRun(run, name, kind);

@@ -229,7 +229,9 @@ void checkSubparameters(Context& context, const Mdl& model) {
 }
 
 void checkModel(Context& context, const Mdl& model) {
-    if (std::ranges::none_of(kCapacitances, [&model](Presence present) { return present(model); })) {
+    // "[C Comp Model]" may take the place of C_comp.
+    if (!wasPassedOver(context.parse, LaterKeyword::cCompModel) &&
+        std::ranges::none_of(kCapacitances, [&model](Presence present) { return present(model); })) {
         error(context.diagnostics, 181, model.name);
     }
     checkThresholds(context, model);

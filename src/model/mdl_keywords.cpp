@@ -89,7 +89,7 @@ void readAddSubmodel(Context& context, Mdl& model, std::string_view text) {
     }
     if (items.count > kItems) errorAtLine(context.diagnostics, 210);
     AddSubmodel& row = context.rows.add(model.add_submodels, {});
-    const bool fits = storeName(context, row.name, items[0], kLongNameLimit, 212);
+    const bool fits = storeName(context, row.name, items[0], longNameLimit(context.parse.version), 212);
     if (fits && isReservedWord(row.name)) errorAtLine(context.diagnostics, 213, row.name);
     if (items.count < kItems) {
         errorAtLine(context.diagnostics, 215);

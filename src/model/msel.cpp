@@ -16,6 +16,7 @@ constexpr RecordNameRules kName{kKeyword, CheckedMessage<>(4010), 4011,         
 constexpr std::size_t kEntryRoom = 120;
 
 std::string_view entryDescription(Context& context, std::string_view text, std::size_t name_length) {
+    if (context.parse.version == IbisVersion::later) return text;
     const std::size_t room = kEntryRoom - name_length;
     if (text.size() > room) errorAtLine(context.diagnostics, 4019, text, static_cast<std::uint32_t>(room));
     return text.substr(0, room);

@@ -14,13 +14,15 @@ struct TextRow {
     KeywordCode code;
     std::string PkgMdl::*text;
     std::string_view label;
-    std::uint32_t limit;
+    int (*limit)(IbisVersion version);
 };
 
+constexpr int descriptionLimit(IbisVersion version) { return unlessLater(version, 60); }
+
 constexpr std::array<TextRow, 3> kTexts{{
-    {K::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", kLongNameLimit},
-    {K::oem, &PkgMdl::oem, "OEM", kLongNameLimit},
-    {K::description, &PkgMdl::description, "Description", 60},
+    {K::packageManufacturer, &PkgMdl::manufacturer, "Manufacturer", longNameLimit},
+    {K::oem, &PkgMdl::oem, "OEM", longNameLimit},
+    {K::description, &PkgMdl::description, "Description", descriptionLimit},
 }};
 
 /// A keyword that only marks a place.
@@ -67,13 +69,13 @@ Mtx* matrixOf(PkgMdl& package, KeywordCode code) {
 }
 
 void nameKeyword(Context& context, PkgMdlState& state, PkgMdl& package, const Line& line) {
-    setTextOnce(context, package.name, line.text, kLongNameLimit, "Define Package Model");
+    setTextOnce(context, package.name, line.text, longNameLimit(context.parse.version), "Define Package Model");
     state.list->enterNewest(context.names);
 }
 
 void textKeyword(Context& context, PkgMdlState& /*state*/, PkgMdl& package, const Line& line) {
     const TextRow& row = *rowOf(kTexts, line.key, &TextRow::code);
-    setTextOnce(context.diagnostics, package.*(row.text), line.text, row.limit, row.label);
+    setTextOnce(context.diagnostics, package.*(row.text), line.text, row.limit(context.parse.version), row.label);
 }
 
 void numberOfPinsKeyword(Context& context, PkgMdlState& /*state*/, PkgMdl& package, const Line& line) {

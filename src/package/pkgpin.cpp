@@ -19,7 +19,7 @@ struct PinName {
 
 PinName readPinName(Context& context, std::string_view text) {
     PinName name;
-    name.fits = storeName(context, name.text, text, kPackagePinLimit, 3432);
+    name.fits = storeName(context, name.text, text, packagePinLimit(context.parse.version), 3432);
     return name;
 }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace kestrel {
 
@@ -292,8 +293,9 @@ void beginRow(Context& context, Mtx& mtx, const PackagePins& pins, std::string_v
         errorAtLine(diagnostics, 3120);
         return;
     }
-    if (name.size() > kPackagePinLimit) errorAtLine(diagnostics, 3121);
-    name = trim(cutName(name, kPackagePinLimit));
+    const int limit = packagePinLimit(context.parse.version);
+    if (std::cmp_greater(name.size(), limit)) errorAtLine(diagnostics, 3121);
+    name = trim(cutName(name, limit));
     if (*columns == 0) {
         errorAtLine(diagnostics, 3122);
         return;

@@ -153,6 +153,33 @@ constexpr std::array<KeywordRow, 121> kKeywords{{
 
 static_assert(rowsInOrder(kKeywords, &KeywordRow::code));
 
+struct LaterRow {
+    std::string_view name;
+    LaterKeyword code;
+};
+
+constexpr std::array<LaterRow, kLaterKeywordCount> kLaterRows{{
+    {"Begin_interconnect_model_set", LaterKeyword::beginInterconnectModelSet},
+    {"Bus_label", LaterKeyword::busLabel},
+    {"C_comp_model", LaterKeyword::cCompModel},
+    {"Clock_pins", LaterKeyword::clockPins},
+    {"Die_supply_pads", LaterKeyword::dieSupplyPads},
+    {"End_C_comp_model", LaterKeyword::endCCompModel},
+    {"End_interconnect_model", LaterKeyword::endInterconnectModel},
+    {"End_interconnect_model_group", LaterKeyword::endInterconnectModelGroup},
+    {"End_interconnect_model_set", LaterKeyword::endInterconnectModelSet},
+    {"Initial_delay", LaterKeyword::initialDelay},
+    {"Interconnect_model", LaterKeyword::interconnectModel},
+    {"Interconnect_model_group", LaterKeyword::interconnectModelGroup},
+    {"Interconnect_model_set", LaterKeyword::interconnectModelSet},
+    {"PSIJ_sensitivity", LaterKeyword::psijSensitivity},
+    {"PSIJ_sensitivity_algebraic", LaterKeyword::psijSensitivityAlgebraic},
+    {"PSIJ_sensitivity_numeric", LaterKeyword::psijSensitivityNumeric},
+    {"Repeater_pin", LaterKeyword::repeaterPin},
+}};
+
+static_assert(rowsInOrder(kLaterRows, &LaterRow::code));
+
 /// What a character of a name counts as: names are written in any case, with blanks or underscores.
 constexpr std::array<char, 256> kFolded = [] {
     std::array<char, 256> folded{};
@@ -242,6 +269,15 @@ static_assert(!findInTable("Not Key", 3));
 std::optional<KeywordCode> findKeyword(std::string_view name, IbisVersion version) {
     return findInTable(name, tableOf(version));
 }
+
+std::optional<LaterKeyword> findLaterKeyword(std::string_view name) {
+    for (const LaterRow& row : kLaterRows) {
+        if (std::ranges::equal(name, row.name, {}, foldedCharacter, foldedCharacter)) return row.code;
+    }
+    return std::nullopt;
+}
+
+std::string_view laterKeywordName(LaterKeyword keyword) { return kLaterRows[static_cast<std::size_t>(keyword)].name; }
 
 Owner ownerOf(KeywordCode code) { return kKeywords[static_cast<std::size_t>(code)].owner; }
 

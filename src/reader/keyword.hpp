@@ -138,6 +138,28 @@ enum class KeywordCode : std::uint8_t {
 /// How many codes there are, the one for no keyword included.
 inline constexpr std::size_t kKeywordCodes = static_cast<std::size_t>(KeywordCode::notKey) + 1;
 
+/// A keyword that only versions after 5.1 have, in the order of the names.
+enum class LaterKeyword : std::uint8_t {
+    beginInterconnectModelSet,
+    busLabel,
+    cCompModel,
+    clockPins,
+    dieSupplyPads,
+    endCCompModel,
+    endInterconnectModel,
+    endInterconnectModelGroup,
+    endInterconnectModelSet,
+    initialDelay,
+    interconnectModel,
+    interconnectModelGroup,
+    interconnectModelSet,
+    psijSensitivity,
+    psijSensitivityAlgebraic,
+    psijSensitivityNumeric,
+    repeaterPin
+};
+inline constexpr std::size_t kLaterKeywordCount = 17;
+
 /// The module that receives a keyword and its data lines.
 enum class Owner : std::uint8_t {
     hdr,
@@ -172,6 +194,12 @@ inline constexpr std::size_t kMaxKeywordName = 117;
 /// Finds a keyword name, blanks or underscores and any case, in the table of the language version; of names that are
 /// there more than once the first is found. Nothing for a name that the version does not have.
 [[nodiscard]] std::optional<KeywordCode> findKeyword(std::string_view name, IbisVersion version);
+
+/// Finds a keyword name, written as freely, among those of later versions.
+[[nodiscard]] std::optional<LaterKeyword> findLaterKeyword(std::string_view name);
+
+/// The name of a keyword of later versions for messages ("Bus_label").
+[[nodiscard]] std::string_view laterKeywordName(LaterKeyword keyword);
 
 /// The module that owns `code`.
 [[nodiscard]] Owner ownerOf(KeywordCode code);

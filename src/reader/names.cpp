@@ -4,6 +4,7 @@
 #include "reader/context.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace kestrel {
 
@@ -20,20 +21,23 @@ constexpr std::array<std::string_view, 5> kReservedWords{"GND", "NC", "POWER", "
 using TextTooLong = CheckedMessage<ArgKind::text, ArgKind::text, ArgKind::unsignedInteger>;
 
 /// Judges a text that may be given once; false when the record has one already.
-bool checkOnce(Diagnostics& diagnostics, std::string_view present, std::string_view text, std::uint32_t limit,
+bool checkOnce(Diagnostics& diagnostics, std::string_view present, std::string_view text, int limit,
                std::string_view keyword, TextTooLong too_long) {
     if (!present.empty()) {
         errorAtLine(diagnostics, 1911, keyword);
         return false;
     }
     if (text.empty()) errorAtLine(diagnostics, 1913, keyword);
-    if (text.size() > limit) errorAtLine(diagnostics, too_long, keyword, text, std::min(limit, kMaxPrintedLimit));
+    if (std::cmp_greater(text.size(), limit)) {
+        errorAtLine(diagnostics, too_long, keyword, text,
+                    std::min(static_cast<std::uint32_t>(limit), kMaxPrintedLimit));
+    }
     return true;
 }
 
 /// Reports a name over its limit (false).
 bool checkLength(Diagnostics& diagnostics, std::string_view text, int limit, NameTooLong too_long) {
-    if (text.size() <= static_cast<std::size_t>(limit)) return true;
+    if (std::cmp_less_equal(text.size(), limit)) return true;
     const std::array<Arg, 2> args{Arg(text), Arg(limit)};
     const std::size_t first = too_long.shows_name ? 0 : 1;
     const std::size_t end = too_long.shows_limit ? 2 : 1;
@@ -58,21 +62,20 @@ bool storeName(Context& context, Name& name, std::string_view text, int limit, N
     return checkLength(context.diagnostics, text, limit, too_long);
 }
 
-bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, int limit,
                  std::string_view keyword) {
     if (!checkOnce(diagnostics, destination, text, limit, keyword, 1912)) return false;
-    destination = text.substr(0, limit);
+    destination = cutName(text, limit);
     return true;
 }
 
-bool setTextOnce(Context& context, Name& destination, std::string_view text, std::uint32_t limit,
-                 std::string_view keyword) {
+bool setTextOnce(Context& context, Name& destination, std::string_view text, int limit, std::string_view keyword) {
     if (!checkOnce(context.diagnostics, destination, text, limit, keyword, 1912)) return false;
-    destination = context.names.enter(text.substr(0, limit));
+    destination = context.names.enter(cutName(text, limit));
     return true;
 }
 
-bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, int limit,
                       std::string_view keyword) {
     if (!checkOnce(diagnostics, destination, text, limit, keyword, 1914)) return false;
     destination = text.substr(0, kMaxWholeText);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -14,35 +15,47 @@ class Name;
 class StoredText;
 struct Context;
 
+/// Names of later versions are as long as they are; what records say of the lengths of theirs is true up to version 5.
+inline constexpr int kNoLimit = std::numeric_limits<int>::max();
+
+/// A limit that is the same up to version 5.
+[[nodiscard]] constexpr int unlessLater(IbisVersion version, int limit) {
+    return version == IbisVersion::later ? kNoLimit : limit;
+}
+
 /// Most characters of a pin name.
-[[nodiscard]] constexpr int pinNameLimit(IbisVersion version) { return version >= IbisVersion::v5 ? 8 : 5; }
+[[nodiscard]] constexpr int pinNameLimit(IbisVersion version) {
+    return unlessLater(version, version >= IbisVersion::v5 ? 8 : 5);
+}
 
 /// Most characters of the names of models, selectors, signals and function table groups.
-[[nodiscard]] constexpr int modelNameLimit(IbisVersion version) { return version < IbisVersion::v4 ? 20 : 40; }
+[[nodiscard]] constexpr int modelNameLimit(IbisVersion version) {
+    return unlessLater(version, version < IbisVersion::v4 ? 20 : 40);
+}
 
 /// Most characters of the name of a file.
 [[nodiscard]] constexpr int fileNameLimit(IbisVersion version) {
-    return version < IbisVersion::v3 ? 12 : version < IbisVersion::v4 ? 24 : 44;
+    return unlessLater(version, version < IbisVersion::v3 ? 12 : version < IbisVersion::v4 ? 24 : 44);
 }
 
 /// Most characters of a bus label.
-inline constexpr int kBusLabelLimit = 15;
+[[nodiscard]] constexpr int busLabelLimit(IbisVersion version) { return unlessLater(version, 15); }
 
-/// Most characters of the names that did not grow with the versions: components, package models, external circuits,
+/// Most characters of the names that did not grow up to version 5: components, package models, external circuits,
 /// submodels, test data, test loads, boards and their paths.
-inline constexpr int kLongNameLimit = 40;
+[[nodiscard]] constexpr int longNameLimit(IbisVersion version) { return unlessLater(version, 40); }
 
 /// Most characters of the name of a package pin.
-inline constexpr int kPackagePinLimit = 5;
+[[nodiscard]] constexpr int packagePinLimit(IbisVersion version) { return unlessLater(version, 5); }
 
 /// Most characters of a board's pin name, also where a path names it, and of the pin of a node.
-inline constexpr int kBoardPinLimit = 8;
+[[nodiscard]] constexpr int boardPinLimit(IbisVersion version) { return unlessLater(version, 8); }
 
 /// Most characters of a signal name of a board.
-inline constexpr int kBoardSignalLimit = 20;
+[[nodiscard]] constexpr int boardSignalLimit(IbisVersion version) { return unlessLater(version, 20); }
 
 /// Most characters of a reference designator.
-inline constexpr int kDesignatorLimit = 10;
+[[nodiscard]] constexpr int designatorLimit(IbisVersion version) { return unlessLater(version, 10); }
 
 /// What is kept of a name.
 [[nodiscard]] constexpr std::string_view cutName(std::string_view text, int limit) {
@@ -79,15 +92,14 @@ bool storeName(Context& context, Name& name, std::string_view text, int limit, N
 
 /// Stores a text that may be given once, cut at `limit`. Reports at the line one that is cut or empty, and one for
 /// which `destination` holds text already: then nothing is stored (false).
-bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+bool setTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, int limit,
                  std::string_view keyword);
 
 /// The same for a name that many records may share.
-bool setTextOnce(Context& context, Name& destination, std::string_view text, std::uint32_t limit,
-                 std::string_view keyword);
+bool setTextOnce(Context& context, Name& destination, std::string_view text, int limit, std::string_view keyword);
 
 /// The same, but an overlong text is stored whole, up to 1024 characters.
-bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, std::uint32_t limit,
+bool setWholeTextOnce(Diagnostics& diagnostics, std::string& destination, std::string_view text, int limit,
                       std::string_view keyword);
 
 /// Reports without line that the keyword is missing from the file being read.

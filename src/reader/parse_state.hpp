@@ -2,8 +2,10 @@
 
 #include "reader/keyword.hpp"
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace kestrel {
@@ -11,8 +13,14 @@ namespace kestrel {
 /// What a source file is; chosen by who opens it, never taken from its content.
 enum class FileKind : std::uint8_t { ibs = 1, pkg = 2, ebd = 3, ami = 4 };
 
-/// Class of the IBIS language version: the first digit of the version text. Limits and gates go by class.
-enum class IbisVersion : std::uint8_t { none = 0, v1 = 1, v2 = 2, v3 = 3, v4 = 4, v5 = 5 };
+/// Class of the IBIS language version: the first digit of the version text. Limits and gates go by class. Versions 6
+/// and 7 are one class: they are read by the rules of 5.1, without what these forbid and later ones allow.
+enum class IbisVersion : std::uint8_t { none = 0, v1 = 1, v2 = 2, v3 = 3, v4 = 4, v5 = 5, later = 6 };
+
+/// True for a version text from 6.0 to 7.9.
+[[nodiscard]] constexpr bool isLaterVersion(std::string_view text) {
+    return text.size() == 3 && (text[0] == '6' || text[0] == '7') && text[1] == '.' && '0' <= text[2] && text[2] <= '9';
+}
 
 /// The reader's state for the file being read. A nested parse puts it back (KeptParse).
 struct ParseState {
@@ -29,9 +37,17 @@ struct ParseState {
     bool end_seen = false;             ///< "[End]" was read
     bool submodel_context = false;     ///< table keywords belong to a "[Submodel]"
     bool continuation_pending = false; ///< a construct over several lines is still open
-    bool long_lines = false;           ///< no bound on white space and line length; on while an .ami file is read
+    bool long_lines = false;           ///< no bound on white space and line length: .ami files, later versions
     bool top_level = false;            ///< set by the run driver; admits version texts 1.x
+    bool takes_later = false;          ///< set by the run driver; admits files of later versions
+    bool passing_over = false;         ///< data lines belong to a keyword of a later version
+    std::array<std::uint32_t, kLaterKeywordCount> passed_over{}; ///< how often, by LaterKeyword
 };
+
+/// True when the file has a keyword that is passed over and may hold what a check would miss.
+[[nodiscard]] constexpr bool wasPassedOver(const ParseState& parse, LaterKeyword keyword) {
+    return parse.passed_over[static_cast<std::size_t>(keyword)] != 0;
+}
 
 /// Puts the reader back to where it was at the end of a nested parse, whatever happens in it.
 class KeptParse {

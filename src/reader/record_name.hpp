@@ -28,7 +28,7 @@ struct RecordNameRules {
     CheckedMessage<ArgKind::text> reserved; ///< the name
     CheckedMessage<ArgKind::text> repeated; ///< the name
     RepeatedNames repeats = RepeatedNames::ofSound;
-    int (*limit)(IbisVersion version) = [](IbisVersion) { return kLongNameLimit; };
+    int (*limit)(IbisVersion version) = longNameLimit;
 };
 
 /// Reads the name, cut to its limit, and reports all at the line but that it is repeated. True when that is due.

@@ -215,6 +215,7 @@ std::optional<SourceLine> LineReader::next(Context& context, std::size_t capacit
 }
 
 IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, std::uint32_t& lines) {
+    constexpr char kComment = '|'; // "[Comment Char]" cannot come before
     std::optional<Source> source = openSource(context, name.substr(0, kMaxPath), kind);
     if (!source) return IbisVersion::none;
     LineReader reader(std::move(source->bytes));
@@ -224,10 +225,17 @@ IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, 
         if (!line.starts_with('[')) continue;
         if (!prefixEqualsNoCase(line, "[IBIS Ver]", 10) && !prefixEqualsNoCase(line, "[IBIS_Ver]", 10)) break;
         const std::string_view value = skipWhiteSpace(context, line.substr(line.find(']') + 1));
+        if (context.parse.takes_later && isLaterVersion(stripTrailing(value.substr(0, value.find(kComment))))) {
+            return IbisVersion::later;
+        }
         if (value.empty() || value.front() < '1' || value.front() > '5') break;
         return static_cast<IbisVersion>(value.front() - '0');
     }
     return IbisVersion::none;
+}
+
+void noteLaterVersion(Diagnostics& diagnostics, std::string_view version) {
+    noteTextAtLine(diagnostics, "Version %s is read by the rules of 5.1", version);
 }
 
 } // namespace kestrel

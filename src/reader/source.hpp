@@ -119,7 +119,11 @@ private:
 };
 
 /// Finds the "[IBIS Ver]" line that must be the file's first keyword line and returns the version class of its first
-/// digit, `none` without one. `lines` grows by the lines looked at; it stays untouched when the file cannot be opened.
+/// digit, or `later` where the run takes such versions; `none` without one. `lines` grows by the lines looked at; it
+/// stays untouched when the file cannot be opened.
 [[nodiscard]] IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, std::uint32_t& lines);
+
+/// Notes at the line that a later version is read by the rules of 5.1.
+void noteLaterVersion(Diagnostics& diagnostics, std::string_view version);
 
 } // namespace kestrel

@@ -27,11 +27,12 @@ bool readSubparameterValue(Context& context, const SubparameterMessages& message
                            std::string& name) {
     const std::optional<std::string_view> word = readSubparameterWord(context, *messages.word, line);
     if (!word) return false;
-    name = cutName(*word, kLongNameLimit);
+    const int limit = longNameLimit(context.parse.version);
+    name = cutName(*word, limit);
     const bool cut = name.size() < word->size();
     const bool reserved = isReservedWord(*word);
     if (cut) {
-        errorAtLine(context.diagnostics, messages.name->length, line.name, kLongNameLimit);
+        errorAtLine(context.diagnostics, messages.name->length, line.name, limit);
     } else if (reserved) {
         errorAtLine(context.diagnostics, messages.name->reserved, line.name, *word);
     }

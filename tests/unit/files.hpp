@@ -50,6 +50,7 @@ struct Files : TestRun {
 
     /// Everything that is printed of the file.
     const std::string& check(const std::string& name) {
+        run.parse.takes_later = true;
         checkFile(run, name, kindOfName(name).value_or(FileKind::ibs));
         return out.text();
     }
