@@ -13,6 +13,8 @@ namespace kestrel {
 
 namespace {
 
+constexpr std::string_view kTooMuchSpace = "More than 120 blanks in a row; the check of the file ends here.";
+
 /// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
 /// mode.
 const char* skipSpaces(const Context& context, const char* at, const char* end) {
@@ -20,7 +22,7 @@ const char* skipSpaces(const Context& context, const char* at, const char* end) 
     while (at != end && isSpace(*at)) {
         ++at;
     }
-    if (at - begin > kMaxSkip && !context.parse.long_lines) assertionFailed(context.out, here());
+    if (at - begin > kMaxSkip && !context.parse.long_lines) assertionFailed(context.diagnostics, here(), kTooMuchSpace);
     return at;
 }
 
@@ -69,7 +71,7 @@ ItemList splitAtBlanks(const Context& context, std::string_view text, int max) {
     std::uint32_t blank_before = 1; // whether the last character looked at was a blank
     const auto end_gap = [&](std::size_t at) {
         if (at - gap > static_cast<std::size_t>(kMaxSkip) && !context.parse.long_lines)
-            assertionFailed(context.out, here());
+            assertionFailed(context.diagnostics, here(), kTooMuchSpace);
     };
     for (std::size_t at = 0; at < text.size(); at += kStep) {
         const std::size_t left = text.size() - at;
