@@ -140,7 +140,7 @@ private:
         job.outcome.read = true;
         job.outcome.failed = true;
         try {
-            const std::string text = std::string(problem).append("; the check of the file ends here.");
+            const std::string text = std::string(problem).append("; the check ends here.");
             give(job, {},
                  {.severity = Severity::error,
                   .code = std::nullopt,

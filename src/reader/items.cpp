@@ -13,7 +13,7 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kTooMuchSpace = "More than 120 blanks in a row; the check of the file ends here.";
+constexpr std::string_view kTooMuchSpace = "More than 120 blanks in a row; the check ends here.";
 
 /// The first character from `at` on that is no white space. Too much of that is an assertion failure outside long-line
 /// mode.
