@@ -34,10 +34,12 @@ void Output::writeSpecial(std::string_view text) {
 
 void Output::flush() {
     if (stream_ == nullptr) return;
+    if (listener_ != nullptr) listener_->beforeFlush();
     errno = 0;
     const bool taken = std::fwrite(text_.data(), 1, text_.size(), stream_) == text_.size();
     const bool flushed = std::fflush(stream_) == 0;
     if ((!taken || !flushed) && error_ == 0) error_ = errno != 0 ? errno : EIO;
+    if (listener_ != nullptr) listener_->afterFlush(text_);
     text_.clear();
 }
 

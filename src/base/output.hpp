@@ -7,6 +7,17 @@
 
 namespace kestrel {
 
+/// Hears when an output hands text to its stream; both calls come from one thread, the second always behind the first.
+class FlushListener {
+public:
+    FlushListener() = default;
+    FlushListener(const FlushListener&) = delete;
+    FlushListener& operator=(const FlushListener&) = delete;
+    virtual ~FlushListener() = default;
+    virtual void beforeFlush() = 0;
+    virtual void afterFlush(std::string_view text) = 0;
+};
+
 /// Where a run writes its text. Over a stream it passes the text on in large pieces; without one it keeps the text. To
 /// a terminal it writes no control characters but line feeds and TABs, and nothing that is not UTF-8: what is in a file
 /// cannot steer the terminal.
@@ -39,6 +50,9 @@ public:
     /// Hands what is pending to the stream; nothing happens without one.
     void flush();
 
+    /// From here on somebody hears when text goes to the stream; nobody with null.
+    void setListener(FlushListener* listener) { listener_ = listener; }
+
     /// True when the stream did not take everything.
     [[nodiscard]] bool failed() const { return error_ != 0; }
 
@@ -62,6 +76,7 @@ private:
 
     static constexpr std::size_t kFlushSize = 65536;
     std::FILE* stream_ = nullptr;
+    FlushListener* listener_ = nullptr;
     int error_ = 0;
     bool terminal_ = false;
     bool plain_ = true; ///< neither cleaned nor dropped

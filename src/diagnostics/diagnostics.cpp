@@ -276,14 +276,31 @@ SourceMark here(const char* path, int line) {
     return {whole.substr(whole.find_last_of("/\\") + 1), line};
 }
 
-void assertionFailed(Output& out, SourceMark mark) {
-    std::string text(mark.file);
-    text.push_back(':');
-    appendInteger(text, mark.line);
-    text.append(":assertion failed.\n");
-    out.write(text);
-    out.flush();
+void assertionFailed(const Diagnostics& diagnostics, SourceMark mark, std::string_view text) {
+    if (diagnostics.on_assertion == OnAssertion::raise) {
+        AssertionFailed failure{std::string(text), std::string(fileOf(diagnostics)), *diagnostics.line, {}};
+        if (diagnostics.subject != nullptr) failure.subject = *diagnostics.subject;
+        throw failure;
+    }
+    std::string line(mark.file);
+    line.push_back(':');
+    appendInteger(line, mark.line);
+    line.append(":assertion failed.\n");
+    diagnostics.out->write(line);
+    diagnostics.out->flush();
     std::abort();
+}
+
+void reportFailure(Diagnostics& diagnostics, const AssertionFailed& failure) {
+    const OtherFile other(diagnostics);
+    const bool silenced_before = std::exchange(diagnostics.silence_errors, false);
+    std::optional<Subject> subject = failure.subject;
+    if (subject) subject->file = nullptr; // the place that the failure gives counts
+    if (!failure.file.empty()) nameFile(diagnostics, failure.file);
+    const Subject* const before = std::exchange(diagnostics.subject, subject ? &*subject : nullptr);
+    errorTextAtLine(AtLine(diagnostics, failure.line), "%s", failure.text);
+    diagnostics.subject = before;
+    diagnostics.silence_errors = silenced_before;
 }
 
 } // namespace kestrel

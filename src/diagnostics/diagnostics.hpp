@@ -68,6 +68,17 @@ struct FindingCounts {
     void add(const FindingCounts& others);
 };
 
+/// What a run does where it cannot go on with a file: end the program, or give up the file.
+enum class OnAssertion : std::uint8_t { abort, raise };
+
+/// Thrown where a run gives up the file: what happened, and where. Its texts are its own or kept by the run.
+struct AssertionFailed {
+    std::string text;
+    std::string file;
+    std::uint32_t line = 0;
+    std::optional<Subject> subject; ///< the record that was read or checked
+};
+
 /// The reporting state of one run: what was found by class, what is silenced, and who gets it.
 struct Diagnostics : FindingCounts {
     /// Prints to `output`; diagnostics at a line show `*line_counter`, the reader's count of lines.
@@ -80,6 +91,7 @@ struct Diagnostics : FindingCounts {
     TextSet files;                     ///< the paths of all of them; records refer to these texts
     /// Gets every diagnostic that is not silenced. Without one they are printed to `out` in the text form.
     std::function<void(const Finding&)> sink;
+    OnAssertion on_assertion = OnAssertion::abort;
     bool silence_bugs = false;
     bool silence_errors = false;
     bool silence_warnings = false;
@@ -259,7 +271,11 @@ void nameFile(Diagnostics& diagnostics, std::string_view path);
 void printSummary(Output& out, const FindingCounts& counts, bool failed);
 void printSummary(Diagnostics& diagnostics);
 
-/// Prints "file:line:assertion failed.", flushes and aborts the process.
-[[noreturn]] void assertionFailed(Output& out, SourceMark mark);
+/// Called where reading cannot go on: prints "file:line:assertion failed.", flushes and aborts the process, or throws
+/// AssertionFailed with `text`, as the run wants it.
+[[noreturn]] void assertionFailed(const Diagnostics& diagnostics, SourceMark mark, std::string_view text);
+
+/// Hands a failed assertion to the sink, or prints it, as an error of its place.
+void reportFailure(Diagnostics& diagnostics, const AssertionFailed& failure);
 
 } // namespace kestrel

@@ -29,10 +29,38 @@ mode_t rightsOf(const std::string& path) {
 
 } // namespace
 
+int Temporaries::make(std::string& name) {
+    const std::lock_guard lock(mutex_);
+    if (ended_) return -1;
+    const int file = mkstemp(name.data());
+    if (file != -1) names_.insert(name);
+    return file;
+}
+
+bool Temporaries::rename(const std::string& name, const std::string& target) {
+    const std::lock_guard lock(mutex_);
+    const bool renamed = !ended_ && std::rename(name.c_str(), target.c_str()) == 0;
+    if (renamed) names_.erase(name);
+    return renamed;
+}
+
+void Temporaries::remove(const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    if (names_.erase(name) != 0) unlink(name.c_str());
+}
+
+void Temporaries::removeAll() {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+    for (const std::string& name : names_)
+        unlink(name.c_str());
+    names_.clear();
+}
+
 OutputFile::~OutputFile() {
     out_.reset();
     if (stream_ != nullptr) std::fclose(stream_);
-    if (!temporary_.empty()) unlink(temporary_.c_str());
+    if (!temporary_.empty()) temporaries_.remove(temporary_);
 }
 
 std::string OutputFile::open(const std::string& path) {
@@ -44,7 +72,7 @@ std::string OutputFile::open(const std::string& path) {
     target_ = failure || real.empty() ? path : real.string();
     if (!fs::exists(status) || fs::is_regular_file(status)) {
         std::string name = (fs::path(target_).parent_path() / ".verimark-XXXXXX").string();
-        const int file = mkstemp(name.data());
+        const int file = temporaries_.make(name);
         if (file == -1) return problemOf(errno);
         temporary_ = name;
         stream_ = fdopen(file, "wb");
@@ -65,7 +93,7 @@ std::string OutputFile::commit() {
     stream_ = nullptr;
     if (error == 0 && !temporary_.empty()) {
         const bool in_place =
-            chmod(temporary_.c_str(), rightsOf(target_)) == 0 && std::rename(temporary_.c_str(), target_.c_str()) == 0;
+            chmod(temporary_.c_str(), rightsOf(target_)) == 0 && temporaries_.rename(temporary_, target_);
         if (!in_place) return problemOf(errno);
         temporary_.clear();
     }

@@ -5,12 +5,10 @@ namespace kestrel {
 void Report::fileBegins(const FileStart& start) {
     counts_ = {};
     fails_ = false;
-    found_nothing_ = true;
     format_.fileBegins(start);
 }
 
 void Report::finding(const Finding& finding) {
-    found_nothing_ = false;
     if (ignored_.has(finding)) return;
     if (written != nullptr) written->add(finding);
     if (known != nullptr && known->take(finding)) return;
@@ -21,7 +19,7 @@ void Report::finding(const Finding& finding) {
 }
 
 Verdict Report::fileEnds(const FileOutcome& outcome) {
-    const bool failed = fails_ || outcome.refused;
+    const bool failed = fails_ || outcome.refused || outcome.failed;
     const Verdict verdict = !outcome.read ? Verdict::unread : failed ? Verdict::failed : Verdict::passed;
     ++totals_.files;
     totals_.counts.add(counts_);

@@ -12,6 +12,7 @@ struct FileOutcome {
     bool checked = false;               ///< the checks ran
     bool read = false;                  ///< the file could be read
     bool refused = false;               ///< its version is not checked
+    bool failed = false;                ///< the check broke off
 };
 
 /// Where the findings of a call go, file by file in the order of the call: what is left out is taken away, the rest is
@@ -31,8 +32,6 @@ public:
     void finding(const Finding& finding);
     /// Gives the file's verdict.
     Verdict fileEnds(const FileOutcome& outcome);
-    /// Findings of the present file that came so far, also those that were left out.
-    [[nodiscard]] bool foundNothing() const { return found_nothing_; }
     void ends() { format_.ends(totals_); }
 
 private:
@@ -41,7 +40,6 @@ private:
     Level fail_on_;
     FindingCounts counts_; // of the present file
     bool fails_ = false;   // the present file
-    bool found_nothing_ = true;
     Totals totals_;
 };
 

@@ -105,15 +105,11 @@ std::vector<std::string> scanFile(const SourceStore& sources, const std::string&
     return scan.finish();
 }
 
-/// Lists and scans the directory of the file being checked, unless that was done before.
-const PkgDirectory& searchedDirectory(Run& run) {
-    const std::string& prefix = run.parse.directory;
-    const auto [at, is_new] = run.pkgsearch.directories.try_emplace(prefix);
-    PkgDirectory& directory = at->second;
-    if (!is_new) return directory;
-    directory.files = listPkgFiles(run.sources, prefix);
+PkgDirectory searchDirectory(const SourceStore& sources, const std::string& prefix) {
+    PkgDirectory directory;
+    directory.files = listPkgFiles(sources, prefix);
     for (std::uint32_t place = 0; place < directory.files.size(); ++place) {
-        for (std::string& name : scanFile(run.sources, prefix + directory.files[place])) {
+        for (std::string& name : scanFile(sources, prefix + directory.files[place])) {
             directory.names.push_back({.name = std::move(name), .file = place});
         }
     }
@@ -124,8 +120,8 @@ const PkgDirectory& searchedDirectory(Run& run) {
 /// Reads the files in which some name begins with the wanted one, in byte order of the files' names; true when there
 /// are any.
 bool readMatchingFiles(Run& run, std::string_view wanted) {
-    const PkgDirectory& directory = searchedDirectory(run);
-    const std::vector<PkgName>& names = directory.names;
+    const std::shared_ptr<const PkgDirectory> directory = run.pkgsearch->directory(run.sources, run.parse.directory);
+    const std::vector<PkgName>& names = directory->names;
     std::set<std::uint32_t> matching; // several names of a file may match
     for (auto at = std::ranges::lower_bound(names, wanted, {}, &PkgName::name);
          at != names.end() && at->name.starts_with(wanted); ++at) {
@@ -134,12 +130,36 @@ bool readMatchingFiles(Run& run, std::string_view wanted) {
     for (const std::uint32_t file : matching) {
         const KeptParse kept(run.parse);
         const OtherFile other(run.diagnostics);
-        parseFile(run, directory.files[file], FileKind::pkg);
+        parseFile(run, directory->files[file], FileKind::pkg);
     }
     return !matching.empty();
 }
 
 } // namespace
+
+std::shared_ptr<PkgSearch::Place> PkgSearch::placeOf(const std::string& prefix) {
+    constexpr std::size_t kMostPlaces = 64;
+    const std::lock_guard lock(mutex_);
+    const auto [at, is_new] = places_.try_emplace(prefix);
+    if (is_new) {
+        at->second = std::make_shared<Place>();
+        if (places_.size() > kMostPlaces) {
+            const auto oldest = std::ranges::min_element(places_, {}, [&at = at](const auto& entry) {
+                return &entry == &*at ? UINT64_MAX : entry.second->asked;
+            });
+            places_.erase(oldest);
+        }
+    }
+    at->second->asked = ++questions_;
+    return at->second;
+}
+
+std::shared_ptr<const PkgDirectory> PkgSearch::directory(const SourceStore& sources, const std::string& prefix) {
+    const std::shared_ptr<Place> place = placeOf(prefix);
+    const std::lock_guard lock(place->mutex);
+    if (place->found == nullptr) place->found = std::make_shared<const PkgDirectory>(searchDirectory(sources, prefix));
+    return place->found;
+}
 
 bool findPackageModel(Run& run, std::string_view name, std::string_view component) {
     const ObjectList<PkgMdl>& models = currentRoot(run).package_models;

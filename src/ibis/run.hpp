@@ -21,9 +21,11 @@
 namespace kestrel {
 
 /// Everything that one run knows: the context, the roots and each module's state. Passed explicitly wherever it is
-/// needed; two runs share nothing.
+/// needed; two runs share nothing, unless they are given a common search for package models.
 struct Run : Context {
     explicit Run(Output& output) : Context(output) {}
+    /// A run that searches for package models together with others.
+    Run(Output& output, PkgSearch& shared_search) : Context(output), pkgsearch(&shared_search) {}
 
     std::vector<std::unique_ptr<Ibis>> roots; ///< the current one last, above those of the parses that it is nested in
     HdrState hdr;
@@ -37,7 +39,8 @@ struct Run : Context {
     RecordState<TestLoad> testload;
     PkgMdlState pkgmdl;
     EbdMdlState ebdmdl;
-    PkgSearch pkgsearch;
+    PkgSearch own_pkgsearch;
+    PkgSearch* pkgsearch = &own_pkgsearch;
 };
 
 } // namespace kestrel

@@ -3,22 +3,25 @@
 #include "findings/baseline.hpp"
 #include "findings/output_file.hpp"
 #include "findings/report.hpp"
-#include "header/hdr.hpp"
-#include "ibis/parse.hpp"
-#include "ibis/run.hpp"
+#include "main/checking.hpp"
 #include "main/completions.hpp"
+#include "main/file_list.hpp"
 #include "main/messages.hpp"
 #include "main/program_versions.hpp"
+#include "main/progress.hpp"
 #include "main/verimark_options.hpp"
-#include "main/version.hpp"
+#include "main/watch.hpp"
 
-#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace kestrel {
 
@@ -26,9 +29,10 @@ namespace {
 
 void printHelp(Output& out) {
     out.write(
-        "Usage: verimark [OPTION]... FILE...\n"
+        "Usage: verimark [OPTION]... FILE|FOLDER...\n"
         "\n"
-        "Checks each FILE and prints what is wrong with it. The extension tells its kind:\n"
+        "Checks each FILE, and the files of each FOLDER and of the folders in it, and prints\n"
+        "what is wrong with them. The extension tells the kind:\n"
         "\n"
         "  .ibs  IBIS file; also taken for a name without an extension\n"
         "  .pkg  package models\n"
@@ -37,7 +41,8 @@ void printHelp(Output& out) {
     out.write(optionList());
     out.write(
         "\n"
-        "What follows \"--\" is a FILE, also when it begins with a hyphen.\n"
+        "\"-\" stands for the names on the standard input, one a line. What follows \"--\" is\n"
+        "no option, also when it begins with a hyphen.\n"
         "\n"
         "Exit status: 0 when every file passed, 1 when one failed, 2 when the command\n"
         "line is wrong, a file could not be read or an output not be written.\n");
@@ -49,82 +54,8 @@ void printVersion(Output& out) {
     out.write("\n");
 }
 
-/// Tells something on the error output, behind what was printed so far.
-void tell(Output& out, Output& errors, std::string_view subject, std::string_view text) {
-    out.flush();
-    errors.write("verimark: ");
-    errors.write(subject);
-    errors.write(text);
-    errors.write("\n");
-    errors.flush();
-}
-
-/// Where a call writes: findings, and what is said beside them.
-struct Outputs {
-    Output& out;
-    Output& errors;
-    Output& announcements; ///< the same as `out` or nowhere
-    Report& report;
-    bool empty_is_found; ///< a file that cannot be read gives a finding in any case
-};
-
-/// A name without an extension that gives a kind is handled as that of an .ibs file, as kestrel does.
-FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
-
-/// The version as the file's header gives it.
-std::optional<std::string> givenVersion(const Run& run) {
-    if (run.roots.empty()) return std::nullopt;
-    for (const Hdr& header : currentRoot(run).headers.newestFirst())
-        if (!header.ibis_version.empty()) return header.ibis_version;
-    return std::nullopt;
-}
-
-/// Checks one file in a run of its own.
-FileOutcome checkInRun(Run& run, std::string_view name, FileKind kind) {
-    FileOutcome outcome;
-    nameFile(run.diagnostics, name);
-    // The reader takes no longer names of these kinds.
-    if (name.size() >= kMaxPath && (kind == FileKind::pkg || kind == FileKind::ami)) return outcome;
-    if (kind != FileKind::ami) {
-        const VersionSearch search = determineVersion(run, name, kind);
-        outcome.refused = search == VersionSearch::refused;
-        outcome.read = outcome.refused;
-        if (search != VersionSearch::found) return outcome;
-    }
-    outcome.read = checkFile(run, name, kind) || kind != FileKind::ami;
-    outcome.checked = true;
-    outcome.version = givenVersion(run);
-    return outcome;
-}
-
-/// Checks a file and reports what is found; says which were not checked.
-VerimarkStatus checkOne(const Outputs& outputs, std::string_view name) {
-    const FileKind kind = kindOrIbs(name);
-    Report& report = outputs.report;
-    Run run(outputs.announcements);
-    run.parse.takes_later = true;
-    run.diagnostics.sink = [&report](const Finding& finding) { report.finding(finding); };
-    report.fileBegins({.path = name, .kind = extensionOf(kind).substr(1)});
-    const FileOutcome outcome = checkInRun(run, name, kind);
-    if (!outcome.read && outputs.empty_is_found && report.foundNothing())
-        name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
-                               : errorText(run.diagnostics, "The name of the file is too long.");
-    if (report.known != nullptr) {
-        for (const std::string& file : run.diagnostics.files)
-            report.known->checked(file);
-    }
-    const Verdict verdict = report.fileEnds(outcome);
-    if (!outcome.read || outcome.refused) tell(outputs.out, outputs.errors, name, ": not checked");
-    switch (verdict) {
-    case Verdict::passed: return kAllPassed;
-    case Verdict::failed: return kSomeFailed;
-    case Verdict::unread: break;
-    }
-    return kTrouble;
-}
-
-bool wantsColor(ColorWhen when, const Output& out) {
-    if (when != ColorWhen::automatic) return when == ColorWhen::always;
+bool wantsColor(When when, const Output& out) {
+    if (when != When::automatic) return when == When::always;
     const char* const forbidden = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
     if (forbidden != nullptr && *forbidden != '\0') return false;
@@ -145,17 +76,33 @@ private:
     Output& errors_;
 };
 
+/// What a call works with, beside its options.
+struct Call {
+    Output& out;
+    Output& errors;
+    std::FILE* in;
+    const VerimarkOptions& options;
+    Temporaries& temporaries;
+    FileList files{};
+    bool all_listed = true;
+};
+
 /// True when one of the files to check would be overwritten.
-bool isInput(const VerimarkOptions& options, std::string_view path) {
-    return std::ranges::any_of(options.files, [path](std::string_view file) {
-        std::error_code failure;
-        return std::filesystem::equivalent(file, path, failure);
-    });
+bool isInput(const FileList& files, const std::string& path) {
+    struct stat target {};
+    if (stat(path.c_str(), &target) != 0) return false;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        struct stat file {};
+        const bool is_there = stat(std::string(files[i]).c_str(), &file) == 0;
+        if (is_there && file.st_dev == target.st_dev && file.st_ino == target.st_ino) return true;
+    }
+    return false;
 }
 
 /// Opens a file to be written; false when it was said why it cannot.
-bool openOutput(const Trouble& trouble, const VerimarkOptions& options, OutputFile& file, std::string_view path) {
-    const std::string problem = isInput(options, path) ? "is a file to check" : file.open(std::string(path));
+bool openOutput(const Trouble& trouble, const Call& call, OutputFile& file, std::string_view path) {
+    const std::string name(path);
+    const std::string problem = isInput(call.files, name) ? "is a file to check" : file.open(name);
     if (!problem.empty()) trouble(path, ": " + problem);
     return problem.empty();
 }
@@ -200,16 +147,56 @@ void tellOfBaseline(Output& out, Output& errors, const Baseline& baseline, std::
     });
 }
 
-/// Checks the files of the options, one after the other; nothing when it did not come to that.
-std::optional<VerimarkStatus> checkFiles(Output& out, Output& errors, const VerimarkOptions& options,
-                                         FormatSettings settings) {
-    const Trouble trouble(out, errors);
+/// What shows how far a check is; nothing when it is not wanted.
+std::unique_ptr<Progress> makeProgress(const Call& call) {
+    using namespace std::chrono_literals;
+    const When when = call.options.progress;
+    if (when == When::never || (when == When::automatic && !call.errors.isTerminal())) return nullptr;
+    return std::make_unique<Progress>(STDERR_FILENO, call.files, when == When::always ? 0ms : 1000ms);
+}
+
+/// While it lasts, an output on a terminal and the progress do not disturb each other.
+class Listening {
+public:
+    Listening(Output& output, Progress* progress) : output_(output) {
+        if (output.isTerminal()) output_.setListener(progress);
+    }
+    Listening(const Listening&) = delete;
+    Listening& operator=(const Listening&) = delete;
+    ~Listening() { output_.setListener(nullptr); }
+
+private:
+    Output& output_;
+};
+
+/// Checks the files and shows how far it is. Where nothing has to be put in order, signals end the program by
+/// themselves.
+VerimarkStatus checkWatched(const Call& call, CheckOutputs outputs, bool writes_files) {
+    const std::unique_ptr<Progress> progress = makeProgress(call);
+    if (progress == nullptr && !writes_files) return checkAll(outputs, call.files, call.options.jobs);
+    outputs.progress = progress.get();
+    const Listening out(outputs.out, progress.get());
+    const Listening errors(outputs.errors, progress.get());
+    const auto clean_up = [&] {
+        call.temporaries.removeAll();
+        if (progress != nullptr) progress->remove(false);
+    };
+    const Watch watch(clean_up, progress != nullptr ? [&] { progress->show(); } : std::function<void()>());
+    const VerimarkStatus status = checkAll(outputs, call.files, call.options.jobs);
+    if (progress != nullptr) progress->remove();
+    return status;
+}
+
+/// Checks the files of the call; nothing when it did not come to that.
+std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSettings settings) {
+    const VerimarkOptions& options = call.options;
+    const Trouble trouble(out, call.errors);
     Baseline known;
     BaselineWriter written;
-    OutputFile baseline_file;
+    OutputFile baseline_file(call.temporaries);
     if (!options.baseline.empty() && !readBaseline(trouble, known, options.baseline)) return std::nullopt;
     const bool writes = !options.write_baseline.empty();
-    if (writes && !openOutput(trouble, options, baseline_file, options.write_baseline)) return std::nullopt;
+    if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
 
     settings.color = wantsColor(options.color, out);
     settings.fail_on = options.fail_on;
@@ -218,15 +205,18 @@ std::optional<VerimarkStatus> checkFiles(Output& out, Output& errors, const Veri
     Report report(*format, options.ignored, options.fail_on);
     report.known = options.baseline.empty() ? nullptr : &known;
     report.written = writes ? &written : nullptr;
-    Output nowhere = Output::nowhere();
     const bool is_text = options.format == FormatKind::text;
-    const Outputs outputs{out, errors, is_text && !options.quiet ? out : nowhere, report, !is_text};
-
-    VerimarkStatus status = kAllPassed;
-    for (const std::string_view file : options.files)
-        status = std::max(status, checkOne(outputs, file));
+    const CheckOutputs outputs{.out = out,
+                               .errors = call.errors,
+                               .report = report,
+                               .progress = nullptr,
+                               .announces = is_text && !options.quiet,
+                               .empty_is_found = !is_text};
+    VerimarkStatus status = checkWatched(call, outputs, writes || &out != &call.out);
+    if (out.failed()) return std::nullopt; // not all files were checked
+    if (!call.all_listed) status = kTrouble;
     report.ends();
-    if (report.known != nullptr) tellOfBaseline(out, errors, known, options.baseline);
+    if (report.known != nullptr) tellOfBaseline(out, call.errors, known, options.baseline);
     if (writes) {
         written.write(baseline_file.out());
         if (!commit(trouble, baseline_file, options.write_baseline)) status = kTrouble;
@@ -234,39 +224,45 @@ std::optional<VerimarkStatus> checkFiles(Output& out, Output& errors, const Veri
     return status;
 }
 
-/// Does what the options ask for, and writes to `out`; nothing when it could not begin.
-std::optional<VerimarkStatus> perform(Output& out, Output& errors, const VerimarkOptions& options) {
+/// Does what the options ask for, and writes to `out`; nothing when it could not begin or came to no end.
+std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     const FormatSettings settings{.version = kCheckerVersion};
-    switch (options.task) {
-    case Task::check: return checkFiles(out, errors, options, settings);
+    switch (call.options.task) {
+    case Task::check: return checkFiles(call, out, settings);
     case Task::help: printHelp(out); break;
     case Task::version: printVersion(out); break;
-    case Task::messages: listMessages(out, options.format, settings); break;
-    case Task::completions: out.write(completionsFor(options.shell)); break;
+    case Task::messages: listMessages(out, call.options.format, settings); break;
+    case Task::completions: out.write(completionsFor(call.options.shell)); break;
     }
     return kAllPassed;
 }
 
 /// Does what the arguments ask for.
-VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments) {
-    const auto call = readVerimarkOptions(arguments);
+VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
+    const auto read = readVerimarkOptions(arguments);
     const Trouble trouble(out, errors);
-    if (const WrongCall* const wrong = std::get_if<WrongCall>(&call)) return trouble(wrong->argument, wrong->text);
-    const auto& options = std::get<VerimarkOptions>(call);
-    if (options.output.empty() || options.output == "-") return perform(out, errors, options).value_or(kTrouble);
-    OutputFile file;
-    if (!openOutput(trouble, options, file, options.output)) return kTrouble;
-    const std::optional<VerimarkStatus> status = perform(file.out(), errors, options);
-    return status && commit(trouble, file, options.output) ? *status : kTrouble;
+    if (const WrongCall* const wrong = std::get_if<WrongCall>(&read)) return trouble(wrong->argument, wrong->text);
+    const auto& options = std::get<VerimarkOptions>(read);
+    Temporaries temporaries;
+    Call call{.out = out, .errors = errors, .in = in, .options = options, .temporaries = temporaries};
+    if (options.task == Task::check) call.all_listed = listFiles(call.files, options.files, in, trouble);
+    if (options.output.empty() || options.output == "-") return perform(call, out).value_or(kTrouble);
+    OutputFile file(temporaries);
+    if (!openOutput(trouble, call, file, options.output)) return kTrouble;
+    const std::optional<VerimarkStatus> status = perform(call, file.out());
+    if (!status && !file.out().failed()) return kTrouble;
+    return commit(trouble, file, options.output) ? status.value_or(kTrouble) : kTrouble;
 }
 
 } // namespace
 
-int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments) {
-    const VerimarkStatus status = obey(out, errors, arguments);
+int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
+    const VerimarkStatus status = obey(out, errors, arguments, in);
     out.flush();
     if (!out.failed()) return status;
-    tell(out, errors, "the output", " cannot be written");
+    // Whoever closes a pipe knows.
+    if (out.error() != EPIPE) errors.write("verimark: the output cannot be written\n");
+    errors.flush();
     return kTrouble;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <span>
 #include <string_view>
 
@@ -14,9 +15,9 @@ enum VerimarkStatus : int {
     kTrouble = 2     ///< wrong command line, or a file that could not be read
 };
 
-/// Checks the files of the command line one after the other, each in a run of its own, from the arguments (without the
-/// program's name) to the exit status. What is wrong with the command line, and which files were not checked, is
-/// reported on `errors`.
-int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments);
+/// Checks the files of the command line, each in a run of its own, from the arguments (without the program's name) to
+/// the exit status. Names of files may come from `in`. What is wrong with the command line, and which files were not
+/// checked, is reported on `errors`.
+int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in = stdin);
 
 } // namespace kestrel

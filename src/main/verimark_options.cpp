@@ -4,13 +4,14 @@
 #include "main/completions.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <numeric>
 
 namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kColors[] = {"auto", "always", "never"};
+constexpr std::string_view kWhen[] = {"auto", "always", "never"};
 constexpr std::string_view kLevelNames[] = {"error", "warning", "advice"};
 constexpr Level kFailLevels[] = {Level::error, Level::warning, Level::advice};
 
@@ -37,8 +38,21 @@ std::string setFormat(VerimarkOptions& options, std::string_view value) {
 }
 
 std::string setColor(VerimarkOptions& options, std::string_view value) {
-    options.color = static_cast<ColorWhen>(placeAmong(kColors, value));
+    options.color = static_cast<When>(placeAmong(kWhen, value));
     return {};
+}
+
+std::string setProgress(VerimarkOptions& options, std::string_view value) {
+    options.progress = static_cast<When>(placeAmong(kWhen, value));
+    return {};
+}
+
+std::string setJobs(VerimarkOptions& options, std::string_view value) {
+    constexpr unsigned kMost = 1024;
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, options.jobs);
+    const bool right = read.ec == std::errc{} && read.ptr == end && options.jobs > 0 && options.jobs <= kMost;
+    return right ? std::string() : "it takes a number from 1 to " + std::to_string(kMost);
 }
 
 std::string setFailOn(VerimarkOptions& options, std::string_view value) {
@@ -67,12 +81,14 @@ using V = VerimarkOptions;
 constexpr OptionRow kOptions[] = {
     {'f', "format", "FORMAT", G::output, "text, gcc, json, jsonl, sarif, github or junit", kFormatNames, setFormat},
     {'o', "output", "FILE", G::output, "writes there, when all is done", {}, keep<&V::output>},
-    {0, "color", "WHEN", G::output, "auto, always or never: text and gcc in color", kColors, setColor},
+    {0, "color", "WHEN", G::output, "auto, always or never: text and gcc in color", kWhen, setColor},
     {0, "quiet", "", G::output, "findings only, and summaries of files that failed", {}, setQuiet},
     {0, "ignore", "CODE,...", G::findings, "leaves messages out, such as 905 or W921", {}, setIgnored},
     {0, "fail-on", "LEVEL", G::findings, "error, warning or advice: what fails a file", kLevelNames, setFailOn},
     {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keep<&V::baseline>},
     {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keep<&V::write_baseline>},
+    {'j', "jobs", "N", G::files, "checks N files at a time; as many as processors", {}, setJobs},
+    {0, "progress", "WHEN", G::files, "auto, always or never: shows how far it is", kWhen, setProgress},
     {0, "messages", "", G::other, "lists all messages and ends", {}, setTask<Task::messages>},
     {0, "help", "", G::other, "shows this and ends", {}, setTask<Task::help>},
     {0, "version", "", G::other, "shows the version and ends", {}, setTask<Task::version>},
@@ -224,12 +240,10 @@ std::variant<VerimarkOptions, WrongCall> readVerimarkOptions(std::span<const std
     while (walk.next < arguments.size() && !endsRun(walk.options.task)) {
         const std::string_view argument = arguments[walk.next++];
         Problem problem;
-        if (options_ended || !argument.starts_with('-')) {
+        if (options_ended || argument == "-" || !argument.starts_with('-')) {
             walk.options.files.push_back(argument);
         } else if (argument == "--") {
             options_ended = true;
-        } else if (argument == "-") {
-            problem = noSuchOption(argument, {});
         } else if (argument.starts_with("--")) {
             problem = readLong(walk, argument);
         } else {

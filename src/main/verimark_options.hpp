@@ -12,8 +12,8 @@
 
 namespace kestrel {
 
-/// When class words are printed in color; automatic: on a terminal, unless the environment forbids it.
-enum class ColorWhen : std::uint8_t { automatic, always, never };
+/// When something is done that is for people; automatic: on a terminal, and where it is of use.
+enum class When : std::uint8_t { automatic, always, never };
 
 /// What verimark is called for.
 enum class Task : std::uint8_t { check, help, version, messages, completions };
@@ -21,15 +21,17 @@ enum class Task : std::uint8_t { check, help, version, messages, completions };
 /// What verimark's command line asks for. Texts belong to the arguments.
 struct VerimarkOptions {
     Task task = Task::check;
-    std::vector<std::string_view> files;
+    std::vector<std::string_view> files; ///< and folders; "-" for names on the standard input
     FormatKind format = FormatKind::text;
     std::string_view output; ///< a file's path; empty for the standard output
-    ColorWhen color = ColorWhen::automatic;
+    When color = When::automatic;
     Ignored ignored;
     Level fail_on = Level::error;
     std::string_view baseline;
     std::string_view write_baseline;
     bool quiet = false;
+    unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors
+    When progress = When::automatic;
     std::string_view shell; ///< for which completions are wanted
 };
 
@@ -40,8 +42,8 @@ struct WrongCall {
 };
 
 /// The headings under which the options are listed; those for our own use are not.
-enum class OptionGroup : std::uint8_t { output, findings, other, hidden };
-inline constexpr std::string_view kGroupNames[] = {"Output", "Findings", "Other"};
+enum class OptionGroup : std::uint8_t { output, findings, files, other, hidden };
+inline constexpr std::string_view kGroupNames[] = {"Output", "Findings", "Many files", "Other"};
 
 /// One option. Reading the command line, the help, the completions and the test of the manual page go by these rows.
 struct OptionRow {

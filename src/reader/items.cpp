@@ -13,9 +13,12 @@ namespace kestrel {
 
 namespace {
 
+constexpr std::string_view kTooMuchSpace = "More than 120 blanks in a row; the check ends here.";
+
 /// Too much white space ahead of an item is an assertion failure outside long-line mode.
 void checkGap(const Context& context, const char* begin, const char* end) {
-    if (end - begin > kMaxSkip && !context.parse.long_lines) assertionFailed(context.out, here());
+    if (end - begin > kMaxSkip && !context.parse.long_lines)
+        assertionFailed(context.diagnostics, here(), kTooMuchSpace);
 }
 
 /// The first character from `at` on that is no white space.

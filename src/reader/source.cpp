@@ -121,7 +121,7 @@ std::optional<FileKind> kindOfName(std::string_view name) {
 
 std::optional<Source> openSource(Context& context, std::string_view name, FileKind kind, WhenAbsent absent) {
     if ((kind == FileKind::pkg || kind == FileKind::ami) && name.size() >= kMaxPath) {
-        assertionFailed(context.out, here());
+        assertionFailed(context.diagnostics, here(), "The name of the file is too long.");
     }
     const std::string& directory = context.parse.directory;
     Source source;

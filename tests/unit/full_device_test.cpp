@@ -25,6 +25,8 @@ template <class Program> int runOnFullDevice(Program program, const Arguments& a
     return program(out, errors, arguments);
 }
 
+int verimark(Output& out, Output& errors, const Arguments& arguments) { return runVerimark(out, errors, arguments); }
+
 TEST(FullDevice, endsTheProgramsWithAMessage) {
     for (const Arguments& arguments : {Arguments{kSample}, Arguments{kSample, "-c", "-m"}, Arguments{"-i"}}) {
         Output errors;
@@ -33,7 +35,7 @@ TEST(FullDevice, endsTheProgramsWithAMessage) {
     }
     for (const Arguments& arguments : {Arguments{kSample}, Arguments{"--help"}, Arguments{"--version"}}) {
         Output errors;
-        EXPECT_EQ(runOnFullDevice(runVerimark, arguments, errors), kTrouble);
+        EXPECT_EQ(runOnFullDevice(verimark, arguments, errors), kTrouble);
         EXPECT_EQ(errors.text(), "verimark: the output cannot be written\n");
     }
 }

@@ -91,7 +91,6 @@ TEST_F(Verimark, wrongCommandLines) {
     // Nothing is checked, wherever the wrong option stands; the nearest right one is named.
     const std::string help = "; did you mean \"--help\"?\n";
     const std::map<std::string, std::string> options = {
-        {"-", ": no such option" + hint},
         {"-z", ": no such option" + hint},
         {"-h", ": no such option" + help},
         {"--HELP", ": no such option" + help},
@@ -106,6 +105,15 @@ TEST_F(Verimark, wrongCommandLines) {
         {"--format=xml", ": no such FORMAT; choose from text, gcc, json, jsonl, sarif, github, junit\n"},
         {"--format=jsno", ": no such FORMAT; did you mean \"json\"?\n"},
         {"--fail-on=never", ": no such LEVEL; choose from error, warning, advice\n"},
+        {"--jobs=0", ": it takes a number from 1 to 1024\n"},
+        {"--jobs=-1", ": it takes a number from 1 to 1024\n"},
+        {"--jobs=1025", ": it takes a number from 1 to 1024\n"},
+        {"--jobs=4294967297", ": it takes a number from 1 to 1024\n"},
+        {"--jobs=2x", ": it takes a number from 1 to 1024\n"},
+        {"--jobs=", ": needs a value, as in --jobs=N\n"},
+        {"-j", ": needs a value, as in --jobs=N\n"},
+        {"--job", ": no such option; did you mean \"--jobs\"?\n"},
+        {"--progress=maybe", ": no such WHEN; choose from auto, always, never\n"},
         {"--ignore=905,,1", ": there is no message \"\"; \"verimark --messages\" lists them\n"},
         {"--ignore=E99", ": there is no message \"E99\"; \"verimark --messages\" lists them\n"},
         {"--ignore=103", ": there is no message \"103\"; \"verimark --messages\" lists them\n"}, // reserved

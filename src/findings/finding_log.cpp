@@ -1,0 +1,52 @@
+#include "findings/finding_log.hpp"
+
+namespace kestrel {
+
+void FindingLog::add(std::string_view printed, const Finding& finding) {
+    const Subject* const subject = finding.subject;
+    const std::string_view name = subject != nullptr ? subject->name.view() : std::string_view();
+    const bool same_file = !entries_.empty() && last_file_ == finding.file;
+    entries_.push_back({.severity = finding.severity,
+                        .subject_kind = subject != nullptr ? subject->kind : SubjectKind::header,
+                        .has_code = finding.code.has_value(),
+                        .exact = finding.exact,
+                        .has_subject = subject != nullptr,
+                        .same_file = same_file,
+                        .code = finding.code.value_or(0),
+                        .line = finding.line,
+                        .shown_line = finding.shown_line,
+                        .subject_line = subject != nullptr ? subject->line : 0,
+                        .printed = printed.size(),
+                        .file = same_file ? 0 : finding.file.size(),
+                        .name = name.size(),
+                        .text = finding.text.size()});
+    texts_.append(printed);
+    if (!same_file) texts_.append(last_file_ = finding.file);
+    texts_.append(name).append(finding.text);
+}
+
+void FindingLog::replay(const std::function<void(std::string_view, const Finding&)>& use) const {
+    NameTable names;
+    std::string_view rest = texts_;
+    const auto take = [&rest](std::size_t size) {
+        const std::string_view text = rest.substr(0, size);
+        rest.remove_prefix(size);
+        return text;
+    };
+    std::string_view file;
+    for (const Entry& entry : entries_) {
+        const std::string_view printed = take(entry.printed);
+        if (!entry.same_file) file = take(entry.file);
+        const Subject subject{entry.subject_kind, entry.subject_line, names.enter(take(entry.name)), nullptr};
+        use(printed, Finding{.severity = entry.severity,
+                             .code = entry.has_code ? std::optional(entry.code) : std::nullopt,
+                             .file = file,
+                             .line = entry.line,
+                             .shown_line = entry.shown_line,
+                             .exact = entry.exact,
+                             .subject = entry.has_subject ? &subject : nullptr,
+                             .text = take(entry.text)});
+    }
+}
+
+} // namespace kestrel

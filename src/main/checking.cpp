@@ -1,0 +1,317 @@
+#include "main/checking.hpp"
+
+#include "findings/finding_log.hpp"
+#include "header/hdr.hpp"
+#include "ibis/parse.hpp"
+#include "ibis/run.hpp"
+#include "main/version.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <map>
+#include <mutex>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace kestrel {
+
+namespace {
+
+/// A name without an extension that gives a kind is handled as that of an .ibs file, as kestrel does.
+FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
+
+/// The version as the file's header gives it.
+std::optional<std::string> givenVersion(const Run& run) {
+    if (run.roots.empty()) return std::nullopt;
+    for (const Hdr& header : currentRoot(run).headers.newestFirst())
+        if (!header.ibis_version.empty()) return header.ibis_version;
+    return std::nullopt;
+}
+
+/// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
+void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
+    nameFile(run.diagnostics, name);
+    // The reader takes no longer names of these kinds.
+    if (name.size() >= kMaxPath && (kind == FileKind::pkg || kind == FileKind::ami)) return;
+    if (kind != FileKind::ami) {
+        const VersionSearch search = determineVersion(run, name, kind);
+        outcome.refused = search == VersionSearch::refused;
+        outcome.read = outcome.refused;
+        if (search != VersionSearch::found) return;
+    }
+    outcome.read = true;
+    outcome.checked = true;
+    const bool read = checkFile(run, name, kind);
+    outcome.read = read || kind != FileKind::ami;
+    outcome.version = givenVersion(run);
+}
+
+/// A file that is checked, or was and waits for its turn.
+struct Job {
+    std::size_t place; ///< in the list
+    FindingLog log{};  ///< what could not be reported yet
+    std::string last_printed{};
+    FileOutcome outcome{};
+    std::vector<std::string> files{}; ///< all that were read, where a baseline wants to know
+
+    [[nodiscard]] std::size_t size() const { return sizeof *this + log.size() + last_printed.capacity(); }
+};
+
+/// Thrown to end a check whose results nobody gets any more.
+struct Stopped {};
+
+/// The check of a list of files. Whose turn it is owns the report: the thread that checks the first file that is not
+/// done, and for files that wait the thread that was before them.
+class Checking {
+public:
+    Checking(const CheckOutputs& outputs, const FileList& files) : outputs_(outputs), files_(files) {}
+
+    /// Checks files until there are no more; called by each thread.
+    void work() {
+        for (;;) {
+            Job job{next_.fetch_add(1)};
+            if (job.place >= files_.size() || stopped_.load()) return;
+            try {
+                check(job);
+                finish(std::move(job));
+            } catch (const Stopped&) {
+                return;
+            }
+        }
+    }
+
+    [[nodiscard]] VerimarkStatus status() const { return stopped_.load() ? kTrouble : status_; }
+
+private:
+    [[nodiscard]] bool hasTurn(const Job& job) const { return turn_.load(std::memory_order_acquire) == job.place; }
+
+    void check(Job& job) {
+        const char* problem = nullptr;
+        std::string text;
+        try {
+            checkContained(job);
+        } catch (const std::bad_alloc&) {
+            problem = "Out of memory";
+        } catch (const std::exception& failure) {
+            text = failure.what();
+            problem = text.c_str();
+        }
+        if (problem != nullptr) giveUp(job, problem);
+    }
+
+    void checkContained(Job& job) {
+        const std::string_view name = files_[job.place];
+        Output printed = outputs_.announces ? Output() : Output::nowhere();
+        std::size_t passed_on = 0;
+        bool found = false;
+        Run run(printed, packages_);
+        const auto take_printed = [&] {
+            const std::string_view text = std::string_view(printed.text()).substr(passed_on);
+            passed_on += text.size();
+            return text;
+        };
+        run.parse.takes_later = true;
+        run.diagnostics.on_assertion = OnAssertion::raise;
+        run.diagnostics.sink = [&](const Finding& finding) {
+            found = true;
+            give(job, take_printed(), finding);
+        };
+        try {
+            checkInRun(run, name, kindOrIbs(name), job.outcome);
+        } catch (const AssertionFailed& failure) {
+            reportFailure(run.diagnostics, failure);
+            job.outcome.refused = job.outcome.refused || !job.outcome.checked;
+            job.outcome.read = true;
+        }
+        if (!job.outcome.read && outputs_.empty_is_found && !found)
+            name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
+                                   : errorText(run.diagnostics, "The name of the file is too long.");
+        job.last_printed = take_printed();
+        if (outputs_.report.known != nullptr)
+            job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
+    }
+
+    /// Makes a finding of what broke the check off, when its run is gone and its memory free again.
+    void giveUp(Job& job, std::string_view problem) {
+        job.outcome.refused = !job.outcome.checked;
+        job.outcome.read = true;
+        job.outcome.failed = true;
+        try {
+            const std::string text = std::string(problem).append("; the check ends here.");
+            give(job, {},
+                 {.severity = Severity::error,
+                  .code = std::nullopt,
+                  .file = files_[job.place],
+                  .line = 1,
+                  .shown_line = 0,
+                  .exact = false,
+                  .subject = nullptr,
+                  .text = text});
+        } catch (const std::bad_alloc&) {
+            return; // the verdict remains
+        }
+    }
+
+    /// Reports a finding, or keeps it until its file has its turn.
+    void give(Job& job, std::string_view printed, const Finding& finding) {
+        constexpr std::size_t kMostKept = std::size_t{1} << 20;
+        if (stopped_.load(std::memory_order_relaxed)) throw Stopped{};
+        if (!hasTurn(job)) {
+            job.log.add(printed, finding);
+            if (job.log.size() >= kMostKept) waitForTurn(job);
+            return;
+        }
+        passOn(job);
+        report(printed, finding);
+    }
+
+    void waitForTurn(const Job& job) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return stopped_.load() || hasTurn(job); });
+        if (stopped_.load()) throw Stopped{};
+    }
+
+    /// Reports a job that was checked, or lets it wait; those that wait for it follow.
+    void finish(Job job) {
+        if (!park(job)) return;
+        for (;;) {
+            end(job);
+            const std::lock_guard lock(mutex_);
+            const auto next = waiting_.find(turn_.load() + 1);
+            turn_.fetch_add(1, std::memory_order_release);
+            changed_.notify_all();
+            if (next == waiting_.end()) return;
+            job = std::move(next->second);
+            waiting_size_ -= job.size();
+            waiting_.erase(next);
+        }
+    }
+
+    /// True when it is the job's turn; false when it waits for it with the others.
+    bool park(Job& job) {
+        constexpr std::size_t kMostWaiting = std::size_t{8} << 20;
+        const std::size_t size = job.size();
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return stopped_.load() || hasTurn(job) || waiting_size_ + size <= kMostWaiting; });
+        if (stopped_.load()) throw Stopped{};
+        if (hasTurn(job)) return true;
+        try {
+            waiting_.emplace(job.place, std::move(job)); // which moves when there is a place to move to
+            waiting_size_ += size;
+            return false;
+        } catch (const std::bad_alloc&) {
+            lock.unlock();
+            waitForTurn(job);
+            return true;
+        }
+    }
+
+    /// Reports what was kept of the job whose turn it is.
+    void passOn(Job& job) {
+        if (!begun_) outputs_.report.fileBegins({.path = files_[job.place], .kind = kindName(job)});
+        begun_ = true;
+        if (job.log.empty()) return;
+        const FindingLog log = std::exchange(job.log, {});
+        log.replay([this](std::string_view printed, const Finding& finding) { report(printed, finding); });
+    }
+
+    void report(std::string_view printed, const Finding& finding) {
+        outputs_.out.write(printed);
+        outputs_.report.finding(finding);
+        if (outputs_.out.failed()) stop();
+    }
+
+    /// Ends the file whose turn it is.
+    void end(Job& job) {
+        const std::string_view name = files_[job.place];
+        Verdict verdict = Verdict::failed;
+        try {
+            passOn(job);
+            outputs_.out.write(job.last_printed);
+            if (Baseline* const known = outputs_.report.known) {
+                for (const std::string& file : job.files)
+                    known->checked(file);
+            }
+            verdict = outputs_.report.fileEnds(job.outcome);
+        } catch (const std::bad_alloc&) { // the check had memory, its report has not
+            status_ = kTrouble;
+            tell(outputs_.out, outputs_.errors, name, ": out of memory; not everything is reported");
+        }
+        begun_ = false;
+        if (!job.outcome.read || job.outcome.refused) tell(outputs_.out, outputs_.errors, name, ": not checked");
+        status_ = std::max(status_, statusOf(verdict));
+        if (outputs_.out.isTerminal()) outputs_.out.flush();
+        if (outputs_.progress != nullptr) outputs_.progress->fileDone(verdict != Verdict::passed);
+        if (outputs_.out.failed()) stop();
+    }
+
+    [[noreturn]] void stop() {
+        const std::lock_guard lock(mutex_);
+        stopped_.store(true);
+        changed_.notify_all();
+        throw Stopped{};
+    }
+
+    [[nodiscard]] std::string_view kindName(const Job& job) const {
+        return extensionOf(kindOrIbs(files_[job.place])).substr(1);
+    }
+
+    static VerimarkStatus statusOf(Verdict verdict) {
+        switch (verdict) {
+        case Verdict::passed: return kAllPassed;
+        case Verdict::failed: return kSomeFailed;
+        case Verdict::unread: break;
+        }
+        return kTrouble;
+    }
+
+    const CheckOutputs& outputs_;
+    const FileList& files_;
+    PkgSearch packages_;
+    std::atomic<std::size_t> next_ = 0; // the first file that nobody has taken
+    std::atomic<std::size_t> turn_ = 0; // the first file that is not done
+    std::atomic<bool> stopped_ = false;
+
+    std::mutex mutex_;
+    std::condition_variable changed_; // the turn, the room or the stop
+    std::map<std::size_t, Job> waiting_;
+    std::size_t waiting_size_ = 0;
+
+    // Of the thread whose turn it is.
+    VerimarkStatus status_ = kAllPassed;
+    bool begun_ = false; // the report knows of the file
+};
+
+} // namespace
+
+void tell(Output& out, Output& errors, std::string_view subject, std::string_view text) {
+    out.flush();
+    if (out.failed()) return; // what is to be said of that is said at the end
+    errors.write("verimark: ");
+    errors.write(subject);
+    errors.write(text);
+    errors.write("\n");
+    errors.flush();
+}
+
+VerimarkStatus checkAll(const CheckOutputs& outputs, const FileList& files, unsigned jobs) {
+    const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
+    const std::size_t wanted = std::min<std::size_t>(jobs != 0 ? jobs : processors, files.size());
+    Checking checking(outputs, files);
+    std::vector<std::thread> threads;
+    try {
+        while (threads.size() + 1 < wanted)
+            threads.emplace_back([&checking] { checking.work(); });
+    } catch (const std::exception&) { // those that there are do the work
+    }
+    checking.work();
+    for (std::thread& thread : threads)
+        thread.join();
+    return checking.status();
+}
+
+} // namespace kestrel

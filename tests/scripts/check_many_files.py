@@ -1,0 +1,282 @@
+#!/usr/bin/env python3
+"""Tries verimark on many files at once: check_many_files.py PROGRAM [--sanitized].
+
+Order of the output, lists of names, names of every kind, files that end a check, signals, pipes, and progress at a
+pseudo-terminal.
+"""
+import json
+import os
+import pty
+import re
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+PROGRAM = os.path.abspath(sys.argv[1])
+SANITIZED = "--sanitized" in sys.argv
+FORMS = ["text", "gcc", "json", "jsonl", "sarif", "github", "junit"]
+GOOD = "[IBIS Ver] 4.2\n[File Name] {}\n[File Rev] 1\n[Component] Chip\n[Manufacturer] Ours\n[Package]\n" \
+       "R_pkg 0.1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n{}[Pin] signal_name model_name R_pin L_pin C_pin\n" \
+       "1 VCC POWER\n[End]\n"
+PACKAGE = "[IBIS Ver] 4.2\n[File Name] {}\n[File Rev] 1\n[Define Package Model] {}\n[Manufacturer] Ours\n" \
+          "[OEM] Ours\n[Description] one pin\n[Number Of Pins] 1\n[Pin Numbers]\n1\n[Model Data]\n" \
+          "[Resistance Matrix] Banded_matrix\n[Bandwidth] 0\n[Row] 1\n0.1\n[Inductance Matrix] Banded_matrix\n" \
+          "[Bandwidth] 0\n[Row] 1\n1n\n[Capacitance Matrix] Banded_matrix\n[Bandwidth] 0\n[Row] 1\n1p\n" \
+          "[End Model Data]\n[End Package Model]\n[End]\n"
+
+
+def write(name, text):
+    os.makedirs(os.path.dirname(name) or b"." if isinstance(name, bytes) else os.path.dirname(name) or ".",
+                exist_ok=True)
+    with open(name, "wb") as file:
+        file.write(text.encode() if isinstance(text, str) else text)
+
+
+def run(*arguments, given=b"", **more):
+    return subprocess.run([PROGRAM, *arguments], input=given, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          check=False, **more)
+
+
+def expect(what, wanted, got):
+    if wanted != got:
+        sys.exit(f"FAILED: {what}:\n  expected {wanted!r}\n  got      {got!r}")
+
+
+def library():
+    """Files of all fates, larger ones first, in three folders. Their names in the order of a walk."""
+    names = []
+    for i in range(60):
+        name = f"lib/{'abc'[i // 20]}/part{i:02}.{'IBS' if i % 7 == 0 else 'ibs'}"
+        faults = "".join(f"[Fault {i} {j}]\n" for j in range(0 if i % 3 else 2000 if i % 20 == 0 else 5))
+        text = GOOD.format(os.path.basename(name), "")
+        write(name, text.replace("[End]\n", faults + "[End]\n") if i % 11 else "")
+        names.append(name)
+    write("lib/a/notes.txt", "no file to check\n")
+    write("lib/b/deep/er/last.Ami", "(bad\n")
+    write("lib/b/pins.PKG", "")
+    os.symlink("../a", "lib/b/link")
+    os.symlink("../a/part01.ibs", "lib/b/linked.ibs")
+    os.symlink("nowhere", "lib/b/broken.ibs")
+    os.mkdir("lib/empty.ibs")
+    b = [name for name in names if "/b/" in name]
+    return ([name for name in names if "/a/" in name] + ["lib/b/deep/er/last.Ami", "lib/b/linked.ibs"] + b +
+            ["lib/b/pins.PKG"] + [name for name in names if "/c/" in name])
+
+
+def in_order(names):
+    for form in FORMS:
+        alone = run("-f", form, "-j1", *names)
+        expect(f"{form}: status", 2, alone.returncode)
+        if not alone.stdout:
+            sys.exit(f"FAILED: {form}: nothing is found")
+        for call in (["-j2", *names], ["-j8", *names], ["-j", "64", *names], ["lib"], ["lib/"], ["-j3", "-"]):
+            many = run("-f", form, *call, given="\n".join(names).encode())
+            expect(f"{form} {call[0]}", (alone.stdout, alone.stderr, 2), (many.stdout, many.stderr, many.returncode))
+    # One after the other they give the same.
+    apart = [run(name) for name in names]
+    together = run(*names)
+    expect("text of each", (b"".join(one.stdout for one in apart), b"".join(one.stderr for one in apart)),
+           (together.stdout, together.stderr))
+    paths = [file["path"] for file in json.loads(run("-fjson", "lib").stdout)["files"]]
+    expect("order of a walk", names, paths)
+
+
+def lists():
+    good = GOOD.format("good.ibs", "")
+    write("list/good.ibs", good)
+    os.mkdir("bare")
+    expect("a folder without files", (2, b"verimark: bare: there is no .ibs, .pkg, .ebd or .ami file in the folder\n"),
+           (run("bare").returncode, run("bare").stderr))
+    expect("an empty list", (0, b"", b""), (lambda r: (r.returncode, r.stdout, r.stderr))(run("-")))
+    expect("empty lines, a last line without end, a folder", 3,
+           len(json.loads(run("-fjson", "-", given=b"\nlist/good.ibs\n\n\nlist\nlist/good.ibs").stdout)["files"]))
+    expect("an empty list as json", {"files": [], "total": 0},
+           (lambda j: {"files": j["files"], "total": j["totals"]["files"]})(json.loads(run("-fjson", "-").stdout)))
+    missing = "".join(f"missing{i}.ibs\n" for i in range(1000)).encode()
+    result = run("-fjson", "-", given=missing)
+    whole = json.loads(result.stdout)
+    expect("a thousand missing files", (2, 1000, 1000, 1000),
+           (result.returncode, whole["totals"]["unread"], whole["totals"]["errors"], result.stderr.count(b"\n")))
+    # Names that are hard to write.
+    odd = [b"odd/new\nline.ibs", b"odd/inv\xff\xfealid.ibs", b"odd/esc\x1b[31m.ibs", b"odd/ blank.ibs", b"odd/\xc3\xa9.ibs"]
+    for name in odd:
+        write(name, good)
+    for form in FORMS:
+        expect(f"odd names, {form}", run("-j1", "-f", form, b"odd").stdout, run("-j4", "-f", form, b"odd").stdout)
+    paths = {file["path"] for file in json.loads(run("-fjson", "odd").stdout)["files"]}
+    expect("odd names in json", {name.decode(errors="replace") for name in odd}, paths)
+    # A folder that cannot be listed; root may list any.
+    if os.geteuid() != 0:
+        os.mkdir("closed", 0)
+        expect("closed folder", 2, run("closed", "list").returncode)
+
+
+def contained():
+    blanks = GOOD.format("blanks.ibs", "[Fault]\n" + " " * 121 + "x\n")
+    write("three/a.ibs", GOOD.format("a.ibs", ""))
+    write("three/blanks.ibs", blanks)
+    write("three/c.ibs", GOOD.format("c.ibs", "[Fault]\n"))
+    text = "ERROR (line   11) - More than 120 blanks in a row; the check ends here.\n"
+    for jobs in ("-j1", "-j3"):
+        result = run(jobs, "three")
+        expect("status of an assertion", (1, b""), (result.returncode, result.stderr))
+        expect("an assertion in the text form", True,
+               "Checking three/blanks.ibs for IBIS 4.2 Compatibility...\n\nERROR (line   10) - Invalid Keyword: Fault\n"
+               "ERROR (line   11) - Exceeds 120 chararacters.\n" + text + "\nErrors  : 3\n\nFile Failed\n\n\nChecking three/c.ibs" in result.stdout.decode())
+        expect("files behind it", 3, result.stdout.count(b"\nChecking "))
+    files = json.loads(run("-fjson", "three").stdout)["files"]
+    expect("verdicts", ["passed", "failed", "failed"], [file["verdict"] for file in files])
+    expect("its place", ("three/blanks.ibs", 11, True, None),
+           (lambda f: (f["file"], f["line"], f["exact"], f["code"]))(files[1]["findings"][-1]))
+    # In a package file that is followed: the place is in it.
+    write("followed/one.ibs", GOOD.format("one.ibs", "[Package Model] far\n"))
+    write("followed/p.pkg", PACKAGE.format("p.pkg", "far").replace("[Description]", " " * 121 + "\n[Description]"))
+    finding = json.loads(run("-fjson", "followed/one.ibs").stdout)["files"][0]["findings"][-1]
+    expect("an assertion in a followed file", ("followed/p.pkg", 7), (finding["file"], finding["line"]))
+    # So little memory that one file does not fit.
+    if SANITIZED:
+        return
+    write("three/b.ami", '(b "' + "y" * (150 << 20) + '")\n')
+    limit = 120 << 20
+    result = run("-j1", "-fjson", "three",
+                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+    files = json.loads(result.stdout)["files"]
+    expect("verdicts with little memory", (2, ["passed", "unread", "failed", "failed"]),
+           (result.returncode, [file["verdict"] for file in files]))
+
+
+def packages():
+    """Many files beside many .pkg files list and scan the folder once."""
+    for i in range(30):
+        write(f"beside/part{i}.ibs", GOOD.format(f"part{i}.ibs", f"[Package Model] package{i}\n"))
+        write(f"beside/p{i}.pkg", PACKAGE.format(f"p{i}.pkg", f"package{i}"))
+    parts = [f"beside/part{i}.ibs" for i in range(30)]
+    alone = b"".join(run(name).stdout for name in parts)
+    for jobs in ("-j1", "-j4"):
+        expect(f"package models, {jobs}", alone, run(jobs, *parts).stdout)
+    trace = subprocess.run(["strace", "-f", "-e", "trace=openat", PROGRAM, "-j4", *parts], stderr=subprocess.PIPE,
+                           stdout=subprocess.DEVNULL, check=False).stderr.decode() if has_strace() else None
+    if trace is not None:
+        expect("how often the folder is listed", 1, len(re.findall(r'"beside/", .*O_DIRECTORY', trace)))
+
+
+def has_strace():
+    return not SANITIZED and subprocess.run(["sh", "-c", "strace -V"], stdout=subprocess.DEVNULL,
+                                            stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+
+def large_list(size):
+    """Names of one file, again and again, that takes some time to check."""
+    if not os.path.exists("long/large.ibs"):
+        text = GOOD.format("large.ibs", "").replace("[End]\n", "")
+        write("long/large.ibs", text + "| a comment\n" * 40000 + "[Fault]\n" * 20 + "[End]\n")
+    return ["long/large.ibs"] * size
+
+
+def signals():
+    names = "\n".join(large_list(3000)).encode()
+    os.mkdir("out")
+    write("out/kept.txt", "what was there")
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        for jobs in ("-j1", "-j4"):
+            call = [PROGRAM, jobs, "-fjson", "-o", "out/kept.txt", "--write-baseline=out/new.txt", "-"]
+            # Shells let what runs in the background ignore SIGINT.
+            process = subprocess.Popen(call, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                       preexec_fn=lambda n=number: signal.signal(n, signal.SIG_DFL))
+            process.stdin.write(names)
+            process.stdin.close()
+            while len(os.listdir("out")) < 3 and process.poll() is None:
+                time.sleep(0.01)
+            begin = time.monotonic()
+            process.send_signal(number)
+            process.wait(timeout=30)
+            if time.monotonic() - begin > 1:
+                sys.exit("FAILED: it took more than a second to stop")
+            expect(f"{number.name}: status and words", (-number, b"", b""),
+                   (process.returncode, process.stdout.read(), process.stderr.read()))
+            expect(f"{number.name}: what is left", ["kept.txt"], os.listdir("out"))
+    with open("out/kept.txt", "rb") as file:
+        expect("the file before", b"what was there", file.read())
+    # Whoever wants it to go on, as nohup does.
+    process = subprocess.Popen([PROGRAM, "-fjson", "-o", "out/kept.txt", *large_list(30)],
+                               preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+    time.sleep(0.1)
+    process.send_signal(signal.SIGHUP)
+    expect("an ignored signal", 1, process.wait(timeout=60))
+
+
+def pipes():
+    for form in ("text", "gcc", "json", "junit"):
+        call = [PROGRAM, "-j2", "-f", form, *large_list(100)]
+        process = subprocess.Popen(call, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        process.stdout.read(10)
+        process.stdout.close()
+        begin = time.monotonic()
+        expect(f"a closed pipe, {form}", (2, b""), (process.wait(timeout=60), process.stderr.read()))
+        if time.monotonic() - begin > 5:
+            sys.exit("FAILED: the closed pipe was not noticed")
+
+
+def at_terminal(*arguments, errors_only=True, interrupt_after=None):
+    """What comes to a pseudo-terminal, and the status."""
+    main, terminal = pty.openpty()
+    process = subprocess.Popen([PROGRAM, *arguments], stderr=terminal, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL if errors_only else terminal)
+    os.close(terminal)
+    if interrupt_after is not None:
+        time.sleep(interrupt_after)
+        process.send_signal(signal.SIGTERM)
+    pieces = []
+    while True:
+        try:
+            piece = os.read(main, 65536)
+        except OSError:
+            break
+        if not piece:
+            break
+        pieces.append(piece)
+    os.close(main)
+    return b"".join(pieces).replace(b"\r\n", b"\n"), process.wait()
+
+
+def progress():
+    names = large_list(40)
+    erase = rb"\r\x1b\[K"
+    line = rb"\d+ of \d+ files, \d+ failed(: [^\r\x1b]*)?"
+    seen, status = at_terminal("--progress=always", "-j1", *names)
+    expect("progress is lines in place, and gone at the end", True,
+           bool(re.fullmatch(rb"(" + erase + line + rb")+" + erase, seen)))
+    expect("progress begins", True, seen.startswith(b"\r\x1b[K0 of 40 files, 0 failed: long/large.ibs"))
+    expect("progress: status", 1, status)
+    for option in ("--progress=never", "--progress=auto"):
+        expect(f"{option} of a short check", b"", at_terminal(option, "list/good.ibs")[0])
+    seen, status = at_terminal("-j2", *large_list(20000), interrupt_after=2.5)
+    counts = [int(count) for count in re.findall(rb"K(\d+) of", seen)]
+    expect("auto after a second", True, bool(counts) and counts[0] > 0 and counts == sorted(counts))
+    expect("an interrupt takes it away", (-signal.SIGTERM, True), (status, seen.endswith(b"\r\x1b[K")))
+    # Findings on the same terminal are not disturbed.
+    for form in ("text", "gcc"):
+        seen = at_terminal("--progress=always", "--color=never", "-f", form, "-j2", *names, errors_only=False)[0]
+        expect(f"findings between, {form}", run("-f", form, *names).stdout,
+               re.sub(erase + rb"(" + line + rb")?", b"", seen))
+    seen = at_terminal("--progress=always", "-fjson", *names, errors_only=False)[0]
+    expect("json between", run("-fjson", *names).stdout, re.sub(erase + rb"(" + line + rb")?", b"", seen))
+    seen = at_terminal("--progress=always", b"odd/inv\xff\xfealid.ibs", b"odd/esc\x1b[31m.ibs")[0]
+    expect("names are clean", True, b"inv??alid.ibs" in seen and b"\x1b[31m" not in seen)
+    expect("no terminal", b"", run("--progress=auto", *names).stderr)
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        os.chdir(folder)
+        names = library()
+        for check in (lambda: in_order(names), lists, contained, packages, signals, pipes, progress):
+            check()
+        os.chdir("/")
+    print("all is well")
+
+
+main()
