@@ -264,7 +264,7 @@ def progress():
                re.sub(erase + rb"(" + line + rb")?", b"", seen))
     seen = at_terminal("--progress=always", "-fjson", *names, errors_only=False)[0]
     expect("json between", run("-fjson", *names).stdout, re.sub(erase + rb"(" + line + rb")?", b"", seen))
-    seen = at_terminal("--progress=always", b"odd/inv\xff\xfealid.ibs", b"odd/esc\x1b[31m.ibs")[0]
+    seen = at_terminal("--progress=always", "-j1", b"odd/inv\xff\xfealid.ibs", b"odd/esc\x1b[31m.ibs")[0]
     expect("names are clean", True, b"inv??alid.ibs" in seen and b"\x1b[31m" not in seen)
     expect("no terminal", b"", run("--progress=auto", *names).stderr)
 

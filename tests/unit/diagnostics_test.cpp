@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -368,10 +369,16 @@ TEST(OutputToATerminal, isNotSteeredByTexts) {
         out.write("a\x1b[2J\tb\u009b2J\x9b\x7f\xff\u00e9\r\n");
         out.writeControl("\x1b[0m");
     }
-    std::array<char, 256> seen{};
-    const ssize_t length = read(controller, seen.data(), seen.size());
+    // What was written may come in pieces.
+    std::string text;
+    pollfd ready{controller, POLLIN, 0};
+    while (!text.ends_with("\x1b[0m") && poll(&ready, 1, 10000) == 1) {
+        std::array<char, 256> seen{};
+        const ssize_t length = read(controller, seen.data(), seen.size());
+        if (length <= 0) break;
+        text.append(seen.data(), static_cast<std::size_t>(length));
+    }
     // The terminal itself puts a carriage return ahead of a line feed and expands TABs or leaves them.
-    std::string text(seen.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
     std::fclose(stream);
     close(controller);
     if (const std::size_t tab = text.find('\t'); tab != std::string::npos) text.erase(tab, 1);
