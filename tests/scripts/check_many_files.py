@@ -9,6 +9,7 @@ import os
 import pty
 import re
 import resource
+import shutil
 import signal
 import subprocess
 import sys
@@ -264,8 +265,10 @@ def progress():
                re.sub(erase + rb"(" + line + rb")?", b"", seen))
     seen = at_terminal("--progress=always", "-fjson", *names, errors_only=False)[0]
     expect("json between", run("-fjson", *names).stdout, re.sub(erase + rb"(" + line + rb")?", b"", seen))
-    seen = at_terminal("--progress=always", "-j1", b"odd/inv\xff\xfealid.ibs", b"odd/esc\x1b[31m.ibs")[0]
-    expect("names are clean", True, b"inv??alid.ibs" in seen and b"\x1b[31m" not in seen)
+    steering = b"long/inv\xff\xfealid\x1b[31m.ibs"
+    shutil.copyfile(b"long/large.ibs", steering)
+    seen = at_terminal("--progress=always", "-j1", *[steering] * 40)[0]
+    expect("names are clean", (True, False), (b"inv??alid?[31m.ibs" in seen, b"\x1b[31m" in seen))
     expect("no terminal", b"", run("--progress=auto", *names).stderr)
 
 
