@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/text_hash.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -36,9 +38,9 @@ private:
 
     /// The slot that holds the number, or the free one where it belongs.
     [[nodiscard]] std::size_t slotOf(std::uint32_t number) const {
-        constexpr std::uint64_t kSpread = 0x9E37'79B9'7F4A'7C15; // for numbers that follow each other by any step
+        // The seed is an odd factor that nobody knows, so that no file can choose numbers that meet.
         const std::size_t mask = slots_.size() - 1;
-        std::size_t at = ((number * kSpread) >> 32U) & mask;
+        std::size_t at = ((number * seed_.value()) >> 32U) & mask;
         while (slots_[at].place != 0 && slots_[at].number != number) {
             at = (at + 1) & mask;
         }
@@ -53,6 +55,7 @@ private:
         }
     }
 
+    HashSeed seed_;
     std::vector<Slot> slots_; // a power of two, at most half of them taken
     std::size_t taken_ = 0;
 };

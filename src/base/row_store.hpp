@@ -16,7 +16,8 @@ namespace kestrel {
 
 class RowStore;
 
-/// The rows of one table, next to each other in a RowStore, which has to outlive them. A copy shows the same rows.
+/// The rows of one table, next to each other in a RowStore, which has to outlive them. A copy shows the same rows
+/// until more are added.
 template <class Row> class Rows {
 public:
     [[nodiscard]] const Row* begin() const { return first_; }
@@ -29,8 +30,6 @@ public:
     [[nodiscard]] const Row& back() const { return first_[size_ - 1]; }
     /// The newest row, to store more of it.
     [[nodiscard]] Row& back() { return first_[size_ - 1]; }
-    /// Forgets the newest row.
-    void removeLast() { --size_; }
 
 private:
     friend class RowStore;
@@ -50,7 +49,7 @@ public:
     ~RowStore() = default;
 
     /// Adds a row to the end of its table.
-    template <class Row> Row& add(Rows<Row>& rows, const Row& row) {
+    template <class Row> Row& add(Rows<Row>& rows, Row row) {
         static_assert(std::is_trivially_copyable_v<Row> && std::is_trivially_destructible_v<Row>);
         static_assert(alignof(Row) <= kAlignment);
         if (rows.size_ == rows.room_) makeRoom(rows);
@@ -105,9 +104,9 @@ private:
         constexpr std::size_t kLargest = std::size_t{8} << 20;
         std::size_t size = std::max(least, pieces_.empty() ? kSmallest : std::min(2 * pieces_.back().size, kLargest));
         Memory memory = allocateLarge(size);
-        top_ = memory.get();
+        pieces_.push_back({std::move(memory), size}); // ahead of what points into it: this may fail
+        top_ = pieces_.back().memory.get();
         left_ = size;
-        pieces_.push_back({std::move(memory), size});
     }
 
     std::vector<Piece> pieces_;

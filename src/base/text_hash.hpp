@@ -20,6 +20,9 @@ public:
     /// The hash of a text under this seed.
     [[nodiscard]] std::uint64_t hashOf(std::string_view text) const;
 
+    /// The seed itself, an odd number.
+    [[nodiscard]] std::uint64_t value() const { return value_; }
+
 private:
     std::uint64_t value_;
 };

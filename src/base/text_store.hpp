@@ -95,9 +95,9 @@ private:
         constexpr std::size_t kLargest = std::size_t{8} << 20;
         std::size_t size = std::max(least, std::clamp(stored_, kSmallest, kLargest));
         Memory memory = allocateLarge(size);
-        top_ = reinterpret_cast<char*>(memory.get());
+        pieces_.push_back(std::move(memory)); // ahead of what points into it: this may fail
+        top_ = reinterpret_cast<char*>(pieces_.back().get());
         left_ = size;
-        pieces_.push_back(std::move(memory));
         stored_ += size;
     }
 
