@@ -35,6 +35,7 @@ endfunction()
 # For a program whose speed matters: optimize it together with the libraries that it links.
 function(kestrel_optimize_program target)
     if(kestrel_ipo)
-        target_link_options(${target} PRIVATE -flto=auto -O3)
+        # The parts of the library that are used come into the program: it starts sooner and takes a megabyte less.
+        target_link_options(${target} PRIVATE -flto=auto -O3 -static-libstdc++ -static-libgcc)
     endif()
 endfunction()
