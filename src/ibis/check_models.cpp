@@ -9,8 +9,6 @@
 #include "reader/names.hpp"
 
 #include <algorithm>
-#include <ranges>
-#include <span>
 #include <vector>
 
 namespace kestrel {
@@ -157,8 +155,9 @@ void checkDrvShs(Context& context, Ibis& root) {
     for (const Mdl& model : root.models.newestFirst()) {
         if (!model.driver_schedule) continue;
         const About about(context.diagnostics, model);
-        for (const DrvShEntry& entry : std::views::reverse(std::span(model.driver_schedule.entries))) {
-            checkDriver(context, root, model, entry.model_name);
+        const Rows<DrvShEntry>& entries = model.driver_schedule.entries;
+        for (std::size_t place = entries.size(); place > 0; --place) {
+            checkDriver(context, root, model, entries[place - 1].model_name);
         }
     }
 }
