@@ -22,7 +22,7 @@ struct SeverityForm {
 
 constexpr std::size_t kWrapTo = 75;
 
-constexpr std::array<SeverityForm, 11> kForms{{
+constexpr std::array<SeverityForm, 12> kForms{{
     {"PROGRAM BUG", 'B', false, 0, Level::bug},
     {"PROGRAM BUG", 'B', true, 0, Level::bug},
     {"ERROR", 'E', false, 72, Level::error},
@@ -33,6 +33,7 @@ constexpr std::array<SeverityForm, 11> kForms{{
     {"CAUTION", 'C', true, 58, Level::caution},
     {"NOTE", 'N', false, 73, Level::note},
     {"NOTE", 'N', true, 61, Level::note},
+    {"ADVICE", 'A', true, 59, Level::advice},
     {"INTERNAL ERROR", 'I', false, 0, Level::bug},
 }};
 
@@ -114,7 +115,7 @@ void addHead(Output& out, Head& head, const SeverityForm& form, const Finding& f
     constexpr std::ptrdiff_t kWidth = 4;
     if (text_form == TextForm::codes && finding.code) {
         head.add({&form.letter, 1});
-        head.addNumber(*finding.code, kWidth, '0');
+        head.addNumber(finding.code->number, kWidth, '0');
     } else if (text_form == TextForm::coloredWords) {
         out.writeControl(colorOf(form.level));
         out.write(form.word);
@@ -136,7 +137,7 @@ std::string_view fileOf(const Diagnostics& diagnostics) {
 }
 
 /// Makes the finding of `diagnostics.text`; a text that is not in the catalog has no code.
-void report(Diagnostics& diagnostics, Severity severity, std::optional<MessageCode> code) {
+void report(Diagnostics& diagnostics, Severity severity, std::optional<FindingCode> code) {
     if (severity != Severity::internalError) diagnostics.add(levelOf(severity));
     const bool exact = formOf(severity).with_line;
     const Subject* const subject = diagnostics.subject;
@@ -203,18 +204,26 @@ void printFinding(Output& out, const Finding& finding, TextForm text_form) {
     const SeverityForm& form = formOf(finding.severity);
     Head head;
     addHead(out, head, form, finding, text_form);
-    const std::size_t length = finding.text.size();
+    // An advice is asked for by its code, which is a part of its text.
+    const CodeText code(form.level == Level::advice ? finding.code : std::nullopt);
+    constexpr std::size_t kBrackets = 3;
+    const std::size_t length = finding.text.size() + (code.text().empty() ? 0 : code.text().size() + kBrackets);
     const bool own_line = form.wrap_from != 0 && length >= form.wrap_from && length <= kWrapTo;
     head.add(own_line ? " -\n    " : " - ");
     head.write(out);
     out.write(finding.text);
+    if (!code.text().empty()) {
+        out.write(" [");
+        out.write(code.text());
+        out.write("]");
+    }
     out.write("\n");
 }
 
 void reportRow(Diagnostics& diagnostics, Severity severity, std::size_t row, std::span<const Arg> args) {
     if (silenced(diagnostics, severity)) return;
     format(diagnostics.text, kCatalog[row].text, args);
-    report(diagnostics, severity, kCatalog[row].code);
+    report(diagnostics, severity, FindingCode{CodeFamily::message, kCatalog[row].code});
 }
 
 void reportText(Diagnostics& diagnostics, Severity severity, std::string_view text, std::span<const Arg> args) {
@@ -258,10 +267,11 @@ void printSummary(Output& out, const FindingCounts& counts, bool failed) {
         appendInteger(text, number);
         text.push_back('\n');
     };
-    if (counts.bugs != 0 || counts.errors != 0 || counts.warnings != 0) text.push_back('\n');
+    if (counts.bugs != 0 || counts.errors != 0 || counts.warnings != 0 || counts.advice != 0) text.push_back('\n');
     if (counts.bugs != 0) line("Bugs    : ", counts.bugs);
     line("Errors  : ", counts.errors);
     if (counts.warnings != 0) line("Warnings: ", counts.warnings);
+    if (counts.advice != 0) line("Advice  : ", counts.advice);
     if (counts.cautions != 0) line("Cautions: ", counts.cautions);
     text.append(failed ? "\nFile Failed\n" : "\nFile Passed\n");
     out.write(text);

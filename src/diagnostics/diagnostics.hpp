@@ -2,6 +2,7 @@
 
 #include "base/output.hpp"
 #include "base/text_hash.hpp"
+#include "diagnostics/finding_code.hpp"
 #include "diagnostics/message.hpp"
 #include "diagnostics/subject.hpp"
 
@@ -29,6 +30,7 @@ enum class Severity : std::uint8_t {
     cautionAtLine,
     note,
     noteAtLine,
+    adviceAtLine,
     internalError
 };
 
@@ -44,7 +46,7 @@ inline constexpr std::size_t kLevels = 6;
 /// One diagnostic as it was reported. Its texts and its subject live no longer than the call that gets it.
 struct Finding {
     Severity severity;
-    std::optional<MessageCode> code; ///< none for a text that is not in the catalog
+    std::optional<FindingCode> code; ///< none for a text that is in no catalog
     std::string_view file;           ///< the path of the file where its line is; empty while none is read
     std::uint32_t line;              ///< the line that it names, else the one where its subject began; 1 without either
     std::uint32_t shown_line;        ///< what the text form shows of an exact line: 0 ahead of the first

@@ -2,7 +2,6 @@
 
 #include "findings/format.hpp"
 
-#include <charconv>
 #include <filesystem>
 
 namespace kestrel {
@@ -64,9 +63,8 @@ std::optional<std::size_t> pathLength(std::string_view line) {
 
 bool isCode(std::string_view text) {
     if (text == kNoCode) return true;
-    MessageCode code = 0;
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), code);
-    return failure == std::errc{} && end == text.data() + text.size() && catalogIndex(code) != kCatalog.size();
+    const std::optional<FindingCode> code = readFindingCode(text);
+    return code && (code->family == CodeFamily::advice || catalogIndex(code->number) != kCatalog.size());
 }
 
 constexpr std::string_view kDamaged = "is not \"path, code, message\"";

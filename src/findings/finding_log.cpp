@@ -12,7 +12,7 @@ void FindingLog::add(std::string_view printed, const Finding& finding) {
                         .exact = finding.exact,
                         .has_subject = subject != nullptr,
                         .same_file = same_file,
-                        .code = finding.code.value_or(0),
+                        .code = finding.code.value_or(FindingCode{}),
                         .line = finding.line,
                         .shown_line = finding.shown_line,
                         .subject_line = subject != nullptr ? subject->line : 0,

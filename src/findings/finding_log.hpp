@@ -33,7 +33,7 @@ private:
         bool exact;
         bool has_subject;
         bool same_file;
-        MessageCode code;
+        FindingCode code;
         std::uint32_t line;
         std::uint32_t shown_line;
         std::uint32_t subject_line;

@@ -2,8 +2,6 @@
 
 #include "base/text.hpp"
 
-#include <charconv>
-
 namespace kestrel {
 
 std::string_view verdictName(Verdict verdict) {
@@ -37,11 +35,5 @@ bool failsFile(Level level, Level fail_on) {
 }
 
 std::string_view messageOf(const Finding& finding) { return stripTrailing(finding.text); }
-
-CodeText::CodeText(std::optional<MessageCode> code) {
-    if (!code) return;
-    const auto end = std::to_chars(digits_.data(), digits_.data() + digits_.size(), *code);
-    length_ = static_cast<std::size_t>(end.ptr - digits_.data());
-}
 
 } // namespace kestrel

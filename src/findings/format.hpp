@@ -72,17 +72,6 @@ public:
 /// A message as one finding of many: without white space at its end, which some have to part them from what follows.
 [[nodiscard]] std::string_view messageOf(const Finding& finding);
 
-/// The number of a message as it is written everywhere, such as "905"; nothing for a text without one.
-class CodeText {
-public:
-    explicit CodeText(std::optional<MessageCode> code);
-    [[nodiscard]] std::string_view text() const { return {digits_.data(), length_}; }
-
-private:
-    std::array<char, 12> digits_{};
-    std::size_t length_ = 0;
-};
-
 // The makers of the forms.
 [[nodiscard]] std::unique_ptr<Format> makeText(Output& out, const FormatSettings& settings);
 [[nodiscard]] std::unique_ptr<Format> makeGcc(Output& out, const FormatSettings& settings);

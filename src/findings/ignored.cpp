@@ -2,8 +2,6 @@
 
 #include "base/text.hpp"
 
-#include <charconv>
-
 namespace kestrel {
 
 namespace {
@@ -20,11 +18,10 @@ std::optional<Level> levelOfLetter(char letter) {
     }
 }
 
-std::optional<MessageCode> messageCode(std::string_view text) {
-    MessageCode code = 0;
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), code);
-    if (failure != std::errc{} || end != text.data() + text.size() || code == 0) return std::nullopt;
-    const std::size_t row = catalogIndex(code);
+std::optional<FindingCode> knownCode(std::string_view text) {
+    const std::optional<FindingCode> code = readFindingCode(text);
+    if (!code || code->family == CodeFamily::advice) return code;
+    const std::size_t row = catalogIndex(code->number);
     if (row == kCatalog.size() || kCatalog[row].text == kReservedText) return std::nullopt;
     return code;
 }
@@ -41,7 +38,7 @@ std::optional<std::string> ignore(Ignored& ignored, std::string_view list) {
     for (;;) {
         const std::string_view word = list.substr(0, list.find(','));
         const std::optional<Level> level = word.empty() ? std::nullopt : levelOfLetter(word.front());
-        const std::optional<MessageCode> code = messageCode(level ? word.substr(1) : word);
+        const std::optional<FindingCode> code = knownCode(level ? word.substr(1) : word);
         if (!code) return std::string(word);
         (level ? ignored.of_level[static_cast<std::size_t>(*level)] : ignored.codes).insert(*code);
         ignored.any = true;

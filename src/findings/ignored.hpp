@@ -13,8 +13,8 @@ namespace kestrel {
 /// The messages that a user wants left out.
 struct Ignored {
     bool any = false;                                      ///< there are some
-    std::set<MessageCode> codes;                           ///< of any class
-    std::array<std::set<MessageCode>, kLevels> of_level{}; ///< of one class only
+    std::set<FindingCode> codes;                           ///< of any class
+    std::array<std::set<FindingCode>, kLevels> of_level{}; ///< of one class only
 
     [[nodiscard]] bool has(const Finding& finding) const;
 };

@@ -47,9 +47,10 @@ std::string uriOf(std::string_view path) {
 }
 
 /// A catalog text with "..." for what each message fills in.
-std::string descriptionOf(std::optional<MessageCode> code) {
+std::string descriptionOf(std::optional<FindingCode> code) {
     if (!code) return "A message without a number.";
-    std::string text(kCatalog[catalogIndex(*code)].text);
+    if (code->family == CodeFamily::advice) return "An advice.";
+    std::string text(kCatalog[catalogIndex(code->number)].text);
     for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
         text.replace(at, 2, "...");
     return text;
@@ -179,7 +180,7 @@ private:
 
     void writeRules(JsonObject& driver) const {
         JsonArray rules(driver, "rules", true);
-        for (const std::optional<MessageCode>& code : codes_) {
+        for (const std::optional<FindingCode>& code : codes_) {
             JsonObject rule(rules);
             rule.text("id", ruleOf(CodeText(code)));
             JsonObject description(rule, "shortDescription");
@@ -189,7 +190,7 @@ private:
 
     JsonText text_;
     FormatSettings settings_;
-    std::set<std::optional<MessageCode>> codes_; // at most those of the catalog
+    std::set<std::optional<FindingCode>> codes_; // at most those of the catalogs
     // Fingerprints of the present file and how often each came.
     std::unordered_map<std::uint64_t, std::uint32_t, NumberHash> seen_;
     // Each within the one above, and gone before it.

@@ -37,7 +37,7 @@ void listAsJson(Output& out, const FormatSettings& settings) {
         JsonArray messages(whole, "messages", true);
         eachMessage([&](const MessageRow& row) {
             JsonObject message(messages);
-            message.text("code", CodeText(row.code).text());
+            message.text("code", CodeText(FindingCode{CodeFamily::message, row.code}).text());
             {
                 JsonArray classes(message, "classes");
                 for (const std::string_view name : classesOf(row.code))

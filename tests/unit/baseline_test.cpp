@@ -15,7 +15,7 @@ using namespace std::string_view_literals;
 
 const std::string kHead = "# verimark baseline 1: path, code, message\n";
 
-Finding finding(std::string_view file, std::optional<MessageCode> code, std::string_view text) {
+Finding finding(std::string_view file, std::optional<FindingCode> code, std::string_view text) {
     return {.severity = Severity::errorAtLine,
             .code = code,
             .file = file,
@@ -29,17 +29,18 @@ Finding finding(std::string_view file, std::optional<MessageCode> code, std::str
 TEST(BaselineLines, readAsTheyAreWritten) {
     struct Row {
         std::string_view file;
-        std::optional<MessageCode> code;
+        std::optional<FindingCode> code;
         std::string_view text;
         std::string_view line;
     };
     const Row rows[] = {
-        {"b.ibs", 905, "Exceeds 80 chararacters.", "b.ibs, 905, Exceeds 80 chararacters."},
-        {"./x/../b.ibs", 905, "a, b\n", "b.ibs, 905, a, b"},
+        {"b.ibs", FindingCode{CodeFamily::message, 905}, "Exceeds 80 chararacters.",
+         "b.ibs, 905, Exceeds 80 chararacters."},
+        {"./x/../b.ibs", FindingCode{CodeFamily::advice, 201}, "a, b\n", "b.ibs, Q201, a, b"},
         {"b.ibs", std::nullopt, "a\nb\\c \"d\"\x1b\0"sv, R"(b.ibs, -, a\nb\\c \"d\"\x1b\x00)"},
-        {"a, \"b\".ibs", 100, "x", R"("a, \"b\".ibs", 100, x)"},
-        {"#a.ibs", 100, "x", "\"#a.ibs\", 100, x"},
-        {"\xff.ibs", 100, "\xff", "\xff.ibs, 100, \xff"},
+        {"a, \"b\".ibs", FindingCode{CodeFamily::message, 100}, "x", R"("a, \"b\".ibs", 100, x)"},
+        {"#a.ibs", FindingCode{CodeFamily::message, 100}, "x", "\"#a.ibs\", 100, x"},
+        {"\xff.ibs", FindingCode{CodeFamily::message, 100}, "\xff", "\xff.ibs, 100, \xff"},
     };
     for (const Row& row : rows) {
         const Finding one = finding(row.file, row.code, row.text);
@@ -59,9 +60,9 @@ TEST(BaselineLines, readAsTheyAreWritten) {
 TEST(BaselineLines, areSortedAndCountEqualFindings) {
     Output out;
     BaselineWriter writer;
-    writer.add(finding("b.ibs", 905, "y"));
-    writer.add(finding("a.ibs", 905, "z"));
-    writer.add(finding("b.ibs", 905, "y"));
+    writer.add(finding("b.ibs", FindingCode{CodeFamily::message, 905}, "y"));
+    writer.add(finding("a.ibs", FindingCode{CodeFamily::message, 905}, "z"));
+    writer.add(finding("b.ibs", FindingCode{CodeFamily::message, 905}, "y"));
     writer.write(out);
     EXPECT_EQ(out.text(), kHead + "a.ibs, 905, z\nb.ibs, 905, y\nb.ibs, 905, y\n");
 }
@@ -100,8 +101,8 @@ TEST(Baselines, nameWhatIsGoneFromCheckedFiles) {
     Baseline known;
     // Order does not matter, nor do remarks and line ends of other systems.
     EXPECT_FALSE(known.read(kHead + "# ours\r\nb.ibs, 905, y\r\na.ibs, 905, x\n\na.ibs, 905, x\na.ibs, 100, w\n"));
-    EXPECT_TRUE(known.take(finding("a.ibs", 905, "x")));
-    EXPECT_FALSE(known.take(finding("a.ibs", 100, "x")));
+    EXPECT_TRUE(known.take(finding("a.ibs", FindingCode{CodeFamily::message, 905}, "x")));
+    EXPECT_FALSE(known.take(finding("a.ibs", FindingCode{CodeFamily::message, 100}, "x")));
     known.checked("./a.ibs");
     known.checked("c.ibs");
     EXPECT_EQ(known.taken(), 1);

@@ -288,7 +288,8 @@ TEST(Places, aFindingKnowsItsRecord) {
     Diagnostics& d = test.diagnostics;
     std::string found;
     d.sink = [&found](const Finding& finding) {
-        found.append(finding.code ? std::to_string(*finding.code) : "free").append(finding.exact ? " at " : " about ");
+        found.append(finding.code ? std::string(CodeText(finding.code).text()) : "free")
+            .append(finding.exact ? " at " : " about ");
         found.append(std::to_string(finding.line)).append(" in ").append(finding.file).append(" ");
         found.append(finding.subject != nullptr ? finding.subject->name.view() : "nothing").append("\n");
     };

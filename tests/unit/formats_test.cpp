@@ -90,7 +90,7 @@ TEST(JsonDeathTest, aScopeIsLeftAloneWhileOneWithinItIsOpen) {
 /// A finding in the board's line 7, or about the model in line 3.
 Finding finding(std::string_view text, const Subject* subject = nullptr, std::string_view file = "b.ibs") {
     return {.severity = subject != nullptr ? Severity::error : Severity::errorAtLine,
-            .code = 905,
+            .code = FindingCode{CodeFamily::message, 905},
             .file = file,
             .line = subject != nullptr ? subject->line : 7,
             .shown_line = 7,

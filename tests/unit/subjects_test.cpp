@@ -62,7 +62,7 @@ TEST(Findings, haveAFileAndALine) {
         TestRun test;
         test.run.diagnostics.silence_cautions = false;
         test.run.diagnostics.sink = [&](const Finding& finding) {
-            const MessageCode code = finding.code.value_or(0);
+            const MessageCode code = finding.code.value_or(FindingCode{}).number;
             EXPECT_TRUE(finding.line >= 1 && finding.line <= lines.of(finding.file))
                 << path << ": " << finding.file << ":" << finding.line << ": " << finding.text;
             EXPECT_TRUE(code == 0 || isReportedAs(code, levelOf(finding.severity))) << code;

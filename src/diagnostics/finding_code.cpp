@@ -1,0 +1,27 @@
+#include "diagnostics/finding_code.hpp"
+
+#include <charconv>
+
+namespace kestrel {
+
+CodeText::CodeText(std::optional<FindingCode> code) {
+    if (!code) return;
+    char* begin = letters_.data();
+    if (code->family == CodeFamily::advice) *begin++ = 'Q';
+    const auto end = std::to_chars(begin, letters_.data() + letters_.size(), code->number);
+    length_ = static_cast<std::size_t>(end.ptr - letters_.data());
+}
+
+std::optional<FindingCode> readFindingCode(std::string_view text) {
+    FindingCode code;
+    if (text.starts_with('Q') || text.starts_with('q')) {
+        code.family = CodeFamily::advice;
+        text.remove_prefix(1);
+    }
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, code.number);
+    if (read.ec != std::errc{} || read.ptr != end || code.number == 0) return std::nullopt;
+    return code;
+}
+
+} // namespace kestrel
