@@ -1,5 +1,7 @@
 #include "topics/topic_text.hpp"
 
+#include "base/text.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -23,13 +25,26 @@ constexpr std::string_view kNone = "None: ";
 enum class Part : std::uint8_t { head, meaning, why, mend, formula, example };
 constexpr std::array<std::string_view, 5> kHeads{"", "Meaning", "Why it matters", "How to mend", "Formula"};
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 bool isPlain(char c) { return c >= ' ' && c <= '~'; }
 
 bool isSlug(std::string_view slug) {
     return !slug.empty() && slug.size() <= kLongestSlug && slug.front() != '-' && slug.back() != '-' &&
            std::ranges::all_of(slug, [](char c) { return isLower(c) || isDigit(c) || c == '-'; });
+}
+
+/// The text with the lines of each paragraph joined to one.
+std::string unwrapped(std::string_view text) {
+    std::string joined;
+    bool may_go_on = false;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        const bool is_prose = !line.empty() && !line.starts_with(' ');
+        if (is_prose && may_go_on) joined.back() = ' ';
+        may_go_on = is_prose;
+        joined.append(line).push_back('\n');
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return joined;
 }
 
 void trimEmptyLines(std::string& text) {
@@ -54,6 +69,8 @@ public:
     }
 
     TopicText finish() {
+        for (std::string* const text : {&topic_.meaning, &topic_.why, &topic_.mend, &topic_.formula, &topic_.reason})
+            *text = unwrapped(*text);
         for (std::string* const text :
              {&topic_.meaning, &topic_.why, &topic_.mend, &topic_.formula, &topic_.bad, &topic_.mended, &topic_.reason})
             trimEmptyLines(*text);
@@ -81,9 +98,13 @@ private:
         if (!line.starts_with(kCodes)) return fault("the second line begins with \"Codes: \"");
         line.remove_prefix(kCodes.size());
         while (!line.empty()) {
-            const std::size_t end = std::min(line.find(' '), line.size());
-            topic_.codes.emplace_back(line.substr(0, end));
-            line.remove_prefix(std::min(end + 1, line.size()));
+            const std::string_view word = line.substr(0, line.find(' '));
+            const std::optional<FindingCode> code = readFindingCode(word);
+            if (!code) fault("\"" + std::string(word) + "\" is no code");
+            if (code && !topic_.codes.empty() && *code <= topic_.codes.back())
+                fault("the codes do not ascend at " + std::string(word));
+            if (code) topic_.codes.push_back(*code);
+            line.remove_prefix(std::min(word.size() + 1, line.size()));
         }
         if (topic_.codes.empty()) fault("there is no code");
     }

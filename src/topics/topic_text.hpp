@@ -1,16 +1,19 @@
 #pragma once
 
+#include "diagnostics/finding_code.hpp"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kestrel {
 
-/// A topic as its text file gives it. Its parts are paragraphs, parted by empty lines, wrapped as in the file.
+/// A topic as its text file gives it. The parts in prose have one line for each paragraph, with empty lines between
+/// them; lines that begin with a blank are as in the file.
 struct TopicText {
     std::string slug; ///< the file's name without its extension
     std::string title;
-    std::vector<std::string> codes; ///< such as "905"
+    std::vector<FindingCode> codes;
     std::string meaning;
     std::string why;
     std::string mend;

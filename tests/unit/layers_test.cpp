@@ -28,7 +28,8 @@ const std::map<std::string, Names>& allowed() {
     static const std::map<std::string, Names> kAllowed{
         {"base", {}},
         {"diagnostics", {"base"}},
-        {"findings", {"base", "diagnostics"}},
+        {"topics", {"base", "diagnostics"}},
+        {"findings", {"base", "diagnostics", "topics"}},
         {"reader", {"base", "diagnostics"}},
         {"header", kReading},
         {"external", kReading},
@@ -38,8 +39,8 @@ const std::map<std::string, Names>& allowed() {
         {"package", kReading},
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
-        {"main",
-         kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis", "findings"})},
+        {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                  "findings", "topics"})},
     };
     return kAllowed;
 }
