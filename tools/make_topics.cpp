@@ -1,4 +1,4 @@
-// Makes a source of the topics' text files: make_topics OUTPUT FILE... Faults of a file end it with status 1.
+// Makes a source of the topics' text files: make_topics OUTPUT FOLDER. Faults of a file end it with status 1.
 
 #include "diagnostics/finding_code.hpp"
 #include "topics/topic_text.hpp"
@@ -95,8 +95,10 @@ int makeTopics(const std::string& output, const std::vector<std::filesystem::pat
 } // namespace kestrel
 
 int main(int count, char** arguments) {
-    if (count < 2) return 1;
-    std::vector<std::filesystem::path> files(arguments + 2, arguments + count);
+    if (count != 3) return 1;
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(arguments[2]))
+        if (entry.path().extension() == ".txt") files.push_back(entry.path());
     std::ranges::sort(files, {}, [](const auto& path) { return path.stem().string(); });
     return kestrel::makeTopics(arguments[1], files);
 }
