@@ -31,8 +31,8 @@ std::string generalText(FindingCode code) {
     std::string text(kCatalog[catalogIndex(code.number)].text);
     for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
         text.replace(at, 2, "...");
-    for (std::size_t at = text.find("\n "); at != std::string::npos; at = text.find("\n ", at))
-        text.replace(at, 2, " ");
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at))
+        text.replace(at, text.substr(at).starts_with("\n ") ? 2 : 1, " ");
     return text;
 }
 

@@ -7,6 +7,8 @@
 #include "topics/topic_forms.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
 
 namespace kestrel {
 
@@ -49,14 +51,14 @@ void addOnce(std::vector<const Topic*>& topics, const Topic* topic) {
     if (topic != nullptr && std::ranges::find(topics, topic) == topics.end()) topics.push_back(topic);
 }
 
-/// The messages of a topic, each with its classes, in lines of a width.
-std::string messageLines(const Topic& topic, std::size_t width) {
+/// Messages, each with its classes, in lines of a width.
+std::string messageLines(std::span<const FindingCode> codes, std::size_t width) {
     constexpr std::size_t kLeastText = 20;
     std::size_t longest = 0;
-    for (const FindingCode code : topic.codes)
+    for (const FindingCode code : codes)
         longest = std::max(longest, joinedClasses(code).size());
     std::string text;
-    for (const FindingCode code : topic.codes) {
+    for (const FindingCode code : codes) {
         const std::string number = named(code);
         std::string line(2 + 4 - std::min<std::size_t>(number.size(), 4), ' ');
         line.append(number).append("  ").append(joinedClasses(code));
@@ -95,27 +97,37 @@ Explained findExplained(std::string_view asked) {
     }
     addOnce(explained.topics, topicNamed(asked));
     if (!explained.topics.empty()) return explained;
-    for (const FindingCode code : codesOfText(asked))
+    explained.codes = codesOfText(asked);
+    for (const FindingCode code : explained.codes)
         addOnce(explained.topics, topicOf(code));
     if (explained.topics.empty()) explained.problem = noSuchText(asked);
     return explained;
 }
 
 std::string explanation(const Explained& explained, const ExplainForm& form) {
-    const std::string_view begin = form.color ? kBold : std::string_view();
-    const std::string_view end = form.color ? kColorOff : std::string_view();
-    const bool is_one = explained.topics.size() == 1;
+    const PlainForm plain{.width = form.width,
+                          .heading_begin = form.color ? kBold : std::string_view(),
+                          .heading_end = form.color ? kColorOff : std::string_view()};
     std::string text;
-    if (!is_one)
-        appendWrapped(text, "The text is that of messages with different topics. Ask for one of them by its code.",
-                      form.width);
-    for (const Topic* const topic : explained.topics) {
-        text.append(text.empty() ? "" : "\n").append(begin).append(topic->title).append(end).append("\n");
-        if (is_one) text.push_back('\n');
-        text.append(messageLines(*topic, form.width));
+    const auto addTitle = [&](const Topic& topic) {
+        text.append(plain.heading_begin).append(topic.title).append(plain.heading_end).append("\n\n");
+    };
+    if (explained.topics.size() == 1) {
+        const Topic& topic = *explained.topics.front();
+        addTitle(topic);
+        text.append(messageLines(topic.codes, form.width)).append("\n");
+        return text.append(plainText(topic, plain));
     }
-    if (!is_one) return text;
-    return text.append("\n").append(plainText(*explained.topics.front(), {form.width, begin, end}));
+    appendWrapped(text, "Messages of several topics read like this. Ask for one by its code.", form.width);
+    for (const Topic* const topic : explained.topics) {
+        std::vector<FindingCode> meant;
+        std::ranges::copy_if(explained.codes, std::back_inserter(meant),
+                             [topic](FindingCode code) { return topicOf(code) == topic; });
+        text.push_back('\n');
+        addTitle(*topic);
+        text.append(messageLines(meant, form.width));
+    }
+    return text;
 }
 
 void explainAsJson(Output& out, const Explained& explained, const FormatSettings& settings) {

@@ -13,7 +13,8 @@ namespace kestrel {
 /// The topics that a question leads to, or what is wrong with it.
 struct Explained {
     std::vector<const Topic*> topics;
-    std::string problem; ///< empty when there are topics
+    std::vector<FindingCode> codes{}; ///< those that were meant, where a text is that of several
+    std::string problem{};            ///< empty when there are topics
 };
 
 /// Finds what somebody asks about: a code, a topic's name, or the text of a finding.
@@ -25,7 +26,7 @@ struct ExplainForm {
     bool color = false;     ///< headings stand out, as on a terminal
 };
 
-/// A topic with its messages as people read it. Of several only their titles and messages, to choose from.
+/// A topic with its messages as people read it. Of several only their titles and what was meant, to choose from.
 [[nodiscard]] std::string explanation(const Explained& explained, const ExplainForm& form);
 
 /// The topics as a JSON object.

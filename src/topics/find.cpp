@@ -12,13 +12,14 @@ namespace kestrel {
 
 namespace {
 
-constexpr char kAnything = '\x01'; ///< stands for what a finding fills in
+constexpr std::size_t kLongest = 4096; ///< more of a text is not looked at
+constexpr char kAnything = '\x01';     ///< stands for what a finding fills in
 
 /// A text in small letters, one blank for all white space between words, "..." as kAnything.
 std::string folded(std::string_view text) {
     constexpr std::string_view kDots = "...";
     std::string result;
-    text = trim(text);
+    text = trim(text.substr(0, kLongest));
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool is_anything = text.substr(i).starts_with(kDots);
         const char c = is_anything ? kAnything : isSpace(text[i]) ? ' ' : toLower(text[i]);

@@ -63,10 +63,13 @@ std::string markdownText(const Topic& topic) {
     for (const TopicPart& part : partsOf(topic)) {
         if (part.text.empty()) continue;
         text.append(text.empty() ? "**" : "\n**").append(part.heading).append("**\n\n");
-        eachLine(part.text, [&text](std::string_view line) {
-            // A line that is not to be wrapped is one of a block, which four blanks make.
-            if (line.starts_with(' ')) text.append("    ").append(trim(line)).append("\n");
-            if (!line.starts_with(' ')) text.append(escapedMarkdown(line)).append("\n");
+        bool in_block = false;
+        eachLine(part.text, [&](std::string_view line) {
+            // Lines that are not to be wrapped are a block, which four blanks make, between empty lines.
+            const bool is_block = line.starts_with(' ');
+            if (is_block != in_block && !text.ends_with("\n\n")) text.push_back('\n');
+            in_block = is_block;
+            text.append(is_block ? "    " + std::string(trim(line)) : escapedMarkdown(line)).append("\n");
         });
     }
     text.append("\n**").append(kExample).append("**\n\n");

@@ -3,17 +3,21 @@
 
 #include "files.hpp"
 #include "findings/message_classes.hpp"
+#include "main/messages_page.hpp"
 #include "main/version.hpp"
 #include "topic_example.hpp"
+#include "topics/topic.hpp"
 #include "topics/topic_text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -162,6 +166,99 @@ TEST(Topics, shareNoCodeAndNoTitle) {
             EXPECT_TRUE(is_new) << "\"" << key << "\" is in " << at->second << " and in " << slug;
         }
     }
+}
+
+/// Bugs aside, which no file is meant to raise.
+TEST(Topics, everyCodeThatAFileCanRaiseHasOne) {
+    std::set<FindingCode> explained;
+    for (const auto& [slug, topic] : readTopics(true))
+        explained.insert(topic.text.codes.begin(), topic.text.codes.end());
+    for (const Level level : {Level::error, Level::warning, Level::caution, Level::note})
+        for (const MessageCode code : codesOf(level))
+            EXPECT_TRUE(explained.contains({CodeFamily::message, code})) << code << " has no topic";
+}
+
+TEST(Topics, areBuiltInAsTheyAreWritten) {
+    const auto written = readTopics(true);
+    ASSERT_EQ(topics().size(), written.size());
+    std::size_t codes = 0;
+    for (const auto& [slug, topic] : written) {
+        const Topic* const built = topicNamed(slug);
+        ASSERT_NE(built, nullptr) << slug;
+        const TopicText& text = topic.text;
+        using Texts = std::array<std::string_view, 8>;
+        EXPECT_EQ(
+            (Texts{built->title, built->meaning, built->why, built->mend, built->formula, built->bad, built->mended,
+                   built->reason}),
+            (Texts{text.title, text.meaning, text.why, text.mend, text.formula, text.bad, text.mended, text.reason}));
+        codes += text.codes.size();
+        for (const FindingCode code : text.codes)
+            EXPECT_EQ(topicOf(code), built) << CodeText(code).text();
+    }
+    EXPECT_EQ(topicRows().size(), codes);
+    EXPECT_EQ(topicOf({CodeFamily::message, 1}), nullptr);
+    EXPECT_EQ(topicOf({CodeFamily::advice, 905}), nullptr);
+    EXPECT_EQ(topicNamed("no-such-topic"), nullptr);
+}
+
+TEST(Topics, thePageOfAllIsCurrent) {
+    EXPECT_TRUE(readWhole(KESTREL_MESSAGES_PAGE) == messagesPage()) << "build the target messages_page";
+}
+
+TEST(TopicText, saysWhatIsWrongWithItsForm) {
+    const auto faults = [](std::string_view text) {
+        std::vector<std::string> found;
+        std::ignore = readTopicText("a-name", text, found);
+        return found;
+    };
+    const std::string words = "one two three four five six seven eight nine ten eleven twelve thirteen fourteen\n";
+    const std::string prose =
+        "\nMeaning\n\n" + words + "\nWhy it matters\n\n" + words + "\nHow to mend\n\n" + words + "\n";
+    const std::string example = "Example (model)\n\nBad:\n    x\nMended:\n    y\n";
+    const std::string formula = "Formula\n\n    v = i * r\n\n";
+    using Faults = std::vector<std::string>;
+    EXPECT_EQ(faults("A title\nCodes: 108 Q201\n" + prose + formula + example), Faults());
+    EXPECT_EQ(faults("A title\nCodes: 108\n" + prose + "Example\n\nNone: it takes\ntwo lines.\n"), Faults());
+    EXPECT_EQ(faults("A title.\nCodes: 109 108 x\n" + prose + example),
+              (Faults{"1: a title has no full stop", "2: the codes do not ascend at 108", "2: \"x\" is no code"}));
+    EXPECT_EQ(faults("A title\nCodes: 108\n" + prose + "Example (model)\n\nBad:\n    x\n"),
+              (Faults{"19: an example has lines under \"Bad:\" and \"Mended:\""}));
+    EXPECT_EQ(faults("A title\nCodes: 108\n" + prose + formula + formula + example),
+              (Faults{"20: \"Formula\" is not the part that follows"}));
+    EXPECT_EQ(
+        faults("A title\nCodes: 108\n\nMeaning\n\nToo short.\n\n" + example),
+        (Faults{"8: \"Example (model)\" is not the part that follows", "13: a part is empty or missing",
+                "13: a part is empty or missing", "13: the first three parts have 2 words; 40 to 150 are wanted"}));
+}
+
+TEST(Examples, goIntoTheirFrames) {
+    const auto whole = [](std::string_view frame, std::string_view lines) {
+        std::vector<std::string> faults;
+        const ExampleFiles files = expandExample(framesFolder(), frame, lines, faults);
+        return faults.empty() ? files.texts.at(files.name) : faults.front();
+    };
+    const auto has = [](const std::string& text, std::string_view part) {
+        return text.find(part) != std::string::npos;
+    };
+    // A line replaces that of its word, or comes last; a section that of its keyword, the next one goes behind it.
+    const std::string model = whole("model", "Vinl=1\nNew 2\n[ramp]\nx\n[TTgnd] 3\n[RAMP]\ny\n");
+    EXPECT_TRUE(has(model, "\nEnable          Active-Low\nVinl=1\nVinh = 2.0V\n"));
+    EXPECT_TRUE(has(model, " 3.5pF\nNew 2\n[Temperature Range]"));
+    EXPECT_TRUE(has(model, "\n[ramp]\nx\n[TTgnd] 3\n[RAMP]\ny\n[Rising Waveform]"));
+    EXPECT_FALSE(has(model, "dV/dt_r"));
+    EXPECT_TRUE(has(whole("model", "[TTgnd] 3\n"), "\n[TTgnd] 3\n[End]\n"));
+    EXPECT_FALSE(has(whole("model without [Rising Waveform] Vinh, named A.IBS", "x\n"), "Rising"));
+    // Models of the component's frame stay.
+    EXPECT_TRUE(has(whole("component", "2 A B\n[Model] new\n"), "\n2 A B\n3  "));
+    EXPECT_TRUE(
+        has(whole("component", "[Model] new\n"), "\n8      VSS          GND\n[Model] new\n[Model]         clk_in\n"));
+    EXPECT_TRUE(has(
+        whole("ami-specific", "(gain new)\n(more ()\n)\n"),
+        "\n    (gain new)\n\n    (taps\n      (1 (Usage InOut) (Type Tap) (Range 0.0 -0.3 0.3))\n    )\n  (more ()\n)\n)"));
+    EXPECT_EQ(whole("file", "[IBIS Ver] 4.2\n--- other.ibs\nx\n"), "[IBIS Ver] 4.2\n");
+    EXPECT_EQ(whole("modle", "x"), "there is no frame \"modle\"");
+    EXPECT_EQ(whole("model without [Rac]", "x"), "the frame has no section [RAC]");
+    EXPECT_EQ(whole("model but", "x"), "\"but\" in the parentheses behind \"Example\" says nothing");
 }
 
 TEST(Frames, areCorrect) {
