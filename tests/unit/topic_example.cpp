@@ -239,7 +239,7 @@ std::string fillBranches(std::string_view frame, const FrameSpec& spec, std::str
         const std::string_view name = begin == std::string_view::npos ? "" : branchName(lines.substr(begin));
         const std::size_t at = childPlace(text, parent(), name);
         if (text[at] == '(') text.erase(at, branchEnd(text, at) - at);
-        text.insert(at, std::string(lines.substr(0, end)).append("\n"));
+        text.insert(at, std::string(stripTrailing(lines.substr(0, end))).append("\n"));
         lines.remove_prefix(end);
     }
     return text;
