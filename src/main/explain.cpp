@@ -109,12 +109,12 @@ std::string explanation(const Explained& explained, const ExplainForm& form) {
                           .heading_begin = form.color ? kBold : std::string_view(),
                           .heading_end = form.color ? kColorOff : std::string_view()};
     std::string text;
-    const auto addTitle = [&](const Topic& topic) {
+    const auto add_title = [&](const Topic& topic) {
         text.append(plain.heading_begin).append(topic.title).append(plain.heading_end).append("\n\n");
     };
     if (explained.topics.size() == 1) {
         const Topic& topic = *explained.topics.front();
-        addTitle(topic);
+        add_title(topic);
         text.append(messageLines(topic.codes, form.width)).append("\n");
         return text.append(plainText(topic, plain));
     }
@@ -124,7 +124,7 @@ std::string explanation(const Explained& explained, const ExplainForm& form) {
         std::ranges::copy_if(explained.codes, std::back_inserter(meant),
                              [topic](FindingCode code) { return topicOf(code) == topic; });
         text.push_back('\n');
-        addTitle(*topic);
+        add_title(*topic);
         text.append(messageLines(meant, form.width));
     }
     return text;

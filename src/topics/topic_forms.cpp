@@ -37,16 +37,16 @@ void appendBlock(std::string& to, std::string_view label, std::string_view text)
 std::string plainText(const Topic& topic, const PlainForm& form) {
     const std::size_t width = form.width == 0 ? std::string_view::npos : form.width;
     std::string text;
-    const auto addHeading = [&](std::string_view heading) {
+    const auto add_heading = [&](std::string_view heading) {
         text.append(text.empty() ? "" : "\n").append(form.heading_begin).append(heading).append(form.heading_end);
         text.append("\n\n");
     };
     for (const TopicPart& part : partsOf(topic)) {
         if (part.text.empty()) continue;
-        addHeading(part.heading);
+        add_heading(part.heading);
         appendWrapped(text, part.text, width);
     }
-    addHeading(kExample);
+    add_heading(kExample);
     if (!topic.reason.empty()) {
         appendWrapped(text, "None: " + std::string(topic.reason), width);
     } else {
@@ -83,11 +83,11 @@ std::string markdownText(const Topic& topic) {
 std::string escapedMarkdown(std::string_view text) {
     constexpr std::string_view kSpecial = "\\`*<|~";
     std::string escaped;
-    const auto isWord = [](char c) { return isAlpha(c) || isDigit(c); };
+    const auto is_word = [](char c) { return isAlpha(c) || isDigit(c); };
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         // An underscore inside of a word means nothing.
-        const bool inside = i > 0 && i + 1 < text.size() && isWord(text[i - 1]) && isWord(text[i + 1]);
+        const bool inside = i > 0 && i + 1 < text.size() && is_word(text[i - 1]) && is_word(text[i + 1]);
         if (kSpecial.find(c) != std::string_view::npos || (c == '_' && !inside)) escaped.push_back('\\');
         escaped.push_back(c);
     }
