@@ -40,7 +40,13 @@ std::string nameForTerminal(std::string_view name, std::size_t width) {
 }
 
 Progress::Progress(int terminal, const FileList& files, std::chrono::milliseconds delay)
-    : terminal_(terminal), files_(files), begin_(std::chrono::steady_clock::now() + delay) {}
+    : terminal_(terminal), files_(files), delay_(delay) {}
+
+void Progress::begin() {
+    const std::lock_guard lock(mutex_);
+    first_ = std::chrono::steady_clock::now() + delay_;
+    showLocked();
+}
 
 void Progress::fileDone(bool failed) {
     if (failed) failed_.fetch_add(1, std::memory_order_relaxed);
@@ -48,21 +54,17 @@ void Progress::fileDone(bool failed) {
 }
 
 void Progress::show() {
-    if (std::chrono::steady_clock::now() < begin_) return;
-    const std::lock_guard lock(mutex_);
-    if (!at_line_begin_) return;
-    write(line());
-    shown_ = true;
+    if (const std::unique_lock lock(mutex_, std::try_to_lock); lock.owns_lock()) showLocked();
 }
 
-void Progress::remove(bool wait) {
-    std::unique_lock lock(mutex_, std::defer_lock);
-    if (wait) {
-        lock.lock();
-    } else if (!lock.try_lock()) {
-        return;
-    }
+void Progress::end() {
+    const std::lock_guard lock(mutex_);
+    first_.reset();
     removeLocked();
+}
+
+void Progress::giveUp() {
+    if (const std::unique_lock lock(mutex_, std::try_to_lock); lock.owns_lock()) removeLocked();
 }
 
 void Progress::beforeFlush() {
@@ -98,6 +100,12 @@ void Progress::write(std::string_view text) const {
         if (written <= 0) return;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+void Progress::showLocked() {
+    if (!first_ || std::chrono::steady_clock::now() < *first_ || !at_line_begin_) return;
+    write(line());
+    shown_ = true;
 }
 
 void Progress::removeLocked() {

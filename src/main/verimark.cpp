@@ -85,6 +85,7 @@ struct Call {
     Temporaries& temporaries;
     FileList files{};
     bool all_listed = true;
+    Progress* progress = nullptr; ///< null when it is not wanted
 };
 
 /// True when one of the files to check would be overwritten.
@@ -169,21 +170,15 @@ private:
     Output& output_;
 };
 
-/// Checks the files and shows how far it is. Where nothing has to be put in order, signals end the program by
-/// themselves.
-VerimarkStatus checkWatched(const Call& call, CheckOutputs outputs, bool writes_files) {
-    const std::unique_ptr<Progress> progress = makeProgress(call);
-    if (progress == nullptr && !writes_files) return checkAll(outputs, call.files, call.options.jobs);
-    outputs.progress = progress.get();
-    const Listening out(outputs.out, progress.get());
-    const Listening errors(outputs.errors, progress.get());
-    const auto clean_up = [&] {
-        call.temporaries.removeAll();
-        if (progress != nullptr) progress->remove(false);
-    };
-    const Watch watch(clean_up, progress != nullptr ? [&] { progress->show(); } : std::function<void()>());
+/// Checks the files and shows how far it is.
+VerimarkStatus checkShown(const Call& call, CheckOutputs outputs) {
+    if (call.progress == nullptr) return checkAll(outputs, call.files, call.options.jobs);
+    outputs.progress = call.progress;
+    const Listening out(outputs.out, call.progress);
+    const Listening errors(outputs.errors, call.progress);
+    call.progress->begin();
     const VerimarkStatus status = checkAll(outputs, call.files, call.options.jobs);
-    if (progress != nullptr) progress->remove();
+    call.progress->end();
     return status;
 }
 
@@ -212,7 +207,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .progress = nullptr,
                                .announces = is_text && !options.quiet,
                                .empty_is_found = !is_text};
-    VerimarkStatus status = checkWatched(call, outputs, writes || &out != &call.out);
+    VerimarkStatus status = checkShown(call, outputs);
     if (out.failed()) return std::nullopt; // not all files were checked
     if (!call.all_listed) status = kTrouble;
     report.ends();
@@ -237,6 +232,17 @@ std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     return kAllPassed;
 }
 
+/// Does what the options ask for, and writes to where they want it.
+VerimarkStatus performTo(const Call& call, std::string_view output) {
+    if (output.empty()) return perform(call, call.out).value_or(kTrouble);
+    const Trouble trouble(call.out, call.errors);
+    OutputFile file(call.temporaries);
+    if (!openOutput(trouble, call, file, output)) return kTrouble;
+    const std::optional<VerimarkStatus> status = perform(call, file.out());
+    if (!status && !file.out().failed()) return kTrouble;
+    return commit(trouble, file, output) ? status.value_or(kTrouble) : kTrouble;
+}
+
 /// Does what the arguments ask for.
 VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
     const auto read = readVerimarkOptions(arguments);
@@ -245,13 +251,23 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
     const auto& options = std::get<VerimarkOptions>(read);
     Temporaries temporaries;
     Call call{.out = out, .errors = errors, .in = in, .options = options, .temporaries = temporaries};
-    if (options.task == Task::check) call.all_listed = listFiles(call.files, options.files, in, trouble);
-    if (options.output.empty() || options.output == "-") return perform(call, out).value_or(kTrouble);
-    OutputFile file(temporaries);
-    if (!openOutput(trouble, call, file, options.output)) return kTrouble;
-    const std::optional<VerimarkStatus> status = perform(call, file.out());
-    if (!status && !file.out().failed()) return kTrouble;
-    return commit(trouble, file, options.output) ? status.value_or(kTrouble) : kTrouble;
+    std::unique_ptr<Progress> progress;
+    if (options.task == Task::check) {
+        call.all_listed = listFiles(call.files, options.files, in, trouble);
+        progress = makeProgress(call);
+        call.progress = progress.get();
+    }
+    const std::string_view output = options.output == "-" ? std::string_view() : options.output;
+    // From the first temporary file to the last. Where there is none, signals end the program by themselves.
+    std::optional<Watch> watch;
+    if (!output.empty() || !options.write_baseline.empty() || progress != nullptr) {
+        const auto clean_up = [&] {
+            temporaries.removeAll();
+            if (progress != nullptr) progress->giveUp();
+        };
+        watch.emplace(clean_up, progress != nullptr ? [&] { progress->show(); } : std::function<void()>());
+    }
+    return performTo(call, output);
 }
 
 } // namespace
