@@ -2,6 +2,7 @@
 
 #include "base/utf8.hpp"
 
+#include <algorithm>
 #include <vector>
 
 #include <sys/ioctl.h>
@@ -89,9 +90,12 @@ std::string Progress::line() const {
     text.append(" failed");
     // The last column stays free: some terminals go to the next line behind it.
     const std::size_t width = widthOf(terminal_) - 1;
-    if (done < files_.size() && text.size() + 2 < width)
-        text.append(": ").append(nameForTerminal(files_[done], width - text.size() - 2));
-    return std::string(kEraseLine).append(text.substr(0, width));
+    if (const std::size_t used = text.size() + 2; done < files_.size() && used < width) {
+        text.append(": ").append(nameForTerminal(files_[done], width - used));
+    } else {
+        text.resize(std::min(text.size(), width));
+    }
+    return std::string(kEraseLine).append(text);
 }
 
 void Progress::write(std::string_view text) const {
