@@ -166,7 +166,7 @@ private:
         Fingerprint fingerprint;
         fingerprint.add(finding.file);
         fingerprint.add(code.text());
-        fingerprint.add(messageOf(finding));
+        fingerprint.add(steadyMessageOf(finding, room_));
         if (finding.subject != nullptr) {
             fingerprint.add(subjectKindName(finding.subject->kind));
             fingerprint.add(finding.subject->name);
@@ -193,6 +193,7 @@ private:
     std::set<std::optional<FindingCode>> codes_; // at most those of the catalogs
     // Fingerprints of the present file and how often each came.
     std::unordered_map<std::uint64_t, std::uint32_t, NumberHash> seen_;
+    std::string room_; // of the message that is hashed
     // Each within the one above, and gone before it.
     std::optional<JsonObject> whole_;
     std::optional<JsonArray> runs_;

@@ -148,6 +148,12 @@ TEST(Sarif, fingerprintsSurviveMovedLinesAndTellFindingsApart) {
     ASSERT_EQ(all.size(), 6U);
     EXPECT_EQ(std::set(all.begin(), all.end()).size(), 6U);
     EXPECT_EQ(all[0], before[0]);
+    // What a message says of lines moves as well.
+    Finding waveform = finding("typ Not Defined For Rising Waveform Beginning on Line 12", &model);
+    waveform.code = FindingCode{CodeFamily::message, 2004};
+    Finding moved = waveform;
+    moved.text = "typ Not Defined For Rising Waveform Beginning on Line 7";
+    EXPECT_EQ(fingerprints({waveform}), fingerprints({moved}));
     // FNV-1a over "b.ibs", "905", "x", "model", "m", each with a NUL behind it.
     EXPECT_EQ(before[0], "811a449ee9e5c4b7:1");
 }
