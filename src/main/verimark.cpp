@@ -18,6 +18,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <system_error>
 
 #include <sys/stat.h>
@@ -100,6 +101,15 @@ bool isInput(const FileList& files, const std::string& path) {
     return false;
 }
 
+/// True when both paths mean one file.
+bool isSame(std::string_view one, std::string_view other) {
+    std::error_code failure;
+    const std::filesystem::path a(one);
+    const std::filesystem::path b(other);
+    if (one.empty() || other.empty()) return false;
+    return a.lexically_normal() == b.lexically_normal() || std::filesystem::equivalent(a, b, failure);
+}
+
 /// Opens a file to be written; false when it was said why it cannot.
 bool openOutput(const Trouble& trouble, const Call& call, OutputFile& file, std::string_view path) {
     const std::string name(path);
@@ -124,7 +134,11 @@ bool readBaseline(const Trouble& trouble, Baseline& baseline, std::string_view p
         trouble(path, ": cannot be read: " + std::error_code(error, std::generic_category()).message());
         return false;
     }
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    // What is no baseline may have no end, as a device.
+    std::string text(Baseline::kHead.size(), '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (text == Baseline::kHead) text.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     if (const std::optional<BaselineFault> fault = baseline.read(text)) {
         std::string subject = name + ":";
         appendInteger(subject, fault->line);
@@ -258,6 +272,8 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
         call.progress = progress.get();
     }
     const std::string_view output = options.output == "-" ? std::string_view() : options.output;
+    if (isSame(output, options.baseline) || isSame(output, options.write_baseline))
+        return trouble(output, ": is the file of the baseline, too");
     // From the first temporary file to the last. Where there is none, signals end the program by themselves.
     std::optional<Watch> watch;
     if (!output.empty() || !options.write_baseline.empty() || progress != nullptr) {
@@ -273,7 +289,14 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
 } // namespace
 
 int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
-    const VerimarkStatus status = obey(out, errors, arguments, in);
+    VerimarkStatus status = kTrouble;
+    try {
+        status = obey(out, errors, arguments, in);
+    } catch (const std::bad_alloc&) { // outside of the check of any file
+        out.flush();
+        errors.write("verimark: out of memory\n");
+        errors.flush();
+    }
     out.flush();
     if (!out.failed()) return status;
     // Whoever closes a pipe knows.

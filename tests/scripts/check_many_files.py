@@ -114,6 +114,28 @@ def lists():
         expect(f"odd names, {form}", run("-j1", "-f", form, b"odd").stdout, run("-j4", "-f", form, b"odd").stdout)
     paths = {file["path"] for file in json.loads(run("-fjson", "odd").stdout)["files"]}
     expect("odd names in json", {name.decode(errors="replace") for name in odd}, paths)
+    # Line ends of other systems, and lists that are none.
+    expect("carriage returns", b"list/good.ibs\n", b"\n".join(
+        file["path"].encode() for file in json.loads(run("-fjson", "-", given=b"list/good.ibs\r\n\r\n").stdout)["files"]) + b"\n")
+    no_name = b"verimark: -: a line is no name of a file; there is to be one name on each line\n"
+    for given in (b"list/good.ibs\0list/good.ibs\0", b"x" * 70000 + b"\n"):
+        expect("no list of names", (2, b"", no_name), (lambda r: (r.returncode, r.stdout, r.stderr))(run("-", given=given)))
+    with open("/dev/zero", "rb") as endless:
+        result = subprocess.run([PROGRAM, "-"], stdin=endless, stderr=subprocess.PIPE, check=False)
+        expect("a line without end", (2, no_name), (result.returncode, result.stderr))
+    if not SANITIZED:
+        limit = 120 << 20
+        result = run("-o", "list/out.txt", "-", given=(b"x" * 60000 + b"\n") * 3000,
+                     preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+        expect("more names than memory", (2, b"", b"verimark: out of memory\n"),
+               (result.returncode, result.stdout, result.stderr))
+    # What is no file is not opened.
+    os.mkfifo("list/pipe.ibs")
+    result = run("-fgcc", "list/pipe.ibs", "/dev/zero.ibs", "list", timeout=60)
+    expect("a pipe", (2, b"list/pipe.ibs:1: error: Unable To Open File 'list/pipe.ibs' [1905]\n"
+                         b"/dev/zero.ibs:1: error: Unable To Open File '/dev/zero.ibs' [1905]\n"),
+           (result.returncode, result.stdout))
+    os.unlink("list/pipe.ibs")
     # A folder that cannot be listed; root may list any.
     if os.geteuid() != 0:
         os.mkdir("closed", 0)
@@ -252,6 +274,13 @@ def signals():
             os.unlink("out/new.txt")
     if ended == 0:
         sys.exit("FAILED: no signal came in time")
+    # A file that grows too large is an error, not an end.
+    write("out/new.txt", "what was there")
+    result = run("-o", "out/new.txt", "many.ibs",
+                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
+    expect("a file that grows too large", (2, b"verimark: out/new.txt: cannot be written: File too large\n"),
+           (result.returncode, result.stderr))
+    expect("what is left of it", (b"what was there", {"kept.txt", "new.txt"}), (read("out/new.txt"), set(os.listdir("out"))))
     # Where nobody reads the terminal, too.
     main, terminal = pty.openpty()
     process = subprocess.Popen([PROGRAM, "--progress=always", *["many.ibs"] * 50], stderr=terminal, stdout=terminal)
