@@ -173,6 +173,23 @@ TEST(Later, version51ForbidsWhatLaterOnesAreLetOff) {
               "E0916@ E1010@ E1912@ E4317@ E4322@ E4324@ E4330 E4361@ E4369 E4370 E4375@ E4380@ E4385@ E4386@ E4390");
 }
 
+TEST(Later, executablesMayHaveADirection) {
+    const auto codes = [](std::string_view version) {
+        const std::string text =
+            "[Model] m\nModel_type I/O\n[Algorithmic Model]\nExecutable_Tx Linux_gcc_64 a.so a.ami\n"
+            "Executable_Rx Linux_gcc_64 b.so a.ami\nExecutable_Tx Linux_gcc_64 c.so a.ami\n"
+            "Executable_Up Linux_gcc_64 c.so a.ami\n[End Algorithmic Model]\n";
+        const std::string all = Files(true).add("a.ibs", text, version).put("a.ami", "(").check("a.ibs");
+        std::string found;
+        for (const std::string_view code : {"E4603 ", "W4605 ", "E4608 ", "E4624 "})
+            for (std::size_t at = all.find(code); at != std::string::npos; at = all.find(code, at + 1))
+                found.append(code);
+        return found;
+    };
+    EXPECT_EQ(codes("5.1"), "E4603 E4603 E4603 E4603 E4608 ");
+    EXPECT_EQ(codes("7.1"), "E4603 W4605 E4624 ");
+}
+
 TEST(Later, aFileIsReadByTheRulesOfItsOwnVersion) {
     const std::string part = std::string(kPart) + "[Package Model] Box\n";
     const std::string box =
