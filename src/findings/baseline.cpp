@@ -3,7 +3,6 @@
 #include "findings/format.hpp"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 namespace kestrel {
@@ -32,7 +31,7 @@ void appendEscaped(std::string& line, std::string_view text) {
 /// "./board.ibs" and "board.ibs" are one file. A path with a comma or quotation mark, or one that reads like something
 /// else, is quoted.
 void appendPath(std::string& line, std::string_view path) {
-    const std::string normal = std::filesystem::path(path).lexically_normal().string();
+    const std::string normal = normalPath(path);
     const bool quoted = normal.empty() || normal.find_first_of(",\"") != std::string::npos || normal.front() == '#' ||
                         normal.front() == ' ' || normal.back() == ' ';
     if (quoted) line.push_back('"');

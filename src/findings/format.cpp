@@ -3,6 +3,7 @@
 #include "base/text.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 
 namespace kestrel {
@@ -38,6 +39,8 @@ bool failsFile(Level level, Level fail_on) {
 }
 
 std::string_view messageOf(const Finding& finding) { return stripTrailing(finding.text); }
+
+std::string normalPath(std::string_view path) { return std::filesystem::path(path).lexically_normal().string(); }
 
 std::string_view steadyMessageOf(const Finding& finding, std::string& room) {
     const std::string_view message = messageOf(finding);

@@ -161,6 +161,12 @@ TEST(Sarif, fingerprintsSurviveMovedLinesAndTellFindingsApart) {
 TEST(Sarif, pathsAreReferences) {
     EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, "../a b/c:d%\xff.ibs")}),
                 HasSubstr(R"("uri":"../a%20b/c%3Ad%25%FF.ibs")"));
+    // However a file is named, a service has to find it.
+    for (const std::string_view spelling : {"./a/b.ibs", "a/./c/../b.ibs", "a//b.ibs"}) {
+        EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, spelling)}), HasSubstr(R"("uri":"a/b.ibs")"));
+        EXPECT_THAT(written(FormatKind::github, {finding("x", nullptr, spelling)}), HasSubstr(" file=a/b.ibs,"));
+        EXPECT_EQ(fingerprints({finding("x", nullptr, spelling)}), fingerprints({finding("x", nullptr, "a/b.ibs")}));
+    }
     EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, "/a/b.ibs")}),
                 HasSubstr(R"("uri":"file:///a/b.ibs")"));
 }
