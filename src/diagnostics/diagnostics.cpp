@@ -246,7 +246,10 @@ void reportCode(Diagnostics& diagnostics, Severity severity, MessageCode code, s
     }
 }
 
-FindingCounts diagnosticCounts(const Diagnostics& diagnostics) { return diagnostics; }
+FindingCounts diagnosticCounts(const Diagnostics& diagnostics) {
+    const FindingCounts& counts = diagnostics;
+    return counts;
+}
 
 std::int64_t failureCount(const FindingCounts& counts) { return counts.bugs + counts.errors; }
 
@@ -293,9 +296,9 @@ SourceMark here(const char* path, int line) {
 
 void assertionFailed(const Diagnostics& diagnostics, SourceMark mark, std::string_view text) {
     if (diagnostics.on_assertion == OnAssertion::raise) {
-        AssertionFailed failure{std::string(text), std::string(fileOf(diagnostics)), lineOf(diagnostics), {}};
-        if (diagnostics.subject != nullptr) failure.subject = *diagnostics.subject;
-        throw failure;
+        const Subject* const subject = diagnostics.subject;
+        throw AssertionFailed{std::string(text), std::string(fileOf(diagnostics)), lineOf(diagnostics),
+                              subject != nullptr ? std::optional(*subject) : std::nullopt};
     }
     std::string line(mark.file);
     line.push_back(':');
