@@ -61,7 +61,10 @@ std::string collectAmi(Context& context, Source& source) {
         addLine(context, collector.text, cutComment(collector, line->text, parse.line));
     }
     if (reader.failed()) reportNotOpened(context, source);
-    if (collector.in_string) error(context.diagnostics, 924, static_cast<std::int64_t>(collector.string_line));
+    if (collector.in_string) {
+        const InLine in_line(context.diagnostics, collector.string_line);
+        error(context.diagnostics, 924, static_cast<std::int64_t>(collector.string_line));
+    }
     parse.long_lines = long_lines;
     return std::move(collector.text);
 }

@@ -36,6 +36,7 @@ public:
         }
         readBrackets();
         if (depth_ > 0) {
+            const InLine in_line(context_.diagnostics, lines_.lineOf(first.text));
             error(context_.diagnostics, 4624, depth_, static_cast<std::int64_t>(lines_.lineOf(first.text)));
             return {};
         }

@@ -136,13 +136,18 @@ std::string_view fileOf(const Diagnostics& diagnostics) {
     return diagnostics.file != nullptr ? std::string_view(*diagnostics.file) : std::string_view();
 }
 
+/// The line of what is about a line.
+std::uint32_t lineOf(const Diagnostics& diagnostics) {
+    return diagnostics.true_line != 0 ? diagnostics.true_line : *diagnostics.line;
+}
+
 /// Makes the finding of `diagnostics.text`; a text that is not in the catalog has no code.
 void report(Diagnostics& diagnostics, Severity severity, std::optional<FindingCode> code) {
     if (severity != Severity::internalError) diagnostics.add(levelOf(severity));
-    const bool exact = formOf(severity).with_line;
+    const bool exact = formOf(severity).with_line || diagnostics.true_line != 0;
     const Subject* const subject = diagnostics.subject;
     const std::uint32_t shown = *diagnostics.line;
-    const std::uint32_t line = exact ? shown : subject != nullptr ? subject->line : 0;
+    const std::uint32_t line = exact ? lineOf(diagnostics) : subject != nullptr ? subject->line : 0;
     const Finding finding{.severity = severity,
                           .code = code,
                           .file = fileOf(diagnostics),
@@ -241,7 +246,10 @@ void reportCode(Diagnostics& diagnostics, Severity severity, MessageCode code, s
     }
 }
 
-FindingCounts diagnosticCounts(const Diagnostics& diagnostics) { return diagnostics; }
+FindingCounts diagnosticCounts(const Diagnostics& diagnostics) {
+    const FindingCounts& counts = diagnostics;
+    return counts;
+}
 
 std::int64_t failureCount(const FindingCounts& counts) { return counts.bugs + counts.errors; }
 
@@ -288,9 +296,9 @@ SourceMark here(const char* path, int line) {
 
 void assertionFailed(const Diagnostics& diagnostics, SourceMark mark, std::string_view text) {
     if (diagnostics.on_assertion == OnAssertion::raise) {
-        AssertionFailed failure{std::string(text), std::string(fileOf(diagnostics)), *diagnostics.line, {}};
-        if (diagnostics.subject != nullptr) failure.subject = *diagnostics.subject;
-        throw failure;
+        const Subject* const subject = diagnostics.subject;
+        throw AssertionFailed{std::string(text), std::string(fileOf(diagnostics)), lineOf(diagnostics),
+                              subject != nullptr ? std::optional(*subject) : std::nullopt};
     }
     std::string line(mark.file);
     line.push_back(':');

@@ -49,8 +49,8 @@ struct Finding {
     std::optional<FindingCode> code; ///< none for a text that is in no catalog
     std::string_view file;           ///< the path of the file where its line is; empty while none is read
     std::uint32_t line;              ///< the line that it names, else the one where its subject began; 1 without either
-    std::uint32_t shown_line;        ///< what the text form shows of an exact line: 0 ahead of the first
-    bool exact;                      ///< it names the line itself
+    std::uint32_t shown_line;        ///< what the text form shows where it has a line: 0 ahead of the first
+    bool exact;                      ///< it is about the line itself
     const Subject* subject;          ///< the record that it is about, null when it is about none
     std::string_view text;
 };
@@ -88,6 +88,7 @@ struct Diagnostics : FindingCounts {
 
     Output* out;
     const std::uint32_t* line;         ///< of the diagnostics at a line; AtLine sets another
+    std::uint32_t true_line = 0;       ///< the line of all diagnostics, whichever is shown; 0 for none, InLine sets it
     const Subject* subject = nullptr;  ///< the record being read or checked; About sets it
     const std::string* file = nullptr; ///< the path of the file being read or checked; nameFile sets it
     TextSet files;                     ///< the paths of all of them; records refer to these texts
@@ -235,6 +236,20 @@ private:
     Diagnostics& diagnostics_;
     std::uint32_t line_;
     const std::uint32_t* before_;
+};
+
+/// While it lasts, diagnostics are in this line of the present file, whether the text form shows it, another or none.
+class InLine {
+public:
+    InLine(Diagnostics& diagnostics, std::uint32_t line)
+        : diagnostics_(diagnostics), before_(std::exchange(diagnostics.true_line, line)) {}
+    InLine(const InLine&) = delete;
+    InLine& operator=(const InLine&) = delete;
+    ~InLine() { diagnostics_.true_line = before_; }
+
+private:
+    Diagnostics& diagnostics_;
+    std::uint32_t before_;
 };
 
 /// While it lasts, diagnostics are about this record, or about none.

@@ -3,7 +3,6 @@
 #include "diagnostics/catalog.hpp"
 
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -20,7 +19,10 @@ struct FindingCode {
     CodeFamily family = CodeFamily::message;
     MessageCode number = 0;
 
-    friend constexpr auto operator<=>(const FindingCode&, const FindingCode&) = default;
+    friend constexpr bool operator==(const FindingCode&, const FindingCode&) = default;
+    friend constexpr bool operator<(const FindingCode& a, const FindingCode& b) {
+        return a.family != b.family ? a.family < b.family : a.number < b.number;
+    }
 };
 
 /// A code as it is written everywhere, such as "905" or "Q201"; nothing for a text without one.

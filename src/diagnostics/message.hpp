@@ -86,7 +86,7 @@ template <ArgKind... Kinds> constexpr void checkText(std::string_view text) {
         if (text[i] != '%') continue;
         if (++i == text.size()) unknownConversionInMessageText();
         const ArgKind wanted = kindOfConversion(text[i]);
-        if (used == kCount) tooFewArgumentsForMessageText();
+        if (used == kCount) return tooFewArgumentsForMessageText();
         if (kinds[used++] != wanted) wrongArgumentTypeForMessageText();
     }
     if (used != kCount) tooManyArgumentsForMessageText();

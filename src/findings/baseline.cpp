@@ -2,13 +2,13 @@
 
 #include "findings/format.hpp"
 
-#include <filesystem>
+#include <algorithm>
+#include <utility>
 
 namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kHead = "# verimark baseline 1: path, code, message";
 constexpr std::string_view kNoCode = "-";
 
 /// Appends a text that ends neither its line nor, when it is quoted, its field.
@@ -31,7 +31,7 @@ void appendEscaped(std::string& line, std::string_view text) {
 /// "./board.ibs" and "board.ibs" are one file. A path with a comma or quotation mark, or one that reads like something
 /// else, is quoted.
 void appendPath(std::string& line, std::string_view path) {
-    const std::string normal = std::filesystem::path(path).lexically_normal().string();
+    const std::string normal = normalPath(path);
     const bool quoted = normal.empty() || normal.find_first_of(",\"") != std::string::npos || normal.front() == '#' ||
                         normal.front() == ' ' || normal.back() == ' ';
     if (quoted) line.push_back('"');
@@ -93,7 +93,8 @@ std::string baselineLine(const Finding& finding) {
     line.append(", ");
     line.append(finding.code ? CodeText(finding.code).text() : kNoCode);
     line.append(", ");
-    appendEscaped(line, messageOf(finding));
+    std::string room;
+    appendEscaped(line, steadyMessageOf(finding, room));
     return line;
 }
 
@@ -117,10 +118,18 @@ std::optional<BaselineFault> Baseline::read(std::string_view text) {
     return std::nullopt;
 }
 
-bool Baseline::take(const Finding& finding) {
+bool Baseline::occurs(const Finding& finding) {
     const auto found = entries_.find(baselineLine(finding));
-    if (found == entries_.end() || found->second.used == found->second.lines.size()) return false;
-    ++found->second.used;
+    if (found == entries_.end()) return false;
+    Entry& entry = found->second;
+    if (std::exchange(entry.file, file_) != file_) entry.times = 0;
+    if (entry.times == entry.lines.size()) return false;
+    entry.most = std::max(entry.most, ++entry.times);
+    return true;
+}
+
+bool Baseline::take(const Finding& finding) {
+    if (!occurs(finding)) return false;
     ++taken_;
     return true;
 }
@@ -134,18 +143,24 @@ void Baseline::eachGone(const std::function<void(std::uint32_t, std::string_view
     std::map<std::uint32_t, std::string_view> gone;
     for (const auto& [line, entry] : entries_) {
         if (!*entry.is_checked) continue;
-        for (std::size_t i = entry.used; i < entry.lines.size(); ++i)
+        for (std::size_t i = entry.most; i < entry.lines.size(); ++i)
             gone.emplace(entry.lines[i], line);
     }
     for (const auto& [number, line] : gone)
         tell(number, line);
 }
 
+void BaselineWriter::add(const Finding& finding) {
+    Count& count = lines_[baselineLine(finding)];
+    if (std::exchange(count.file, file_) != file_) count.times = 0;
+    count.most = std::max(count.most, ++count.times);
+}
+
 void BaselineWriter::write(Output& out) const {
-    out.write(kHead);
+    out.write(Baseline::kHead);
     out.write("\n");
     for (const auto& [line, count] : lines_) {
-        for (std::int64_t i = 0; i < count; ++i) {
+        for (std::int64_t i = 0; i < count.most; ++i) {
             out.write(line);
             out.write("\n");
         }

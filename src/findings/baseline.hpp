@@ -14,7 +14,7 @@
 
 namespace kestrel {
 
-/// A finding in a baseline: "path, code, message" on one line, without the line number. Control characters and
+/// A finding in a baseline: "path, code, message" on one line, without numbers of lines. Control characters and
 /// backslashes are escaped, a path with a comma or a quotation mark is quoted; "-" is the code of a text without
 /// number.
 [[nodiscard]] std::string baselineLine(const Finding& finding);
@@ -25,14 +25,22 @@ struct BaselineFault {
     std::string text;
 };
 
-/// Findings that are known. Equal ones are counted: each line of the file stands for one.
+/// Findings that are known. Equal ones are counted for each checked file: each line of the baseline stands for one. A
+/// finding in a file that several lead to is the same for all of them.
 class Baseline {
 public:
+    /// What a baseline begins with.
+    static constexpr std::string_view kHead = "# verimark baseline 1: path, code, message";
+
     /// Reads the text of a baseline file; the fault when it is damaged.
     [[nodiscard]] std::optional<BaselineFault> read(std::string_view text);
 
     /// Takes a finding off what is known; false when it is new.
     [[nodiscard]] bool take(const Finding& finding);
+    /// The same for one that is left out anyway.
+    void pass(const Finding& finding) { static_cast<void>(occurs(finding)); }
+    /// What comes next is found when another file is checked.
+    void nextFile() { ++file_; }
 
     /// A file was checked: its lines have to occur.
     void checked(std::string_view path);
@@ -44,24 +52,37 @@ public:
 
 private:
     struct Entry {
-        std::vector<std::uint32_t> lines; ///< where it is in the file
-        std::size_t used = 0;             ///< how many of them have occurred
-        bool* is_checked = nullptr;       ///< whether its file was
+        std::vector<std::uint32_t> lines; ///< where it is in the baseline
+        std::size_t file = 0;             ///< the checked file in which it occurred last
+        std::size_t times = 0;            ///< how often in that file
+        std::size_t most = 0;             ///< in any file
+        bool* is_checked = nullptr;       ///< whether the file that it is in was read
     };
+
+    [[nodiscard]] bool occurs(const Finding& finding);
 
     TextMap<Entry> entries_;
     TextMap<bool> files_; ///< by path as it is in the lines
     std::int64_t taken_ = 0;
+    std::size_t file_ = 1; ///< the number of the checked file
 };
 
 /// Collects a baseline to be written.
 class BaselineWriter {
 public:
-    void add(const Finding& finding) { ++lines_[baselineLine(finding)]; }
+    void add(const Finding& finding);
+    void nextFile() { ++file_; }
     void write(Output& out) const;
 
 private:
-    std::map<std::string, std::int64_t, std::less<>> lines_;
+    struct Count {
+        std::size_t file = 0;   ///< the checked file in which it came last
+        std::int64_t times = 0; ///< how often in that file
+        std::int64_t most = 0;  ///< in any file
+    };
+
+    std::map<std::string, Count, std::less<>> lines_;
+    std::size_t file_ = 1;
 };
 
 } // namespace kestrel

@@ -2,6 +2,10 @@
 
 #include "base/text.hpp"
 
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
 namespace kestrel {
 
 std::string_view verdictName(Verdict verdict) {
@@ -35,5 +39,23 @@ bool failsFile(Level level, Level fail_on) {
 }
 
 std::string_view messageOf(const Finding& finding) { return stripTrailing(finding.text); }
+
+std::string normalPath(std::string_view path) { return std::filesystem::path(path).lexically_normal().string(); }
+
+std::string_view steadyMessageOf(const Finding& finding, std::string& room) {
+    const std::string_view message = messageOf(finding);
+    if (!finding.code || finding.code->family != CodeFamily::message) return message;
+    const std::size_t row = catalogIndex(finding.code->number);
+    const std::string_view form = row < kCatalog.size() ? kCatalog[row].text : std::string_view();
+    for (const std::string_view words : {"ine ", "ine no "}) {
+        if (form.find(std::string(words) + "%d") == std::string_view::npos) continue;
+        // Names that a message fills in come ahead of its line.
+        const std::size_t digits = message.rfind(words) + words.size();
+        const std::size_t behind = std::min(message.find_first_not_of("0123456789", digits), message.size());
+        room.assign(message.substr(0, digits)).append("...").append(message.substr(behind));
+        return room;
+    }
+    return message;
+}
 
 } // namespace kestrel

@@ -72,6 +72,13 @@ public:
 /// A message as one finding of many: without white space at its end, which some have to part them from what follows.
 [[nodiscard]] std::string_view messageOf(const Finding& finding);
 
+/// A path without "." and, where it has no link, "..": one spelling for what is one file.
+[[nodiscard]] std::string normalPath(std::string_view path);
+
+/// The message without the numbers of the lines that it names, which are "..." then: what stays as it is where lines
+/// move. `room` holds a text that is not the finding's own.
+[[nodiscard]] std::string_view steadyMessageOf(const Finding& finding, std::string& room);
+
 // The makers of the forms.
 [[nodiscard]] std::unique_ptr<Format> makeText(Output& out, const FormatSettings& settings);
 [[nodiscard]] std::unique_ptr<Format> makeGcc(Output& out, const FormatSettings& settings);

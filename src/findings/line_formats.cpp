@@ -91,7 +91,7 @@ public:
     void finding(const Finding& finding) override {
         out_.write(commandOf(levelOf(finding.severity)));
         out_.write(" file=");
-        write(finding.file, true);
+        write(normalPath(finding.file), true); // annotations are sought by the path in the repository
         text_.assign(",line=");
         appendInteger(text_, finding.line);
         out_.write(text_);

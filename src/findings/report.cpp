@@ -5,11 +5,16 @@ namespace kestrel {
 void Report::fileBegins(const FileStart& start) {
     counts_ = {};
     fails_ = false;
+    if (known != nullptr) known->nextFile();
+    if (written != nullptr) written->nextFile();
     format_.fileBegins(start);
 }
 
 void Report::finding(const Finding& finding) {
-    if (ignored_.has(finding)) return;
+    if (ignored_.has(finding)) {
+        if (known != nullptr) known->pass(finding);
+        return;
+    }
     if (written != nullptr) written->add(finding);
     if (known != nullptr && known->take(finding)) return;
     const Level level = levelOf(finding.severity);

@@ -103,6 +103,10 @@ public:
     void finding(const Finding& finding) override {
         const CodeText code(finding.code);
         codes_.insert(finding.code);
+        if (finding.file != file_) {
+            file_ = finding.file;
+            path_ = normalPath(file_);
+        }
         JsonObject result(*results_);
         result.text("ruleId", ruleOf(code));
         result.text("level", levelText(levelOf(finding.severity)));
@@ -134,14 +138,14 @@ public:
     }
 
 private:
-    static void writeLocations(JsonObject& result, const Finding& finding) {
+    void writeLocations(JsonObject& result, const Finding& finding) const {
         JsonArray locations(result, "locations");
         JsonObject location(locations);
         {
             JsonObject place(location, "physicalLocation");
             {
                 JsonObject artifact(place, "artifactLocation");
-                artifact.text("uri", uriOf(finding.file));
+                artifact.text("uri", uriOf(path_));
             }
             JsonObject region(place, "region");
             region.number("startLine", finding.line);
@@ -156,9 +160,9 @@ private:
     /// Lines that move leave it as it is; of equal findings each has its own.
     std::string fingerprintOf(const Finding& finding, const CodeText& code) {
         Fingerprint fingerprint;
-        fingerprint.add(finding.file);
+        fingerprint.add(path_);
         fingerprint.add(code.text());
-        fingerprint.add(messageOf(finding));
+        fingerprint.add(steadyMessageOf(finding, room_));
         if (finding.subject != nullptr) {
             fingerprint.add(subjectKindName(finding.subject->kind));
             fingerprint.add(finding.subject->name);
@@ -198,6 +202,9 @@ private:
     std::set<std::optional<FindingCode>> codes_; // at most those of the catalogs
     // Fingerprints of the present file and how often each came.
     std::unordered_map<std::uint64_t, std::uint32_t, NumberHash> seen_;
+    std::string room_; // of the message that is hashed
+    std::string file_; // of the finding
+    std::string path_; // the same in one spelling
     // Each within the one above, and gone before it.
     std::optional<JsonObject> whole_;
     std::optional<JsonArray> runs_;

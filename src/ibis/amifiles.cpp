@@ -6,7 +6,9 @@
 #include "model/mdl.hpp"
 #include "reader/context.hpp"
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
 
 namespace kestrel {
 
@@ -22,12 +24,25 @@ bool wasFound(const AmiFiles& files, const std::filesystem::path& path) {
     return path.string().find("..") == std::string::npos || std::filesystem::is_directory(path.parent_path(), failure);
 }
 
+/// True for the name of a file that is not in the folder of the file that names it, nor in a folder in it.
+bool leadsOut(std::string name) {
+    std::ranges::replace(name, '\\', '/');
+    const std::filesystem::path path = std::filesystem::path(name).lexically_normal();
+    return path.is_absolute() || *path.begin() == "..";
+}
+
 void checkAmiFile(Context& context, AmiFiles& files, const Mdl& model, const std::string& name) {
     constexpr std::string_view kSeparators = "/\\";
     const KeptParse kept(context.parse);
     const OtherFile other(context.diagnostics);
     const bool is_absolute = kSeparators.find(name.front()) != std::string_view::npos;
     const std::string path = is_absolute ? name : context.parse.directory + name;
+    if (files.stay_in_folder && leadsOut(name)) {
+        const About about(context.diagnostics, model);
+        warningText(context.diagnostics,
+                    "Parameter file '%s' of Model '%s' is outside of the folder and is not checked", name, model.name);
+        return;
+    }
     if (wasFound(files, path)) return;
     // One in a folder is sought from where the .ibs file is; a bare name is sought there anyhow.
     const std::string& opened = name.find_first_of(kSeparators) == std::string::npos ? name : path;

@@ -11,6 +11,7 @@ struct Ibis;
 struct AmiFiles {
     TextSet names; ///< of those looked for, as the models give them
     TextSet paths; ///< of those found, without "." and "..": as they were looked for and as they were found
+    bool stay_in_folder = false; ///< set by the run driver: what a model names outside of its file's folder is not read
 };
 
 /// Once the file is read: checks each parameter file that the models name and that is found beside it, once per run,

@@ -27,6 +27,7 @@ void resetReader(ParseState& parse, FileKind kind) {
     parse.submodel_context = false;
     parse.continuation_pending = false;
     parse.passing_over = false;
+    parse.later_blocks = 0;
     parse.passed_over = {};
     // Only a file's own version may be a later one.
     parse.long_lines = false;
@@ -108,6 +109,32 @@ KeywordCode inContext(const ParseState& parse, KeywordCode code) {
     }
 }
 
+/// Counts the blocks of later versions that are open, by the keywords that begin and end them.
+void countBlocks(ParseState& parse, LaterKeyword keyword) {
+    switch (keyword) {
+    case LaterKeyword::beginInterconnectModelSet:
+    case LaterKeyword::cCompModel:
+    case LaterKeyword::interconnectModel:
+    case LaterKeyword::interconnectModelGroup:
+    case LaterKeyword::interconnectModelSet: ++parse.later_blocks; break;
+    case LaterKeyword::endCCompModel:
+    case LaterKeyword::endInterconnectModel:
+    case LaterKeyword::endInterconnectModelGroup:
+    case LaterKeyword::endInterconnectModelSet:
+        if (parse.later_blocks > 0) --parse.later_blocks;
+        break;
+    default: break;
+    }
+}
+
+/// True for a keyword of 5.1 that belongs to the open block of a later version; every other one ends the blocks.
+bool belongsToLaterBlock(ParseState& parse, KeywordCode code) {
+    const bool belongs =
+        parse.later_blocks > 0 && (code == KeywordCode::manufacturer || code == KeywordCode::description);
+    if (!belongs) parse.later_blocks = 0;
+    return belongs;
+}
+
 /// Passes over a keyword of a later version with its data lines; false for any other name. Records stay open, as for
 /// every keyword that is none.
 bool passOver(ParseState& parse, std::string_view name) {
@@ -115,6 +142,7 @@ bool passOver(ParseState& parse, std::string_view name) {
     const std::optional<LaterKeyword> later = findLaterKeyword(name);
     if (!later) return false;
     ++parse.passed_over[static_cast<std::size_t>(*later)];
+    countBlocks(parse, *later);
     parse.passing_over = true;
     return true;
 }
@@ -147,7 +175,8 @@ std::optional<KeywordCode> recognise(Run& run, std::string_view line) {
         return std::nullopt;
     }
     if (const std::optional<KeywordCode> code = findKeyword(name, run.parse.version)) {
-        return inContext(run.parse, *code);
+        run.parse.passing_over = belongsToLaterBlock(run.parse, *code);
+        return run.parse.passing_over ? std::nullopt : std::optional(inContext(run.parse, *code));
     }
     if (passOver(run.parse, name)) return std::nullopt;
     std::string shown(name);

@@ -59,7 +59,7 @@ public:
     void take(std::string_view piece) {
         for (;;) {
             const std::size_t feed = piece.find('\n');
-            line_.append(piece.substr(0, std::min(feed, kScanCapacity - 1 - line_.size())));
+            addToLine(piece.substr(0, feed));
             if (feed == std::string_view::npos) return;
             endLine();
             piece.remove_prefix(feed + 1);
@@ -67,24 +67,36 @@ public:
     }
 
     /// Ends the text.
-    std::vector<std::string> finish() {
+    std::vector<PkgName> finish() {
         endLine();
         return std::move(names_);
     }
 
 private:
+    /// A line is kept beyond the room of a scanned line only when it is one that is looked for.
+    void addToLine(std::string_view text) {
+        const std::string_view in_room = text.substr(0, kRoom - std::min(kRoom, line_.size()));
+        line_.append(in_room);
+        text.remove_prefix(in_room.size());
+        if (!text.empty() && definedName(std::string_view(line_).substr(0, kRoom))) line_.append(text);
+    }
+
     void endLine() {
-        if (const std::optional<std::string_view> name = definedName(line_)) names_.emplace_back(*name);
+        const std::string_view line = line_;
+        if (const std::optional<std::string_view> scanned = definedName(line.substr(0, kRoom))) {
+            names_.push_back({.name = std::string(*definedName(line)), .scanned = scanned->size(), .file = 0});
+        }
         line_.clear();
     }
 
-    std::string line_; // what was read of the line, cut
-    std::vector<std::string> names_;
+    static constexpr std::size_t kRoom = kScanCapacity - 1;
+    std::string line_; // what was read of the line
+    std::vector<PkgName> names_;
 };
 
 /// The package models that a file names; none of one that cannot be read to its end, which is none of the user's
 /// concern: no component may want it.
-std::vector<std::string> scanFile(const SourceStore& sources, const std::string& path) {
+std::vector<PkgName> scanFile(const SourceStore& sources, const std::string& path) {
     NameScan scan;
     if (path.size() > kMaxPath) return {};
     if (const auto given = sources.texts.find(path); given != sources.texts.end()) {
@@ -109,8 +121,9 @@ PkgDirectory searchDirectory(const SourceStore& sources, const std::string& pref
     PkgDirectory directory;
     directory.files = listPkgFiles(sources, prefix);
     for (std::uint32_t place = 0; place < directory.files.size(); ++place) {
-        for (std::string& name : scanFile(sources, prefix + directory.files[place])) {
-            directory.names.push_back({.name = std::move(name), .file = place});
+        for (PkgName& name : scanFile(sources, prefix + directory.files[place])) {
+            name.file = place;
+            directory.names.push_back(std::move(name));
         }
     }
     std::ranges::sort(directory.names, {}, &PkgName::name);
@@ -123,9 +136,10 @@ bool readMatchingFiles(Run& run, std::string_view wanted) {
     const std::shared_ptr<const PkgDirectory> directory = run.pkgsearch->directory(run.sources, run.parse.directory);
     const std::vector<PkgName>& names = directory->names;
     std::set<std::uint32_t> matching; // several names of a file may match
+    const bool is_later = run.parse.version == IbisVersion::later;
     for (auto at = std::ranges::lower_bound(names, wanted, {}, &PkgName::name);
          at != names.end() && at->name.starts_with(wanted); ++at) {
-        matching.insert(at->file);
+        if (is_later || wanted.size() <= at->scanned) matching.insert(at->file);
     }
     for (const std::uint32_t file : matching) {
         const KeptParse kept(run.parse);

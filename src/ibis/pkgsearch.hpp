@@ -16,8 +16,9 @@ struct SourceStore;
 
 /// A package model named in a .pkg file.
 struct PkgName {
-    std::string name;   ///< what follows "[Define Package Model]", comment included
-    std::uint32_t file; ///< place in PkgDirectory::files
+    std::string name;    ///< what follows "[Define Package Model]", comment included
+    std::size_t scanned; ///< how much of it is in the room of a scanned line, behind which versions up to 5 do not look
+    std::uint32_t file;  ///< place in PkgDirectory::files
 };
 
 /// The .pkg files beside a source file.

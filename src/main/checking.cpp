@@ -115,6 +115,7 @@ private:
             return text;
         };
         run.parse.takes_later = true;
+        run.ami_files.stay_in_folder = true;
         run.diagnostics.on_assertion = OnAssertion::raise;
         run.diagnostics.sink = [&](const Finding& finding) {
             found = true;

@@ -84,7 +84,19 @@ private:
             entries.push_back({std::move(name), is_folder});
     }
 
-    /// Takes one name from each line that is not empty.
+    /// Takes the name that is on a line; none of an empty one.
+    void addLine(std::string& line) {
+        if (line.ends_with('\r')) line.pop_back();
+        if (line.size() > kLongestLine || line.find('\0') != std::string::npos) {
+            complain_("-", ": a line is no name of a file; there is to be one name on each line");
+            all_well_ = false;
+        } else if (!line.empty()) {
+            addName(line);
+        }
+        line.clear();
+    }
+
+    /// Takes the names that are on the lines of the input. A line may have no end, as that of a device.
     void addLines() {
         std::string line;
         std::array<char, 65536> piece;
@@ -92,16 +104,17 @@ private:
             std::string_view text(piece.data(), size);
             for (std::size_t feed = text.find('\n'); feed != std::string_view::npos; feed = text.find('\n')) {
                 line.append(text.substr(0, feed));
-                if (!line.empty()) addName(line);
-                line.clear();
+                addLine(line);
                 text.remove_prefix(feed + 1);
             }
             line.append(text);
+            if (line.size() > kLongestLine) break;
         }
-        if (!line.empty()) addName(line);
+        addLine(line);
         if (std::ferror(in_) != 0) complain("-", ": cannot be read: ", {errno, std::generic_category()});
     }
 
+    static constexpr std::size_t kLongestLine = 65536; // longer than any path
     FileList& files_;
     std::FILE* in_;
     const Complaint& complain_;

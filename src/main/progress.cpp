@@ -2,6 +2,7 @@
 
 #include "base/utf8.hpp"
 
+#include <algorithm>
 #include <vector>
 
 #include <sys/ioctl.h>
@@ -40,7 +41,13 @@ std::string nameForTerminal(std::string_view name, std::size_t width) {
 }
 
 Progress::Progress(int terminal, const FileList& files, std::chrono::milliseconds delay)
-    : terminal_(terminal), files_(files), begin_(std::chrono::steady_clock::now() + delay) {}
+    : terminal_(terminal), files_(files), delay_(delay) {}
+
+void Progress::begin() {
+    const std::lock_guard lock(mutex_);
+    first_ = std::chrono::steady_clock::now() + delay_;
+    showLocked();
+}
 
 void Progress::fileDone(bool failed) {
     if (failed) failed_.fetch_add(1, std::memory_order_relaxed);
@@ -48,21 +55,17 @@ void Progress::fileDone(bool failed) {
 }
 
 void Progress::show() {
-    if (std::chrono::steady_clock::now() < begin_) return;
-    const std::lock_guard lock(mutex_);
-    if (!at_line_begin_) return;
-    write(line());
-    shown_ = true;
+    if (const std::unique_lock lock(mutex_, std::try_to_lock); lock.owns_lock()) showLocked();
 }
 
-void Progress::remove(bool wait) {
-    std::unique_lock lock(mutex_, std::defer_lock);
-    if (wait) {
-        lock.lock();
-    } else if (!lock.try_lock()) {
-        return;
-    }
+void Progress::end() {
+    const std::lock_guard lock(mutex_);
+    first_.reset();
     removeLocked();
+}
+
+void Progress::giveUp() {
+    if (const std::unique_lock lock(mutex_, std::try_to_lock); lock.owns_lock()) removeLocked();
 }
 
 void Progress::beforeFlush() {
@@ -87,9 +90,12 @@ std::string Progress::line() const {
     text.append(" failed");
     // The last column stays free: some terminals go to the next line behind it.
     const std::size_t width = widthOf(terminal_) - 1;
-    if (done < files_.size() && text.size() + 2 < width)
-        text.append(": ").append(nameForTerminal(files_[done], width - text.size() - 2));
-    return std::string(kEraseLine).append(text.substr(0, width));
+    if (const std::size_t used = text.size() + 2; done < files_.size() && used < width) {
+        text.append(": ").append(nameForTerminal(files_[done], width - used));
+    } else {
+        text.resize(std::min(text.size(), width));
+    }
+    return std::string(kEraseLine).append(text);
 }
 
 void Progress::write(std::string_view text) const {
@@ -98,6 +104,12 @@ void Progress::write(std::string_view text) const {
         if (written <= 0) return;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+void Progress::showLocked() {
+    if (!first_ || std::chrono::steady_clock::now() < *first_ || !at_line_begin_) return;
+    write(line());
+    shown_ = true;
 }
 
 void Progress::removeLocked() {

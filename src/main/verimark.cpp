@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <system_error>
 
 #include <sys/stat.h>
@@ -88,6 +89,7 @@ struct Call {
     Temporaries& temporaries;
     FileList files{};
     bool all_listed = true;
+    Progress* progress = nullptr; ///< null when it is not wanted
 };
 
 /// True when one of the files to check would be overwritten.
@@ -100,6 +102,15 @@ bool isInput(const FileList& files, const std::string& path) {
         if (is_there && file.st_dev == target.st_dev && file.st_ino == target.st_ino) return true;
     }
     return false;
+}
+
+/// True when both paths mean one file.
+bool isSame(std::string_view one, std::string_view other) {
+    std::error_code failure;
+    const std::filesystem::path a(one);
+    const std::filesystem::path b(other);
+    if (one.empty() || other.empty()) return false;
+    return a.lexically_normal() == b.lexically_normal() || std::filesystem::equivalent(a, b, failure);
 }
 
 /// Opens a file to be written; false when it was said why it cannot.
@@ -126,7 +137,11 @@ bool readBaseline(const Trouble& trouble, Baseline& baseline, std::string_view p
         trouble(path, ": cannot be read: " + std::error_code(error, std::generic_category()).message());
         return false;
     }
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    // What is no baseline may have no end, as a device.
+    std::string text(Baseline::kHead.size(), '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (text == Baseline::kHead) text.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     if (const std::optional<BaselineFault> fault = baseline.read(text)) {
         std::string subject = name + ":";
         appendInteger(subject, fault->line);
@@ -172,21 +187,15 @@ private:
     Output& output_;
 };
 
-/// Checks the files and shows how far it is. Where nothing has to be put in order, signals end the program by
-/// themselves.
-VerimarkStatus checkWatched(const Call& call, CheckOutputs outputs, bool writes_files) {
-    const std::unique_ptr<Progress> progress = makeProgress(call);
-    if (progress == nullptr && !writes_files) return checkAll(outputs, call.files, call.options.jobs);
-    outputs.progress = progress.get();
-    const Listening out(outputs.out, progress.get());
-    const Listening errors(outputs.errors, progress.get());
-    const auto clean_up = [&] {
-        call.temporaries.removeAll();
-        if (progress != nullptr) progress->remove(false);
-    };
-    const Watch watch(clean_up, progress != nullptr ? [&] { progress->show(); } : std::function<void()>());
+/// Checks the files and shows how far it is.
+VerimarkStatus checkShown(const Call& call, CheckOutputs outputs) {
+    if (call.progress == nullptr) return checkAll(outputs, call.files, call.options.jobs);
+    outputs.progress = call.progress;
+    const Listening out(outputs.out, call.progress);
+    const Listening errors(outputs.errors, call.progress);
+    call.progress->begin();
     const VerimarkStatus status = checkAll(outputs, call.files, call.options.jobs);
-    if (progress != nullptr) progress->remove();
+    call.progress->end();
     return status;
 }
 
@@ -215,7 +224,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .progress = nullptr,
                                .announces = is_text && !options.quiet,
                                .empty_is_found = !is_text};
-    VerimarkStatus status = checkWatched(call, outputs, writes || &out != &call.out);
+    VerimarkStatus status = checkShown(call, outputs);
     if (out.failed()) return std::nullopt; // not all files were checked
     if (!call.all_listed) status = kTrouble;
     report.ends();
@@ -261,6 +270,17 @@ std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     return kAllPassed;
 }
 
+/// Does what the options ask for, and writes to where they want it.
+VerimarkStatus performTo(const Call& call, std::string_view output) {
+    if (output.empty()) return perform(call, call.out).value_or(kTrouble);
+    const Trouble trouble(call.out, call.errors);
+    OutputFile file(call.temporaries);
+    if (!openOutput(trouble, call, file, output)) return kTrouble;
+    const std::optional<VerimarkStatus> status = perform(call, file.out());
+    if (!status && !file.out().failed()) return kTrouble;
+    return commit(trouble, file, output) ? status.value_or(kTrouble) : kTrouble;
+}
+
 /// Does what the arguments ask for.
 VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
     const auto read = readVerimarkOptions(arguments);
@@ -269,19 +289,38 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
     const auto& options = std::get<VerimarkOptions>(read);
     Temporaries temporaries;
     Call call{.out = out, .errors = errors, .in = in, .options = options, .temporaries = temporaries};
-    if (options.task == Task::check) call.all_listed = listFiles(call.files, options.files, in, trouble);
-    if (options.output.empty() || options.output == "-") return perform(call, out).value_or(kTrouble);
-    OutputFile file(temporaries);
-    if (!openOutput(trouble, call, file, options.output)) return kTrouble;
-    const std::optional<VerimarkStatus> status = perform(call, file.out());
-    if (!status && !file.out().failed()) return kTrouble;
-    return commit(trouble, file, options.output) ? status.value_or(kTrouble) : kTrouble;
+    std::unique_ptr<Progress> progress;
+    if (options.task == Task::check) {
+        call.all_listed = listFiles(call.files, options.files, in, trouble);
+        progress = makeProgress(call);
+        call.progress = progress.get();
+    }
+    const std::string_view output = options.output == "-" ? std::string_view() : options.output;
+    if (isSame(output, options.baseline) || isSame(output, options.write_baseline))
+        return trouble(output, ": is the file of the baseline, too");
+    // From the first temporary file to the last. Where there is none, signals end the program by themselves.
+    std::optional<Watch> watch;
+    if (!output.empty() || !options.write_baseline.empty() || progress != nullptr) {
+        const auto clean_up = [&] {
+            temporaries.removeAll();
+            if (progress != nullptr) progress->giveUp();
+        };
+        watch.emplace(clean_up, progress != nullptr ? [&] { progress->show(); } : std::function<void()>());
+    }
+    return performTo(call, output);
 }
 
 } // namespace
 
 int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
-    const VerimarkStatus status = obey(out, errors, arguments, in);
+    VerimarkStatus status = kTrouble;
+    try {
+        status = obey(out, errors, arguments, in);
+    } catch (const std::bad_alloc&) { // outside of the check of any file
+        out.flush();
+        errors.write("verimark: out of memory\n");
+        errors.flush();
+    }
     out.flush();
     if (!out.failed()) return status;
     // Whoever closes a pipe knows.

@@ -7,7 +7,9 @@
 
 int main(int count, char** values) {
     const std::vector<std::string_view> arguments(values + (count > 0 ? 1 : 0), values + count);
-    std::signal(SIGPIPE, SIG_IGN); // the output notices
+    // The output notices.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     kestrel::Output out(stdout);
     kestrel::Output errors(stderr);
     return kestrel::runVerimark(out, errors, arguments);

@@ -27,6 +27,13 @@ std::string keep(VerimarkOptions& options, std::string_view value) {
     return {};
 }
 
+/// The same for the path of a file that has no "-" for a standard stream.
+template <std::string_view VerimarkOptions::*Member>
+std::string keepPath(VerimarkOptions& options, std::string_view value) {
+    if (value == "-") return "it takes the name of a file; a file of this name is \"./-\"";
+    return keep<Member>(options, value);
+}
+
 template <Task Wanted> std::string setTask(VerimarkOptions& options, std::string_view /*value*/) {
     options.task = Wanted;
     return {};
@@ -91,8 +98,8 @@ constexpr OptionRow kOptions[] = {
     {0, "quiet", "", G::output, "findings only, and summaries of files that failed", {}, setQuiet},
     {0, "ignore", "CODE,...", G::findings, "leaves messages out, such as 905 or W921", {}, setIgnored},
     {0, "fail-on", "LEVEL", G::findings, "error, warning or advice: what fails a file", kLevelNames, setFailOn},
-    {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keep<&V::baseline>},
-    {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keep<&V::write_baseline>},
+    {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keepPath<&V::baseline>},
+    {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keepPath<&V::write_baseline>},
     {'j', "jobs", "N", G::files, "checks N files at a time; as many as processors", {}, setJobs},
     {0, "progress", "WHEN", G::files, "auto, always or never: shows how far it is", kWhen, setProgress},
     {0, "explain", "CODE", G::other, "explains a message: 905, W921 or its text", {}, setExplained},

@@ -21,6 +21,12 @@ bool isPlatform(std::string_view text) {
     return bits == "32" || bits == "64";
 }
 
+/// True of the first word of a line that names an executable; in later versions there may be one for each direction.
+bool isExecutable(std::string_view word, IbisVersion version) {
+    return word == kExecutable ||
+           (version == IbisVersion::later && (word == "Executable_Tx" || word == "Executable_Rx"));
+}
+
 void doNotMatch(Context& context) { errorAtLine(context.diagnostics, 4607); }
 
 } // namespace
@@ -38,7 +44,7 @@ void algModLine(Context& context, AlgMod& algorithmic, std::string_view text) {
     constexpr int kItems = 4; // name, platform, file, parameter file
     Diagnostics& diagnostics = context.diagnostics;
     const ItemList items = splitItems(context, text, kItems);
-    if (items[0] != kExecutable) {
+    if (!isExecutable(items[0], context.parse.version)) {
         errorAtLine(diagnostics, 4603);
         return;
     }
@@ -48,7 +54,8 @@ void algModLine(Context& context, AlgMod& algorithmic, std::string_view text) {
         return;
     }
     if (!isPlatform(items[1])) warningAtLine(diagnostics, 4604, items[1]);
-    if (!algorithmic.platforms.emplace(items[1]).second) warningAtLine(diagnostics, 4605, items[1]);
+    if (!algorithmic.platforms.insert(std::string(items[0]).append(" ").append(items[1])).second)
+        warningAtLine(diagnostics, 4605, items[1]);
     if (kindOfName(items[3]) != FileKind::ami) errorAtLine(diagnostics, 4606, items[3]);
     algorithmic.executables.push_back(
         {.platform = std::string(items[1]), .file = std::string(items[2]), .parameter_file = std::string(items[3])});

@@ -21,8 +21,8 @@ struct AlgExecutable {
 /// "[Algorithmic Model]" of a model.
 struct AlgMod {
     std::vector<AlgExecutable> executables; ///< in file order
-    TextSet platforms;
-    bool reported = false; ///< an "Executable" line was dropped, or it was reported that there is none
+    TextSet platforms;                      ///< each behind the word of its line
+    bool reported = false;                  ///< an "Executable" line was dropped, or it was reported that there is none
 };
 
 /// Begins an "[Algorithmic Model]"; a second one of a model goes on with the first.

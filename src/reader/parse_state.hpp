@@ -41,6 +41,7 @@ struct ParseState {
     bool top_level = false;            ///< set by the run driver; admits version texts 1.x
     bool takes_later = false;          ///< set by the run driver; admits files of later versions
     bool passing_over = false;         ///< data lines belong to a keyword of a later version
+    std::uint32_t later_blocks = 0;    ///< blocks of later versions that are open, one within the other
     std::array<std::uint32_t, kLaterKeywordCount> passed_over{}; ///< how often, by LaterKeyword
 };
 

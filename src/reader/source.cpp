@@ -201,12 +201,14 @@ std::optional<SourceLine> LineReader::next(Context& context, std::size_t capacit
         // A line that reaches to the end of the window may be but the beginning of one.
     } while (begin_ + scan.length == end_ && fill());
     if (begin_ == end_) return std::nullopt;
+    ++line_;
     std::string_view line(window_.get() + begin_, scan.length);
     const bool has_feed = begin_ + scan.length < end_;
     begin_ += scan.length + (has_feed ? 1 : 0);
     // A carriage return ahead of the line feed belongs to the line's end, a Ctrl-Z as last byte to the file's.
     if (!line.empty() && line.back() == (has_feed ? '\r' : '\x1a')) line.remove_suffix(1);
     if (scan.odd < line.size() && police_ == Police::on) {
+        const InLine in_line(context.diagnostics, line_);
         policeLine(context, replaced_, line, capacity);
         return lookAgain(replaced_, comment);
     }
@@ -219,8 +221,12 @@ IbisVersion scanVersion(Context& context, std::string_view name, FileKind kind, 
     std::optional<Source> source = openSource(context, name.substr(0, kMaxPath), kind);
     if (!source) return IbisVersion::none;
     LineReader reader(std::move(source->bytes));
+    // What it comes upon is in this file, whichever record or file leads to it.
+    const OtherFile other(context.diagnostics);
+    nameFile(context.diagnostics, source->path);
+    const About about(context.diagnostics, nullptr);
     while (const std::optional<SourceLine> read = reader.next(context, kScanCapacity)) {
-        ++lines;
+        const InLine in_line(context.diagnostics, ++lines);
         const std::string_view line = skipWhiteSpace(context, read->text);
         if (!line.starts_with('[')) continue;
         if (!prefixEqualsNoCase(line, "[IBIS Ver]", 10) && !prefixEqualsNoCase(line, "[IBIS_Ver]", 10)) break;

@@ -99,7 +99,7 @@ public:
     explicit LineReader(ByteSource bytes, Police police = Police::on) : bytes_(std::move(bytes)), police_(police) {}
 
     /// The next line, cut to the capacity (terminator included, so one character less is kept); nothing at the end of
-    /// the file. Reports each illegal character, still under the count of the line before, and has a blank for it. The
+    /// the file. Reports each illegal character, shown under the count of the line before, and has a blank for it. The
     /// line holds until the next call.
     [[nodiscard]] std::optional<SourceLine> next(Context& context, std::size_t capacity);
     /// True when the file ended because the disk failed.
@@ -112,10 +112,11 @@ private:
     Police police_;
     bool at_end_ = false; ///< all bytes have been read into the window
     std::unique_ptr<char[]> window_;
-    std::size_t room_ = 0;  ///< size of the window, without the padding behind it
-    std::size_t begin_ = 0; ///< first byte in the window that was not handed out
-    std::size_t end_ = 0;   ///< behind the last byte in the window
-    std::string replaced_;  ///< holds a line that is not in the source as it is read
+    std::size_t room_ = 0;   ///< size of the window, without the padding behind it
+    std::size_t begin_ = 0;  ///< first byte in the window that was not handed out
+    std::size_t end_ = 0;    ///< behind the last byte in the window
+    std::uint32_t line_ = 0; ///< lines handed out
+    std::string replaced_;   ///< holds a line that is not in the source as it is read
 };
 
 /// Finds the "[IBIS Ver]" line that must be the file's first keyword line and returns the version class of its first

@@ -36,6 +36,11 @@ def write(name, text):
         file.write(text.encode() if isinstance(text, str) else text)
 
 
+def read(name):
+    with open(name, "rb") as file:
+        return file.read()
+
+
 def run(*arguments, given=b"", **more):
     return subprocess.run([PROGRAM, *arguments], input=given, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                           check=False, **more)
@@ -109,6 +114,28 @@ def lists():
         expect(f"odd names, {form}", run("-j1", "-f", form, b"odd").stdout, run("-j4", "-f", form, b"odd").stdout)
     paths = {file["path"] for file in json.loads(run("-fjson", "odd").stdout)["files"]}
     expect("odd names in json", {name.decode(errors="replace") for name in odd}, paths)
+    # Line ends of other systems, and lists that are none.
+    expect("carriage returns", b"list/good.ibs\n", b"\n".join(
+        file["path"].encode() for file in json.loads(run("-fjson", "-", given=b"list/good.ibs\r\n\r\n").stdout)["files"]) + b"\n")
+    no_name = b"verimark: -: a line is no name of a file; there is to be one name on each line\n"
+    for given in (b"list/good.ibs\0list/good.ibs\0", b"x" * 70000 + b"\n"):
+        expect("no list of names", (2, b"", no_name), (lambda r: (r.returncode, r.stdout, r.stderr))(run("-", given=given)))
+    with open("/dev/zero", "rb") as endless:
+        result = subprocess.run([PROGRAM, "-"], stdin=endless, stderr=subprocess.PIPE, check=False)
+        expect("a line without end", (2, no_name), (result.returncode, result.stderr))
+    if not SANITIZED:
+        limit = 120 << 20
+        result = run("-o", "list/out.txt", "-", given=(b"x" * 60000 + b"\n") * 3000,
+                     preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+        expect("more names than memory", (2, b"", b"verimark: out of memory\n"),
+               (result.returncode, result.stdout, result.stderr))
+    # What is no file is not opened.
+    os.mkfifo("list/pipe.ibs")
+    result = run("-fgcc", "list/pipe.ibs", "/dev/zero.ibs", "list", timeout=60)
+    expect("a pipe", (2, b"list/pipe.ibs:1: error: Unable To Open File 'list/pipe.ibs' [1905]\n"
+                         b"/dev/zero.ibs:1: error: Unable To Open File '/dev/zero.ibs' [1905]\n"),
+           (result.returncode, result.stdout))
+    os.unlink("list/pipe.ibs")
     # A folder that cannot be listed; root may list any.
     if os.geteuid() != 0:
         os.mkdir("closed", 0)
@@ -177,30 +204,91 @@ def large_list(size):
     return ["long/large.ibs"] * size
 
 
+def start(*arguments, number, given=None):
+    """Starts the program so that it gets the signal: shells let what runs in the background ignore SIGINT."""
+    process = subprocess.Popen([PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE, preexec_fn=lambda: signal.signal(number, signal.SIG_DFL))
+    if given is not None:
+        process.stdin.write(given)
+    process.stdin.close()
+    return process
+
+
+def wait_for(what, happens):
+    end = time.monotonic() + 30
+    while not happens():
+        if time.monotonic() > end:
+            sys.exit(f"FAILED: {what}: it does not come to that")
+        time.sleep(0.001)
+
+
+def expect_end(what, process, number):
+    """Sends the signal, which has to end the program at once and leave nothing behind."""
+    begin = time.monotonic()
+    process.send_signal(number)
+    process.wait(timeout=30)
+    if time.monotonic() - begin > 1:
+        sys.exit(f"FAILED: {what}: it took more than a second to stop")
+    expect(f"{number.name}, {what}: status and words", (-number, b"", b""),
+           (process.returncode, process.stdout.read(), process.stderr.read()))
+    expect(f"{number.name}, {what}: what is left", ["kept.txt"], os.listdir("out"))
+    expect(f"{number.name}, {what}: the file before", b"what was there", read("out/kept.txt"))
+
+
 def signals():
     names = "\n".join(large_list(3000)).encode()
     os.mkdir("out")
     write("out/kept.txt", "what was there")
+    os.mkfifo("fifo")
+    write("many.ibs", GOOD.format("many.ibs", "").replace("[End]\n", "[Fault]\n" * 5000 + "[End]\n"))
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         for jobs in ("-j1", "-j4"):
-            call = [PROGRAM, jobs, "-fjson", "-o", "out/kept.txt", "--write-baseline=out/new.txt", "-"]
-            # Shells let what runs in the background ignore SIGINT.
-            process = subprocess.Popen(call, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                       preexec_fn=lambda n=number: signal.signal(n, signal.SIG_DFL))
-            process.stdin.write(names)
-            process.stdin.close()
-            while len(os.listdir("out")) < 3 and process.poll() is None:
-                time.sleep(0.01)
-            begin = time.monotonic()
-            process.send_signal(number)
-            process.wait(timeout=30)
-            if time.monotonic() - begin > 1:
-                sys.exit("FAILED: it took more than a second to stop")
-            expect(f"{number.name}: status and words", (-number, b"", b""),
-                   (process.returncode, process.stdout.read(), process.stderr.read()))
-            expect(f"{number.name}: what is left", ["kept.txt"], os.listdir("out"))
-    with open("out/kept.txt", "rb") as file:
-        expect("the file before", b"what was there", file.read())
+            process = start(jobs, "-fjson", "-o", "out/kept.txt", "--write-baseline=out/new.txt", "-", number=number,
+                            given=names)
+            wait_for("both files", lambda: len(os.listdir("out")) == 3)
+            expect_end("in the check", process, number)
+        # Before the check, where it waits for a baseline that nobody writes.
+        process = start("-o", "out/kept.txt", "--baseline=fifo", "list/good.ibs", number=number)
+        wait_for("the output file", lambda: len(os.listdir("out")) == 2)
+        expect_end("ahead of the check", process, number)
+        # Behind the check, where it writes a baseline that nobody reads.
+        process = start("-o", "out/kept.txt", "--write-baseline=fifo", *["many.ibs"] * 3, number=number)
+        with open("fifo", "rb") as reader:
+            expect("a baseline comes", b"#", reader.read(1))
+            expect_end("behind the check", process, number)
+    # Whenever it comes: each file is the old or the new one, and nothing is left beside them.
+    kept = b"what was there"
+    ended = 0
+    for step in range(60):
+        process = start("-j2", "-o", "out/kept.txt", "--write-baseline=out/new.txt", "many.ibs", number=signal.SIGTERM)
+        wait_for("a file", lambda p=process: len(os.listdir("out")) > 1 or p.poll() is not None)
+        time.sleep(step * 0.0005)
+        process.send_signal(signal.SIGTERM)
+        ended += process.wait(timeout=30) == -signal.SIGTERM
+        expect("no temporary is left", [], [name for name in os.listdir("out") if name.startswith(".")])
+        if read("out/kept.txt") != kept:
+            kept = run("many.ibs").stdout
+            expect("the output is whole", kept, read("out/kept.txt"))
+        if os.path.exists("out/new.txt"):
+            expect("the baseline is whole", 5001, read("out/new.txt").count(b"\n"))
+            os.unlink("out/new.txt")
+    if ended == 0:
+        sys.exit("FAILED: no signal came in time")
+    # A file that grows too large is an error, not an end.
+    write("out/new.txt", "what was there")
+    result = run("-o", "out/new.txt", "many.ibs",
+                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
+    expect("a file that grows too large", (2, b"verimark: out/new.txt: cannot be written: File too large\n"),
+           (result.returncode, result.stderr))
+    expect("what is left of it", (b"what was there", {"kept.txt", "new.txt"}), (read("out/new.txt"), set(os.listdir("out"))))
+    # Where nobody reads the terminal, too.
+    main, terminal = pty.openpty()
+    process = subprocess.Popen([PROGRAM, "--progress=always", *["many.ibs"] * 50], stderr=terminal, stdout=terminal)
+    os.close(terminal)
+    time.sleep(0.5)
+    process.send_signal(signal.SIGTERM)
+    expect("a terminal that nobody reads", -signal.SIGTERM, process.wait(timeout=5))
+    os.close(main)
     # Whoever wants it to go on, as nohup does.
     process = subprocess.Popen([PROGRAM, "-fjson", "-o", "out/kept.txt", *large_list(30)],
                                preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
@@ -250,7 +338,7 @@ def progress():
     seen, status = at_terminal("--progress=always", "-j1", *names)
     expect("progress is lines in place, and gone at the end", True,
            bool(re.fullmatch(rb"(" + erase + line + rb")+" + erase, seen)))
-    expect("progress names files", True, b" of 40 files, " in seen and b" failed: long/large.ibs" in seen)
+    expect("progress begins", True, seen.startswith(b"\r\x1b[K0 of 40 files, 0 failed: long/large.ibs"))
     expect("progress: status", 1, status)
     for option in ("--progress=never", "--progress=auto"):
         expect(f"{option} of a short check", b"", at_terminal(option, "list/good.ibs")[0])
@@ -265,10 +353,10 @@ def progress():
                re.sub(erase + rb"(" + line + rb")?", b"", seen))
     seen = at_terminal("--progress=always", "-fjson", *names, errors_only=False)[0]
     expect("json between", run("-fjson", *names).stdout, re.sub(erase + rb"(" + line + rb")?", b"", seen))
-    steering = b"long/inv\xff\xfealid\x1b[31m.ibs"
-    shutil.copyfile(b"long/large.ibs", steering)
-    seen = at_terminal("--progress=always", "-j1", *[steering] * 40)[0]
-    expect("names are clean", (True, False), (b"inv??alid?[31m.ibs" in seen, b"\x1b[31m" in seen))
+    steering = b"list/inv\xff\xfealid\x1b[31m.ibs"
+    shutil.copyfile("list/good.ibs", steering)
+    seen = at_terminal("--progress=always", "-j1", steering)[0]
+    expect("names are clean", True, b": list/inv??alid?[31m.ibs" in seen and b"\x1b[31m" not in seen)
     expect("no terminal", b"", run("--progress=auto", *names).stderr)
 
 

@@ -246,6 +246,31 @@ TEST(AmiTree, takesAnyDepthAndLength) {
               "WARNING (line    3) - 'b' holds no parameters\n");
 }
 
+TEST(AlgorithmicModels, stayInTheirFolderWhereThatIsWanted) {
+    // The last two are in the folder, however they are written.
+    const std::vector<std::string> names{"../q.ami",  "/q.ami",          "inner/../../q.ami",
+                                         "..\\q.ami", "inner/../in.ami", "./on.ami"};
+    std::string text = "[IBIS Ver] 5.1\n[Model] M\n[Algorithmic Model]\n";
+    for (const std::string& name : names)
+        text.append("Executable Linux_gcc_64 a.so ").append(name).append("\n");
+    for (const bool stays : {true, false}) {
+        Files files;
+        files.run.ami_files.stay_in_folder = stays;
+        for (const std::string path : {"q.ami", "/q.ami", "folder/../q.ami", "folder/in.ami", "folder/inner/../in.ami",
+                                       "folder/..\\q.ami", "folder/inner/../../q.ami", "folder/./on.ami"})
+            files.put(path, "(p\n");
+        const std::string& printed =
+            files.put("folder/a.ibs", text + "[End Algorithmic Model]\n[End]\n").check("folder/a.ibs");
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const bool outside = stays && i < 4;
+            EXPECT_EQ(printed.find("'" + names[i] + "' of Model 'M' is outside") != std::string::npos, outside)
+                << names[i];
+        }
+        EXPECT_EQ(printed.find("q.ami for IBIS") == std::string::npos, stays) << printed;
+        EXPECT_NE(printed.find("on.ami for IBIS"), std::string::npos) << printed;
+    }
+}
+
 TEST(AlgorithmicModels, leaveTheReaderAsItWas) {
     Files files;
     const kestrel::Run& run = files.run;

@@ -113,5 +113,54 @@ TEST(Baselines, nameWhatIsGoneFromCheckedFiles) {
     EXPECT_EQ(gone, (std::vector<std::string>{"6 a.ibs, 905, x", "7 a.ibs, 100, w"}));
 }
 
+TEST(Baselines, holdWhereLinesMove) {
+    const FindingCode code{CodeFamily::message, 2004};
+    const auto at = [&](std::string_view line) {
+        return "typ Not Defined For Line 7 Waveform Beginning on Line " + std::string(line);
+    };
+    EXPECT_EQ(baselineLine(finding("b.ibs", code, at("12"))),
+              "b.ibs, 2004, typ Not Defined For Line 7 Waveform Beginning on Line ...");
+    const FindingCode long_line{CodeFamily::message, 923};
+    EXPECT_EQ(baselineLine(finding("b.ami", long_line,
+                                   "Description line in AMI file (at line no 5) is greater than 3 characters")),
+              "b.ami, 923, Description line in AMI file (at line no ...) is greater than 3 characters");
+    // Other numbers are no lines.
+    const FindingCode columns{CodeFamily::message, 602};
+    EXPECT_EQ(baselineLine(finding("b.ibs", columns, "Pin line has 4 columns, expecting 3 or 6.")),
+              "b.ibs, 602, Pin line has 4 columns, expecting 3 or 6.");
+}
+
+TEST(Baselines, countWithinEachCheckedFile) {
+    // Two files lead to one package file with two equal faults, a third one only to itself.
+    const Finding fault = finding("p.pkg", FindingCode{CodeFamily::message, 905}, "x");
+    BaselineWriter writer;
+    for (int file = 0; file < 3; ++file) {
+        writer.nextFile();
+        for (int i = 0; i < (file == 2 ? 1 : 2); ++i)
+            writer.add(fault);
+    }
+    Output out;
+    writer.write(out);
+    EXPECT_EQ(out.text(), kHead + "p.pkg, 905, x\np.pkg, 905, x\n");
+    Baseline known;
+    EXPECT_FALSE(known.read(out.text()));
+    known.checked("p.pkg");
+    const auto gone = [&known] {
+        std::string lines;
+        known.eachGone([&](std::uint32_t line, std::string_view) { lines.append(std::to_string(line)); });
+        return lines;
+    };
+    EXPECT_EQ(gone(), "23");
+    known.nextFile();
+    EXPECT_TRUE(known.take(fault));
+    known.nextFile(); // another one that leads to it
+    EXPECT_TRUE(known.take(fault));
+    EXPECT_EQ(gone(), "3");
+    known.pass(fault); // left out by another option, it is there all the same
+    EXPECT_EQ(gone(), "");
+    EXPECT_FALSE(known.take(fault)) << "a third one is new";
+    EXPECT_EQ(known.taken(), 2);
+}
+
 } // namespace
 } // namespace kestrel

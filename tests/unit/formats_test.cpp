@@ -148,6 +148,12 @@ TEST(Sarif, fingerprintsSurviveMovedLinesAndTellFindingsApart) {
     ASSERT_EQ(all.size(), 6U);
     EXPECT_EQ(std::set(all.begin(), all.end()).size(), 6U);
     EXPECT_EQ(all[0], before[0]);
+    // What a message says of lines moves as well.
+    Finding waveform = finding("typ Not Defined For Rising Waveform Beginning on Line 12", &model);
+    waveform.code = FindingCode{CodeFamily::message, 2004};
+    Finding moved = waveform;
+    moved.text = "typ Not Defined For Rising Waveform Beginning on Line 7";
+    EXPECT_EQ(fingerprints({waveform}), fingerprints({moved}));
     // FNV-1a over "b.ibs", "905", "x", "model", "m", each with a NUL behind it.
     EXPECT_EQ(before[0], "811a449ee9e5c4b7:1");
 }
@@ -155,6 +161,12 @@ TEST(Sarif, fingerprintsSurviveMovedLinesAndTellFindingsApart) {
 TEST(Sarif, pathsAreReferences) {
     EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, "../a b/c:d%\xff.ibs")}),
                 HasSubstr(R"("uri":"../a%20b/c%3Ad%25%FF.ibs")"));
+    // However a file is named, a service has to find it.
+    for (const std::string_view spelling : {"./a/b.ibs", "a/./c/../b.ibs", "a//b.ibs"}) {
+        EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, spelling)}), HasSubstr(R"("uri":"a/b.ibs")"));
+        EXPECT_THAT(written(FormatKind::github, {finding("x", nullptr, spelling)}), HasSubstr(" file=a/b.ibs,"));
+        EXPECT_EQ(fingerprints({finding("x", nullptr, spelling)}), fingerprints({finding("x", nullptr, "a/b.ibs")}));
+    }
     EXPECT_THAT(written(FormatKind::sarif, {finding("x", nullptr, "/a/b.ibs")}),
                 HasSubstr(R"("uri":"file:///a/b.ibs")"));
 }

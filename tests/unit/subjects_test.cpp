@@ -24,9 +24,7 @@ const std::set<MessageCode>& ofWholeFile() {
     static const std::set<MessageCode> kCodes{
         900,  // no version that can be read
         903,  // no end
-        924,  // parameter files: a string without its end,
-        4624, // brackets without theirs,
-        4652, // a parameter that is required
+        4652, // a parameter of a parameter file that is required
         4101, // no component
     };
     return kCodes;
@@ -48,6 +46,38 @@ public:
 private:
     std::map<std::string, std::uint32_t> counts_;
 };
+
+/// Where the findings of a check are, as "file:line code", with "?" behind a line that is not exact.
+std::string placesOf(Files& files, const std::string& name) {
+    std::string places;
+    files.run.diagnostics.sink = [&places](const Finding& finding) {
+        places.append(places.empty() ? "" : ", ").append(finding.file).push_back(':');
+        appendInteger(places, finding.line);
+        places.append(finding.exact ? " " : "? ").append(finding.code ? CodeText(finding.code).text() : finding.text);
+    };
+    files.check(name);
+    return places;
+}
+
+// What the reader comes upon before it counts the line, or while it looks for the version, is in its own line and file.
+TEST(Findings, areWhereTheyAreWhateverIsShown) {
+    const std::string part =
+        "[Component] C\n[Manufacturer] M\n[Package]\nR_pkg 0 NA NA\nL_pkg 0 NA NA\nC_pkg 0 NA NA\n"
+        "[Pin] signal_name model_name\n1 VDD POWER\n";
+    Files own;
+    own.put("a.ibs", "|\n| \x01\n[IBIS Ver] 4.2\n[File Name] a.ibs\n[File Rev] 1\n" + part + "| \x02\xe9\n[End]\n");
+    // The second line is read twice, the first time in search of the version.
+    EXPECT_EQ(placesOf(own, "a.ibs"), "a.ibs:2 1917, a.ibs:2 1917, a.ibs:14 1917, a.ibs:14 1917");
+
+    Files led;
+    led.add("a.ibs", part + "[Package Model] p\n")
+        .put("p.pkg", "|\n|\n|\x01\n[IBIS Ver] 4.2\n|[Define Package Model] p\n[Define Package Model] p\n");
+    EXPECT_TRUE(placesOf(led, "a.ibs").starts_with("p.pkg:3 1917, p.pkg:3 1917, ")) << placesOf(led, "a.ibs");
+
+    Files parameters;
+    parameters.put("a.ami", "\n(a\n(b \x01\n \"c\n");
+    EXPECT_EQ(placesOf(parameters, "a.ami"), "a.ami:3 1917, a.ami:4 924, a.ami:2 4624");
+}
 
 TEST(Findings, haveAFileAndALine) {
     LineCounts lines;

@@ -228,6 +228,28 @@ TEST_F(Verimark, baselinesThereAndBack) {
     EXPECT_EQ(out_, "");
 }
 
+TEST_F(Verimark, whatIsIgnoredIsNoLessKnown) {
+    EXPECT_EQ(run({"--write-baseline", "known.txt", "bad.ami"}), 1);
+    EXPECT_EQ(run({"--baseline", "known.txt", "--ignore=924", "bad.ami"}), 0);
+    EXPECT_EQ(errors_, "verimark: " + path("known.txt") + ": 1 known finding left out\n") << read("known.txt");
+}
+
+TEST_F(Verimark, baselineFilesThatAreNone) {
+    // A device has no end.
+    EXPECT_EQ(run({"--baseline=/dev/zero", "good.ami"}), 2);
+    EXPECT_EQ(errors_, "verimark: /dev/zero:1: damaged baseline: the line does not begin a baseline\n");
+    write("known.txt", "# verimark baseline 1: path, code, message\n");
+    for (const std::string option : {"--baseline", "--write-baseline"}) {
+        EXPECT_EQ(run({"-o", "known.txt", option, "known.txt", "bad.ami"}), 2);
+        EXPECT_EQ(errors_, "verimark: " + path("known.txt") + ": is the file of the baseline, too\n");
+        EXPECT_EQ(run({option, "-", "bad.ami"}), 2);
+        EXPECT_EQ(errors_, "verimark: " + option + "=-: it takes the name of a file; a file of this name is \"./-\"\n");
+    }
+    EXPECT_EQ(run({"-o", "new.txt", "--write-baseline", "./x/../new.txt", "bad.ami"}), 2);
+    EXPECT_EQ(read("known.txt"), "# verimark baseline 1: path, code, message\n");
+    EXPECT_FALSE(fs::exists(path("new.txt")));
+}
+
 TEST_F(Verimark, messagesAreListed) {
     EXPECT_EQ(run({"--messages"}), 0);
     EXPECT_NE(out_.find("\n 921  warning           IBIS files should not contain tab characters.  [tab-character]\n"),
