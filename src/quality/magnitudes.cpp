@@ -1,0 +1,225 @@
+#include "quality/magnitudes.hpp"
+
+#include "base/number_index.hpp"
+#include "base/rows.hpp"
+#include "component/cmpnt.hpp"
+#include "quality/advised.hpp"
+#include "quality/named_few.hpp"
+#include "quality/number_text.hpp"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+namespace kestrel {
+
+namespace {
+
+constexpr double kLeastDieCapacitance = 10e-15;
+constexpr double kMostDieCapacitance = 100e-12;
+
+/// A value of packages and pins: how it is called, its unit, and what real ones stay below.
+struct PackageValue {
+    std::string_view name;
+    std::string_view pin_name;
+    GivenRange Pkg::*range;
+    Cell Pin::*cell;
+    std::string_view unit;
+    double most;
+};
+constexpr std::array<PackageValue, 3> kPackageValues{{
+    {"R_pkg", "R_pin", &Pkg::r_pkg, &Pin::r_pin, "ohm", 10.0},
+    {"L_pkg", "L_pin", &Pkg::l_pkg, &Pin::l_pin, "H", 50e-9},
+    {"C_pkg", "C_pin", &Pkg::c_pkg, &Pin::c_pin, "F", 50e-12},
+}};
+
+/// A range of models whose corners have an order.
+struct OrderedRange {
+    MdlRange which;
+    std::string_view name;
+    std::string_view unit;
+    bool is_voltage;
+};
+constexpr std::array<OrderedRange, 9> kOrderedRanges{{
+    {MdlRange::voltageRange, "[Voltage Range]", "V", true},
+    {MdlRange::pullupReference, "[Pullup Reference]", "V", true},
+    {MdlRange::pulldownReference, "[Pulldown Reference]", "V", true},
+    {MdlRange::powerClampReference, "[POWER Clamp Reference]", "V", true},
+    {MdlRange::gndClampReference, "[GND Clamp Reference]", "V", true},
+    {MdlRange::rgnd, "[Rgnd]", "ohm", false},
+    {MdlRange::rpower, "[Rpower]", "ohm", false},
+    {MdlRange::rac, "[Rac]", "ohm", false},
+    {MdlRange::cac, "[Cac]", "F", false},
+}};
+
+/// True when the typical value is below both others or above both; all three must be given.
+bool isTypOutside(const Rng& range) {
+    if (!std::ranges::all_of(range, &Cell::isNumber)) return false;
+    const auto [low, high] = std::minmax(range.min().value(), range.max().value());
+    return range.typ().value() < low || range.typ().value() > high;
+}
+
+/// True when the minimum is above the typical value or the maximum below it.
+bool isOutOfOrder(const Rng& range) {
+    if (!range.typ().isNumber()) return false;
+    const double typ = range.typ().value();
+    return (range.min().isNumber() && range.min().value() > typ) ||
+           (range.max().isNumber() && range.max().value() < typ);
+}
+
+std::string cellText(const Cell& cell, std::string_view unit) {
+    return cell.isNumber() ? std::string(NumberText(cell.value(), unit)) : std::string("NA");
+}
+
+void adviseOnOrder(AdvicePlace place, std::string_view name, std::string_view unit, const Rng& range,
+                   AdviceList& list) {
+    list.add(place, 104, name, cellText(range.typ(), unit), cellText(range.min(), unit), cellText(range.max(), unit));
+}
+
+/// The typical capacitance of the structures of a model; nothing when none is given.
+std::optional<double> sumOfParts(const MdlValues& values) {
+    std::optional<double> sum;
+    for (const GivenRange* const part :
+         {&values.c_comp_pullup, &values.c_comp_pulldown, &values.c_comp_power_clamp, &values.c_comp_gnd_clamp}) {
+        if (*part && (*part)->typ().isNumber()) sum = sum.value_or(0.0) + (*part)->typ().value();
+    }
+    return sum;
+}
+
+bool isNoDieCapacitance(double farads) {
+    return farads != 0.0 && !(kLeastDieCapacitance <= farads && farads <= kMostDieCapacitance);
+}
+
+/// The typical value of "[Model Spec]" where it is given, else that of the model.
+std::optional<double> specified(const Mdl& model, GivenRange MSpec::*in_spec, GivenValue MdlValues::*own) {
+    if (model.model_spec) {
+        const GivenRange& range = (*model.model_spec).*in_spec;
+        if (range && range->typ().isNumber()) return range->typ().value();
+    }
+    const GivenValue& value = (*model.values).*own;
+    return value ? std::optional(*value) : std::nullopt;
+}
+
+} // namespace
+
+void checkDieCapacitance(const AdvisedModel& advised, AdviceList& list) {
+    const MdlValues& values = *advised.model.values;
+    if (values.c_comp && values.c_comp->typ().isNumber()) {
+        const double whole = values.c_comp->typ().value();
+        if (isNoDieCapacitance(whole)) list.add(adviceAt(advised.model), 101, farads(whole));
+    } else if (const std::optional<double> sum = sumOfParts(values); sum && isNoDieCapacitance(*sum)) {
+        list.add(adviceAt(advised.model), {101, 1}, farads(*sum));
+    }
+}
+
+void checkPackageValues(const AdvisedFile& file, AdviceList& list) {
+    for (const Cmpnt& component : file.root.components.newestFirst()) {
+        const Pkg* const package = component.package.get();
+        if (package == nullptr) continue;
+        for (const PackageValue& value : kPackageValues) {
+            const GivenRange& range = package->*value.range;
+            if (!range || range->typ().value() <= value.most) continue;
+            list.add(adviceAt(component, package->line), 102, value.name, NumberText(range->typ().value(), value.unit),
+                     NumberText(value.most, value.unit));
+        }
+    }
+}
+
+void checkPinValues(const AdvisedFile& file, AdviceList& list) {
+    for (const Cmpnt& component : file.root.components.newestFirst()) {
+        NamedFew large;
+        std::uint32_t line = 0;
+        std::size_t place = 0;
+        for (const Pin& pin : component.pins) {
+            for (const PackageValue& value : kPackageValues) {
+                const Cell& cell = pin.*value.cell;
+                if (cell.value() <= value.most) continue;
+                if (large.count() == 0) line = component.pins.lines.of(place);
+                if (!large.namesNext()) {
+                    large.addUnnamed();
+                    continue;
+                }
+                std::string text(value.pin_name);
+                text.append(" of pin ").append(pin.name.view()).append(" is ");
+                large.add(text.append(NumberText(cell.value(), value.unit)));
+            }
+            ++place;
+        }
+        if (large.count() == 0) continue;
+        const auto most = [](std::size_t i) { return NumberText(kPackageValues[i].most, kPackageValues[i].unit); };
+        list.add(adviceAt(component, line), 103, large.text(), most(0), most(1), most(2));
+    }
+}
+
+void checkPackageOrder(const AdvisedFile& file, AdviceList& list) {
+    for (const Cmpnt& component : file.root.components.newestFirst()) {
+        const Pkg* const package = component.package.get();
+        if (package == nullptr) continue;
+        for (const PackageValue& value : kPackageValues) {
+            const GivenRange& range = package->*value.range;
+            // A typical value outside the others was reported with its line.
+            if (!range || isTypOutside(*range) || !isOutOfOrder(*range)) continue;
+            adviseOnOrder(adviceAt(component, package->line), value.name, value.unit, *range, list);
+        }
+    }
+}
+
+void checkRangeOrder(const AdvisedModel& advised, AdviceList& list) {
+    for (const OrderedRange& row : kOrderedRanges) {
+        const Rng* const range = findRange(advised.model, row.which);
+        if (range == nullptr) continue;
+        // The larger supply may be the more negative one.
+        const bool any_order = row.is_voltage && anyBelowZero(*range);
+        if (any_order ? isTypOutside(*range) : isOutOfOrder(*range))
+            adviseOnOrder(adviceAt(advised.model), row.name, row.unit, *range, list);
+    }
+}
+
+void checkTemperatures(const AdvisedModel& advised, AdviceList& list) {
+    constexpr double kColdest = -100.0;
+    constexpr double kHottest = 200.0;
+    constexpr std::array<std::string_view, kCornerCount> kNames{"typ", "min", "max"};
+    const Rng* const range = findRange(advised.model, MdlRange::temperatureRange);
+    if (range == nullptr) return;
+    for (const Corner corner : kCorners) {
+        const Cell& cell = (*range)[corner];
+        if (!cell.isNumber() || (kColdest <= cell.value() && cell.value() <= kHottest)) continue;
+        list.add(adviceAt(advised.model), 105, kNames[placeOf(corner)], plainNumber(cell.value()),
+                 plainNumber(kColdest), plainNumber(kHottest));
+        return;
+    }
+    if (!isTypOutside(*range)) return;
+    list.add(adviceAt(advised.model), {105, 1}, plainNumber(range->typ().value()), plainNumber(range->min().value()),
+             plainNumber(range->max().value()));
+}
+
+void checkCautionsOfModels(const AdvisedModel& advised, AdviceList& list) {
+    const Mdl& model = advised.model;
+    const MdlValues& values = *model.values;
+    if (kMeasuredBothWays.has(model.type()) && values.vmeas) {
+        if (values.vinl && *values.vinl >= *values.vmeas) list.addMessage(adviceAt(model), 109, 182, model.name);
+        if (values.vinh && *values.vinh <= *values.vmeas) list.addMessage(adviceAt(model), 109, 183, model.name);
+    }
+    if (isDifferential(model) && !model.external_model)
+        list.addMessage(adviceAt(model), 109, 1829, model.name, modelTypeText(model.type()));
+}
+
+void checkCautionsOfPins(const AdvisedFile& file, AdviceList& list) {
+    if (std::ranges::none_of(file.models, [](const Mdl* model) { return isDifferential(*model); })) return;
+    for (const Cmpnt& component : file.root.components.newestFirst()) {
+        NumberIndex told; // by the numbers of the models' names
+        std::size_t place = 0;
+        for (const Pin& pin : component.pins) {
+            const std::uint32_t line = component.pins.lines.of(place++);
+            if (isUnmodeledPinName(pin.model_name) || isModelReported(component.pins, pin)) continue;
+            const Mdl* const model = file.root.models.find(pin.model_name);
+            if (model == nullptr || !isDifferential(*model)) continue;
+            if (component.diff_pins != nullptr && isInDiffPin(*component.diff_pins, pin.name)) continue;
+            if (std::exchange(told.at(pin.model_name.number()), 1) != 0) continue;
+            list.addMessage(adviceAt(component, line), 109, 614, pin.model_name, pin.name, component.name);
+        }
+    }
+}
+
+} // namespace kestrel
