@@ -1,0 +1,105 @@
+#pragma once
+
+// Every text of advice, in one table that the compiler checks.
+
+#include "diagnostics/message.hpp"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace kestrel {
+
+/// One text of a check. A check that says different things has several texts, numbered from 0.
+struct AdviceRow {
+    MessageCode code;
+    std::uint8_t form;
+    std::string_view text;
+};
+
+// clang-format off
+/// All texts by ascending code and form. What they are about ("Model 'x': ") is put in front of them. Numbers come as
+/// texts with their units (number_text.hpp).
+inline constexpr auto kAdviceCatalog = std::to_array<AdviceRow>({
+    // magnitudes and order
+    // I-V tables
+    // waveforms and ramps
+    {312, 0, "%s is %s; edges lie between 100 uV/ns and 500 V/ns"},
+    // structure
+});
+
+/// What a check tells that has one finding for several places: "; 1 more end differs".
+struct MoreWords {
+    MessageCode code;
+    std::string_view one;
+    std::string_view several;
+};
+
+/// Those words by ascending code.
+inline constexpr auto kMoreWords = std::to_array<MoreWords>({
+    {312, "edge", "edges"},
+});
+// clang-format on
+
+namespace advice_check {
+
+// Declared only: the compiler quotes the name where a text is wrong.
+void noSuchAdvice();
+
+consteval bool textsAscend() {
+    for (std::size_t i = 1; i < kAdviceCatalog.size(); ++i) {
+        const AdviceRow& before = kAdviceCatalog[i - 1];
+        const AdviceRow& row = kAdviceCatalog[i];
+        const bool is_next_form = row.code == before.code && row.form == before.form + 1;
+        if (!is_next_form && (row.code <= before.code || row.form != 0)) return false;
+    }
+    return true;
+}
+static_assert(textsAscend());
+
+consteval bool wordsAscend() {
+    for (std::size_t i = 1; i < kMoreWords.size(); ++i)
+        if (kMoreWords[i].code <= kMoreWords[i - 1].code) return false;
+    return true;
+}
+static_assert(wordsAscend());
+
+consteval bool allConversionsKnown() {
+    for (const AdviceRow& row : kAdviceCatalog)
+        for (std::size_t i = 0; i < row.text.size(); ++i)
+            if (row.text[i] == '%') message_check::kindOfConversion(row.text[++i]);
+    return true;
+}
+static_assert(allConversionsKnown());
+
+consteval std::size_t placeOfText(MessageCode code, std::uint8_t form) {
+    for (std::size_t i = 0; i < kAdviceCatalog.size(); ++i)
+        if (kAdviceCatalog[i].code == code && kAdviceCatalog[i].form == form) return i;
+    return kAdviceCatalog.size();
+}
+
+} // namespace advice_check
+
+/// A text of the catalog proved to take arguments of `Kinds`; made from a code, or from a code and a form as `{203,
+/// 1}`, when compiled. One that is not there, or that takes other arguments, does not compile.
+template <ArgKind... Kinds> struct CheckedAdvice {
+    consteval CheckedAdvice(MessageCode code, std::uint8_t form = 0)
+        : row(static_cast<std::uint16_t>(advice_check::placeOfText(code, form))) {
+        if (row == kAdviceCatalog.size()) advice_check::noSuchAdvice();
+        message_check::checkText<Kinds...>(kAdviceCatalog[row].text);
+    }
+    std::uint16_t row;
+};
+
+/// A check with words for what there is more of; one without does not compile.
+struct CheckedMore {
+    consteval CheckedMore(MessageCode code) {
+        while (place < kMoreWords.size() && kMoreWords[place].code != code)
+            ++place;
+        if (place == kMoreWords.size()) advice_check::noSuchAdvice();
+    }
+    std::size_t place = 0;
+};
+
+} // namespace kestrel
