@@ -47,9 +47,9 @@ std::string uriOf(std::string_view path) {
 }
 
 /// A catalog text with "..." for what each message fills in.
-std::string descriptionOf(std::optional<FindingCode> code) {
+std::string descriptionOf(std::optional<FindingCode> code, const FormatSettings& settings) {
     if (!code) return "A message without a number.";
-    if (code->family == CodeFamily::advice) return "An advice.";
+    if (code->family == CodeFamily::advice) return std::string(settings.advice_title(code->number));
     std::string text(kCatalog[catalogIndex(code->number)].text);
     for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
         text.replace(at, 2, "...");
@@ -184,7 +184,7 @@ private:
             JsonObject rule(rules);
             rule.text("id", ruleOf(CodeText(code)));
             JsonObject description(rule, "shortDescription");
-            description.text("text", descriptionOf(code));
+            description.text("text", descriptionOf(code, settings_));
         }
     }
 

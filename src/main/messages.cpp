@@ -2,6 +2,7 @@
 
 #include "findings/json.hpp"
 #include "findings/message_classes.hpp"
+#include "quality/checks.hpp"
 
 #include <string>
 #include <vector>
@@ -12,6 +13,13 @@ namespace {
 
 constexpr Level kShownLevels[] = {Level::bug, Level::error, Level::warning, Level::note, Level::advice, Level::caution};
 
+/// What is listed of a message or an advice.
+struct Listed {
+    FindingCode code;
+    std::vector<std::string_view> classes;
+    std::string_view text;
+};
+
 std::vector<std::string_view> classesOf(MessageCode code) {
     std::vector<std::string_view> names;
     for (const Level level : kShownLevels)
@@ -19,10 +27,15 @@ std::vector<std::string_view> classesOf(MessageCode code) {
     return names;
 }
 
-/// Calls `use` with every row but the first, which stands in for unknown codes, and those without a text.
+/// Calls `use` with every row but the first, which stands in for unknown codes, and those without a text, and with
+/// every check of advice.
 template <class Use> void eachMessage(Use use) {
-    for (const MessageRow& row : kCatalog)
-        if (row.code != 0 && row.text != kReservedText) use(row);
+    for (const MessageRow& row : kCatalog) {
+        if (row.code == 0 || row.text == kReservedText) continue;
+        use(Listed{{CodeFamily::message, row.code}, classesOf(row.code), row.text});
+    }
+    for (const Check& check : adviceChecks())
+        use(Listed{{CodeFamily::advice, check.code}, {levelName(Level::advice)}, check.title});
 }
 
 void listAsJson(Output& out, const FormatSettings& settings) {
@@ -35,15 +48,15 @@ void listAsJson(Output& out, const FormatSettings& settings) {
             tool.text("version", settings.version);
         }
         JsonArray messages(whole, "messages", true);
-        eachMessage([&](const MessageRow& row) {
+        eachMessage([&](const Listed& listed) {
             JsonObject message(messages);
-            message.text("code", CodeText(FindingCode{CodeFamily::message, row.code}).text());
+            message.text("code", CodeText(listed.code).text());
             {
                 JsonArray classes(message, "classes");
-                for (const std::string_view name : classesOf(row.code))
+                for (const std::string_view name : listed.classes)
                     classes.text(name);
             }
-            message.text("text", row.text);
+            message.text("text", listed.text);
         });
     }
     out.write("\n");
@@ -61,17 +74,17 @@ std::string shown(std::string_view text) {
 
 void listMessages(Output& out, FormatKind format, const FormatSettings& settings) {
     if (format == FormatKind::json) return listAsJson(out, settings);
+    constexpr std::size_t kCodeWidth = 4;
     constexpr std::size_t kClassesWidth = 17;
-    std::string line;
-    eachMessage([&](const MessageRow& row) {
+    eachMessage([&](const Listed& listed) {
         std::string classes;
-        for (const std::string_view name : classesOf(row.code))
+        for (const std::string_view name : listed.classes)
             classes.append(classes.empty() ? "" : ",").append(name);
         if (classes.empty()) classes.push_back('-');
         classes.resize(std::max(classes.size(), kClassesWidth), ' ');
-        line.clear();
-        appendInteger(line, row.code, 4);
-        out.write(line.append("  ").append(classes).append(" ").append(shown(row.text)).append("\n"));
+        std::string line(CodeText(listed.code).text());
+        line.insert(0, kCodeWidth - std::min(kCodeWidth, line.size()), ' ');
+        out.write(line.append("  ").append(classes).append(" ").append(shown(listed.text)).append("\n"));
     });
 }
 

@@ -11,6 +11,7 @@
 #include "main/progress.hpp"
 #include "main/verimark_options.hpp"
 #include "main/watch.hpp"
+#include "quality/checks.hpp"
 
 #include <cerrno>
 #include <chrono>
@@ -211,6 +212,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .report = report,
                                .progress = nullptr,
                                .announces = is_text && !options.quiet,
+                               .advises = wantsAdvice(options),
                                .empty_is_found = !is_text};
     VerimarkStatus status = checkWatched(call, outputs, writes || &out != &call.out);
     if (out.failed()) return std::nullopt; // not all files were checked
@@ -226,7 +228,10 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
 
 /// Does what the options ask for, and writes to `out`; nothing when it could not begin or came to no end.
 std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
-    const FormatSettings settings{.version = kCheckerVersion};
+    const FormatSettings settings{
+        .version = kCheckerVersion,
+        .advice_title = [](MessageCode code) { return adviceCheck(code)->title; },
+    };
     switch (call.options.task) {
     case Task::check: return checkFiles(call, out, settings);
     case Task::help: printHelp(out); break;

@@ -29,11 +29,17 @@ struct VerimarkOptions {
     Level fail_on = Level::error;
     std::string_view baseline;
     std::string_view write_baseline;
+    bool advice = false;
     bool quiet = false;
     unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors
     When progress = When::automatic;
     std::string_view shell; ///< for which completions are wanted
 };
+
+/// True when advice is wanted, which it is where it may fail a file.
+[[nodiscard]] inline bool wantsAdvice(const VerimarkOptions& options) {
+    return options.advice || options.fail_on == Level::advice;
+}
 
 /// What is wrong with a command line: the argument and the words about it.
 struct WrongCall {

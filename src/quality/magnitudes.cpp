@@ -11,6 +11,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace kestrel {
 
@@ -53,13 +54,6 @@ constexpr std::array<OrderedRange, 9> kOrderedRanges{{
     {MdlRange::cac, "[Cac]", "F", false},
 }};
 
-/// True when the typical value is below both others or above both; all three must be given.
-bool isTypOutside(const Rng& range) {
-    if (!std::ranges::all_of(range, &Cell::isNumber)) return false;
-    const auto [low, high] = std::minmax(range.min().value(), range.max().value());
-    return range.typ().value() < low || range.typ().value() > high;
-}
-
 /// True when the minimum is above the typical value or the maximum below it.
 bool isOutOfOrder(const Rng& range) {
     if (!range.typ().isNumber()) return false;
@@ -91,14 +85,50 @@ bool isNoDieCapacitance(double farads) {
     return farads != 0.0 && !(kLeastDieCapacitance <= farads && farads <= kMostDieCapacitance);
 }
 
-/// The typical value of "[Model Spec]" where it is given, else that of the model.
-std::optional<double> specified(const Mdl& model, GivenRange MSpec::*in_spec, GivenValue MdlValues::*own) {
-    if (model.model_spec) {
-        const GivenRange& range = (*model.model_spec).*in_spec;
-        if (range && range->typ().isNumber()) return range->typ().value();
+void adviseOnPackageOrder(const Cmpnt& component, const Pkg& package, AdviceList& list) {
+    for (const PackageValue& value : kPackageValues) {
+        const GivenRange& range = package.*value.range;
+        // A typical value outside the others was reported with its line.
+        if (!range || isTypOutside(*range) || !isOutOfOrder(*range)) continue;
+        adviseOnOrder(adviceAt(component, package.line), value.name, value.unit, *range, list);
     }
-    const GivenValue& value = (*model.values).*own;
-    return value ? std::optional(*value) : std::nullopt;
+}
+
+void adviseOnRangeOrder(const Mdl& model, AdviceList& list) {
+    for (const OrderedRange& row : kOrderedRanges) {
+        const Rng* const range = findRange(model, row.which);
+        if (range == nullptr) continue;
+        // The larger supply may be the more negative one.
+        const bool any_order = row.is_voltage && anyBelowZero(*range);
+        if (any_order ? isTypOutside(*range) : isOutOfOrder(*range))
+            adviseOnOrder(adviceAt(model), row.name, row.unit, *range, list);
+    }
+}
+
+void adviseOnTypeAndThresholds(const Mdl& model, AdviceList& list) {
+    const MdlValues& values = *model.values;
+    if (kMeasuredBothWays.has(model.type()) && values.vmeas) {
+        if (values.vinl && *values.vinl >= *values.vmeas) list.addMessage(adviceAt(model), 109, 182, model.name);
+        if (values.vinh && *values.vinh <= *values.vmeas) list.addMessage(adviceAt(model), 109, 183, model.name);
+    }
+    if (isDifferential(model) && !model.external_model)
+        list.addMessage(adviceAt(model), 109, 1829, model.name, modelTypeText(model.type()));
+}
+
+/// Pins of differential models that are in no pair, the first of each model.
+void adviseOnLonePins(const AdvisedFile& file, const Cmpnt& component, AdviceList& list) {
+    NumberIndex told; // by the numbers of the models' names
+    std::size_t place = 0;
+    for (const Pin& pin : component.pins) {
+        const std::size_t at = place++;
+        const Mdl* const model = file.root.models.find(pin.model_name);
+        if (model == nullptr || !isDifferential(*model)) continue;
+        if (isUnmodeledPinName(pin.model_name) || isModelReported(component.pins, pin)) continue;
+        if (component.diff_pins != nullptr && isInDiffPin(*component.diff_pins, pin.name)) continue;
+        if (std::exchange(told.at(pin.model_name.number()), 1) != 0) continue;
+        list.addMessage(adviceAt(component, component.pins.lines.of(at)), 109, 614, pin.model_name, pin.name,
+                        component.name);
+    }
 }
 
 } // namespace
@@ -152,28 +182,11 @@ void checkPinValues(const AdvisedFile& file, AdviceList& list) {
     }
 }
 
-void checkPackageOrder(const AdvisedFile& file, AdviceList& list) {
-    for (const Cmpnt& component : file.root.components.newestFirst()) {
-        const Pkg* const package = component.package.get();
-        if (package == nullptr) continue;
-        for (const PackageValue& value : kPackageValues) {
-            const GivenRange& range = package->*value.range;
-            // A typical value outside the others was reported with its line.
-            if (!range || isTypOutside(*range) || !isOutOfOrder(*range)) continue;
-            adviseOnOrder(adviceAt(component, package->line), value.name, value.unit, *range, list);
-        }
-    }
-}
-
-void checkRangeOrder(const AdvisedModel& advised, AdviceList& list) {
-    for (const OrderedRange& row : kOrderedRanges) {
-        const Rng* const range = findRange(advised.model, row.which);
-        if (range == nullptr) continue;
-        // The larger supply may be the more negative one.
-        const bool any_order = row.is_voltage && anyBelowZero(*range);
-        if (any_order ? isTypOutside(*range) : isOutOfOrder(*range))
-            adviseOnOrder(adviceAt(advised.model), row.name, row.unit, *range, list);
-    }
+void checkOrder(const AdvisedFile& file, AdviceList& list) {
+    for (const Cmpnt& component : file.root.components.newestFirst())
+        if (component.package != nullptr) adviseOnPackageOrder(component, *component.package, list);
+    for (const Mdl* const model : file.models)
+        adviseOnRangeOrder(*model, list);
 }
 
 void checkTemperatures(const AdvisedModel& advised, AdviceList& list) {
@@ -194,32 +207,12 @@ void checkTemperatures(const AdvisedModel& advised, AdviceList& list) {
              plainNumber(range->max().value()));
 }
 
-void checkCautionsOfModels(const AdvisedModel& advised, AdviceList& list) {
-    const Mdl& model = advised.model;
-    const MdlValues& values = *model.values;
-    if (kMeasuredBothWays.has(model.type()) && values.vmeas) {
-        if (values.vinl && *values.vinl >= *values.vmeas) list.addMessage(adviceAt(model), 109, 182, model.name);
-        if (values.vinh && *values.vinh <= *values.vmeas) list.addMessage(adviceAt(model), 109, 183, model.name);
-    }
-    if (isDifferential(model) && !model.external_model)
-        list.addMessage(adviceAt(model), 109, 1829, model.name, modelTypeText(model.type()));
-}
-
-void checkCautionsOfPins(const AdvisedFile& file, AdviceList& list) {
+void checkCautions(const AdvisedFile& file, AdviceList& list) {
+    for (const Mdl* const model : file.models)
+        adviseOnTypeAndThresholds(*model, list);
     if (std::ranges::none_of(file.models, [](const Mdl* model) { return isDifferential(*model); })) return;
-    for (const Cmpnt& component : file.root.components.newestFirst()) {
-        NumberIndex told; // by the numbers of the models' names
-        std::size_t place = 0;
-        for (const Pin& pin : component.pins) {
-            const std::uint32_t line = component.pins.lines.of(place++);
-            if (isUnmodeledPinName(pin.model_name) || isModelReported(component.pins, pin)) continue;
-            const Mdl* const model = file.root.models.find(pin.model_name);
-            if (model == nullptr || !isDifferential(*model)) continue;
-            if (component.diff_pins != nullptr && isInDiffPin(*component.diff_pins, pin.name)) continue;
-            if (std::exchange(told.at(pin.model_name.number()), 1) != 0) continue;
-            list.addMessage(adviceAt(component, line), 109, 614, pin.model_name, pin.name, component.name);
-        }
-    }
+    for (const Cmpnt& component : file.root.components.newestFirst())
+        adviseOnLonePins(file, component, list);
 }
 
 } // namespace kestrel

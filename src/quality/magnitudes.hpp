@@ -17,11 +17,8 @@ void checkPackageValues(const AdvisedFile& file, AdviceList& list);
 /// The same for the values of pins.
 void checkPinValues(const AdvisedFile& file, AdviceList& list);
 
-/// The order of the corners of a package's values.
-void checkPackageOrder(const AdvisedFile& file, AdviceList& list);
-
-/// The order of the corners of a model's resistors and supplies.
-void checkRangeOrder(const AdvisedModel& advised, AdviceList& list);
+/// The order of the corners of packages' values, and of models' resistors and supplies.
+void checkOrder(const AdvisedFile& file, AdviceList& list);
 
 /// The temperatures of a model.
 void checkTemperatures(const AdvisedModel& advised, AdviceList& list);
@@ -35,8 +32,7 @@ void checkThresholdOrder(const AdvisedModel& advised, AdviceList& list);
 /// Whether a driver's output crosses the voltage at which it is measured.
 void checkMeasuredLevel(const AdvisedModel& advised, AdviceList& list);
 
-/// What else is silent about the thresholds and the type of a model, and about its pins.
-void checkCautionsOfModels(const AdvisedModel& advised, AdviceList& list);
-void checkCautionsOfPins(const AdvisedFile& file, AdviceList& list);
+/// The cautions that are silent elsewhere: thresholds and types of models, pins of differential models.
+void checkCautions(const AdvisedFile& file, AdviceList& list);
 
 } // namespace kestrel

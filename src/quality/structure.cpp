@@ -8,6 +8,7 @@
 #include "quality/advised.hpp"
 #include "quality/date_text.hpp"
 #include "quality/named_few.hpp"
+#include "quality/number_text.hpp"
 
 #include <algorithm>
 #include <array>
@@ -120,8 +121,7 @@ void checkPairTypes(const AdvisedFile& file, AdviceList& list) {
             const Mdl* const model = modelOfPin(file, component, row.pin);
             const Mdl* const inv_model = modelOfPin(file, component, row.inv_pin);
             if (model == nullptr || inv_model == nullptr || model->type() == inv_model->type()) continue;
-            if (!hasType(*model) || !hasType(*inv_model) || drivesOneReceivesOther(model->type(), inv_model->type()))
-                continue;
+            if (!hasType(*model) || !hasType(*inv_model) || areOpposed(model->type(), inv_model->type())) continue;
             list.add(adviceAt(component, row.line), 401, row.pin, row.inv_pin, model->name,
                      modelTypeText(model->type()), inv_model->name, modelTypeText(inv_model->type()));
         }
@@ -142,7 +142,7 @@ void checkOrigin(const AdvisedFile& file, AdviceList& list) {
 void checkDate(const AdvisedFile& file, AdviceList& list) {
     constexpr int kFirst = 1993;
     constexpr int kLast = 2100;
-    eachHeader(file, [&list](const Hdr& header) {
+    eachHeader(file, [&](const Hdr& header) {
         if (header.date.empty()) return;
         const AdvicePlace place{header.date_line, &header, true};
         const std::optional<int> year = yearOfDate(header.date, kFirst, kLast);
