@@ -207,6 +207,68 @@ void checkTemperatures(const AdvisedModel& advised, AdviceList& list) {
              plainNumber(range->max().value()));
 }
 
+void checkSupply(const AdvisedModel& advised, AdviceList& list) {
+    constexpr double kLeast = 0.4;
+    constexpr double kMost = 60.0;
+    constexpr ModelTypeSet kEclTypes{ModelType::inputEcl, ModelType::outputEcl, ModelType::ioEcl,
+                                     ModelType::threeStateEcl};
+    if (kEclTypes.has(advised.model.type())) return;
+    const References& supplies = advised.physics.references();
+    GivenValue supply;
+    if (supplies.pullup && supplies.pulldown) {
+        supply = *supplies.pullup - *supplies.pulldown;
+    } else if (const Rng* const range = findRange(advised.model, MdlRange::voltageRange)) {
+        if (range->typ().isNumber()) supply = range->typ().value();
+    }
+    if (!supply || (kLeast <= *supply && *supply <= kMost)) return;
+    list.add(adviceAt(advised.model), 106, volts(*supply), volts(kLeast), volts(kMost));
+}
+
+void checkThresholdOrder(const AdvisedModel& advised, AdviceList& list) {
+    constexpr double kSlack = 0.1;
+    const TypicalValues values = typicalValuesOf(advised.model);
+    const AdvicePlace place = adviceAt(advised.model);
+    if (values.vinl && values.vinh && *values.vinl >= *values.vinh) {
+        list.add(place, 107, volts(*values.vinl), volts(*values.vinh));
+        return;
+    }
+    const References& supplies = advised.physics.references();
+    if (!supplies.vcc || !supplies.gnd_clamp || !supplies.power_clamp) return;
+    const double bottom = *supplies.gnd_clamp;
+    const double top = *supplies.power_clamp;
+    const double slack = kSlack * *supplies.vcc;
+    const auto is_outside = [&](const GivenValue& value) {
+        return value && bottom <= top && (*value < bottom - slack || *value > top + slack);
+    };
+    const bool low = is_outside(values.vinl);
+    const bool high = is_outside(values.vinh);
+    if (low && high) {
+        list.add(place, {107, 2}, volts(*values.vinl), volts(*values.vinh), volts(bottom), volts(top));
+    } else if (low || high) {
+        const std::string_view name = low ? "Vinl" : "Vinh";
+        list.add(place, {107, 1}, name, volts(low ? *values.vinl : *values.vinh), volts(bottom), volts(top));
+    }
+}
+
+void checkMeasuredLevel(const AdvisedModel& advised, AdviceList& list) {
+    constexpr double kRounding = 1e-6;
+    const ModelPhysics& physics = advised.physics;
+    const TypicalValues values = typicalValuesOf(advised.model);
+    if (!advised.drives() || !values.vmeas || !physics.vcc()) return;
+    const bool has_load = values.rref && values.vref;
+    if (has_load ? !physics.drivesLow() && !physics.drivesHigh() : !physics.isPushPull()) return;
+    const auto level_of = [&](DriveState state) {
+        return has_load ? physics.level(state, Corner::typ, {*values.rref, *values.vref})
+                        : physics.levelWithoutLoad(state);
+    };
+    const std::optional<double> low = level_of(DriveState::low);
+    const std::optional<double> high = level_of(DriveState::high);
+    if (!low || !high) return;
+    const auto [bottom, top] = std::minmax(*low, *high);
+    if (bottom - kRounding <= *values.vmeas && *values.vmeas <= top + kRounding) return;
+    list.add(adviceAt(advised.model), 108, volts(*values.vmeas), level(bottom), level(top));
+}
+
 void checkCautions(const AdvisedFile& file, AdviceList& list) {
     for (const Mdl* const model : file.models)
         adviseOnTypeAndThresholds(*model, list);

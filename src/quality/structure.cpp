@@ -100,7 +100,7 @@ void adviseOnPorts(const Mdl& model, AdviceList& list) {
     const auto need = [&](bool needed, std::string_view port) {
         if (needed && !circuit.ports.has(port)) missing.add(port);
     };
-    const bool drives = kAdvisedDrivers.has(model.type());
+    const bool drives = kTableDrivers.has(model.type());
     const bool is_pair = isDifferential(model);
     need(drives && !is_pair, "A_signal");
     need(drives && is_pair, "A_signal_pos");
@@ -134,8 +134,7 @@ void checkOrigin(const AdvisedFile& file, AdviceList& list) {
         const bool has_date = !header.date.empty();
         if (has_source && has_date) return;
         const std::string_view missing = has_date ? "[Source]" : has_source ? "[Date]" : "[Source] and [Date]";
-        const std::string_view said = has_date ? "where" : has_source ? "when" : "where and when";
-        list.add(adviceOnFile(header), 403, missing, said);
+        list.add(adviceOnFile(header), 403, missing);
     });
 }
 
@@ -165,8 +164,7 @@ void checkWaveformsGiven(const AdvisedFile& file, AdviceList& list) {
     NamedFew lacking;
     std::size_t drivers = 0;
     for (const Mdl* const model : file.models) {
-        const AdvisedModel advised{*model, file};
-        if (!advised.is_driver || !advised.is_alone || model->algorithmic_model) continue;
+        if (!kTableDrivers.has(model->type()) || model->algorithmic_model || !file.isAlone(*model)) continue;
         ++drivers;
         if (!model->tables->rising_waveforms.empty() || !model->tables->falling_waveforms.empty()) continue;
         if (first == nullptr) first = model;
