@@ -196,6 +196,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     BaselineWriter written;
     OutputFile baseline_file(call.temporaries);
     if (!options.baseline.empty() && !readBaseline(trouble, known, options.baseline)) return std::nullopt;
+    if (!wantsAdvice(options)) known.leaveAdviceOut();
     const bool writes = !options.write_baseline.empty();
     if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
 

@@ -153,29 +153,36 @@ void readJoined(std::string_view digits, Years& years) {
         years.noteWith(digits.substr(0, 2), digits.substr(2, 2), digits.substr(4));
         years.noteWith(digits.substr(4), digits.substr(2, 2), digits.substr(0, 2));
         years.noteWith(digits.substr(4), digits.substr(0, 2), digits.substr(2, 2));
-        years.noteWith(digits.substr(0, 4), digits.substr(4));
-        years.noteWith(digits.substr(2), digits.substr(0, 2));
+        const auto of_our_time = [](std::string_view year) { return year.starts_with("19") || year.starts_with("20"); };
+        if (of_our_time(digits)) years.noteWith(digits.substr(0, 4), digits.substr(4));
+        if (of_our_time(digits.substr(2))) years.noteWith(digits.substr(2), digits.substr(0, 2));
     }
 }
 
-/// "2003-05-12", "05/12/97", "12.5.2003", "05/2003".
+/// "2003-05-12", "05/12/97", "12.5.2003": a run of numbers without words between them; of two, "05/2003", one is a year
+/// of four digits.
+void readRun(std::span<const Part> run, Years& years) {
+    for (const Part& part : run)
+        readJoined(part.text, years);
+    for (std::size_t i = 0; i + 2 < run.size(); ++i) {
+        const std::string_view first = run[i].text;
+        const std::string_view second = run[i + 1].text;
+        const std::string_view third = run[i + 2].text;
+        years.noteWith(first, second, third);
+        years.noteWith(third, first, second);
+        years.noteWith(third, second, first);
+    }
+    // "3, 2004" is what follows a name that is none of a month.
+    if (run.size() != 2 || run[1].separator.find(',') != std::string_view::npos) return;
+    if (run[0].text.size() == 4) years.noteWith(run[0].text, run[1].text);
+    if (run[1].text.size() == 4) years.noteWith(run[1].text, run[0].text);
+}
+
 void readNumbers(std::span<const Part> parts, Years& years) {
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (!parts[i].is_number) continue;
-        const std::string_view first = parts[i].text;
-        readJoined(first, years);
-        if (i + 1 >= parts.size() || !parts[i + 1].is_number) continue;
-        const std::string_view second = parts[i + 1].text;
-        if (i + 2 < parts.size() && parts[i + 2].is_number) {
-            const std::string_view third = parts[i + 2].text;
-            years.noteWith(first, second, third);
-            years.noteWith(third, first, second);
-            years.noteWith(third, second, first);
-        }
-        // "day, year" is behind a name that is none of a month.
-        if (parts[i + 1].separator.find(',') != std::string_view::npos) continue;
-        if (first.size() == 4) years.noteWith(first, second);
-        if (second.size() == 4) years.noteWith(second, first);
+    for (auto begin = parts.begin(); begin != parts.end();) {
+        const auto end = std::find_if(begin, parts.end(), [](const Part& part) { return !part.is_number; });
+        readRun({begin, end}, years);
+        begin = end == parts.end() ? end : end + 1;
     }
 }
 
