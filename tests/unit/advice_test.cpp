@@ -175,7 +175,7 @@ TEST(Advice, noticesWhatIsWrongWithTables) {
                       row.first += 0.6;
               }),
               "Q203 Q301 Q310");
-    EXPECT_EQ(broken([](PushPull& m) { scale(m.pulldown, -1.0); }).substr(0, 4), "Q202");
+    EXPECT_EQ(broken([](PushPull& m) { scale(m.pulldown, -1.0); }).substr(0, 9), "Q108 Q202");
     // From the pin's ground in place of the supply: the table of table voltage V is that of Vcc - V.
     EXPECT_EQ(broken([](PushPull& m) {
                   for (Row& row : m.pullup)

@@ -203,7 +203,7 @@ TEST(TypicalValues, ofASpecComeFirst) {
     const TypicalValues values = typicalValuesOf(one.model());
     EXPECT_DOUBLE_EQ(*values.vinl, 0.8);
     EXPECT_DOUBLE_EQ(*values.vinh, 2.2);
-    EXPECT_DOUBLE_EQ(*values.vref, 0.0); // that of the spec is no number
+    EXPECT_DOUBLE_EQ(*values.vref, 0.0); // what "[Model Spec]" gives is no number
     EXPECT_DOUBLE_EQ(*values.rref, 50.0);
     const TypicalValues zeros = typicalValuesOf(OneModel("Model_type I/O\nVinh = x\nVmeas = x\nRref = -5\n").model());
     EXPECT_FALSE(zeros.vinh || zeros.vmeas || zeros.rref || zeros.vinl || zeros.vref);
