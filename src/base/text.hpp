@@ -8,6 +8,8 @@ namespace kestrel {
 
 /// True for the characters that the C library counts as white space.
 constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+/// The characters between the items of a line.
+constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
 constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
