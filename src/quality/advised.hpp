@@ -49,7 +49,7 @@ struct AdvisedModel {
     const AdvisedFile& file;
     ModelPhysics physics;
     std::vector<Waveform> waveforms; ///< in the order of the file
-    bool is_alone; ///< as AdvisedFile::isAlone has it
+    bool is_alone;                   ///< as AdvisedFile::isAlone has it
 
     /// What it drives comes from its tables.
     [[nodiscard]] bool drives() const { return is_alone && physics.isDriver(); }
