@@ -34,6 +34,10 @@ constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' +
 /// True when the first `count` characters agree but for case, or both texts end together before that.
 [[nodiscard]] bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t count);
 
+/// Appends `text` in lines of at most `width` characters, each behind `indent` blanks. Its own lines begin anew; one
+/// that begins with a blank is kept as it is, as is a word that is too long.
+void appendWrapped(std::string& to, std::string_view text, std::size_t width, std::size_t indent = 0);
+
 void lowerCase(std::string& text);
 void upperCase(std::string& text);
 

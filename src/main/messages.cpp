@@ -3,9 +3,9 @@
 #include "findings/json.hpp"
 #include "findings/message_classes.hpp"
 #include "quality/checks.hpp"
+#include "topics/topic.hpp"
 
-#include <string>
-#include <vector>
+#include <algorithm>
 
 namespace kestrel {
 
@@ -13,29 +13,15 @@ namespace {
 
 constexpr Level kShownLevels[] = {Level::bug, Level::error, Level::warning, Level::note, Level::advice, Level::caution};
 
-/// What is listed of a message or an advice.
-struct Listed {
-    FindingCode code;
-    std::vector<std::string_view> classes;
-    std::string_view text;
-};
-
-std::vector<std::string_view> classesOf(MessageCode code) {
-    std::vector<std::string_view> names;
-    for (const Level level : kShownLevels)
-        if (isReportedAs(code, level)) names.push_back(levelName(level));
-    return names;
-}
-
-/// Calls `use` with every row but the first, which stands in for unknown codes, and those without a text, and with
-/// every check of advice.
+/// Calls `use` with the code and the text of every row but the first, which stands in for unknown codes, and those
+/// without a text, and of every check of advice.
 template <class Use> void eachMessage(Use use) {
     for (const MessageRow& row : kCatalog) {
         if (row.code == 0 || row.text == kReservedText) continue;
-        use(Listed{{CodeFamily::message, row.code}, classesOf(row.code), row.text});
+        use(FindingCode{CodeFamily::message, row.code}, row.text);
     }
     for (const Check& check : adviceChecks())
-        use(Listed{{CodeFamily::advice, check.code}, {levelName(Level::advice)}, check.title});
+        use(FindingCode{CodeFamily::advice, check.code}, check.title);
 }
 
 void listAsJson(Output& out, const FormatSettings& settings) {
@@ -48,15 +34,17 @@ void listAsJson(Output& out, const FormatSettings& settings) {
             tool.text("version", settings.version);
         }
         JsonArray messages(whole, "messages", true);
-        eachMessage([&](const Listed& listed) {
+        eachMessage([&](FindingCode code, std::string_view listed) {
             JsonObject message(messages);
-            message.text("code", CodeText(listed.code).text());
+            message.text("code", CodeText(code).text());
             {
                 JsonArray classes(message, "classes");
-                for (const std::string_view name : listed.classes)
+                for (const std::string_view name : classesOf(code))
                     classes.text(name);
             }
-            message.text("text", listed.text);
+            message.text("text", listed);
+            const Topic* const topic = topicOf(code);
+            topic != nullptr ? message.text("topic", topic->slug) : message.null("topic");
         });
     }
     out.write("\n");
@@ -72,19 +60,40 @@ std::string shown(std::string_view text) {
 
 } // namespace
 
+std::vector<std::string_view> classesOf(FindingCode code) {
+    if (code.family == CodeFamily::advice) return {levelName(Level::advice)};
+    std::vector<std::string_view> names;
+    for (const Level level : kShownLevels)
+        if (isReportedAs(code.number, level)) names.push_back(levelName(level));
+    return names;
+}
+
+std::string textOf(FindingCode code) {
+    if (code.family == CodeFamily::message) return generalText(code);
+    const Check* const check = adviceCheck(code.number);
+    return check == nullptr ? std::string() : std::string(check->title);
+}
+
+std::string joinedClasses(FindingCode code) {
+    std::string classes;
+    for (const std::string_view name : classesOf(code))
+        classes.append(classes.empty() ? "" : ",").append(name);
+    return classes;
+}
+
 void listMessages(Output& out, FormatKind format, const FormatSettings& settings) {
     if (format == FormatKind::json) return listAsJson(out, settings);
     constexpr std::size_t kCodeWidth = 4;
     constexpr std::size_t kClassesWidth = 17;
-    eachMessage([&](const Listed& listed) {
-        std::string classes;
-        for (const std::string_view name : listed.classes)
-            classes.append(classes.empty() ? "" : ",").append(name);
+    eachMessage([&](FindingCode code, std::string_view listed) {
+        std::string classes = joinedClasses(code);
         if (classes.empty()) classes.push_back('-');
         classes.resize(std::max(classes.size(), kClassesWidth), ' ');
-        std::string line(CodeText(listed.code).text());
+        std::string line(CodeText(code).text());
         line.insert(0, kCodeWidth - std::min(kCodeWidth, line.size()), ' ');
-        out.write(line.append("  ").append(classes).append(" ").append(shown(listed.text)).append("\n"));
+        line.append("  ").append(classes).append(" ").append(shown(listed));
+        if (const Topic* const topic = topicOf(code)) line.append("  [").append(topic->slug).append("]");
+        out.write(line.append("\n"));
     });
 }
 

@@ -28,7 +28,8 @@ const std::map<std::string, Names>& allowed() {
     static const std::map<std::string, Names> kAllowed{
         {"base", {}},
         {"diagnostics", {"base"}},
-        {"findings", {"base", "diagnostics"}},
+        {"topics", {"base", "diagnostics"}},
+        {"findings", {"base", "diagnostics", "topics"}},
         {"reader", {"base", "diagnostics"}},
         {"header", kReading},
         {"external", kReading},
@@ -40,7 +41,7 @@ const std::map<std::string, Names>& allowed() {
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality"})},
+                                  "findings", "quality", "topics"})},
     };
     return kAllowed;
 }
