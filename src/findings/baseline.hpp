@@ -42,6 +42,9 @@ public:
     /// What comes next is found when another file is checked.
     void nextFile() { ++file_; }
 
+    /// No advice is given: lines of advice need not occur.
+    void leaveAdviceOut() { advice_left_out_ = true; }
+
     /// A file was checked: its lines have to occur.
     void checked(std::string_view path);
 
@@ -57,6 +60,7 @@ private:
         std::size_t times = 0;            ///< how often in that file
         std::size_t most = 0;             ///< in any file
         bool* is_checked = nullptr;       ///< whether the file that it is in was read
+        bool is_advice = false;
     };
 
     [[nodiscard]] bool occurs(const Finding& finding);
@@ -65,6 +69,7 @@ private:
     TextMap<bool> files_; ///< by path as it is in the lines
     std::int64_t taken_ = 0;
     std::size_t file_ = 1; ///< the number of the checked file
+    bool advice_left_out_ = false;
 };
 
 /// Collects a baseline to be written.

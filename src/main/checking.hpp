@@ -17,6 +17,7 @@ struct CheckOutputs {
     Report& report;
     Progress* progress;  ///< null when nobody looks
     bool announces;      ///< what is said ahead of the findings is printed to `out`
+    bool advises;        ///< files that were read get advice
     bool empty_is_found; ///< a file that cannot be read gives a finding in any case
 };
 

@@ -39,8 +39,9 @@ const std::map<std::string, Names>& allowed() {
         {"package", kReading},
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
+        {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "topics"})},
+                                  "findings", "quality", "topics"})},
     };
     return kAllowed;
 }
