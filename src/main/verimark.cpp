@@ -9,6 +9,7 @@
 #include "main/messages.hpp"
 #include "main/program_versions.hpp"
 #include "main/progress.hpp"
+#include "main/report_file.hpp"
 #include "main/verimark_options.hpp"
 #include "main/watch.hpp"
 
@@ -107,7 +108,7 @@ bool openOutput(const Trouble& trouble, const Call& call, OutputFile& file, std:
     return problem.empty();
 }
 
-bool commit(const Trouble& trouble, OutputFile& file, std::string_view path) {
+template <class File> bool commit(const Trouble& trouble, File& file, std::string_view path) {
     const std::string problem = file.commit();
     if (!problem.empty()) trouble(path, ": " + problem);
     return problem.empty();
@@ -187,6 +188,11 @@ VerimarkStatus checkWatched(const Call& call, CheckOutputs outputs, bool writes_
     return status;
 }
 
+/// What a report of the files is called.
+std::string titleOf(const FileList& files) {
+    return files.size() == 1 ? std::string(files[0]) : std::to_string(files.size()).append(" files");
+}
+
 /// Checks the files of the call; nothing when it did not come to that.
 std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSettings settings) {
     const VerimarkOptions& options = call.options;
@@ -197,6 +203,13 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     if (!options.baseline.empty() && !readBaseline(trouble, known, options.baseline)) return std::nullopt;
     const bool writes = !options.write_baseline.empty();
     if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
+
+    ReportFile pages(call.temporaries);
+    const bool reports = !options.report.empty();
+    if (reports) {
+        if (!openOutput(trouble, call, pages.file(), options.report)) return std::nullopt;
+        pages.begin(options.report, titleOf(call.files), std::string("Verimark ").append(settings.version));
+    }
 
     settings.color = wantsColor(options.color, out);
     settings.fail_on = options.fail_on;
@@ -210,13 +223,15 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .errors = call.errors,
                                .report = report,
                                .progress = nullptr,
+                               .pages = reports ? &pages : nullptr,
                                .announces = is_text && !options.quiet,
                                .empty_is_found = !is_text};
-    VerimarkStatus status = checkWatched(call, outputs, writes || &out != &call.out);
+    VerimarkStatus status = checkWatched(call, outputs, writes || reports || &out != &call.out);
     if (out.failed()) return std::nullopt; // not all files were checked
     if (!call.all_listed) status = kTrouble;
     report.ends();
     if (report.known != nullptr) tellOfBaseline(out, call.errors, known, options.baseline);
+    if (reports && !commit(trouble, pages, options.report)) status = kTrouble;
     if (writes) {
         written.write(baseline_file.out());
         if (!commit(trouble, baseline_file, options.write_baseline)) status = kTrouble;
