@@ -49,11 +49,14 @@ std::string_view pinValue(std::string& room, const Cell& cell, std::string_view 
 
 void writePins(const PartContext& part, const Cmpnt& component) {
     constexpr std::size_t kMostOpen = 64;
+    const bool has_pairs = component.diff_pins && !component.diff_pins->rows.empty();
+    const bool has_buses = component.pin_mapping && !component.pin_mapping->rows.empty();
     LongTable table(part.html, "Pins", component.pins.size(),
                     {"<th scope=\"col\">Pin</th>", "<th scope=\"col\">Signal</th>",
                      "<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">R</th>",
-                     "<th scope=\"col\">L</th>", "<th scope=\"col\">C</th>", "<th scope=\"col\">Pair</th>",
-                     "<th scope=\"col\">Buses</th>"},
+                     "<th scope=\"col\">L</th>", "<th scope=\"col\">C</th>",
+                     has_pairs ? Markup("<th scope=\"col\">Pair</th>") : Markup(""),
+                     has_buses ? Markup("<th scope=\"col\">Buses</th>") : Markup("")},
                     component.pins.size() <= kMostOpen);
     std::string r;
     std::string l;
@@ -61,15 +64,16 @@ void writePins(const PartContext& part, const Cmpnt& component) {
     for (const Pin& pin : component.pins) {
         const std::string partner = partnerOf(component, pin.name);
         const std::string buses = busesOf(component, pin.name);
-        const std::array<TableCell, 8> cells{TableCell{pin.name},
-                                             {pin.signal_name},
-                                             {pin.model_name, placeOfModel(part, pin.model_name)},
-                                             {pinValue(r, pin.r_pin, kOhm)},
-                                             {pinValue(l, pin.l_pin, "H")},
-                                             {pinValue(c, pin.c_pin, "F")},
-                                             {partner},
-                                             {buses}};
-        table.row(cells);
+        std::array<TableCell, 8> cells{TableCell{pin.name},
+                                       {pin.signal_name},
+                                       {pin.model_name, placeOfModel(part, pin.model_name)},
+                                       {pinValue(r, pin.r_pin, kOhm)},
+                                       {pinValue(l, pin.l_pin, "H")},
+                                       {pinValue(c, pin.c_pin, "F")}};
+        std::size_t count = 6;
+        if (has_pairs) cells[count++].text = partner;
+        if (has_buses) cells[count++].text = buses;
+        table.row(std::span(cells).first(count));
     }
 }
 

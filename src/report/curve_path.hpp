@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quality/iv_table.hpp"
 #include "report/scale.hpp"
 
 #include <cstddef>
@@ -9,12 +10,6 @@
 #include <vector>
 
 namespace kestrel {
-
-/// A point of a line, in the units of its axes.
-struct Point {
-    double x;
-    double y;
-};
 
 /// The frame of a picture, as its lines count it: whole numbers, y downward.
 inline constexpr int kFrameWidth = 6000;

@@ -125,7 +125,7 @@ void writeRows(CornerTable& table, const Names& rows, const Record& record) {
 
 void writeValues(const PartContext& part, const Mdl& model) {
     {
-        CornerTable table(part.html, "");
+        CornerTable table(part.html, "Values");
         writeRows(table, kCapacitances, static_cast<const CComp&>(*model.values));
         for (const auto& row : kRanges)
             if (const Rng* const range = findRange(model, row.member)) table.row(row.name, *range, row.unit);
@@ -208,15 +208,12 @@ std::string kindOf(const Mdl& model) {
 void writeModel(const PartContext& part, const Mdl& model) {
     Html& html = part.html;
     html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(&model))});
-    html << "<h4>" << Text(model.name) << "</h4><p class=\"sub\">" << Text(kindOf(model)) << "</p>";
+    html << "<h4>" << Text(model.name) << "</h4><div class=\"values\"><p class=\"sub\">" << Text(kindOf(model)) << "</p>";
     writeFindingLinks(part, model);
-    html << "<div class=\"values\">";
-    writeValues(part, model);
-    writeModelNumbers(part, model);
-    writeSchedule(part, model.driver_schedule);
-    html << "</div>";
     writeParts(part, model);
-    writeModelPictures(part, model);
+    writeValues(part, model);
+    writeSchedule(part, model.driver_schedule);
+    writeModelTables(part, model);
     html << "</section>\n";
 }
 

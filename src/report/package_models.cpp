@@ -190,11 +190,13 @@ void writePackageModels(const PartContext& part) {
             html << "<p class=\"sub\">read from " << Text(*package->file) << "</p>";
         writeFindingLinks(part, *package);
         writePins(html, *package);
-        html << "<div class=\"matrices\">";
+        const bool has_matrices = package->resistance || package->inductance || package->capacitance;
+        if (has_matrices) html << "<div class=\"matrices\">";
         writeMatrix(html, *package, package->resistance.get(), "Resistance", kOhm);
         writeMatrix(html, *package, package->inductance.get(), "Inductance", "H");
         writeMatrix(html, *package, package->capacitance.get(), "Capacitance", "F");
-        html << "</div></section>\n";
+        if (has_matrices) html << "</div>";
+        html << "</section>\n";
     }
 }
 

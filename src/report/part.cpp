@@ -51,7 +51,7 @@ Anchor anchorOf(const PartContext& part, PageSection section) {
 }
 
 void writeItem(Html& html, Markup name, std::string_view value) {
-    if (!value.empty()) html << "<div><dt>" << name << "</dt><dd>" << Text(value) << "</dd></div>\n";
+    if (!value.empty()) html << "<dt>" << name << "</dt><dd>" << Text(value) << "</dd>\n";
 }
 
 void writeLongText(Html& html, Markup name, const std::optional<std::string>& text) {
@@ -81,11 +81,14 @@ const Hdr* headerOf(const Ibis& root) {
 
 void writeHead(const PartContext& part, const FilePart& file) {
     Html& html = part.html;
-    html << "<header><h2>" << Text(file.path) << "</h2><p class=\"outcome\">";
+    const std::size_t folder = file.path.find_last_of('/') + 1;
+    html << "<header><h2><span class=\"sub\">" << Text(std::string_view(file.path).substr(0, folder)) << "</span>"
+         << Text(std::string_view(file.path).substr(folder)) << "</h2><p class=\"outcome\">";
     writeVerdict(html, file.verdict);
     html << " ";
     writeCounts(html, file.counts);
     html << "</p>\n<dl>";
+    writeItem(html, "Kind", extensionOf(file.kind).substr(1));
     writeItem(html, "IBIS version", file.version.value_or(""));
     const Hdr* const header = headerOf(part.root);
     if (header != nullptr) {

@@ -48,10 +48,9 @@ public:
                             {TextAttribute("data-y"), Text(spanData(frame_.y, plot_.y))}});
         describe();
         axes();
-        html_ << "<svg class=\"d\" x=\"50\" y=\"20\" width=\"420\" height=\"240\" viewBox=\"0 0 6000 4000\" "
-                 "preserveAspectRatio=\"none\">";
+        html_ << "<g class=\"c\"><g class=\"d\" transform=\"translate(50 20)scale(.07 .06)\">";
         lines();
-        html_ << "</svg>";
+        html_ << "</g></g>";
         labels();
         marks();
         html_ << "</svg>";
@@ -177,7 +176,8 @@ private:
             if (rule.label.empty() || !(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
             text_.clear();
             if (rule.upright) {
-                const double at = acrossOf(rule.at);
+                const double room = 3.3 * static_cast<double>(rule.label.size());
+                const double at = std::min(acrossOf(rule.at), 479 - room);
                 if (!isFree(taken_across, at, 62)) continue;
                 appendCoordinate(text_, at);
                 html_.begin("text", {{"class", Literal("lr")},

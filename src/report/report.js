@@ -256,13 +256,20 @@
     }
     const wide = FRAME.width / (x.high - x.low);
     const high = FRAME.height / (y.high - y.low);
-    plot.querySelector(".d").setAttribute("viewBox", [(view.x.low - x.low) * wide, (y.high - view.y.high) * high,
-      (view.x.high - view.x.low) * wide, (view.y.high - view.y.low) * high].join(" "));
+    const scaleX = BOX.width / ((view.x.high - view.x.low) * wide);
+    const scaleY = BOX.height / ((view.y.high - view.y.low) * high);
+    plot.querySelector(".d").setAttribute("transform",
+      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + " " +
+      (BOX.top - (y.high - view.y.high) * high * scaleY) + ")scale(" + scaleX + " " + scaleY + ")");
     const place = (element, name, at, low, size) => {
       element.setAttribute(name, at);
       element.style.display = at < low - 1 || at > low + size + 1 ? "none" : "";
     };
-    all(plot, ".lr").forEach((label) => place(label, "x", across(state, Number(label.dataset.x)), BOX.left, BOX.width));
+    for (const label of all(plot, ".lr")) {
+      const at = across(state, Number(label.dataset.x));
+      place(label, "x", at, BOX.left, BOX.width);
+      label.setAttribute("x", Math.min(at, 479 - 3.3 * label.textContent.length));
+    }
     all(plot, ".lh").forEach((label) => place(label, "y", down(state, Number(label.dataset.y)) - 3, BOX.top, BOX.height));
     for (const mark of all(plot, ".mark > g")) {
       const [markX, markY] = mark.dataset.at.split(" ").map(Number);
@@ -470,7 +477,9 @@
   all(document, ".long").forEach(makeLong);
   all(document, "figure.matrix").forEach(makeMatrix);
   all(document, "svg.plot").forEach((plot) => plot.setAttribute("tabindex", "0"));
-  document.body.append(spoken);
+  document.body.append(spoken, draw("svg", { width: 0, height: 0, style: "position:absolute", "aria-hidden": "true" },
+    draw("clipPath", { id: "frame" },
+      draw("rect", { x: BOX.left - 1, y: BOX.top - 1, width: BOX.width + 2, height: BOX.height + 2 }))));
   window.addEventListener("hashchange", reach);
   reach();
 

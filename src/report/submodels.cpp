@@ -25,11 +25,11 @@ void writeSubmodels(const PartContext& part) {
     writeHeading(part, PageSection::submodels);
     for (const SubMdl* const submodel : inFileOrder(part.root.submodels)) {
         html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(submodel))});
-        html << "<h4>" << Text(submodel->name) << "</h4><p class=\"sub\">" << Text(typeText(submodel->type)) << "</p>";
+        html << "<h4>" << Text(submodel->name) << "</h4><div class=\"values\"><p class=\"sub\">"
+             << Text(typeText(submodel->type)) << "</p>";
         writeFindingLinks(part, *submodel);
-        html << "<div class=\"values\">";
         {
-            CornerTable table(html, "");
+            CornerTable table(html, "Values");
             const SmSpec& spec = *submodel->tables->spec;
             table.row("V_trigger_r", spec.v_trigger_r, "V");
             table.row("V_trigger_f", spec.v_trigger_f, "V");
