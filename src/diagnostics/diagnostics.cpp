@@ -69,21 +69,6 @@ void appendArg(std::string& text, char letter, const Arg& arg) {
     }
 }
 
-void format(std::string& text, std::string_view format, std::span<const Arg> args) {
-    text.clear();
-    std::size_t used = 0;
-    std::size_t from = 0;
-    for (std::size_t at = format.find('%'); at != std::string_view::npos && used < args.size();
-         at = format.find('%', from)) {
-        text.append(format, from, at - from);
-        appendArg(text, format[at + 1], args[used++]);
-        from = at + 2;
-    }
-    text.append(format, from);
-    // A text ends at its first NUL, which one message uses to leave out a plural's letter.
-    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
-}
-
 /// What is ahead of a message, of bounded length and so without a text of its own.
 class Head {
 public:
@@ -220,15 +205,30 @@ void printFinding(Output& out, const Finding& finding, TextForm text_form) {
     out.write("\n");
 }
 
+void formatText(std::string& text, std::string_view format, std::span<const Arg> args) {
+    text.clear();
+    std::size_t used = 0;
+    std::size_t from = 0;
+    for (std::size_t at = format.find('%'); at != std::string_view::npos && used < args.size();
+         at = format.find('%', from)) {
+        text.append(format, from, at - from);
+        appendArg(text, format[at + 1], args[used++]);
+        from = at + 2;
+    }
+    text.append(format, from);
+    // A text ends at its first NUL, which one message uses to leave out a plural's letter.
+    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
+}
+
 void reportRow(Diagnostics& diagnostics, Severity severity, std::size_t row, std::span<const Arg> args) {
     if (silenced(diagnostics, severity)) return;
-    format(diagnostics.text, kCatalog[row].text, args);
+    formatText(diagnostics.text, kCatalog[row].text, args);
     report(diagnostics, severity, FindingCode{CodeFamily::message, kCatalog[row].code});
 }
 
 void reportText(Diagnostics& diagnostics, Severity severity, std::string_view text, std::span<const Arg> args) {
     if (silenced(diagnostics, severity)) return;
-    format(diagnostics.text, text, args);
+    formatText(diagnostics.text, text, args);
     report(diagnostics, severity, std::nullopt);
 }
 

@@ -117,6 +117,9 @@ void printFinding(Output& out, const Finding& finding, TextForm form = TextForm:
 [[nodiscard]] std::string_view colorOf(Level level);
 inline constexpr std::string_view kColorOff = "\x1b[0m";
 
+/// Fills in a message text; what `text` held before is gone.
+void formatText(std::string& text, std::string_view format, std::span<const Arg> args);
+
 /// Formats row `row` of the catalog, counts it and hands it on, unless its class is silenced.
 void reportRow(Diagnostics& diagnostics, Severity severity, std::size_t row, std::span<const Arg> args);
 

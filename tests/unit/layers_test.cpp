@@ -38,8 +38,9 @@ const std::map<std::string, Names>& allowed() {
         {"package", kReading},
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
-        {"main",
-         kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis", "findings"})},
+        {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                  "findings", "quality"})},
     };
     return kAllowed;
 }
