@@ -43,8 +43,8 @@ double movementFrom(std::span<const Point> points, double time) {
     return high - low;
 }
 
-/// The rate of the middle of the edge: from the last crossing of 20 % ahead of the first one of 80 % to that.
-GivenValue rateOf(std::span<const Point> points, double swing) {
+/// The middle of the edge, where it has one.
+std::optional<WaveMiddle> middleOf(std::span<const Point> points, double swing) {
     constexpr double kLow = 0.2;
     constexpr double kHigh = 0.8;
     const double first = points.front().y;
@@ -62,10 +62,15 @@ GivenValue rateOf(std::span<const Point> points, double swing) {
         if (!crosses(a, b, high)) continue;
         const double time = timeAt(a, b, high) - low_time;
         if (!(time > 0.0)) return {};
-        const double rate = (kHigh - kLow) * std::fabs(swing) / time;
-        return std::isfinite(rate) ? GivenValue(rate) : GivenValue();
+        return WaveMiddle{{low_time, low}, {low_time + time, high}};
     }
     return {};
+}
+
+/// The rate of the middle.
+GivenValue rateOf(const WaveMiddle& middle) {
+    const double rate = std::fabs(middle.high.y - middle.low.y) / (middle.high.x - middle.low.x);
+    return std::isfinite(rate) ? GivenValue(rate) : GivenValue();
 }
 
 } // namespace
@@ -101,7 +106,8 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
     }
     wave.dead_time = timeInBand(points, kStays * wave.size());
     wave.late_movement = movementFrom(points, points.back().x - kEnd * wave.duration);
-    wave.rate = rateOf(points, wave.swing());
+    wave.middle = middleOf(points, wave.swing());
+    if (wave.middle) wave.rate = rateOf(*wave.middle);
     return wave;
 }
 
