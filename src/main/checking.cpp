@@ -56,7 +56,7 @@ struct Job {
     FindingLog log{};  ///< what could not be reported yet
     std::string last_printed{};
     FileOutcome outcome{};
-    std::vector<std::string> files{};  ///< all that were read, where a baseline wants to know
+    std::vector<std::string> files{};   ///< all that were read, where a baseline wants to know
     std::unique_ptr<ReportPart> part{}; ///< of the report, where one is wanted
 
     [[nodiscard]] std::size_t size() const {

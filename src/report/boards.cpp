@@ -87,8 +87,8 @@ void writeBoards(const PartContext& part) {
                              "<th scope=\"col\">Component</th>"},
                             true);
             for (const EbdRefDes& entry : board->refdes_map)
-                table.row(std::array{TableCell{entry.designator}, TableCell{entry.file_name},
-                                     TableCell{entry.component}});
+                table.row(
+                    std::array{TableCell{entry.designator}, TableCell{entry.file_name}, TableCell{entry.component}});
         }
         if (!board->paths.empty()) {
             LongTable table(html, "Paths", board->paths.size(),

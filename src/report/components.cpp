@@ -1,6 +1,6 @@
 #include "ibis/run.hpp"
-#include "report/sections.hpp"
 #include "report/quantity.hpp"
+#include "report/sections.hpp"
 #include "report/tables.hpp"
 
 namespace kestrel {
@@ -13,9 +13,9 @@ std::string partnerOf(const Cmpnt& component, std::string_view pin) {
     const DiffPins& pairs = *component.diff_pins;
     std::string text;
     if (const DifPin* const pair = pairs.rows.find(pin)) {
-        text.assign("+ of ").append(pair->inv_pin);
+        text.append("+ of ").append(pair->inv_pin);
     } else if (const DifPin* const inverted = pairs.inv_pin_index.find(pairs.rows.rows(), pin)) {
-        text.assign(kMinus).append(" of ").append(inverted->pin);
+        text.append(kMinus).append(" of ").append(inverted->pin);
     }
     return text;
 }
@@ -51,13 +51,13 @@ void writePins(const PartContext& part, const Cmpnt& component) {
     constexpr std::size_t kMostOpen = 64;
     const bool has_pairs = component.diff_pins && !component.diff_pins->rows.empty();
     const bool has_buses = component.pin_mapping && !component.pin_mapping->rows.empty();
-    LongTable table(part.html, "Pins", component.pins.size(),
-                    {"<th scope=\"col\">Pin</th>", "<th scope=\"col\">Signal</th>",
-                     "<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">R</th>",
-                     "<th scope=\"col\">L</th>", "<th scope=\"col\">C</th>",
-                     has_pairs ? Markup("<th scope=\"col\">Pair</th>") : Markup(""),
-                     has_buses ? Markup("<th scope=\"col\">Buses</th>") : Markup("")},
-                    component.pins.size() <= kMostOpen);
+    LongTable table(
+        part.html, "Pins", component.pins.size(),
+        {"<th scope=\"col\">Pin</th>", "<th scope=\"col\">Signal</th>", "<th scope=\"col\" class=\"link\">Model</th>",
+         "<th scope=\"col\">R</th>", "<th scope=\"col\">L</th>", "<th scope=\"col\">C</th>",
+         has_pairs ? Markup("<th scope=\"col\">Pair</th>") : Markup(""),
+         has_buses ? Markup("<th scope=\"col\">Buses</th>") : Markup("")},
+        component.pins.size() <= kMostOpen);
     std::string r;
     std::string l;
     std::string c;

@@ -98,7 +98,8 @@ private:
 /// An attribute of an element.
 class Attribute {
 public:
-    constexpr Attribute(MarkupName name, Literal value) : name_(name.text()), kind_(Kind::literal), text_(value.text()) {}
+    constexpr Attribute(MarkupName name, Literal value)
+        : name_(name.text()), kind_(Kind::literal), text_(value.text()) {}
     constexpr Attribute(TextAttribute name, Text value) : name_(name.text()), kind_(Kind::text), text_(value.text()) {}
     constexpr Attribute(TextAttribute name, std::int64_t value)
         : name_(name.text()), kind_(Kind::number), number_(value) {}
@@ -137,8 +138,7 @@ public:
         return *this;
     }
     template <std::integral Number>
-        requires(!std::same_as<Number, bool> && !std::same_as<Number, char>)
-    Html& operator<<(Number number) {
+    requires(!std::same_as<Number, bool> && !std::same_as<Number, char>) Html& operator<<(Number number) {
         writeNumber(static_cast<std::int64_t>(number));
         return *this;
     }

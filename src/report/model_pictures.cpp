@@ -181,7 +181,8 @@ private:
         if (!between_rails.given || driver < kNoCurrent || most < kMuchMore * driver) return;
         plot.shown_y.include(std::max(all.low, -kRoom * driver));
         plot.shown_y.include(std::min(all.high, kRoom * driver));
-        plot.note = "cut above " + quantityText(kRoom * driver, "A", 2);
+        plot.note = "cut above ";
+        appendQuantity(plot.note, kRoom * driver, "A", 2);
     }
 
     struct Levels {
@@ -232,7 +233,7 @@ private:
     static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
         if (!level || !canBeDrawn(*level)) return;
         std::string label;
-        if (corner == Corner::typ) label = levelText(*level).insert(0, word);
+        if (corner == Corner::typ) label.append(word).append(levelText(*level));
         plot.rules.push_back(
             {.kind = Rule::Kind::level, .upright = false, .at = *level, .label = std::move(label), .corner = corner});
     }
@@ -251,9 +252,8 @@ private:
         const double volts = (*rate)[corner].dv.value() / 2.0 * (edge == Edge::rising ? 1.0 : -1.0);
         const double seconds = (*rate)[corner].dt / 2.0;
         const Point center{(middle.low.x + middle.high.x) / 2.0, (middle.low.y + middle.high.y) / 2.0};
-        plot.lines.push_back({corner,
-                              {{center.x - seconds, center.y - volts}, {center.x + seconds, center.y + volts}},
-                              true});
+        plot.lines.push_back(
+            {corner, {{center.x - seconds, center.y - volts}, {center.x + seconds, center.y + volts}}, true});
     }
 
     void addThresholds(Plot& plot) const {
@@ -264,9 +264,9 @@ private:
         const TypicalValues values = typicalValuesOf(model_);
         const bool receives = kReceivingTypes.has(model_.type());
         const GivenValue none;
-        for (const Threshold& threshold : {Threshold{"Vinh ", receives ? values.vinh : none},
-                                           Threshold{"Vinl ", receives ? values.vinl : none},
-                                           Threshold{"Vmeas ", values.vmeas}}) {
+        for (const Threshold& threshold :
+             {Threshold{"Vinh ", receives ? values.vinh : none}, Threshold{"Vinl ", receives ? values.vinl : none},
+              Threshold{"Vmeas ", values.vmeas}}) {
             if (!threshold.value || !canBeDrawn(*threshold.value)) continue;
             std::string label(threshold.word);
             appendQuantity(label, *threshold.value, "V", 4);
@@ -299,11 +299,9 @@ private:
     void writeResistances() {
         CornerTable table(part_.html, "Output");
         if (physics_.drivesLow())
-            row(table, "R low at Vcc/2",
-                [&](Corner corner) { return resistanceText(TableKind::pulldown, corner); });
+            row(table, "R low at Vcc/2", [&](Corner corner) { return resistanceText(TableKind::pulldown, corner); });
         if (physics_.drivesHigh())
-            row(table, "R high at Vcc/2",
-                [&](Corner corner) { return resistanceText(TableKind::pullup, corner); });
+            row(table, "R high at Vcc/2", [&](Corner corner) { return resistanceText(TableKind::pullup, corner); });
         for (const Waveform& waveform : waveforms_)
             (void)levelsOf(*waveform.record);
         for (const auto& [waveform, levels] : levels_) {
@@ -311,8 +309,8 @@ private:
             const auto text_of = [](const PerCorner<std::optional<double>>& level) {
                 return [&level](Corner corner) { return level[corner] ? levelText(*level[corner]) : std::string(); };
             };
-            row(table, "Low" + fixture, text_of(levels.low));
-            row(table, "High" + fixture, text_of(levels.high));
+            row(table, std::string("Low").append(fixture), text_of(levels.low));
+            row(table, std::string("High").append(fixture), text_of(levels.high));
         }
     }
 
@@ -321,7 +319,7 @@ private:
         for (const Waveform& waveform : waveforms_) {
             const std::string title =
                 waveformTitle(waveform.edge == Edge::rising ? "Rising" : "Falling", *waveform.record);
-            row(table, title + ": swing", [&](Corner corner) {
+            row(table, std::string(title).append(": swing"), [&](Corner corner) {
                 const WaveCorner& wave = waveform.corners[corner];
                 return wave.given && canBeDrawn(wave.size()) ? quantityText(wave.size(), "V", 3) : std::string();
             });

@@ -117,8 +117,7 @@ constexpr auto kElements = std::to_array<Named<GivenRange SeriesBlock::*>>({
 });
 
 /// Rows for the members of a record.
-template <class Names, class Record>
-void writeRows(CornerTable& table, const Names& rows, const Record& record) {
+template <class Names, class Record> void writeRows(CornerTable& table, const Names& rows, const Record& record) {
     for (const auto& row : rows)
         table.row(row.name, record.*row.member, row.unit);
 }
@@ -208,7 +207,8 @@ std::string kindOf(const Mdl& model) {
 void writeModel(const PartContext& part, const Mdl& model) {
     Html& html = part.html;
     html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(&model))});
-    html << "<h4>" << Text(model.name) << "</h4><div class=\"values\"><p class=\"sub\">" << Text(kindOf(model)) << "</p>";
+    html << "<h4>" << Text(model.name) << "</h4><div class=\"values\"><p class=\"sub\">" << Text(kindOf(model))
+         << "</p>";
     writeFindingLinks(part, model);
     writeParts(part, model);
     writeValues(part, model);
@@ -237,11 +237,11 @@ std::string tablesOf(const Mdl& model) {
 }
 
 void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) {
-    LongTable table(part.html, "List of models", models.size(),
-                    {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>",
-                     "<th scope=\"col\">Supply</th>", "<th scope=\"col\">C_comp</th>", "<th scope=\"col\">Tables</th>",
-                     "<th scope=\"col\">Findings</th>"},
-                    true);
+    LongTable table(
+        part.html, "List of models", models.size(),
+        {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>", "<th scope=\"col\">Supply</th>",
+         "<th scope=\"col\">C_comp</th>", "<th scope=\"col\">Tables</th>", "<th scope=\"col\">Findings</th>"},
+        true);
     for (const Mdl* const model : models) {
         const Anchor* const place = part.anchors.find(model);
         const Rng* const supply = findRange(*model, MdlRange::voltageRange);
@@ -250,9 +250,12 @@ void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) 
         const std::string tables = tablesOf(*model);
         const std::size_t count = part.findings.about(place).size();
         const std::string findings = count == 0 ? std::string() : std::to_string(count);
-        const std::array<TableCell, 6> cells{TableCell{model->name, place}, {modelTypeText(model->type())},
-                                             {supply_text},                 {capacitance},
-                                             {tables},                      {findings}};
+        const std::array<TableCell, 6> cells{TableCell{model->name, place},
+                                             {modelTypeText(model->type())},
+                                             {supply_text},
+                                             {capacitance},
+                                             {tables},
+                                             {findings}};
         table.row(cells);
     }
 }

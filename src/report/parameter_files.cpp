@@ -125,8 +125,7 @@ bool writeTree(const PartContext& part, std::string_view name, std::string_view 
     part.html << "<ul class=\"tree\">";
     writer.write(outline.nodes.front().text, 0);
     part.html << "</ul>";
-    if (writer.isCut())
-        part.html << "<p class=\"none\">The first " << kMostNodes << " branches are shown.</p>";
+    if (writer.isCut()) part.html << "<p class=\"none\">The first " << kMostNodes << " branches are shown.</p>";
     return true;
 }
 

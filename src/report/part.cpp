@@ -179,10 +179,10 @@ void writeCounts(Html& html, const FindingCounts& counts) {
         std::string_view many;
     };
     bool any = false;
-    for (const Class& row : {Class{counts.bugs, "error", "bug", "bugs"}, Class{counts.errors, "error", "error", "errors"},
-                             Class{counts.warnings, "warning", "warning", "warnings"},
-                             Class{counts.notes, "note", "note", "notes"},
-                             Class{counts.advice, "advice", "advice", "advice"}}) {
+    for (const Class& row :
+         {Class{counts.bugs, "error", "bug", "bugs"}, Class{counts.errors, "error", "error", "errors"},
+          Class{counts.warnings, "warning", "warning", "warnings"}, Class{counts.notes, "note", "note", "notes"},
+          Class{counts.advice, "advice", "advice", "advice"}}) {
         if (row.count == 0) continue;
         html.begin("span", {{"class", row.name}});
         html << "<span class=\"level\">" << row.count << " " << Text(row.count == 1 ? row.one : row.many)

@@ -17,10 +17,10 @@ struct Run;
 
 /// What is known of a file when its part of the page is written.
 struct FilePart {
-    std::uint32_t number;                  ///< from 1 in the order of the call
-    std::string path;                      ///< as the call names it
+    std::uint32_t number; ///< from 1 in the order of the call
+    std::string path;     ///< as the call names it
     FileKind kind;
-    std::optional<std::string> version;    ///< as the file gives it
+    std::optional<std::string> version; ///< as the file gives it
     Verdict verdict;
     FindingCounts counts;                  ///< of all findings
     std::filesystem::file_time_type begun; ///< when the check began; what was changed since is not read again

@@ -33,7 +33,10 @@ void addMark(Plot& plot, const ShownFinding& finding, double x) {
 
 /// Findings about a table name it so, or in brackets.
 bool names(std::string_view text, std::string_view label) {
-    return text.starts_with(label) || text.find("[" + std::string(label) + "]") != std::string_view::npos;
+    if (text.starts_with(label)) return true;
+    const std::size_t bracket = text.find('[');
+    const std::string_view rest = bracket == std::string_view::npos ? std::string_view() : text.substr(bracket + 1);
+    return rest.starts_with(label) && rest.substr(label.size()).starts_with(']');
 }
 
 } // namespace
@@ -158,9 +161,10 @@ std::string fixtureNote(const Wvfrm& waveform) {
 }
 
 void writeLegend(Html& html) {
-    html << "<p class=\"legend\"><svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 4h28\"/></svg> "
-            "typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 4h28\"/></svg> min "
-            "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
+    html
+        << "<p class=\"legend\"><svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 4h28\"/></svg> "
+           "typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 4h28\"/></svg> min "
+           "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
 }
 
 } // namespace kestrel

@@ -22,16 +22,15 @@ void appendCoordinate(std::string& text, double value) {
     std::array<char, 40> room{};
     const double tenths = std::round(std::clamp(value, -1e6, 1e6) * 10.0);
     const bool whole = std::fmod(tenths, 10.0) == 0.0;
-    const auto end = std::to_chars(room.data(), room.data() + room.size(), tenths / 10.0, std::chars_format::fixed,
-                                   whole ? 0 : 1);
+    const auto end =
+        std::to_chars(room.data(), room.data() + room.size(), tenths / 10.0, std::chars_format::fixed, whole ? 0 : 1);
     text.append(room.data(), end.ptr);
 }
 
 /// A number as the script reads it.
 void appendData(std::string& text, double value) {
     std::array<char, 40> room{};
-    const auto end =
-        std::to_chars(room.data(), room.data() + room.size(), value, std::chars_format::general, 8);
+    const auto end = std::to_chars(room.data(), room.data() + room.size(), value, std::chars_format::general, 8);
     text.append(room.data(), end.ptr);
 }
 
@@ -118,7 +117,8 @@ private:
     void lines() {
         for (const Rule& rule : plot_.rules) {
             if (!(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
-            text_.assign("M");
+            text_.clear();
+            text_.push_back('M');
             if (rule.upright) {
                 appendStep(text_, static_cast<std::int32_t>(std::lrint(frame_.acrossOf(rule.at))));
                 text_.append(" 0v4000");
@@ -207,7 +207,8 @@ private:
         for (const PlotMark& mark : plot_.marks) {
             const double across = std::clamp(acrossOf(mark.at.x), kLeft, kRight);
             const double down = std::clamp(downOf(mark.at.y), kTop, kBottom);
-            text_.assign("translate(");
+            text_.clear();
+            text_.append("translate(");
             appendCoordinate(text_, across);
             text_.push_back(' ');
             appendCoordinate(text_, down);

@@ -15,9 +15,9 @@ struct ShownFinding {
     Level level;
     std::optional<FindingCode> code;
     std::uint32_t line;
-    bool exact;         ///< it names the line itself
-    std::string file;   ///< empty for the file that is reported
-    std::string about;  ///< such as "model dq_io"; empty when it is about no record
+    bool exact;        ///< it names the line itself
+    std::string file;  ///< empty for the file that is reported
+    std::string about; ///< such as "model dq_io"; empty when it is about no record
     std::string text;
     std::optional<Anchor> place; ///< of what it is about
     Anchor anchor;               ///< of itself

@@ -37,7 +37,8 @@ SourceLines readLines(const std::string& path, const std::vector<std::uint32_t>&
         const char* at = window.data();
         const char* const end = at + size;
         while (at != end && next != wanted.end()) {
-            const auto* const feed = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+            const auto* const feed =
+                static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
             const char* const stop = feed != nullptr ? feed : end;
             if (number == *next) append(line, at, static_cast<std::size_t>(stop - at));
             at = stop;

@@ -27,8 +27,8 @@ LongTable::LongTable(Html& html, Markup summary, std::size_t rows, std::initiali
         html_ << "<details class=\"fold\">";
     }
     html_ << "<summary>" << summary << " (" << Text(countText(rows)) << ")</summary>";
-    html_.begin("div", {{"class", Literal("wide long")},
-                        {TextAttribute("data-rows"), static_cast<std::int64_t>(rows)}});
+    html_.begin("div",
+                {{"class", Literal("wide long")}, {TextAttribute("data-rows"), static_cast<std::int64_t>(rows)}});
     html_ << "<table><thead><tr>";
     for (const Markup& cell : head)
         html_ << cell;

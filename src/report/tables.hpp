@@ -17,8 +17,8 @@ struct TableCell {
     const Anchor* link = nullptr;
 };
 
-/// A table that may have a million rows. The first ones are rows of the page; the others follow as plain lines, of which
-/// the script makes rows when somebody wants to see them.
+/// A table that may have a million rows. The first ones are rows of the page; the others follow as plain lines, of
+/// which the script makes rows when somebody wants to see them.
 class LongTable {
 public:
     /// `head` are the cells of the heading. At most one column has links; it is that of class "link".
