@@ -79,7 +79,8 @@ void writeBoards(const PartContext& part) {
     writeHeading(part, PageSection::boards);
     for (const EbdMdl* const board : inFileOrder(part.root.board_descriptions)) {
         html.begin("section", {{"class", Literal("board")}, Attribute::id(*part.anchors.find(board))});
-        html << "<h4>" << Text(board->name) << "</h4><p class=\"sub\">" << Text(board->manufacturer) << "</p>";
+        writeName(part, board->name);
+        part.html << "<p class=\"sub\">" << Text(board->manufacturer) << "</p>";
         writeFindingLinks(part, *board);
         if (!board->refdes_map.empty()) {
             LongTable table(html, "Mounted", board->refdes_map.size(),

@@ -116,7 +116,7 @@ void writePackage(const PartContext& part, const Cmpnt& component) {
 void writeComponent(const PartContext& part, const Cmpnt& component) {
     Html& html = part.html;
     html.begin("section", {{"class", Literal("component")}, Attribute::id(*part.anchors.find(&component))});
-    html << "<h4>" << Text(component.name) << "</h4>";
+    writeName(part, component.name);
     if (!component.manufacturer.empty()) html << "<p class=\"sub\">" << Text(component.manufacturer) << "</p>";
     writeFindingLinks(part, component);
     writePackage(part, component);

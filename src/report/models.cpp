@@ -207,8 +207,8 @@ std::string kindOf(const Mdl& model) {
 void writeModel(const PartContext& part, const Mdl& model) {
     Html& html = part.html;
     html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(&model))});
-    html << "<h4>" << Text(model.name) << "</h4><div class=\"values\"><p class=\"sub\">" << Text(kindOf(model))
-         << "</p>";
+    writeName(part, model.name);
+    part.html << "<div class=\"values\"><p class=\"sub\">" << Text(kindOf(model)) << "</p>";
     writeFindingLinks(part, model);
     writeParts(part, model);
     writeValues(part, model);

@@ -184,8 +184,8 @@ void writePackageModels(const PartContext& part) {
     writeHeading(part, PageSection::packages);
     for (const PkgMdl* const package : inFileOrder(part.root.package_models)) {
         html.begin("section", {{"class", Literal("package")}, Attribute::id(*part.anchors.find(package))});
-        html << "<h4>" << Text(package->name) << "</h4><p class=\"sub\">" << Text(package->manufacturer) << " "
-             << Text(package->description) << "</p>";
+        writeName(part, package->name);
+        part.html << "<p class=\"sub\">" << Text(package->manufacturer) << " " << Text(package->description) << "</p>";
         if (package->file != nullptr && *package->file != part.path)
             html << "<p class=\"sub\">read from " << Text(*package->file) << "</p>";
         writeFindingLinks(part, *package);

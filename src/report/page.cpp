@@ -42,7 +42,7 @@ Page::Page(Output& out, std::string_view title, std::string_view program) : out_
     out_.write("<style>\n");
     out_.write(kReportStyle);
     out_.write("</style>\n");
-    html_ << "</head>\n<body>\n<main>\n";
+    html_ << "</head>\n<body>\n<main>\n<h1 class=\"unseen\">" << Text(title) << "</h1>\n";
 }
 
 void Page::fileEnds(std::uint32_t number, std::string_view path, Verdict verdict, const FindingCounts& counts) {

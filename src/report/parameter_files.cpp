@@ -61,7 +61,7 @@ public:
 
 private:
     void writeHead(const Token& name, std::string_view texts) {
-        html_ << "<b>" << Text(name.isText() ? shortened(name.text) : std::string_view()) << "</b>";
+        if (name.isText() && !name.text.empty()) html_ << "<b>" << Text(shortened(name.text)) << "</b>";
         if (!texts.empty()) html_ << " " << Text(shortened(texts));
     }
 
@@ -130,7 +130,8 @@ bool writeTree(const PartContext& part, std::string_view name, std::string_view 
 }
 
 void writeFile(const PartContext& part, std::string_view name, std::string_view directory) {
-    part.html << "<section class=\"parameters\"><h4>" << Text(name) << "</h4>";
+    part.html << "<section class=\"parameters\">";
+    writeName(part, name);
     if (!writeTree(part, name, directory))
         part.html << "<p class=\"none\">It could not be read as a tree of parameters.</p>";
     part.html << "</section>\n";

@@ -50,8 +50,18 @@ Anchor anchorOf(const PartContext& part, PageSection section) {
     return part.anchors.numbered('h', static_cast<std::uint32_t>(section) + 1);
 }
 
-void writeItem(Html& html, Markup name, std::string_view value) {
-    if (!value.empty()) html << "<dt>" << name << "</dt><dd>" << Text(value) << "</dd>\n";
+struct Item {
+    Markup name;
+    std::string_view text;
+};
+
+/// A list of names with their texts, of which those that are empty are left out.
+void writeItems(Html& html, std::initializer_list<Item> items) {
+    if (std::ranges::all_of(items, [](const Item& item) { return item.text.empty(); })) return;
+    html << "<dl>";
+    for (const auto& [name, text] : items)
+        if (!text.empty()) html << "<dt>" << name << "</dt><dd>" << Text(text) << "</dd>\n";
+    html << "</dl>\n";
 }
 
 void writeLongText(Html& html, Markup name, const std::optional<std::string>& text) {
@@ -87,22 +97,24 @@ void writeHead(const PartContext& part, const FilePart& file) {
     writeVerdict(html, file.verdict);
     html << " ";
     writeCounts(html, file.counts);
-    html << "</p>\n<dl>";
-    writeItem(html, "Kind", extensionOf(file.kind).substr(1));
-    writeItem(html, "IBIS version", file.version.value_or(""));
-    const Hdr* const header = headerOf(part.root);
-    if (header != nullptr) {
-        writeItem(html, "File name", header->file_name);
-        writeItem(html, "Revision", header->file_rev);
-        writeItem(html, "Date", header->date);
-        writeItem(html, "Source", header->source.value_or(""));
-    }
-    writeItem(html, "Components", componentNames(part.root));
-    html << "</dl>\n";
-    if (header != nullptr) {
-        writeLongText(html, "Notes", header->notes);
-        writeLongText(html, "Disclaimer", header->disclaimer);
-        writeLongText(html, "Copyright", header->copyright);
+    html << "</p>\n";
+    const std::string components = componentNames(part.root);
+    const Hdr none;
+    const Hdr* const found = headerOf(part.root);
+    const Hdr& header = found != nullptr ? *found : none;
+    writeItems(html, {{"IBIS version", file.version ? std::string_view(*file.version) : std::string_view()},
+                      {"File name", header.file_name},
+                      {"Revision", header.file_rev},
+                      {"Date", header.date},
+                      {"Source", header.source ? std::string_view(*header.source) : std::string_view()},
+                      {"Components", components}});
+    writeLongText(html, "Notes", header.notes);
+    writeLongText(html, "Disclaimer", header.disclaimer);
+    writeLongText(html, "Copyright", header.copyright);
+    const auto is_there = [&](const SectionRow& row) { return row.is_there(part); };
+    if (std::ranges::none_of(kSections, is_there)) {
+        html << "</header>\n";
+        return;
     }
     html << "<nav aria-label=\"Sections\"><ul>";
     for (const SectionRow& row : kSections) {
@@ -128,6 +140,10 @@ void KeptFindings::add(const Finding& finding) {
 void writeHeading(const PartContext& part, PageSection section) {
     part.html.begin("h3", {Attribute::id(anchorOf(part, section))})
         << kSections[static_cast<std::size_t>(section)].title << "</h3>\n";
+}
+
+void writeName(const PartContext& part, std::string_view name) {
+    part.html << "<h4>" << Text(name.empty() ? std::string_view("unnamed") : name) << "</h4>";
 }
 
 void writeFindingLinks(const PartContext& part, const Subject& record) {

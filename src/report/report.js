@@ -306,7 +306,7 @@
     state.at = null;
   };
 
-  const spoken = make("output", { style: "position:absolute;width:1px;height:1px;overflow:hidden;clip-path:inset(50%)" });
+  const spoken = make("output", { class: "unseen" });
 
   const showCursor = (state, value, speak) => {
     const { plot } = state;
@@ -471,7 +471,7 @@
   };
 
   const files = document.getElementById("files");
-  if (files) document.querySelector("main").prepend(files);
+  if (files) document.querySelector("h1").after(files);
   all(document, "table.sortable").forEach(makeSortable);
   all(document, "table.filter").forEach(makeFilter);
   all(document, ".long").forEach(makeLong);

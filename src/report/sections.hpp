@@ -38,6 +38,9 @@ enum class PageSection : std::uint8_t {
 /// Writes the heading of a section, to which the file's head has a link.
 void writeHeading(const PartContext& part, PageSection section);
 
+/// Writes the name of a record as its heading.
+void writeName(const PartContext& part, std::string_view name);
+
 /// Writes links to the findings about a record; nothing when there are none.
 void writeFindingLinks(const PartContext& part, const Subject& record);
 

@@ -9,7 +9,7 @@ void writeSelectors(const PartContext& part) {
     writeHeading(part, PageSection::selectors);
     for (const MSel* const selector : inFileOrder(part.root.model_selectors)) {
         html.begin("section", {{"class", Literal("selector")}, Attribute::id(*part.anchors.find(selector))});
-        html << "<h4>" << Text(selector->name) << "</h4>";
+        writeName(part, selector->name);
         writeFindingLinks(part, *selector);
         if (!selector->entries.empty()) html << "<ol>";
         for (const MSelEntry& entry : selector->entries) {

@@ -25,8 +25,8 @@ void writeSubmodels(const PartContext& part) {
     writeHeading(part, PageSection::submodels);
     for (const SubMdl* const submodel : inFileOrder(part.root.submodels)) {
         html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(submodel))});
-        html << "<h4>" << Text(submodel->name) << "</h4><div class=\"values\"><p class=\"sub\">"
-             << Text(typeText(submodel->type)) << "</p>";
+        writeName(part, submodel->name);
+        part.html << "<div class=\"values\"><p class=\"sub\">" << Text(typeText(submodel->type)) << "</p>";
         writeFindingLinks(part, *submodel);
         {
             CornerTable table(html, "Values");

@@ -49,7 +49,7 @@ class Browser:
             if message["method"] != "Network.requestWillBeSent":
                 continue
             url = message["params"]["request"]["url"].split("#")[0]
-            if url not in (own, "about:blank"):
+            if message["params"]["documentURL"].startswith(own) and url != own:
                 requested.append(url)
         return logged, requested
 

@@ -143,7 +143,7 @@ def outline(node):
     for child in node.children:
         if isinstance(child, str) or child.name in ("head", "script", "footer", "nav"):
             continue
-        if re.fullmatch(r"h[1-6]", child.name):
+        if re.fullmatch(r"h[2-6]", child.name):
             yield f"{child.name} {cleaned(child.text())}"
         elif child.name == "figure":
             yield from picture_lines(child)
@@ -156,7 +156,7 @@ def outline(node):
             text = cleaned(child.text())
             if text:
                 yield f"{child.name}: {text}"
-        else:
+        elif child.name != "h1":
             yield from outline(child)
 
 
