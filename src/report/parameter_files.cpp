@@ -61,7 +61,9 @@ public:
 
 private:
     void writeHead(const Token& name, std::string_view texts) {
-        if (name.isText() && !name.text.empty()) html_ << "<b>" << Text(shortened(name.text)) << "</b>";
+        const bool has_name = name.isText() && !name.text.empty();
+        if (!has_name && texts.empty()) html_ << "( )";
+        if (has_name) html_ << "<b>" << Text(shortened(name.text)) << "</b>";
         if (!texts.empty()) html_ << " " << Text(shortened(texts));
     }
 
