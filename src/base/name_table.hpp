@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/open_slots.hpp"
 #include "base/text_hash.hpp"
 #include "base/text_store.hpp"
 
@@ -53,20 +54,25 @@ public:
 
 private:
     struct Slot {
-        StoredText text; ///< empty in a free slot
+        StoredText text;
         std::uint32_t hash = 0;
+
+        [[nodiscard]] bool isFree() const { return text.empty(); }
     };
 
     [[nodiscard]] StoredText guessed(std::string_view text);
     [[nodiscard]] std::uint32_t hashOf(std::string_view text) const {
         return static_cast<std::uint32_t>(seed_.hashOf(text));
     }
-    [[nodiscard]] std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
-    void grow();
+    struct IsOf {
+        std::string_view text;
+        std::uint32_t hash;
+        bool operator()(const Slot& slot) const { return slot.hash == hash && slot.text == text; }
+    };
 
     HashSeed seed_;
     TextStore texts_;
-    std::vector<Slot> slots_;                 // a power of two, at most half of them taken
+    OpenSlots<Slot> slots_;
     std::vector<StoredText> texts_by_number_; // from that of number 1 on
     std::size_t guess_ = 0;                   // place in the list behind the name that was entered last
 };

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "base/open_slots.hpp"
 #include "base/text_hash.hpp"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
-#include <vector>
 
 namespace kestrel {
 
@@ -16,14 +14,14 @@ class NumberIndex {
 public:
     /// The place that belongs to the number, or 0.
     [[nodiscard]] std::uint32_t find(std::uint32_t number) const {
-        return slots_.empty() ? 0 : slots_[slotOf(number)].place;
+        return slots_.empty() ? 0 : slots_.at(hashOf(number), IsOf{number}).place;
     }
 
     /// The place that belongs to the number, to be set; 0 where it is new.
     [[nodiscard]] std::uint32_t& at(std::uint32_t number) {
-        if (2 * (taken_ + 1) > slots_.size()) grow();
-        Slot& slot = slots_[slotOf(number)];
-        if (slot.place == 0) {
+        slots_.makeRoom(taken_, [this](const Slot& slot) { return hashOf(slot.number); });
+        Slot& slot = slots_.at(hashOf(number), IsOf{number});
+        if (slot.isFree()) {
             slot.number = number;
             ++taken_;
         }
@@ -33,30 +31,23 @@ public:
 private:
     struct Slot {
         std::uint32_t number = 0;
-        std::uint32_t place = 0; ///< 0 is a free slot
+        std::uint32_t place = 0;
+
+        [[nodiscard]] bool isFree() const { return place == 0; }
     };
 
-    /// The slot that holds the number, or the free one where it belongs.
-    [[nodiscard]] std::size_t slotOf(std::uint32_t number) const {
-        // The seed is an odd factor that nobody knows, so that no file can choose numbers that meet.
-        const std::size_t mask = slots_.size() - 1;
-        std::size_t at = ((number * seed_.value()) >> 32U) & mask;
-        while (slots_[at].place != 0 && slots_[at].number != number) {
-            at = (at + 1) & mask;
-        }
-        return at;
-    }
+    struct IsOf {
+        std::uint32_t number;
+        bool operator()(const Slot& slot) const { return slot.number == number; }
+    };
 
-    void grow() {
-        constexpr std::size_t kSmallest = 16;
-        const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kSmallest, 2 * slots_.size())));
-        for (const Slot& slot : old) {
-            if (slot.place != 0) slots_[slotOf(slot.number)] = slot;
-        }
+    /// The seed is an odd factor that nobody knows, so that no file can choose numbers that meet.
+    [[nodiscard]] std::uint32_t hashOf(std::uint32_t number) const {
+        return static_cast<std::uint32_t>((number * seed_.value()) >> 32U);
     }
 
     HashSeed seed_;
-    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    OpenSlots<Slot> slots_;
     std::size_t taken_ = 0;
 };
 

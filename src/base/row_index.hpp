@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/open_slots.hpp"
 #include "base/text_hash.hpp"
 
 #include <algorithm>
@@ -8,8 +9,6 @@
 #include <functional>
 #include <span>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace kestrel {
 
@@ -24,7 +23,8 @@ public:
             const auto at = std::ranges::lower_bound(rows, name, isBefore, Name);
             return at != rows.end() && nameOf(*at) == name ? &*at : nullptr;
         }
-        const std::uint32_t place = slots_[slotOf(rows, name, hashOf(name))].place;
+        const std::uint32_t hash = hashOf(name);
+        const std::uint32_t place = slots_.at(hash, IsOf{rows, name, hash}).place;
         return place == 0 ? nullptr : &rows[place - 1];
     }
 
@@ -50,7 +50,9 @@ public:
 private:
     struct Slot {
         std::uint32_t hash = 0;
-        std::uint32_t place = 0; ///< place in the list counted from 1; 0 is a free slot
+        std::uint32_t place = 0; ///< in the list, counted from 1
+
+        [[nodiscard]] bool isFree() const { return place == 0; }
     };
 
     static std::string_view nameOf(const Row& row) { return std::invoke(Name, row); }
@@ -62,43 +64,26 @@ private:
         return static_cast<std::uint32_t>(seed_.hashOf(name));
     }
 
-    /// The slot that holds the name, or the free one where it belongs.
-    [[nodiscard]] std::size_t slotOf(std::span<const Row> rows, std::string_view name, std::uint32_t hash) const {
-        const std::size_t mask = slots_.size() - 1;
-        std::size_t at = hash & mask;
-        while (slots_[at].place != 0 && (slots_[at].hash != hash || nameOf(rows[slots_[at].place - 1]) != name)) {
-            at = (at + 1) & mask;
-        }
-        return at;
-    }
+    struct IsOf {
+        std::span<const Row> rows;
+        std::string_view name;
+        std::uint32_t hash;
+        bool operator()(const Slot& slot) const { return slot.hash == hash && nameOf(rows[slot.place - 1]) == name; }
+    };
 
     bool enter(std::span<const Row> rows, std::size_t place) {
-        if (2 * (taken_ + 1) > slots_.size()) grow();
+        slots_.makeRoom(taken_, [](const Slot& slot) { return slot.hash; });
         const std::string_view name = nameOf(rows[place]);
         const std::uint32_t hash = hashOf(name);
-        Slot& slot = slots_[slotOf(rows, name, hash)];
-        if (slot.place != 0) return false;
+        Slot& slot = slots_.at(hash, IsOf{rows, name, hash});
+        if (!slot.isFree()) return false;
         slot = {hash, static_cast<std::uint32_t>(place + 1)};
         ++taken_;
         return true;
     }
 
-    void grow() {
-        constexpr std::size_t kSmallest = 16;
-        const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kSmallest, 2 * slots_.size())));
-        const std::size_t mask = slots_.size() - 1;
-        for (const Slot& slot : old) {
-            if (slot.place == 0) continue;
-            std::size_t at = slot.hash & mask;
-            while (slots_[at].place != 0) {
-                at = (at + 1) & mask;
-            }
-            slots_[at] = slot;
-        }
-    }
-
     HashSeed seed_;
-    std::vector<Slot> slots_; // a power of two, at most half of them taken; none while the names are in order
+    OpenSlots<Slot> slots_; // none while the names are in order
     std::size_t taken_ = 0;
     bool in_order_ = true;
     bool any_repeated_ = false;

@@ -25,6 +25,21 @@ bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t coun
     return equalsNoCase(a.substr(0, count), b.substr(0, count));
 }
 
+void appendWrapped(std::string& to, std::string_view text, std::size_t width, std::size_t indent) {
+    while (!text.empty()) {
+        std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        const bool is_kept = line.starts_with(' ');
+        do {
+            std::size_t end = is_kept || line.size() + indent <= width ? line.size() : line.rfind(' ', width - indent);
+            if (end == std::string_view::npos) end = std::min(line.find(' '), line.size());
+            if (end > 0) to.append(indent, ' ').append(stripTrailing(line.substr(0, end)));
+            to.push_back('\n');
+            line.remove_prefix(std::min(end + 1, line.size()));
+        } while (!line.empty());
+    }
+}
+
 void lowerCase(std::string& text) { std::ranges::transform(text, text.begin(), toLower); }
 
 void upperCase(std::string& text) { std::ranges::transform(text, text.begin(), toUpper); }

@@ -8,6 +8,8 @@ namespace kestrel {
 
 /// True for the characters that the C library counts as white space.
 constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+/// The characters between the items of a line.
+constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
 constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
@@ -31,6 +33,10 @@ constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' +
 
 /// True when the first `count` characters agree but for case, or both texts end together before that.
 [[nodiscard]] bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t count);
+
+/// Appends `text` in lines of at most `width` characters, each behind `indent` blanks. Its own lines begin anew; one
+/// that begins with a blank is kept as it is, as is a word that is too long.
+void appendWrapped(std::string& to, std::string_view text, std::size_t width, std::size_t indent = 0);
 
 void lowerCase(std::string& text);
 void upperCase(std::string& text);

@@ -1,5 +1,7 @@
 #include "diagnostics/finding_code.hpp"
 
+#include "diagnostics/message.hpp"
+
 #include <charconv>
 
 namespace kestrel {
@@ -22,6 +24,16 @@ std::optional<FindingCode> readFindingCode(std::string_view text) {
     const auto read = std::from_chars(text.data(), end, code.number);
     if (read.ec != std::errc{} || read.ptr != end || code.number == 0) return std::nullopt;
     return code;
+}
+
+std::string generalText(FindingCode code) {
+    if (code.family == CodeFamily::advice) return "An advice.";
+    std::string text(kCatalog[catalogIndex(code.number)].text);
+    for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
+        text.replace(at, 2, "...");
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at))
+        text.replace(at, text.substr(at).starts_with("\n ") ? 2 : 1, " ");
+    return text;
 }
 
 } // namespace kestrel

@@ -1,6 +1,8 @@
 #include "base/text_hash.hpp"
 #include "findings/format.hpp"
 #include "findings/json.hpp"
+#include "topics/topic.hpp"
+#include "topics/topic_forms.hpp"
 
 #include <array>
 #include <cstdint>
@@ -44,16 +46,6 @@ std::string uriOf(std::string_view path) {
         }
     }
     return uri;
-}
-
-/// A catalog text with "..." for what each message fills in.
-std::string descriptionOf(std::optional<FindingCode> code) {
-    if (!code) return "A message without a number.";
-    if (code->family == CodeFamily::advice) return "An advice.";
-    std::string text(kCatalog[catalogIndex(code->number)].text);
-    for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
-        text.replace(at, 2, "...");
-    return text;
 }
 
 /// The FNV-1a hash of texts, which is the same on every machine and in every run.
@@ -183,9 +175,22 @@ private:
         for (const std::optional<FindingCode>& code : codes_) {
             JsonObject rule(rules);
             rule.text("id", ruleOf(CodeText(code)));
-            JsonObject description(rule, "shortDescription");
-            description.text("text", descriptionOf(code));
+            {
+                JsonObject description(rule, "shortDescription");
+                description.text("text", code ? generalText(*code) : "A message without a number.");
+            }
+            if (const Topic* const topic = code ? topicOf(*code) : nullptr) writeTopic(rule, *topic);
         }
+    }
+
+    static void writeTopic(JsonObject& rule, const Topic& topic) {
+        {
+            JsonObject description(rule, "fullDescription");
+            description.text("text", topic.title);
+        }
+        JsonObject help(rule, "help");
+        help.text("text", plainText(topic));
+        help.text("markdown", markdownText(topic));
     }
 
     JsonText text_;

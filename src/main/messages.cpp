@@ -2,22 +2,15 @@
 
 #include "findings/json.hpp"
 #include "findings/message_classes.hpp"
+#include "topics/topic.hpp"
 
-#include <string>
-#include <vector>
+#include <algorithm>
 
 namespace kestrel {
 
 namespace {
 
 constexpr Level kShownLevels[] = {Level::bug, Level::error, Level::warning, Level::note, Level::advice, Level::caution};
-
-std::vector<std::string_view> classesOf(MessageCode code) {
-    std::vector<std::string_view> names;
-    for (const Level level : kShownLevels)
-        if (isReportedAs(code, level)) names.push_back(levelName(level));
-    return names;
-}
 
 /// Calls `use` with every row but the first, which stands in for unknown codes, and those without a text.
 template <class Use> void eachMessage(Use use) {
@@ -37,13 +30,16 @@ void listAsJson(Output& out, const FormatSettings& settings) {
         JsonArray messages(whole, "messages", true);
         eachMessage([&](const MessageRow& row) {
             JsonObject message(messages);
-            message.text("code", CodeText(FindingCode{CodeFamily::message, row.code}).text());
+            const FindingCode code{CodeFamily::message, row.code};
+            message.text("code", CodeText(code).text());
             {
                 JsonArray classes(message, "classes");
-                for (const std::string_view name : classesOf(row.code))
+                for (const std::string_view name : classesOf(code))
                     classes.text(name);
             }
             message.text("text", row.text);
+            const Topic* const topic = topicOf(code);
+            topic != nullptr ? message.text("topic", topic->slug) : message.null("topic");
         });
     }
     out.write("\n");
@@ -59,19 +55,35 @@ std::string shown(std::string_view text) {
 
 } // namespace
 
+std::vector<std::string_view> classesOf(FindingCode code) {
+    if (code.family == CodeFamily::advice) return {levelName(Level::advice)};
+    std::vector<std::string_view> names;
+    for (const Level level : kShownLevels)
+        if (isReportedAs(code.number, level)) names.push_back(levelName(level));
+    return names;
+}
+
+std::string joinedClasses(FindingCode code) {
+    std::string classes;
+    for (const std::string_view name : classesOf(code))
+        classes.append(classes.empty() ? "" : ",").append(name);
+    return classes;
+}
+
 void listMessages(Output& out, FormatKind format, const FormatSettings& settings) {
     if (format == FormatKind::json) return listAsJson(out, settings);
     constexpr std::size_t kClassesWidth = 17;
     std::string line;
     eachMessage([&](const MessageRow& row) {
-        std::string classes;
-        for (const std::string_view name : classesOf(row.code))
-            classes.append(classes.empty() ? "" : ",").append(name);
+        const FindingCode code{CodeFamily::message, row.code};
+        std::string classes = joinedClasses(code);
         if (classes.empty()) classes.push_back('-');
         classes.resize(std::max(classes.size(), kClassesWidth), ' ');
         line.clear();
         appendInteger(line, row.code, 4);
-        out.write(line.append("  ").append(classes).append(" ").append(shown(row.text)).append("\n"));
+        line.append("  ").append(classes).append(" ").append(shown(row.text));
+        if (const Topic* const topic = topicOf(code)) line.append("  [").append(topic->slug).append("]");
+        out.write(line.append("\n"));
     });
 }
 

@@ -5,8 +5,11 @@
 #include "findings/report.hpp"
 #include "main/checking.hpp"
 #include "main/completions.hpp"
+#include "main/explain.hpp"
 #include "main/file_list.hpp"
 #include "main/messages.hpp"
+#include "main/messages_page.hpp"
+#include "main/pager.hpp"
 #include "main/program_versions.hpp"
 #include "main/progress.hpp"
 #include "main/report_file.hpp"
@@ -239,6 +242,25 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     return status;
 }
 
+/// Explains a message, on a terminal page by page; nothing when there is no such message.
+std::optional<VerimarkStatus> explain(const Call& call, Output& out, const FormatSettings& settings) {
+    const std::string_view asked = call.options.explained;
+    const Explained explained = findExplained(asked);
+    if (explained.topics.empty()) {
+        tell(out, call.errors, "--explain=" + std::string(asked), ": " + explained.problem);
+        return std::nullopt;
+    }
+    if (call.options.format == FormatKind::json) {
+        explainAsJson(out, explained, settings);
+        return kAllPassed;
+    }
+    ExplainForm form{.color = wantsColor(call.options.color, out)};
+    if (out.isTerminal()) form.width = terminalWidth().value_or(form.width);
+    const std::string text = explanation(explained, form);
+    if (!out.isTerminal() || !showInPager(text)) out.writeControl(text);
+    return kAllPassed;
+}
+
 /// Does what the options ask for, and writes to `out`; nothing when it could not begin or came to no end.
 std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     const FormatSettings settings{.version = kCheckerVersion};
@@ -247,6 +269,8 @@ std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     case Task::help: printHelp(out); break;
     case Task::version: printVersion(out); break;
     case Task::messages: listMessages(out, call.options.format, settings); break;
+    case Task::explain: return explain(call, out, settings);
+    case Task::messagesPage: out.write(messagesPage()); break;
     case Task::completions: out.write(completionsFor(call.options.shell)); break;
     }
     return kAllPassed;

@@ -70,6 +70,12 @@ std::string setIgnored(VerimarkOptions& options, std::string_view value) {
     return unknown ? "there is no message \"" + *unknown + "\"; \"verimark --messages\" lists them" : std::string();
 }
 
+std::string setExplained(VerimarkOptions& options, std::string_view value) {
+    options.task = Task::explain;
+    options.explained = value;
+    return {};
+}
+
 std::string setShell(VerimarkOptions& options, std::string_view value) {
     options.task = Task::completions;
     options.shell = value;
@@ -90,9 +96,11 @@ constexpr OptionRow kOptions[] = {
     {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keep<&V::write_baseline>},
     {'j', "jobs", "N", G::files, "checks N files at a time; as many as processors", {}, setJobs},
     {0, "progress", "WHEN", G::files, "auto, always or never: shows how far it is", kWhen, setProgress},
+    {0, "explain", "CODE", G::other, "explains a message: 905, W921 or its text", {}, setExplained},
     {0, "messages", "", G::other, "lists all messages and ends", {}, setTask<Task::messages>},
     {0, "help", "", G::other, "shows this and ends", {}, setTask<Task::help>},
     {0, "version", "", G::other, "shows the version and ends", {}, setTask<Task::version>},
+    {0, "messages-page", "", G::hidden, "all explanations as one page", {}, setTask<Task::messagesPage>},
     {0, "completions", "SHELL", G::hidden, "the completions for a shell", kShells, setShell},
 };
 

@@ -16,7 +16,7 @@ namespace kestrel {
 enum class When : std::uint8_t { automatic, always, never };
 
 /// What verimark is called for.
-enum class Task : std::uint8_t { check, help, version, messages, completions };
+enum class Task : std::uint8_t { check, help, version, messages, explain, completions, messagesPage };
 
 /// What verimark's command line asks for. Texts belong to the arguments.
 struct VerimarkOptions {
@@ -33,7 +33,8 @@ struct VerimarkOptions {
     bool quiet = false;
     unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors
     When progress = When::automatic;
-    std::string_view shell; ///< for which completions are wanted
+    std::string_view explained; ///< a code or a text about which somebody asks
+    std::string_view shell;     ///< for which completions are wanted
 };
 
 /// What is wrong with a command line: the argument and the words about it.

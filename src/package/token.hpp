@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/text.hpp"
+
 #include <cstddef>
 #include <string_view>
 
 namespace kestrel {
-
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 /// `text` from its first character that is neither a space nor a TAB, however many there are.
 constexpr std::string_view skipBlanks(std::string_view text) {

@@ -34,7 +34,7 @@ const char* skipSpaces(const Context& context, const char* at, const char* end) 
 /// Where the item that begins at `at`, which is not the end, ends. The split character is an item of length 1.
 const char* itemEnd(const char* at, const char* end, char split) {
     const char* const begin = at;
-    while (at != end && *at != ' ' && *at != '\t' && *at != split) {
+    while (at != end && !isBlank(*at) && *at != split) {
         ++at;
     }
     return at == begin ? at + 1 : at;

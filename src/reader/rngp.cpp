@@ -1,5 +1,6 @@
 #include "reader/rngp.hpp"
 
+#include "base/text.hpp"
 #include "reader/context.hpp"
 #include "reader/decimal.hpp"
 #include "reader/items.hpp"
@@ -14,8 +15,6 @@ constexpr int kItems = static_cast<int>(kColumns);
 /// What messages call a missing column; a row without its first one has no items at all.
 constexpr std::array<std::string_view, kColumns> kMissingColumns{"", kMissingCornerWords[0], kMissingCornerWords[1],
                                                                  kMissingCornerWords[2]};
-
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 } // namespace
 

@@ -28,7 +28,8 @@ const std::map<std::string, Names>& allowed() {
     static const std::map<std::string, Names> kAllowed{
         {"base", {}},
         {"diagnostics", {"base"}},
-        {"findings", {"base", "diagnostics"}},
+        {"topics", {"base", "diagnostics"}},
+        {"findings", {"base", "diagnostics", "topics"}},
         {"reader", {"base", "diagnostics"}},
         {"header", kReading},
         {"external", kReading},
@@ -40,9 +41,9 @@ const std::map<std::string, Names>& allowed() {
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
         {"report", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                    "findings", "quality"})},
+                                    "findings", "quality", "topics"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality", "report"})},
+                                  "findings", "quality", "report", "topics"})},
     };
     return kAllowed;
 }

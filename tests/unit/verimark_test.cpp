@@ -230,12 +230,14 @@ TEST_F(Verimark, baselinesThereAndBack) {
 
 TEST_F(Verimark, messagesAreListed) {
     EXPECT_EQ(run({"--messages"}), 0);
-    EXPECT_NE(out_.find("\n 921  warning           IBIS files should not contain tab characters.\n"),
+    EXPECT_NE(out_.find("\n 921  warning           IBIS files should not contain tab characters.  [tab-character]\n"),
               std::string::npos);
     EXPECT_NE(out_.find("\n4632  error,warning     "), std::string::npos);
     EXPECT_EQ(out_.find("Reserved."), std::string::npos);
+    EXPECT_TRUE(out_.starts_with(" 100  -                 Unable to Allocate Memory: %s %d\n"));
     EXPECT_EQ(run({"-fjson", "--messages"}), 0);
-    EXPECT_NE(out_.find("\n{\"code\":\"921\",\"classes\":[\"warning\"],\"text\":\"IBIS files should"),
+    EXPECT_NE(out_.find("\n{\"code\":\"921\",\"classes\":[\"warning\"],\"text\":\"IBIS files should not contain "
+                        "tab characters.\",\"topic\":\"tab-character\"}"),
               std::string::npos);
 }
 
