@@ -1,6 +1,7 @@
 #include "report/shown_findings.hpp"
 
 #include "findings/format.hpp"
+#include "report/explanation.hpp"
 
 namespace kestrel {
 
@@ -59,16 +60,31 @@ void writeLines(Html& html, const ShownFinding& finding, const SourceLines& line
     html << "</pre>";
 }
 
-void writeFinding(Html& html, const ShownFinding& finding, const SourceLines& lines) {
+/// The findings that explain what those of their topic mean; later ones lead there.
+using Explained = std::unordered_map<const Topic*, Anchor>;
+
+void writeTopic(Html& html, const ShownFinding& finding, const Topic& topic, Explained& explained) {
+    const auto [at, is_new] = explained.try_emplace(&topic, finding.anchor);
+    if (is_new) {
+        writeExplanation(html, topic);
+    } else {
+        html << "<p>Explained at the ";
+        html.begin("a", {Attribute::href(at->second)}) << "first finding of its kind</a></p>";
+    }
+}
+
+void writeFinding(Html& html, const ShownFinding& finding, const SourceLines& lines, Explained& explained) {
     html.begin("tr", {Attribute::id(finding.anchor), {"class", classOf(finding.level)}});
     html << "<td class=\"v\">" << finding.line;
     if (!finding.file.empty()) html << "<br><small>" << Text(finding.file) << "</small>";
     html << "</td><td><span class=\"level\">" << Text(levelName(finding.level)) << "</span></td><td class=\"v\">"
          << Text(CodeText(finding.code).text()) << "</td><td>";
-    const bool unfolds = finding.file.empty() && !lines.empty();
-    if (unfolds) {
+    const bool has_lines = finding.file.empty() && !lines.empty();
+    const Topic* const topic = finding.code ? topicOf(*finding.code) : nullptr;
+    if (has_lines || topic != nullptr) {
         html << "<details><summary>" << Text(finding.text) << "</summary>";
-        writeLines(html, finding, lines);
+        if (has_lines) writeLines(html, finding, lines);
+        if (topic != nullptr) writeTopic(html, finding, *topic, explained);
         html << "</details>";
     } else {
         html << "<p>" << Text(finding.text) << "</p>";
@@ -134,8 +150,9 @@ void writeFindings(Html& html, const ShownFindings& findings) {
     html << "<section class=\"findings\"><div class=\"wide\"><table class=\"sortable filter\"><thead><tr>"
             "<th scope=\"col\">Line</th><th scope=\"col\">Severity</th><th scope=\"col\">Code</th>"
             "<th scope=\"col\">Message</th><th scope=\"col\">About</th></tr></thead><tbody>\n";
+    Explained explained;
     for (const ShownFinding& finding : findings.list)
-        writeFinding(html, finding, findings.lines);
+        writeFinding(html, finding, findings.lines, explained);
     html << "</tbody></table></div>";
     if (findings.left_out > 0)
         html << "<p class=\"none\">These are the first " << findings.list.size() << " findings; " << findings.left_out

@@ -12,9 +12,12 @@ constexpr std::size_t kRowsOfPage = 200;
 std::string countText(std::size_t count) {
     std::string digits;
     appendInteger(digits, static_cast<std::int64_t>(count));
-    for (std::size_t at = digits.size(); at > 3; at -= 3)
-        digits.insert(at - 3, ",");
-    return digits;
+    std::string text;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (i != 0 && (digits.size() - i) % 3 == 0) text.push_back(',');
+        text.push_back(digits[i]);
+    }
+    return text;
 }
 
 } // namespace
