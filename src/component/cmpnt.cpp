@@ -80,6 +80,7 @@ void openPackage(Context& context, Cmpnt& component, std::string_view text) {
     }
     if (!text.empty()) errorAtLine(context.diagnostics, 518);
     component.package = std::make_unique<Pkg>();
+    component.package->line = context.parse.line;
 }
 
 /// Hands a keyword line to the module that begins a part, a data line to the one that reads it and the end of the lines

@@ -63,6 +63,7 @@ void diffPinLine(Context& context, DiffPins& diff_pins, std::string_view text) {
     if (fit == RowFit::notAllowed) return;
 
     DifPin row;
+    row.line = context.parse.line;
     const int limit = pinNameLimit(context.parse.version);
     row.pin_reported = !storeName(diagnostics, row.pin, items[0], limit, 805);
     row.inv_pin_reported = !storeName(diagnostics, row.inv_pin, items[1], limit, 805);

@@ -4,6 +4,7 @@
 #include "reader/columns.hpp"
 #include "reader/rng.hpp"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,7 @@ struct DifPin {
     std::string inv_pin;
     Cell vdiff;
     Rng tdelay;
+    std::uint32_t line = 0;
     bool pin_reported = false;
     bool inv_pin_reported = false;
 };

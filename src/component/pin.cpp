@@ -84,6 +84,7 @@ void pinLine(Context& context, PinList& pins, std::string_view component, std::s
     storeName(context, row.signal_name, items[1], long_limit, 605);
     const bool model_fits = storeName(context, row.model_name, items[2], long_limit, 606);
     const bool is_new = pins.add(context.rows, row);
+    pins.lines.add(pins.size() - 1, context.parse.line);
     Pin& pin = pins.back();
     if (!is_new && name_fits) errorAtLine(diagnostics, 607, pin.name, component);
     const bool is_na = equalsNoCase(pin.model_name, "NA");

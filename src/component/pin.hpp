@@ -2,6 +2,7 @@
 
 #include "base/indexed_rows.hpp"
 #include "base/name_table.hpp"
+#include "base/row_lines.hpp"
 #include "base/text_hash.hpp"
 #include "base/text_store.hpp"
 #include "reader/columns.hpp"
@@ -34,6 +35,7 @@ struct ReportedPins {
 /// The rows of "[Pin]", found by the names of the pins.
 struct PinList : IndexedRows<Pin, &Pin::name, Rows<Pin>> {
     TableColumns columns;
+    RowLines lines;
     std::unique_ptr<ReportedPins> reported; ///< null while there is nothing
 };
 

@@ -2,7 +2,7 @@
 
 #include "reader/rng.hpp"
 
-#include <optional>
+#include <cstdint>
 #include <string_view>
 
 namespace kestrel {
@@ -12,6 +12,7 @@ struct Context;
 /// "[Package]": resistance (ohms), inductance (henries) and capacitance (farads) of the package, absent until their
 /// line is read.
 struct Pkg {
+    std::uint32_t line = 0; ///< at which it began
     GivenRange r_pkg;
     GivenRange l_pkg;
     GivenRange c_pkg;

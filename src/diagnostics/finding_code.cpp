@@ -27,7 +27,6 @@ std::optional<FindingCode> readFindingCode(std::string_view text) {
 }
 
 std::string generalText(FindingCode code) {
-    if (code.family == CodeFamily::advice) return "An advice.";
     std::string text(kCatalog[catalogIndex(code.number)].text);
     for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
         text.replace(at, 2, "...");

@@ -37,7 +37,7 @@ private:
 /// Reads a code as it is written, a small "q" too; nothing where the text is none. Whether it has a text is not asked.
 [[nodiscard]] std::optional<FindingCode> readFindingCode(std::string_view text);
 
-/// The text of a code that has one, on one line, with "..." for what each finding fills in.
+/// The text of a message that has one, on one line, with "..." for what each finding fills in.
 [[nodiscard]] std::string generalText(FindingCode code);
 
 } // namespace kestrel

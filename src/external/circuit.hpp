@@ -5,6 +5,7 @@
 #include "diagnostics/subject.hpp"
 #include "external/circuit_call.hpp"
 #include "reader/corner.hpp"
+#include "reader/values.hpp"
 
 #include <array>
 #include <cstdint>
@@ -31,16 +32,16 @@ struct ExtFile {
     std::string circuit;
 };
 
-/// A "D_to_A" or "A_to_D" line. Volts and seconds; a value that a parameter gives stays 0.
+/// A "D_to_A" or "A_to_D" line. Volts and seconds; a value that a parameter gives is not given here.
 struct Converter {
     bool to_analog = true; ///< "D_to_A"
     std::string d_port;
     std::string port1;
     std::string port2;
-    double vlow = 0.0;
-    double vhigh = 0.0;
-    double trise = 0.0;
-    double tfall = 0.0;
+    GivenValue vlow;
+    GivenValue vhigh;
+    GivenValue trise;
+    GivenValue tfall;
     std::optional<Corner> corner; ///< absent: all corners
 };
 

@@ -30,7 +30,7 @@ constexpr std::array<std::string_view, 1> kReceivingPorts{kReceivePort};
 /// A value of a converter line, behind the three ports.
 struct ConverterValue {
     std::string_view label;
-    double Converter::*value;
+    GivenValue Converter::*value;
     bool above_zero;
 };
 

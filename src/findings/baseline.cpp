@@ -61,10 +61,10 @@ std::optional<std::size_t> pathLength(std::string_view line) {
     return std::nullopt;
 }
 
-bool isCode(std::string_view text) {
-    if (text == kNoCode) return true;
-    const std::optional<FindingCode> code = readFindingCode(text);
-    return code && (code->family == CodeFamily::advice || catalogIndex(code->number) != kCatalog.size());
+bool isAdvice(const std::optional<FindingCode>& code) { return code && code->family == CodeFamily::advice; }
+
+bool isKnown(const std::optional<FindingCode>& code) {
+    return code && (isAdvice(code) || catalogIndex(code->number) != kCatalog.size());
 }
 
 constexpr std::string_view kDamaged = "is not \"path, code, message\"";
@@ -73,6 +73,7 @@ constexpr std::string_view kDamaged = "is not \"path, code, message\"";
 struct ReadLine {
     std::string_view problem;
     std::string_view path;
+    bool is_advice = false;
 };
 
 ReadLine readLine(std::string_view line) {
@@ -81,8 +82,10 @@ ReadLine readLine(std::string_view line) {
     const std::string_view rest = line.substr(*length + 2);
     const std::size_t end = rest.find(", ");
     if (end == std::string_view::npos) return {kDamaged, {}};
-    if (!isCode(rest.substr(0, end))) return {"has no known code", {}};
-    return {{}, line.substr(0, *length)};
+    const std::string_view text = rest.substr(0, end);
+    const std::optional<FindingCode> code = readFindingCode(text);
+    if (text != kNoCode && !isKnown(code)) return {"has no known code", {}};
+    return {{}, line.substr(0, *length), isAdvice(code)};
 }
 
 } // namespace
@@ -112,6 +115,7 @@ std::optional<BaselineFault> Baseline::read(std::string_view text) {
         if (!parts.problem.empty()) return BaselineFault{number, std::string(parts.problem)};
         Entry& entry = entries_[std::string(line)];
         entry.lines.push_back(number);
+        entry.is_advice = parts.is_advice;
         if (entry.is_checked == nullptr) entry.is_checked = &files_[std::string(parts.path)];
     } while (!text.empty());
     return std::nullopt;
@@ -133,7 +137,7 @@ void Baseline::checked(std::string_view path) {
 void Baseline::eachGone(const std::function<void(std::uint32_t, std::string_view)>& tell) const {
     std::map<std::uint32_t, std::string_view> gone;
     for (const auto& [line, entry] : entries_) {
-        if (!*entry.is_checked) continue;
+        if (!*entry.is_checked || (entry.is_advice && advice_left_out_)) continue;
         for (std::size_t i = entry.used; i < entry.lines.size(); ++i)
             gone.emplace(entry.lines[i], line);
     }

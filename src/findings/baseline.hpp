@@ -34,6 +34,9 @@ public:
     /// Takes a finding off what is known; false when it is new.
     [[nodiscard]] bool take(const Finding& finding);
 
+    /// No advice is given: lines of advice need not occur.
+    void leaveAdviceOut() { advice_left_out_ = true; }
+
     /// A file was checked: its lines have to occur.
     void checked(std::string_view path);
 
@@ -47,11 +50,13 @@ private:
         std::vector<std::uint32_t> lines; ///< where it is in the file
         std::size_t used = 0;             ///< how many of them have occurred
         bool* is_checked = nullptr;       ///< whether its file was
+        bool is_advice = false;
     };
 
     TextMap<Entry> entries_;
     TextMap<bool> files_; ///< by path as it is in the lines
     std::int64_t taken_ = 0;
+    bool advice_left_out_ = false;
 };
 
 /// Collects a baseline to be written.

@@ -46,6 +46,7 @@ struct FormatSettings {
     bool color = false;                 ///< class words in color, where the form is for people
     bool quiet = false;                 ///< no summary of files that passed
     Level fail_on = Level::error;       ///< from which class on a finding fails its file
+    std::string_view (*advice_title)(MessageCode code) = nullptr; ///< what an advice is about
 };
 
 /// Writes findings in some form, file by file, as they come. What it keeps does not grow with the number of files.

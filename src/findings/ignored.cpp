@@ -18,9 +18,10 @@ std::optional<Level> levelOfLetter(char letter) {
     }
 }
 
-std::optional<FindingCode> knownCode(std::string_view text) {
+std::optional<FindingCode> knownCode(std::string_view text, bool (*is_advice)(MessageCode code)) {
     const std::optional<FindingCode> code = readFindingCode(text);
-    if (!code || code->family == CodeFamily::advice) return code;
+    if (!code) return std::nullopt;
+    if (code->family == CodeFamily::advice) return is_advice(code->number) ? code : std::nullopt;
     const std::size_t row = catalogIndex(code->number);
     if (row == kCatalog.size() || kCatalog[row].text == kReservedText) return std::nullopt;
     return code;
@@ -34,11 +35,11 @@ bool Ignored::has(const Finding& finding) const {
            of_level[static_cast<std::size_t>(levelOf(finding.severity))].contains(*finding.code);
 }
 
-std::optional<std::string> ignore(Ignored& ignored, std::string_view list) {
+std::optional<std::string> ignore(Ignored& ignored, std::string_view list, bool (*is_advice)(MessageCode code)) {
     for (;;) {
         const std::string_view word = list.substr(0, list.find(','));
         const std::optional<Level> level = word.empty() ? std::nullopt : levelOfLetter(word.front());
-        const std::optional<FindingCode> code = knownCode(level ? word.substr(1) : word);
+        const std::optional<FindingCode> code = knownCode(level ? word.substr(1) : word, is_advice);
         if (!code) return std::string(word);
         (level ? ignored.of_level[static_cast<std::size_t>(*level)] : ignored.codes).insert(*code);
         ignored.any = true;

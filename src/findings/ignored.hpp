@@ -19,7 +19,9 @@ struct Ignored {
     [[nodiscard]] bool has(const Finding& finding) const;
 };
 
-/// Adds a list such as "905,E1104,W921"; a letter means one class only. What is no message of the catalog is returned.
-[[nodiscard]] std::optional<std::string> ignore(Ignored& ignored, std::string_view list);
+/// Adds a list such as "905,E1104,W921,Q304"; a letter means one class only. The first word that is neither a message
+/// of the catalog nor, by `is_advice`, an advice is returned.
+[[nodiscard]] std::optional<std::string> ignore(Ignored& ignored, std::string_view list,
+                                                bool (*is_advice)(MessageCode code));
 
 } // namespace kestrel

@@ -177,10 +177,16 @@ private:
             rule.text("id", ruleOf(CodeText(code)));
             {
                 JsonObject description(rule, "shortDescription");
-                description.text("text", code ? generalText(*code) : "A message without a number.");
+                description.text("text", descriptionOf(code));
             }
             if (const Topic* const topic = code ? topicOf(*code) : nullptr) writeTopic(rule, *topic);
         }
+    }
+
+    [[nodiscard]] std::string descriptionOf(std::optional<FindingCode> code) const {
+        if (!code) return "A message without a number.";
+        if (code->family == CodeFamily::advice) return std::string(settings_.advice_title(code->number));
+        return generalText(*code);
     }
 
     static void writeTopic(JsonObject& rule, const Topic& topic) {

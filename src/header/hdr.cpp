@@ -32,10 +32,11 @@ struct ValueKeyword {
     bool HdrState::*seen;
     int limit;
     CheckedMessage<> duplicate;
+    std::uint32_t Hdr::*line = nullptr; ///< where the record keeps it
 };
 
 constexpr ValueKeyword kFileRev{"File_Rev", &Hdr::file_rev, &HdrState::file_rev_seen, kShortTextLimit, 1015};
-constexpr ValueKeyword kDate{"Date", &Hdr::date, &HdrState::date_seen, kDateLimit, 1016};
+constexpr ValueKeyword kDate{"Date", &Hdr::date, &HdrState::date_seen, kDateLimit, 1016, &Hdr::date_line};
 
 /// In place, so that a text of many lines is not copied for each of them.
 void append(std::optional<std::string>& text, std::string_view line) {
@@ -128,6 +129,7 @@ void valueLine(Context& context, HdrState& state, Hdr& header, std::string_view 
     std::string& stored = header.*Keyword.text;
     setTextOnce(context.diagnostics, stored, text, unlessLater(context.parse.version, Keyword.limit), Keyword.name);
     checkNotReserved(context.diagnostics, stored);
+    if (Keyword.line != nullptr) header.*Keyword.line = context.parse.line;
 }
 
 template <const TextKeyword& Keyword>

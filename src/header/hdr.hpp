@@ -2,6 +2,7 @@
 
 #include "reader/sections.hpp"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,7 @@ struct Hdr : RecordOf<SubjectKind::header> {
     std::string file_name;
     std::string file_rev; ///< at most 70 characters up to version 5
     std::string date;     ///< at most 40 characters up to version 5
+    std::uint32_t date_line = 0;
     std::optional<std::string> source;
     std::optional<std::string> notes;
     std::optional<std::string> disclaimer;

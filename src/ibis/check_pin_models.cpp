@@ -15,11 +15,6 @@ namespace kestrel {
 
 namespace {
 
-constexpr ModelTypeSet kOnlyDrive{ModelType::output,       ModelType::threeState, ModelType::openDrain,
-                                  ModelType::openSink,     ModelType::openSource, ModelType::outputEcl,
-                                  ModelType::threeStateEcl};
-constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
-
 /// A model without a type has been reported for that.
 bool isNoSeries(const Mdl& model) {
     return !isSeries(model) && model.type() != ModelType::notGiven && model.type() != ModelType::noType;
@@ -98,10 +93,7 @@ void compareModels(Context& context, const Cmpnt& component, const DifPin& row, 
     if ((isDifferential(model) || isDifferential(inv_model)) && &model != &inv_model) {
         warning(context.diagnostics, 813, row.pin, row.inv_pin, component.name);
     }
-    const auto opposed = [](const Mdl& driver, const Mdl& receiver) {
-        return kOnlyDrive.has(driver.type()) && kOnlyReceive.has(receiver.type());
-    };
-    if (opposed(model, inv_model) || opposed(inv_model, model)) {
+    if (areOpposed(model.type(), inv_model.type())) {
         warning(context.diagnostics, 814, row.pin, row.inv_pin, component.name);
     }
 }

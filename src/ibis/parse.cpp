@@ -20,6 +20,7 @@ void resetReader(ParseState& parse, FileKind kind) {
     parse.line = 0;
     parse.tab_warned = false;
     parse.comment = '|';
+    parse.new_comment_line = 0;
     parse.file_name.clear();
     parse.current = KeywordCode::notKey;
     parse.version_seen = false;
@@ -78,6 +79,10 @@ void changeCommentChar(Run& run, std::string_view line) {
     if (kForbidden.find(wanted) != std::string_view::npos) {
         errorAtLine(run.diagnostics, 918, wanted);
         return;
+    }
+    if (wanted != run.parse.comment && run.parse.new_comment_line == 0) {
+        run.parse.new_comment = wanted;
+        run.parse.new_comment_line = run.parse.line;
     }
     run.parse.comment = wanted;
     const std::string_view rest = skipWhiteSpace(run, text.substr(1 + kSuffix.size()));

@@ -5,6 +5,8 @@
 #include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/version.hpp"
+#include "quality/advised.hpp"
+#include "quality/checks.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -30,6 +32,25 @@ std::optional<std::string> givenVersion(const Run& run) {
     for (const Hdr& header : currentRoot(run).headers.newestFirst())
         if (!header.ibis_version.empty()) return header.ibis_version;
     return std::nullopt;
+}
+
+/// Hands on what the checks of advice say of the file that was read.
+void advise(const Run& run, std::string_view name) {
+    if (run.roots.empty()) return;
+    const Ibis& root = currentRoot(run);
+    std::string_view path = name;
+    for (const Hdr& header : root.headers.newestFirst())
+        if (header.file != nullptr) path = *header.file;
+    for (const Advice& advice : adviseOn(AdvisedFile(root, run.parse))) {
+        run.diagnostics.sink({.severity = Severity::adviceAtLine,
+                              .code = advice.code,
+                              .file = path,
+                              .line = advice.line,
+                              .shown_line = advice.line,
+                              .exact = true,
+                              .subject = advice.subject,
+                              .text = advice.text});
+    }
 }
 
 /// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
@@ -127,6 +148,7 @@ private:
         };
         try {
             checkInRun(run, name, kindOrIbs(name), job.outcome);
+            if (outputs_.advises && job.outcome.checked) advise(run, name);
         } catch (const AssertionFailed& failure) {
             reportFailure(run.diagnostics, failure);
             job.outcome.refused = job.outcome.refused || !job.outcome.checked;

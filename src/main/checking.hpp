@@ -19,6 +19,7 @@ struct CheckOutputs {
     Progress* progress;  ///< null when nobody looks
     ReportFile* pages;   ///< null when no report is wanted
     bool announces;      ///< what is said ahead of the findings is printed to `out`
+    bool advises;        ///< files that were read get advice
     bool empty_is_found; ///< a file that cannot be read gives a finding in any case
 };
 

@@ -44,7 +44,7 @@ std::string noSuchCode(FindingCode code) {
 std::string noSuchText(std::string_view asked) {
     const std::optional<FindingCode> near = nearestCode(asked);
     if (!near) return "there is no such message; \"verimark --messages\" lists them";
-    return "there is no such message; did you mean " + named(*near) + ", \"" + generalText(*near) + "\"?";
+    return "there is no such message; did you mean " + named(*near) + ", \"" + textOf(*near) + "\"?";
 }
 
 void addOnce(std::vector<const Topic*>& topics, const Topic* topic) {
@@ -64,7 +64,7 @@ std::string messageLines(std::span<const FindingCode> codes, std::size_t width) 
         line.append(number).append("  ").append(joinedClasses(code));
         line.resize(2 + 4 + 2 + longest + 2, ' ');
         std::string message;
-        appendWrapped(message, generalText(code), std::max(width, line.size() + kLeastText), line.size());
+        appendWrapped(message, textOf(code), std::max(width, line.size() + kLeastText), line.size());
         text.append(message.replace(0, line.size(), line));
     }
     return text;
@@ -78,7 +78,7 @@ void writeMessage(JsonArray& messages, FindingCode code) {
         for (const std::string_view name : classesOf(code))
             classes.text(name);
     }
-    message.text("text", generalText(code));
+    message.text("text", textOf(code));
 }
 
 void writePart(JsonObject& object, std::string_view key, std::string_view text) {

@@ -2,6 +2,7 @@
 
 #include "findings/json.hpp"
 #include "findings/message_classes.hpp"
+#include "quality/checks.hpp"
 #include "topics/topic.hpp"
 
 #include <algorithm>
@@ -12,10 +13,15 @@ namespace {
 
 constexpr Level kShownLevels[] = {Level::bug, Level::error, Level::warning, Level::note, Level::advice, Level::caution};
 
-/// Calls `use` with every row but the first, which stands in for unknown codes, and those without a text.
+/// Calls `use` with the code and the text of every row but the first, which stands in for unknown codes, and those
+/// without a text, and of every check of advice.
 template <class Use> void eachMessage(Use use) {
-    for (const MessageRow& row : kCatalog)
-        if (row.code != 0 && row.text != kReservedText) use(row);
+    for (const MessageRow& row : kCatalog) {
+        if (row.code == 0 || row.text == kReservedText) continue;
+        use(FindingCode{CodeFamily::message, row.code}, row.text);
+    }
+    for (const Check& check : adviceChecks())
+        use(FindingCode{CodeFamily::advice, check.code}, check.title);
 }
 
 void listAsJson(Output& out, const FormatSettings& settings) {
@@ -28,16 +34,15 @@ void listAsJson(Output& out, const FormatSettings& settings) {
             tool.text("version", settings.version);
         }
         JsonArray messages(whole, "messages", true);
-        eachMessage([&](const MessageRow& row) {
+        eachMessage([&](FindingCode code, std::string_view listed) {
             JsonObject message(messages);
-            const FindingCode code{CodeFamily::message, row.code};
             message.text("code", CodeText(code).text());
             {
                 JsonArray classes(message, "classes");
                 for (const std::string_view name : classesOf(code))
                     classes.text(name);
             }
-            message.text("text", row.text);
+            message.text("text", listed);
             const Topic* const topic = topicOf(code);
             topic != nullptr ? message.text("topic", topic->slug) : message.null("topic");
         });
@@ -63,6 +68,12 @@ std::vector<std::string_view> classesOf(FindingCode code) {
     return names;
 }
 
+std::string textOf(FindingCode code) {
+    if (code.family == CodeFamily::message) return generalText(code);
+    const Check* const check = adviceCheck(code.number);
+    return check == nullptr ? std::string() : std::string(check->title);
+}
+
 std::string joinedClasses(FindingCode code) {
     std::string classes;
     for (const std::string_view name : classesOf(code))
@@ -72,16 +83,15 @@ std::string joinedClasses(FindingCode code) {
 
 void listMessages(Output& out, FormatKind format, const FormatSettings& settings) {
     if (format == FormatKind::json) return listAsJson(out, settings);
+    constexpr std::size_t kCodeWidth = 4;
     constexpr std::size_t kClassesWidth = 17;
-    std::string line;
-    eachMessage([&](const MessageRow& row) {
-        const FindingCode code{CodeFamily::message, row.code};
+    eachMessage([&](FindingCode code, std::string_view listed) {
         std::string classes = joinedClasses(code);
         if (classes.empty()) classes.push_back('-');
         classes.resize(std::max(classes.size(), kClassesWidth), ' ');
-        line.clear();
-        appendInteger(line, row.code, 4);
-        line.append("  ").append(classes).append(" ").append(shown(row.text));
+        std::string line(CodeText(code).text());
+        line.insert(0, kCodeWidth - std::min(kCodeWidth, line.size()), ' ');
+        line.append("  ").append(classes).append(" ").append(shown(listed));
         if (const Topic* const topic = topicOf(code)) line.append("  [").append(topic->slug).append("]");
         out.write(line.append("\n"));
     });

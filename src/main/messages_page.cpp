@@ -82,7 +82,7 @@ void addTopic(std::string& page, const Topic& topic) {
     page.append("\n### ").append(escapedMarkdown(topic.title)).append("\n\n");
     for (const FindingCode code : topic.codes) {
         page.append("- ").append(CodeText(code).text()).append(" (").append(joinedClasses(code)).append("): ");
-        page.append(escapedMarkdown(generalText(code))).append("\n");
+        page.append(escapedMarkdown(textOf(code))).append("\n");
     }
     page.append("\n").append(markdownText(topic));
 }

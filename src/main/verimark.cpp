@@ -3,6 +3,7 @@
 #include "findings/baseline.hpp"
 #include "findings/output_file.hpp"
 #include "findings/report.hpp"
+#include "main/advice_page.hpp"
 #include "main/checking.hpp"
 #include "main/completions.hpp"
 #include "main/explain.hpp"
@@ -15,6 +16,7 @@
 #include "main/report_file.hpp"
 #include "main/verimark_options.hpp"
 #include "main/watch.hpp"
+#include "quality/checks.hpp"
 
 #include <cerrno>
 #include <chrono>
@@ -204,6 +206,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     BaselineWriter written;
     OutputFile baseline_file(call.temporaries);
     if (!options.baseline.empty() && !readBaseline(trouble, known, options.baseline)) return std::nullopt;
+    if (!wantsAdvice(options)) known.leaveAdviceOut();
     const bool writes = !options.write_baseline.empty();
     if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
 
@@ -228,6 +231,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .progress = nullptr,
                                .pages = reports ? &pages : nullptr,
                                .announces = is_text && !options.quiet,
+                               .advises = wantsAdvice(options),
                                .empty_is_found = !is_text};
     VerimarkStatus status = checkWatched(call, outputs, writes || reports || &out != &call.out);
     if (out.failed()) return std::nullopt; // not all files were checked
@@ -263,7 +267,10 @@ std::optional<VerimarkStatus> explain(const Call& call, Output& out, const Forma
 
 /// Does what the options ask for, and writes to `out`; nothing when it could not begin or came to no end.
 std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
-    const FormatSettings settings{.version = kCheckerVersion};
+    const FormatSettings settings{
+        .version = kCheckerVersion,
+        .advice_title = [](MessageCode code) { return adviceCheck(code)->title; },
+    };
     switch (call.options.task) {
     case Task::check: return checkFiles(call, out, settings);
     case Task::help: printHelp(out); break;
@@ -271,6 +278,7 @@ std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     case Task::messages: listMessages(out, call.options.format, settings); break;
     case Task::explain: return explain(call, out, settings);
     case Task::messagesPage: out.write(messagesPage()); break;
+    case Task::advicePage: out.write(advicePage()); break;
     case Task::completions: out.write(completionsFor(call.options.shell)); break;
     }
     return kAllPassed;

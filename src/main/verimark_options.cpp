@@ -2,6 +2,7 @@
 
 #include "base/text.hpp"
 #include "main/completions.hpp"
+#include "quality/checks.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -60,13 +61,19 @@ std::string setFailOn(VerimarkOptions& options, std::string_view value) {
     return {};
 }
 
+std::string setAdvice(VerimarkOptions& options, std::string_view /*value*/) {
+    options.advice = true;
+    return {};
+}
+
 std::string setQuiet(VerimarkOptions& options, std::string_view /*value*/) {
     options.quiet = true;
     return {};
 }
 
 std::string setIgnored(VerimarkOptions& options, std::string_view value) {
-    const std::optional<std::string> unknown = ignore(options.ignored, value);
+    const auto is_advice = [](MessageCode code) { return adviceCheck(code) != nullptr; };
+    const std::optional<std::string> unknown = ignore(options.ignored, value, is_advice);
     return unknown ? "there is no message \"" + *unknown + "\"; \"verimark --messages\" lists them" : std::string();
 }
 
@@ -90,7 +97,8 @@ constexpr OptionRow kOptions[] = {
     {0, "report", "FILE", G::output, "writes a page with all curves there", {}, keep<&V::report>},
     {0, "color", "WHEN", G::output, "auto, always or never: text and gcc in color", kWhen, setColor},
     {0, "quiet", "", G::output, "findings only, and summaries of files that failed", {}, setQuiet},
-    {0, "ignore", "CODE,...", G::findings, "leaves messages out, such as 905 or W921", {}, setIgnored},
+    {0, "advice", "", G::findings, "also says what is right and yet likely wrong", {}, setAdvice},
+    {0, "ignore", "CODE,...", G::findings, "leaves messages out, such as 905, W921, Q304", {}, setIgnored},
     {0, "fail-on", "LEVEL", G::findings, "error, warning or advice: what fails a file", kLevelNames, setFailOn},
     {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keep<&V::baseline>},
     {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keep<&V::write_baseline>},
@@ -101,6 +109,7 @@ constexpr OptionRow kOptions[] = {
     {0, "help", "", G::other, "shows this and ends", {}, setTask<Task::help>},
     {0, "version", "", G::other, "shows the version and ends", {}, setTask<Task::version>},
     {0, "messages-page", "", G::hidden, "all explanations as one page", {}, setTask<Task::messagesPage>},
+    {0, "advice-page", "", G::hidden, "all checks of advice as one page", {}, setTask<Task::advicePage>},
     {0, "completions", "SHELL", G::hidden, "the completions for a shell", kShells, setShell},
 };
 

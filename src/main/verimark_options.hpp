@@ -16,7 +16,7 @@ namespace kestrel {
 enum class When : std::uint8_t { automatic, always, never };
 
 /// What verimark is called for.
-enum class Task : std::uint8_t { check, help, version, messages, explain, completions, messagesPage };
+enum class Task : std::uint8_t { check, help, version, messages, explain, completions, messagesPage, advicePage };
 
 /// What verimark's command line asks for. Texts belong to the arguments.
 struct VerimarkOptions {
@@ -30,12 +30,18 @@ struct VerimarkOptions {
     std::string_view baseline;
     std::string_view write_baseline;
     std::string_view report; ///< a file's path; empty for none
+    bool advice = false;
     bool quiet = false;
     unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors
     When progress = When::automatic;
     std::string_view explained; ///< a code or a text about which somebody asks
     std::string_view shell;     ///< for which completions are wanted
 };
+
+/// True when advice is wanted, which it is where it may fail a file.
+[[nodiscard]] inline bool wantsAdvice(const VerimarkOptions& options) {
+    return options.advice || options.fail_on == Level::advice;
+}
 
 /// What is wrong with a command line: the argument and the words about it.
 struct WrongCall {

@@ -46,8 +46,6 @@ constexpr std::array<NamedPart, 9> kNotInSeries{{{"Pullup", isPresent<&Tables::p
                                                  {"TTpower", isPresent<MdlRange::ttpower>},
                                                  {"Driver Schedule", isPresent<&Mdl::driver_schedule>}}};
 
-constexpr ModelTypeSet kMeasuredBothWays{ModelType::io, ModelType::ioOpenDrain, ModelType::ioOpenSink,
-                                         ModelType::ioOpenSource, ModelType::ioEcl};
 constexpr ModelTypeSet kPullReferenceOptional{ModelType::input, ModelType::inputEcl};
 constexpr ModelTypeSet kRampOptional{ModelType::input, ModelType::inputEcl, ModelType::terminator,
                                      ModelType::inputDiff};

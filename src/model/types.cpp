@@ -46,4 +46,12 @@ std::string_view modelTypeText(ModelType type) {
     return row == nullptr ? "No Type" : row->text;
 }
 
+bool areOpposed(ModelType a, ModelType b) {
+    constexpr ModelTypeSet kOnlyDrive{ModelType::output,       ModelType::threeState, ModelType::openDrain,
+                                      ModelType::openSink,     ModelType::openSource, ModelType::outputEcl,
+                                      ModelType::threeStateEcl};
+    constexpr ModelTypeSet kOnlyReceive{ModelType::input, ModelType::inputEcl};
+    return (kOnlyDrive.has(a) && kOnlyReceive.has(b)) || (kOnlyDrive.has(b) && kOnlyReceive.has(a));
+}
+
 } // namespace kestrel

@@ -91,9 +91,16 @@ inline constexpr ModelTypeSet kDiffLoadTypes{ModelType::output,     ModelType::i
                                              ModelType::outputEcl,  ModelType::ioEcl,       ModelType::threeStateEcl,
                                              ModelType::ioDiff,     ModelType::outputDiff,  ModelType::threeStateDiff};
 
+/// Types whose own output is measured against their own thresholds.
+inline constexpr ModelTypeSet kMeasuredBothWays{ModelType::io, ModelType::ioOpenDrain, ModelType::ioOpenSink,
+                                                ModelType::ioOpenSource, ModelType::ioEcl};
+
 inline constexpr ModelTypeSet kSeriesTypes{ModelType::series, ModelType::seriesSwitch};
 
 inline constexpr ModelTypeSet kDifferentialTypes{ModelType::ioDiff, ModelType::outputDiff, ModelType::threeStateDiff,
                                                  ModelType::inputDiff};
+
+/// True when the one only drives and the other only receives.
+[[nodiscard]] bool areOpposed(ModelType a, ModelType b);
 
 } // namespace kestrel

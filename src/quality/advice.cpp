@@ -21,12 +21,17 @@ std::string beginningOf(const AdvicePlace& place) {
 void AdviceList::addRow(AdvicePlace place, std::size_t row, std::span<const Arg> args) {
     const AdviceRow& found = kAdviceCatalog[row];
     formatText(text_, found.text, args);
-    addText(place, found.code, text_);
+    keep(place, found.code, beginningOf(place).append(text_));
 }
 
-void AdviceList::addText(AdvicePlace place, MessageCode code, std::string_view text) {
-    list_.push_back({FindingCode{CodeFamily::advice, code}, std::max(place.line, std::uint32_t{1}), place.subject,
-                     beginningOf(place).append(text)});
+void AdviceList::addMessageRow(AdvicePlace place, MessageCode code, std::size_t row, std::span<const Arg> args) {
+    formatText(text_, kCatalog[row].text, args);
+    keep(place, code, text_);
+}
+
+void AdviceList::keep(AdvicePlace place, MessageCode code, std::string text) {
+    list_.push_back({FindingCode{CodeFamily::advice, code}, std::max(place.line, std::uint32_t{1}),
+                     place.of_file ? nullptr : place.subject, std::move(text)});
 }
 
 void AdviceList::addMore(CheckedMore words, std::size_t count) {

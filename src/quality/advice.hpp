@@ -47,14 +47,21 @@ public:
     /// Adds "; 2 more states and corners fall" to the text that was added last, or nothing for 0.
     void addMore(CheckedMore words, std::size_t count);
 
-    /// An advice whose text is not in the catalog of advice.
-    void addText(AdvicePlace place, MessageCode code, std::string_view text);
+    /// An advice with the text of a message, as it is.
+    template <class... Args>
+    void addMessage(AdvicePlace place, MessageCode code, CheckedMessage<argKind<Args>()...> message,
+                    const Args&... args) {
+        const std::array<Arg, sizeof...(Args)> list{Arg(args)...};
+        addMessageRow(place, code, message.row, list);
+    }
 
     /// Everything in the order of lines and codes; of equal ones in the order in which they came.
     [[nodiscard]] std::vector<Advice> takeSorted();
 
 private:
     void addRow(AdvicePlace place, std::size_t row, std::span<const Arg> args);
+    void addMessageRow(AdvicePlace place, MessageCode code, std::size_t row, std::span<const Arg> args);
+    void keep(AdvicePlace place, MessageCode code, std::string text);
 
     std::vector<Advice> list_;
     std::string text_; // being formatted

@@ -39,6 +39,6 @@ AdvisedModel::AdvisedModel(const Mdl& record, const AdvisedFile& in_file, Advice
       file(in_file),
       physics(record, room.tables),
       waveforms(waveformsOf(record, physics, room.waveform)),
-      is_alone(!record.external_model && !record.driver_schedule && !in_file.isScheduled(record)) {}
+      is_alone(in_file.isAlone(record)) {}
 
 } // namespace kestrel

@@ -22,6 +22,10 @@ struct AdvisedFile {
 
     /// A driver schedule names the model.
     [[nodiscard]] bool isScheduled(const Mdl& model) const { return scheduled_.find(model.name.number()) != 0; }
+    /// The tables of the model are all that there is of it: no external model, no schedule on either side.
+    [[nodiscard]] bool isAlone(const Mdl& model) const {
+        return !model.external_model && !model.driver_schedule && !isScheduled(model);
+    }
     /// A pin of "[Diff Pin]" has the model, or may select it.
     [[nodiscard]] bool isInPair(const Mdl& model) const { return paired_.find(model.name.number()) != 0; }
 
@@ -45,7 +49,7 @@ struct AdvisedModel {
     const AdvisedFile& file;
     ModelPhysics physics;
     std::vector<Waveform> waveforms; ///< in the order of the file
-    bool is_alone; ///< its tables are all that there is of it: no external model, no schedule on either side
+    bool is_alone; ///< as AdvisedFile::isAlone has it
 
     /// What it drives comes from its tables.
     [[nodiscard]] bool drives() const { return is_alone && physics.isDriver(); }

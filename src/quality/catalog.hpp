@@ -23,6 +23,18 @@ struct AdviceRow {
 /// texts with their units (number_text.hpp).
 inline constexpr auto kAdviceCatalog = std::to_array<AdviceRow>({
     // magnitudes and order
+    {101, 0, "C_comp is %s; die capacitances lie between 10 fF and 100 pF"},
+    {101, 1, "the parts of C_comp make %s; die capacitances lie between 10 fF and 100 pF"},
+    {102, 0, "%s is %s; packages lie below %s"},
+    {103, 0, "%s; packages lie below %s, %s and %s"},
+    {104, 0, "%s is out of order: typ %s, min %s, max %s"},
+    {105, 0, "[Temperature Range] %s is %s; temperatures lie between %s and %s"},
+    {105, 1, "[Temperature Range] typ %s lies outside min %s and max %s"},
+    {106, 0, "Vcc is %s; supplies lie between %s and %s"},
+    {107, 0, "Vinl %s is not below Vinh %s"},
+    {107, 1, "%s %s lies outside the supplies of %s and %s"},
+    {107, 2, "Vinl %s and Vinh %s lie outside the supplies of %s and %s"},
+    {108, 0, "Vmeas %s is never crossed: the output moves between %s and %s"},
     // I-V tables
     {201, 0, "%s goes from %s to %s; reflections reach %s to %s"},
     {202, 0, "the %s-state current falls from %s at %s to %s at %s (%s)"},
@@ -54,6 +66,20 @@ inline constexpr auto kAdviceCatalog = std::to_array<AdviceRow>({
     {312, 0, "%s is %s; edges lie between 100 uV/ns and 500 V/ns"},
     {313, 0, "%s goes back from %s at %s to %s at %s (%s)"},
     // structure
+    {401, 0, "pins %s and %s are a pair of models '%s' (%s) and '%s' (%s)"},
+    {403, 0, "%s missing or empty: nothing says where and when the model was made"},
+    {404, 0, "[Date] '%s' is no date"},
+    {404, 1, "[Date] '%s' is of the year %d; models are from %d to %d"},
+    {405, 0, "[Comment Char] changes the comment character to '%c'"},
+    {407, 0, "%u of %u driver models have a ramp only and no waveform: %s"},
+    {407, 1, "1 of %u driver models has a ramp only and no waveform: %s"},
+    {407, 2, "the only driver model has a ramp only and no waveform: %s"},
+    {408, 0, "all package and pin values are 0 or missing: simulation sees the bare die"},
+    {409, 0, "no pin and no selector leads to %s"},
+    {410, 0, "the D_to_A line of %s goes from %s to %s"},
+    {410, 1, "the A_to_D line of %s has vlow %s above vhigh %s"},
+    {411, 0, "nothing drives %s, so %s %s model cannot be switched off"},
+    {411, 1, "the Ports lack %s, which Model_type %s uses"},
 });
 
 /// What a check tells that has one finding for several places: "; 1 more end differs".

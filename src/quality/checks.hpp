@@ -28,6 +28,9 @@ struct Check {
 /// All checks by ascending code.
 [[nodiscard]] std::span<const Check> adviceChecks();
 
+/// The check of a code, or null.
+[[nodiscard]] const Check* adviceCheck(MessageCode code);
+
 /// What all checks say of a file that was read, in the order of lines and codes. The texts are their own, the subjects
 /// are those of the records.
 [[nodiscard]] std::vector<Advice> adviseOn(const AdvisedFile& file);

@@ -33,7 +33,7 @@ struct WaveAt {
     Corner corner;
 
     [[nodiscard]] const WaveCorner& measures() const { return waveform->corners[corner]; }
-    [[nodiscard]] std::string name() const { return waveformText(*waveform, corner); }
+    [[nodiscard]] std::string name() const { return waveformText(*waveform); }
     [[nodiscard]] std::string_view word() const { return cornerWord(corner); }
 };
 
@@ -224,7 +224,7 @@ void checkWaveformEnds(const AdvisedModel& advised, AdviceList& list) {
     const EndComparison comparison = compareEnds(advised);
     if (!comparison.differences) return;
     const EndDifference& worst = *comparison.differences;
-    list.add(placeOfWave(advised, *worst.waveform), 301, waveformText(*worst.waveform, worst.corner),
+    list.add(placeOfWave(advised, *worst.waveform), 301, waveformText(*worst.waveform),
              std::string_view(worst.at_end ? "ends" : "begins"), level(worst.level), level(worst.of_tables),
              cornerWord(worst.corner));
     list.addMore(301, comparison.differences.more());
@@ -324,8 +324,7 @@ void checkLevelsOfEdges(const AdvisedModel& advised, AdviceList& list) {
         for (const Waveform* const down : falling)
             if (haveSameFixture(*up->record, *down->record)) compareLevels(advised, *up, *down, worst);
     if (!worst) return;
-    list.add(placeOfWave(advised, *worst->rising.waveform), 307,
-             fixtureText(*worst->rising.waveform->record, worst->rising.corner),
+    list.add(placeOfWave(advised, *worst->rising.waveform), 307, fixtureText(*worst->rising.waveform->record),
              std::string_view(worst->is_high ? "high" : "low"), level(worst->in_rising), level(worst->in_falling),
              worst->rising.word());
     list.addMore(307, worst.more());
@@ -347,7 +346,7 @@ void checkWaveformCorners(const AdvisedModel& advised, AdviceList& list) {
         if (const std::optional<double> measure = outOfOrder(rates)) worst.add(*measure, Found{&waveform, rates});
     }
     if (!worst) return;
-    list.add(placeOfWave(advised, *worst->waveform), 308, waveformText(*worst->waveform, Corner::typ), "20-80 %",
+    list.add(placeOfWave(advised, *worst->waveform), 308, waveformText(*worst->waveform), "20-80 %",
              slewsText(worst->rates));
     list.addMore(308, worst.more());
 }
@@ -380,7 +379,7 @@ void checkRampRate(const AdvisedModel& advised, AdviceList& list) {
     if (!worst) return;
     const WaveAt& wave = worst->wave;
     list.add(placeOfRamp(advised), 309, worst->line.name, slew(*worst->line.slew(wave.corner)),
-             fixtureText(*wave.waveform->record, wave.corner), slew(*wave.measures().rate), wave.word());
+             fixtureText(*wave.waveform->record), slew(*wave.measures().rate), wave.word());
     list.addMore(309, worst.more());
 }
 

@@ -145,16 +145,16 @@ std::optional<DcLoad> fixtureLoad(const Wvfrm& waveform, Corner corner) {
     return complete ? std::optional(DcLoad{*resistance, *voltage}) : std::nullopt;
 }
 
-std::string fixtureText(const Wvfrm& waveform, Corner corner) {
-    const GivenValue voltage = fixtureVoltage(waveform, corner);
+std::string fixtureText(const Wvfrm& waveform) {
+    const GivenValue voltage = waveform.v_fixture;
     std::string text(waveform.r_fixture ? std::string_view(ohms(*waveform.r_fixture)) : std::string_view("?"));
     text.append(" to ").append(voltage ? std::string_view(volts(*voltage)) : std::string_view("?"));
     return text;
 }
 
-std::string waveformText(const Waveform& waveform, Corner corner) {
+std::string waveformText(const Waveform& waveform) {
     std::string text(waveform.edge == Edge::rising ? "[Rising Waveform] with " : "[Falling Waveform] with ");
-    return text.append(fixtureText(*waveform.record, corner));
+    return text.append(fixtureText(*waveform.record));
 }
 
 std::string_view edgeWord(Edge edge) { return edge == Edge::rising ? "rising" : "falling"; }

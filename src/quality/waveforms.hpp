@@ -68,10 +68,10 @@ struct Waveform {
 [[nodiscard]] GivenValue fixtureVoltage(const Wvfrm& waveform, Corner corner);
 /// The fixture as a load in a corner.
 [[nodiscard]] std::optional<DcLoad> fixtureLoad(const Wvfrm& waveform, Corner corner);
-/// "50 ohm to 3.3 V"; what is not given is "?".
-[[nodiscard]] std::string fixtureText(const Wvfrm& waveform, Corner corner);
+/// The typical fixture by which a waveform is known, "50 ohm to 3.3 V"; what is not given is "?".
+[[nodiscard]] std::string fixtureText(const Wvfrm& waveform);
 /// "[Rising Waveform] with 50 ohm to 3.3 V".
-[[nodiscard]] std::string waveformText(const Waveform& waveform, Corner corner);
+[[nodiscard]] std::string waveformText(const Waveform& waveform);
 [[nodiscard]] std::string_view edgeWord(Edge edge);
 
 } // namespace kestrel

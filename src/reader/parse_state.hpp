@@ -32,6 +32,8 @@ struct ParseState {
     IbisVersion version = IbisVersion::none;      ///< set by "[IBIS Ver]"; chooses keyword table and limits
     KeywordCode current = KeywordCode::notKey;    ///< keyword that data lines belong to
     char comment = '|';
+    char new_comment = '|';             ///< what "[Comment Char]" first changed it to
+    std::uint32_t new_comment_line = 0; ///< at which that was; 0 when it never did
     bool tab_warned = false;
     bool version_seen = false;         ///< "[IBIS Ver]" was read
     bool end_seen = false;             ///< "[End]" was read

@@ -8,17 +8,12 @@
 
 namespace kestrel {
 
-namespace {
-
-/// True when all three are numbers and the typical one lies below both others or above both.
-bool typOutside(const Rng& range) {
+bool isTypOutside(const Rng& range) {
     if (!std::ranges::all_of(range, &Cell::isNumber)) return false;
     const double typ = range.typ().value();
     const auto [low, high] = std::minmax({range.min().value(), range.max().value()});
     return typ < low || typ > high;
 }
-
-} // namespace
 
 bool readRange(Context& context, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check) {
     Diagnostics& diagnostics = context.diagnostics;
@@ -30,7 +25,7 @@ bool readRange(Context& context, std::string_view text, std::string_view quantit
         all_read &=
             readCell(diagnostics, items[at], items.has(at), quantity, kCornerWords[placeOf(corner)], range[corner]);
     }
-    if (check == OrderCheck::on && typOutside(range)) warningAtLine(diagnostics, 3903);
+    if (check == OrderCheck::on && isTypOutside(range)) warningAtLine(diagnostics, 3903);
     return all_read;
 }
 

@@ -41,6 +41,9 @@ enum class OrderCheck : bool { off, on };
 /// Reads "typ min max". True when every cell present could be read; `range` is filled as far as that went in any case.
 bool readRange(Context& context, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check);
 
+/// True when all three are numbers and the typical one lies below both others or above both.
+[[nodiscard]] bool isTypOutside(const Rng& range);
+
 /// True when one of the numbers is negative.
 [[nodiscard]] bool anyBelowZero(const Rng& range);
 

@@ -117,18 +117,22 @@ bool writeTree(const PartContext& part, std::string_view name, std::string_view 
     const bool is_whole = directory.empty() || kSeparators.find(name.front()) != std::string_view::npos;
     const std::string path = is_bare || is_whole ? std::string(name) : std::string(directory).append(name);
     if (path.size() >= kMaxPath) return false;
-    std::optional<Source> source = openSource(quiet, path, FileKind::ami, WhenAbsent::leave);
-    if (!source) return false;
-    nameFile(quiet.diagnostics, source->path);
-    const std::string text = collectAmi(quiet, *source);
-    const AmiOutline outline = readAmiOutline(quiet, text);
-    if (outline.nodes.empty()) return false;
-    TreeWriter writer(part.html);
-    part.html << "<ul class=\"tree\">";
-    writer.write(outline.nodes.front().text, 0);
-    part.html << "</ul>";
-    if (writer.isCut()) part.html << "<p class=\"none\">The first " << kMostNodes << " branches are shown.</p>";
-    return true;
+    try {
+        std::optional<Source> source = openSource(quiet, path, FileKind::ami, WhenAbsent::leave);
+        if (!source) return false;
+        nameFile(quiet.diagnostics, source->path);
+        const std::string text = collectAmi(quiet, *source);
+        const AmiOutline outline = readAmiOutline(quiet, text);
+        if (outline.nodes.empty()) return false;
+        TreeWriter writer(part.html);
+        part.html << "<ul class=\"tree\">";
+        writer.write(outline.nodes.front().text, 0);
+        part.html << "</ul>";
+        if (writer.isCut()) part.html << "<p class=\"none\">The first " << kMostNodes << " branches are shown.</p>";
+        return true;
+    } catch (const AssertionFailed&) { // whatever is wrong with the file was reported by its check
+        return false;
+    }
 }
 
 void writeFile(const PartContext& part, std::string_view name, std::string_view directory) {

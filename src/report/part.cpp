@@ -82,6 +82,13 @@ std::string componentNames(const Ibis& root) {
     return names;
 }
 
+/// The path of the file as it was opened; the call may leave the extension out.
+std::string pathOf(const Ibis& root, const FilePart& file) {
+    for (const Hdr& header : root.headers.newestFirst())
+        if (header.file != nullptr) return *header.file;
+    return file.path;
+}
+
 /// The header that says most.
 const Hdr* headerOf(const Ibis& root) {
     for (const Hdr& header : root.headers.newestFirst())
@@ -170,8 +177,9 @@ void writePart(Html& html, const FilePart& file, const KeptFindings& findings, R
     const Ibis& root = *run->roots.front();
     Anchors anchors(file.number);
     anchors.enter(root);
-    const ShownFindings shown = collectFindings(findings.log, findings.left_out, file.path, file.begun, anchors);
-    const PartContext part{html, *run, root, file.path, file.kind, anchors, shown};
+    const std::string path = pathOf(root, file);
+    const ShownFindings shown = collectFindings(findings.log, findings.left_out, path, file.begun, anchors);
+    const PartContext part{html, *run, root, path, file.kind, anchors, shown};
     html.begin("article", {{"class", Literal("file")}, Attribute::id(anchors.file())}) << "\n";
     writeHead(part, file);
     for (const SectionRow& row : kSections)

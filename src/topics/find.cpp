@@ -47,6 +47,12 @@ void dropHead(std::string& text) {
     }
 }
 
+/// What a finding of a code reads like. The texts of advice are not known here, its titles are.
+std::string patternOf(const TopicRow& row) {
+    if (row.code.family == CodeFamily::advice) return std::string(topics()[row.topic].title);
+    return generalText(row.code);
+}
+
 /// The code in brackets at the end of a finding as compilers print it.
 std::optional<FindingCode> codeAtEnd(std::string_view text) {
     const std::size_t begin = text.rfind('[');
@@ -121,7 +127,7 @@ std::vector<FindingCode> codesOfText(std::string_view text) {
     std::vector<FindingCode> codes;
     std::size_t most = 0;
     for (const TopicRow& row : topicRows()) {
-        const std::string pattern = folded(generalText(row.code));
+        const std::string pattern = folded(patternOf(row));
         const auto same = pattern.size() - static_cast<std::size_t>(std::ranges::count(pattern, kAnything));
         if (same < most || !matches(pattern, asked)) continue;
         if (same > most) codes.clear();
@@ -139,7 +145,7 @@ std::optional<FindingCode> nearestCode(std::string_view text) {
     std::optional<FindingCode> nearest;
     double most = kLeast;
     for (const TopicRow& row : topicRows()) {
-        const double alike = likeness(pairs, pairsOf(folded(generalText(row.code))));
+        const double alike = likeness(pairs, pairsOf(folded(patternOf(row))));
         if (alike <= most) continue;
         most = alike;
         nearest = row.code;

@@ -113,5 +113,19 @@ TEST(Baselines, nameWhatIsGoneFromCheckedFiles) {
     EXPECT_EQ(gone, (std::vector<std::string>{"6 a.ibs, 905, x", "7 a.ibs, 100, w"}));
 }
 
+TEST(Baselines, missAdviceOnlyWhereItIsGiven) {
+    const auto gone = [](bool gives_advice) {
+        Baseline known;
+        EXPECT_FALSE(known.read(kHead + "a.ibs, Q105, x\n"));
+        if (!gives_advice) known.leaveAdviceOut();
+        known.checked("a.ibs");
+        std::size_t lines = 0;
+        known.eachGone([&lines](std::uint32_t, std::string_view) { ++lines; });
+        return lines;
+    };
+    EXPECT_EQ(gone(true), 1U);
+    EXPECT_EQ(gone(false), 0U);
+}
+
 } // namespace
 } // namespace kestrel

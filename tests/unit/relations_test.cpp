@@ -122,8 +122,8 @@ TEST(ExternalCircuits, keepFilesNamesAndConverters) {
     ASSERT_EQ(circuit.converters.size(), 2U);
     const Converter& driver = circuit.converters[0];
     EXPECT_EQ(driver.corner, Corner::max);
-    EXPECT_DOUBLE_EQ(driver.vhigh, 3.3);
-    EXPECT_DOUBLE_EQ(driver.tfall, 2e-9);
+    EXPECT_DOUBLE_EQ(driver.vhigh.value_or(0.0), 3.3);
+    EXPECT_DOUBLE_EQ(driver.tfall.value_or(0.0), 2e-9);
     EXPECT_FALSE(circuit.converters[1].to_analog);
     EXPECT_EQ(circuit.converters[1].corner, std::nullopt);
 }

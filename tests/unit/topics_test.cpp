@@ -3,8 +3,11 @@
 
 #include "files.hpp"
 #include "findings/message_classes.hpp"
+#include "main/advice_page.hpp"
 #include "main/messages_page.hpp"
 #include "main/version.hpp"
+#include "quality/advised.hpp"
+#include "quality/checks.hpp"
 #include "topic_example.hpp"
 #include "topics/topic.hpp"
 #include "topics/topic_text.hpp"
@@ -69,8 +72,8 @@ struct Raised {
     std::string shown;
 };
 
-/// What checking the file of an example finds, cautions included.
-std::vector<Raised> check(const ExampleFiles& files) {
+/// What checking the file of an example finds, cautions included, and advice where it is wanted.
+std::vector<Raised> check(const ExampleFiles& files, bool advises) {
     std::vector<Raised> raised;
     Files run;
     for (const auto& [name, text] : files.texts)
@@ -93,6 +96,12 @@ std::vector<Raised> check(const ExampleFiles& files) {
     } catch (const AssertionFailed& failure) {
         reportFailure(state.diagnostics, failure);
     }
+    if (!advises || state.roots.empty()) return raised;
+    for (const Advice& advice : adviseOn(AdvisedFile(currentRoot(state), state.parse))) {
+        std::string shown("advice ");
+        shown.append(CodeText(advice.code).text()).append(" ").append(std::to_string(advice.line)).append(": ");
+        raised.push_back({Level::advice, advice.code, shown.append(advice.text)});
+    }
     return raised;
 }
 
@@ -113,12 +122,12 @@ void checkExample(TestedTopic& topic) {
     const TopicText& text = topic.text;
     if (text.frame.empty()) return;
     const ExampleFiles bad = expandExample(framesFolder(), text.frame, text.bad, topic.faults);
-    const std::vector<Raised> raised = check(bad);
+    const bool is_advice = std::ranges::all_of(text.codes, isAdvice);
+    const std::vector<Raised> raised = check(bad, is_advice);
     const auto is_own = [&text](const Raised& one) {
         return one.code && std::ranges::find(text.codes, *one.code) != text.codes.end();
     };
-    const bool is_advice = std::ranges::all_of(text.codes, isAdvice);
-    if (!is_advice && std::ranges::none_of(raised, is_own))
+    if (std::ranges::none_of(raised, is_own))
         topic.faults.push_back("the bad example raises no code of the topic, but" + listed(raised) + shownFile(bad));
     std::vector<Raised> others;
     for (const Raised& one : raised) {
@@ -129,14 +138,17 @@ void checkExample(TestedTopic& topic) {
         topic.faults.push_back("the bad example raises other errors:" + listed(others) + shownFile(bad));
     std::vector<std::string> again; // the same as for the bad one
     const ExampleFiles mended = expandExample(framesFolder(), text.frame, text.mended, again);
-    const std::vector<Raised> left = check(mended);
+    const std::vector<Raised> left = check(mended, is_advice);
     if (!left.empty()) topic.faults.push_back("the mended example raises" + listed(left) + shownFile(mended));
 }
 
 void checkCodes(TestedTopic& topic) {
     for (const FindingCode code : topic.text.codes) {
-        if (isAdvice(code)) continue;
         const std::string shown(CodeText(code).text());
+        if (isAdvice(code)) {
+            if (adviceCheck(code.number) == nullptr) topic.faults.push_back("there is no advice " + shown);
+            continue;
+        }
         const std::size_t row = catalogIndex(code.number);
         if (row == kCatalog.size() || kCatalog[row].text == kReservedText) {
             topic.faults.push_back("there is no message " + shown);
@@ -176,6 +188,8 @@ TEST(Topics, everyCodeThatAFileCanRaiseHasOne) {
     for (const Level level : {Level::error, Level::warning, Level::caution, Level::note})
         for (const MessageCode code : codesOf(level))
             EXPECT_TRUE(explained.contains({CodeFamily::message, code})) << code << " has no topic";
+    for (const Check& check : adviceChecks())
+        EXPECT_TRUE(explained.contains({CodeFamily::advice, check.code})) << "Q" << check.code << " has no topic";
 }
 
 TEST(Topics, areBuiltInAsTheyAreWritten) {
@@ -203,6 +217,7 @@ TEST(Topics, areBuiltInAsTheyAreWritten) {
 
 TEST(Topics, thePageOfAllIsCurrent) {
     EXPECT_TRUE(readWhole(KESTREL_MESSAGES_PAGE) == messagesPage()) << "build the target messages_page";
+    EXPECT_TRUE(readWhole(KESTREL_ADVICE_PAGE) == advicePage()) << "build the target messages_page";
 }
 
 TEST(TopicText, saysWhatIsWrongWithItsForm) {
