@@ -38,6 +38,11 @@ bool failsFile(Level level, Level fail_on) {
     return false;
 }
 
+bool failsFile(const FindingCounts& counts, Level fail_on) {
+    return counts.bugs > 0 || counts.errors > 0 || (counts.warnings > 0 && failsFile(Level::warning, fail_on)) ||
+           (counts.advice > 0 && failsFile(Level::advice, fail_on));
+}
+
 std::string_view messageOf(const Finding& finding) { return stripTrailing(finding.text); }
 
 std::string normalPath(std::string_view path) { return std::filesystem::path(path).lexically_normal().string(); }

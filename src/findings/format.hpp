@@ -69,6 +69,8 @@ public:
 
 /// True when a finding of this class fails its file.
 [[nodiscard]] bool failsFile(Level level, Level fail_on);
+/// True when one of the findings that were counted does.
+[[nodiscard]] bool failsFile(const FindingCounts& counts, Level fail_on);
 
 /// A message as one finding of many: without white space at its end, which some have to part them from what follows.
 [[nodiscard]] std::string_view messageOf(const Finding& finding);

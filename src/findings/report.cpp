@@ -4,28 +4,31 @@ namespace kestrel {
 
 void Report::fileBegins(const FileStart& start) {
     counts_ = {};
-    fails_ = false;
     if (known != nullptr) known->nextFile();
     if (written != nullptr) written->nextFile();
     format_.fileBegins(start);
 }
 
-void Report::finding(const Finding& finding) {
-    if (ignored_.has(finding)) {
+bool Report::finding(const Finding& finding) {
+    if (!regards(finding)) {
         if (known != nullptr) known->pass(finding);
-        return;
+        return false;
     }
     if (written != nullptr) written->add(finding);
-    if (known != nullptr && known->take(finding)) return;
-    const Level level = levelOf(finding.severity);
-    counts_.add(level);
-    fails_ = fails_ || failsFile(level, fail_on_);
+    if (known != nullptr && known->take(finding)) return false;
+    counts_.add(levelOf(finding.severity));
     format_.finding(finding);
+    return true;
+}
+
+Verdict Report::verdictOf(const FileOutcome& outcome, const FindingCounts& counts) const {
+    if (!outcome.read) return Verdict::unread;
+    const bool failed = failsFile(counts, fail_on_) || outcome.refused || outcome.failed;
+    return failed ? Verdict::failed : Verdict::passed;
 }
 
 Verdict Report::fileEnds(const FileOutcome& outcome) {
-    const bool failed = fails_ || outcome.refused || outcome.failed;
-    const Verdict verdict = !outcome.read ? Verdict::unread : failed ? Verdict::failed : Verdict::passed;
+    const Verdict verdict = verdictOf(outcome, counts_);
     ++totals_.files;
     totals_.counts.add(counts_);
     if (verdict == Verdict::failed) ++totals_.failed;

@@ -29,9 +29,14 @@ public:
     BaselineWriter* written = nullptr; ///< gets all that are not ignored
 
     void fileBegins(const FileStart& start);
-    void finding(const Finding& finding);
+    /// False for a finding that is left out.
+    bool finding(const Finding& finding);
     /// Gives the file's verdict.
     Verdict fileEnds(const FileOutcome& outcome);
+
+    /// Whatever file has its turn: false for a finding that is ignored, and the verdict of a file with these findings.
+    [[nodiscard]] bool regards(const Finding& finding) const { return !ignored_.has(finding); }
+    [[nodiscard]] Verdict verdictOf(const FileOutcome& outcome, const FindingCounts& counts) const;
     void ends() { format_.ends(totals_); }
 
 private:
@@ -39,7 +44,6 @@ private:
     const Ignored& ignored_;
     Level fail_on_;
     FindingCounts counts_; // of the present file
-    bool fails_ = false;   // the present file
     Totals totals_;
 };
 

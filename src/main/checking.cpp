@@ -77,9 +77,12 @@ struct Job {
     FindingLog log{};  ///< what could not be reported yet
     std::string last_printed{};
     FileOutcome outcome{};
-    std::vector<std::string> files{}; ///< all that were read, where a baseline wants to know
+    std::vector<std::string> files{};   ///< all that were read, where a baseline wants to know
+    std::unique_ptr<ReportPart> part{}; ///< of the report, where one is wanted
 
-    [[nodiscard]] std::size_t size() const { return sizeof *this + log.size() + last_printed.capacity(); }
+    [[nodiscard]] std::size_t size() const {
+        return sizeof *this + log.size() + last_printed.capacity() + (part ? part->size() : 0);
+    }
 };
 
 /// Thrown to end a check whose results nobody gets any more.
@@ -126,6 +129,8 @@ private:
 
     void checkContained(Job& job) {
         const std::string_view name = files_[job.place];
+        if (outputs_.pages != nullptr)
+            job.part = std::make_unique<ReportPart>(static_cast<std::uint32_t>(job.place + 1), name, kindOrIbs(name));
         Output printed = outputs_.announces ? Output() : Output::nowhere();
         std::size_t passed_on = 0;
         bool found = false;
@@ -156,6 +161,23 @@ private:
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)
             job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
+        writePart(job, &run);
+    }
+
+    /// Writes the file's part of the report while what was read is there. What a baseline leaves out is known when the
+    /// file has its turn.
+    void writePart(Job& job, Run* run) {
+        if (!job.part) return;
+        if (outputs_.report.known != nullptr) {
+            waitForTurn(job);
+            passOn(job);
+        }
+        FilePart& file = job.part->file;
+        file.version = job.outcome.version;
+        file.counts = job.part->findings.counts;
+        file.verdict = outputs_.report.verdictOf(job.outcome, file.counts);
+        if (run != nullptr) run->diagnostics.sink = [](const Finding&) {};
+        outputs_.pages->write(*job.part, run, hasTurn(job));
     }
 
     /// Makes a finding of what broke the check off, when its run is gone and its memory free again.
@@ -174,6 +196,7 @@ private:
                   .exact = false,
                   .subject = nullptr,
                   .text = text});
+            writePart(job, nullptr);
         } catch (const std::bad_alloc&) {
             return; // the verdict remains
         }
@@ -183,13 +206,15 @@ private:
     void give(Job& job, std::string_view printed, const Finding& finding) {
         constexpr std::size_t kMostKept = std::size_t{1} << 20;
         if (stopped_.load(std::memory_order_relaxed)) throw Stopped{};
+        if (job.part && outputs_.report.known == nullptr && outputs_.report.regards(finding))
+            job.part->findings.add(finding);
         if (!hasTurn(job)) {
             job.log.add(printed, finding);
             if (job.log.size() >= kMostKept) waitForTurn(job);
             return;
         }
         passOn(job);
-        report(printed, finding);
+        report(job, printed, finding);
     }
 
     void waitForTurn(const Job& job) {
@@ -239,12 +264,13 @@ private:
         begun_ = true;
         if (job.log.empty()) return;
         const FindingLog log = std::exchange(job.log, {});
-        log.replay([this](std::string_view printed, const Finding& finding) { report(printed, finding); });
+        log.replay([&](std::string_view printed, const Finding& finding) { report(job, printed, finding); });
     }
 
-    void report(std::string_view printed, const Finding& finding) {
+    void report(Job& job, std::string_view printed, const Finding& finding) {
         outputs_.out.write(printed);
-        outputs_.report.finding(finding);
+        const bool shown = outputs_.report.finding(finding);
+        if (shown && job.part && outputs_.report.known != nullptr) job.part->findings.add(finding);
         if (outputs_.out.failed()) stop();
     }
 
@@ -260,6 +286,7 @@ private:
                     known->checked(file);
             }
             verdict = outputs_.report.fileEnds(job.outcome);
+            if (job.part) outputs_.pages->end(*job.part);
         } catch (const std::bad_alloc&) { // the check had memory, its report has not
             status_ = kTrouble;
             tell(outputs_.out, outputs_.errors, name, ": out of memory; not everything is reported");

@@ -3,6 +3,7 @@
 #include "findings/report.hpp"
 #include "main/file_list.hpp"
 #include "main/progress.hpp"
+#include "main/report_file.hpp"
 #include "main/verimark.hpp"
 
 namespace kestrel {
@@ -16,6 +17,7 @@ struct CheckOutputs {
     Output& errors;
     Report& report;
     Progress* progress;  ///< null when nobody looks
+    ReportFile* pages;   ///< null when no report is wanted
     bool announces;      ///< what is said ahead of the findings is printed to `out`
     bool advises;        ///< files that were read get advice
     bool empty_is_found; ///< a file that cannot be read gives a finding in any case

@@ -13,6 +13,7 @@
 #include "main/pager.hpp"
 #include "main/program_versions.hpp"
 #include "main/progress.hpp"
+#include "main/report_file.hpp"
 #include "main/verimark_options.hpp"
 #include "main/watch.hpp"
 #include "quality/checks.hpp"
@@ -123,7 +124,7 @@ bool openOutput(const Trouble& trouble, const Call& call, OutputFile& file, std:
     return problem.empty();
 }
 
-bool commit(const Trouble& trouble, OutputFile& file, std::string_view path) {
+template <class File> bool commit(const Trouble& trouble, File& file, std::string_view path) {
     const std::string problem = file.commit();
     if (!problem.empty()) trouble(path, ": " + problem);
     return problem.empty();
@@ -201,6 +202,11 @@ VerimarkStatus checkShown(const Call& call, CheckOutputs outputs) {
     return status;
 }
 
+/// What a report of the files is called.
+std::string titleOf(const FileList& files) {
+    return files.size() == 1 ? std::string(files[0]) : std::to_string(files.size()).append(" files");
+}
+
 /// Checks the files of the call; nothing when it did not come to that.
 std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSettings settings) {
     const VerimarkOptions& options = call.options;
@@ -212,6 +218,13 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     if (!wantsAdvice(options)) known.leaveAdviceOut();
     const bool writes = !options.write_baseline.empty();
     if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
+
+    ReportFile pages(call.temporaries);
+    const bool reports = !options.report.empty();
+    if (reports) {
+        if (!openOutput(trouble, call, pages.file(), options.report)) return std::nullopt;
+        pages.begin(options.report, titleOf(call.files), std::string("Verimark ").append(settings.version));
+    }
 
     settings.color = wantsColor(options.color, out);
     settings.fail_on = options.fail_on;
@@ -225,6 +238,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .errors = call.errors,
                                .report = report,
                                .progress = nullptr,
+                               .pages = reports ? &pages : nullptr,
                                .announces = is_text && !options.quiet,
                                .advises = wantsAdvice(options),
                                .empty_is_found = !is_text};
@@ -233,6 +247,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     if (!call.all_listed) status = kTrouble;
     report.ends();
     if (report.known != nullptr) tellOfBaseline(out, call.errors, known, options.baseline);
+    if (reports && !commit(trouble, pages, options.report)) status = kTrouble;
     if (writes) {
         written.write(baseline_file.out());
         if (!commit(trouble, baseline_file, options.write_baseline)) status = kTrouble;
@@ -304,11 +319,13 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
         call.progress = progress.get();
     }
     const std::string_view output = options.output == "-" ? std::string_view() : options.output;
-    if (isSame(output, options.baseline) || isSame(output, options.write_baseline))
-        return trouble(output, ": is the file of the baseline, too");
+    if (isSame(output, options.report)) return trouble(output, ": is the file of the report, too");
+    for (const std::string_view written : {output, options.report})
+        if (isSame(written, options.baseline) || isSame(written, options.write_baseline))
+            return trouble(written, ": is the file of the baseline, too");
     // From the first temporary file to the last. Where there is none, signals end the program by themselves.
     std::optional<Watch> watch;
-    if (!output.empty() || !options.write_baseline.empty() || progress != nullptr) {
+    if (!output.empty() || !options.write_baseline.empty() || !options.report.empty() || progress != nullptr) {
         const auto clean_up = [&] {
             temporaries.removeAll();
             if (progress != nullptr) progress->giveUp();

@@ -101,6 +101,7 @@ using V = VerimarkOptions;
 constexpr OptionRow kOptions[] = {
     {'f', "format", "FORMAT", G::output, "text, gcc, json, jsonl, sarif, github or junit", kFormatNames, setFormat},
     {'o', "output", "FILE", G::output, "writes there, when all is done", {}, keep<&V::output>},
+    {0, "report", "FILE", G::output, "writes a page with all curves there", {}, keep<&V::report>},
     {0, "color", "WHEN", G::output, "auto, always or never: text and gcc in color", kWhen, setColor},
     {0, "quiet", "", G::output, "findings only, and summaries of files that failed", {}, setQuiet},
     {0, "advice", "", G::findings, "also says what is right and yet likely wrong", {}, setAdvice},

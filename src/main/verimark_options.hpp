@@ -29,6 +29,7 @@ struct VerimarkOptions {
     Level fail_on = Level::error;
     std::string_view baseline;
     std::string_view write_baseline;
+    std::string_view report; ///< a file's path; empty for none
     bool advice = false;
     bool quiet = false;
     unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors

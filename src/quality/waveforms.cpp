@@ -43,10 +43,12 @@ double movementFrom(std::span<const Point> points, double time) {
     return high - low;
 }
 
-/// The rate of the middle of the edge: from the last crossing of 20 % ahead of the first one of 80 % to that.
-GivenValue rateOf(std::span<const Point> points, double swing) {
-    constexpr double kLow = 0.2;
-    constexpr double kHigh = 0.8;
+/// Where the middle of an edge begins and ends, as parts of the swing.
+constexpr double kLow = 0.2;
+constexpr double kHigh = 0.8;
+
+/// The middle of the edge, where it has one.
+std::optional<WaveMiddle> middleOf(std::span<const Point> points, double swing) {
     const double first = points.front().y;
     const double low = first + kLow * swing;
     const double high = first + kHigh * swing;
@@ -62,10 +64,15 @@ GivenValue rateOf(std::span<const Point> points, double swing) {
         if (!crosses(a, b, high)) continue;
         const double time = timeAt(a, b, high) - low_time;
         if (!(time > 0.0)) return {};
-        const double rate = (kHigh - kLow) * std::fabs(swing) / time;
-        return std::isfinite(rate) ? GivenValue(rate) : GivenValue();
+        return WaveMiddle{{low_time, low}, {timeAt(a, b, high), high}};
     }
     return {};
+}
+
+/// The rate of the middle.
+GivenValue rateOf(const WaveMiddle& middle, double swing) {
+    const double rate = (kHigh - kLow) * std::fabs(swing) / (middle.high.x - middle.low.x);
+    return std::isfinite(rate) ? GivenValue(rate) : GivenValue();
 }
 
 } // namespace
@@ -101,7 +108,8 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
     }
     wave.dead_time = timeInBand(points, kStays * wave.size());
     wave.late_movement = movementFrom(points, points.back().x - kEnd * wave.duration);
-    wave.rate = rateOf(points, wave.swing());
+    wave.middle = middleOf(points, wave.swing());
+    if (wave.middle) wave.rate = rateOf(*wave.middle, wave.swing());
     return wave;
 }
 

@@ -17,6 +17,12 @@ struct WaveStep {
     double seconds = 0.0;
 };
 
+/// The middle of an edge: from the last crossing of 20 % of the swing ahead of the first one of 80 % to that.
+struct WaveMiddle {
+    Point low;
+    Point high;
+};
+
 /// A waveform in one corner. Volts and seconds.
 struct WaveCorner {
     bool given = false; ///< it has two rows; nothing else counts without
@@ -34,7 +40,8 @@ struct WaveCorner {
     double late_movement = 0.0; ///< volts that it goes through at its end
     Point back_from{};          ///< where it goes back from,
     Point back_to{};            ///< and where to, at most
-    GivenValue rate;            ///< V/s, from 20 % to 80 % of the swing
+    std::optional<WaveMiddle> middle;
+    GivenValue rate; ///< V/s, from 20 % to 80 % of the swing
 
     [[nodiscard]] double back() const { return std::fabs(back_to.y - back_from.y); }
     /// The rows are too far apart for the edge to be seen.

@@ -40,8 +40,10 @@ const std::map<std::string, Names>& allowed() {
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"report", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                    "findings", "quality", "topics"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality", "topics"})},
+                                  "findings", "quality", "report", "topics"})},
     };
     return kAllowed;
 }

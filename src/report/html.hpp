@@ -1,0 +1,171 @@
+#pragma once
+
+#include "base/output.hpp"
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+/// HTML that escapes by construction: what is not one of these types does not compile, and what comes from a file can
+/// only be a text or the value of an attribute that takes texts.
+namespace kestrel {
+
+/// Markup of our own: a literal of whole tags, so that what follows it is between tags. Scripts, styles and links need
+/// more care than a literal has.
+class Markup {
+public:
+    consteval Markup(const char* literal) : text_(literal) {
+        bool in_tag = false;
+        for (const char c : text_) {
+            if (in_tag == (c == '<') && (c == '<' || c == '>')) throw "markup that ends or begins within a tag";
+            if (c == '<') in_tag = true;
+            if (c == '>') in_tag = false;
+        }
+        if (in_tag) throw "markup that ends within a tag";
+        for (const std::string_view word : {"<script", "<style", "<iframe", "<object", "<link", "<meta", "javascript:"})
+            if (text_.find(word) != std::string_view::npos) throw "markup that is not harmless";
+    }
+    [[nodiscard]] constexpr std::string_view text() const { return text_; }
+
+private:
+    std::string_view text_;
+};
+
+/// Any text, shown as it reads. Control characters but TAB and line feed, and what is not UTF-8, become U+FFFD.
+class Text {
+public:
+    explicit constexpr Text(std::string_view text) : text_(text) {}
+    [[nodiscard]] constexpr std::string_view text() const { return text_; }
+
+private:
+    std::string_view text_;
+};
+
+/// A place of the page that a link leads to: a kind of place and numbers, never a name.
+struct Anchor {
+    char kind = 'f';
+    std::uint32_t file = 0;
+    std::uint32_t number = 0; ///< within the file; 0 for the file itself
+
+    friend constexpr bool operator==(const Anchor&, const Anchor&) = default;
+};
+
+/// The name of an element or an attribute.
+class MarkupName {
+public:
+    consteval MarkupName(const char* literal) : text_(literal) {
+        if (text_.empty()) throw "a name is not empty";
+        for (const char c : text_)
+            if (!(('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || ('0' <= c && c <= '9') || c == '-'))
+                throw "a name has letters, digits and hyphens";
+    }
+    [[nodiscard]] constexpr std::string_view text() const { return text_; }
+    /// True of the attributes whose values are more than texts: a browser follows, runs or applies them.
+    [[nodiscard]] constexpr bool isActive() const {
+        for (const std::string_view name : {"href", "src", "srcset", "style", "action", "formaction", "data", "srcdoc",
+                                            "id", "name", "http-equiv", "ping", "poster", "background"})
+            if (text_ == name) return true;
+        return text_.starts_with("on");
+    }
+
+private:
+    std::string_view text_;
+};
+
+/// The name of an attribute that takes any text.
+class TextAttribute : public MarkupName {
+public:
+    consteval TextAttribute(const char* literal) : MarkupName(literal) {
+        if (isActive()) throw "an attribute that takes no texts of files";
+    }
+};
+
+/// A value of our own.
+class Literal {
+public:
+    consteval Literal(const char* literal) : text_(literal) {
+        if (text_.find_first_of("\"<>&") != std::string_view::npos) throw "a value that would have to be escaped";
+        if (text_.find("javascript:") != std::string_view::npos) throw "a value that is not harmless";
+    }
+    [[nodiscard]] constexpr std::string_view text() const { return text_; }
+
+private:
+    std::string_view text_;
+};
+
+/// An attribute of an element.
+class Attribute {
+public:
+    constexpr Attribute(MarkupName name, Literal value)
+        : name_(name.text()), kind_(Kind::literal), text_(value.text()) {}
+    constexpr Attribute(TextAttribute name, Text value) : name_(name.text()), kind_(Kind::text), text_(value.text()) {}
+    constexpr Attribute(TextAttribute name, std::int64_t value)
+        : name_(name.text()), kind_(Kind::number), number_(value) {}
+    /// "id" of a place.
+    [[nodiscard]] static constexpr Attribute id(Anchor anchor) { return {"id", Kind::id, anchor}; }
+    /// "href" of a link to a place.
+    [[nodiscard]] static constexpr Attribute href(Anchor anchor) { return {"href", Kind::link, anchor}; }
+
+private:
+    friend class Html;
+    enum class Kind : std::uint8_t { literal, text, number, id, link };
+
+    constexpr Attribute(std::string_view name, Kind kind, Anchor anchor) : name_(name), kind_(kind), anchor_(anchor) {}
+
+    std::string_view name_;
+    Kind kind_;
+    std::string_view text_{};
+    std::int64_t number_ = 0;
+    Anchor anchor_{};
+};
+
+/// Writes HTML.
+class Html {
+public:
+    explicit Html(Output& out) : out_(out) {}
+    Html(const Html&) = delete;
+    Html& operator=(const Html&) = delete;
+    ~Html() = default;
+
+    Html& operator<<(Markup markup) {
+        out_.write(markup.text());
+        return *this;
+    }
+    Html& operator<<(Text text) {
+        writeText(text.text(), false);
+        return *this;
+    }
+    template <std::integral Number>
+    requires(!std::same_as<Number, bool> && !std::same_as<Number, char>) Html& operator<<(Number number) {
+        writeNumber(static_cast<std::int64_t>(number));
+        return *this;
+    }
+    /// The anchor as it is in "id".
+    Html& operator<<(Anchor anchor);
+
+    /// Begins an element; its end tag is markup.
+    Html& begin(MarkupName element, std::initializer_list<Attribute> attributes);
+
+    /// A text of a row of cells that are parted by TABs and ended by line feeds.
+    Html& cell(Text text) {
+        writeText(text.text(), true);
+        return *this;
+    }
+
+    /// Coordinates of a path or the like, which consist of digits, blanks, signs, points and letters; others are left
+    /// out.
+    Html& path(MarkupName class_name, std::string_view data);
+
+private:
+    void writeText(std::string_view text, bool one_line);
+    void writeNumber(std::int64_t number);
+
+    Output& out_;
+};
+
+/// A link to a place of the page, or only the text where there is none.
+void writeLink(Html& html, const Anchor* anchor, std::string_view text);
+
+} // namespace kestrel

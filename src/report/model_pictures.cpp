@@ -1,0 +1,420 @@
+#include "report/model_pictures.hpp"
+
+#include "ibis/run.hpp"
+#include "quality/waveforms.hpp"
+
+namespace kestrel {
+
+namespace {
+
+constexpr Axis kTableAxis{"Table voltage", "V"};
+constexpr Axis kPinAxis{"Pin voltage", "V"};
+
+/// The pictures of one model or submodel.
+struct Pictures {
+    const PartContext& part;
+    std::string_view owner;
+    FindingMarks marks;
+
+    void curve(const Crv& table, std::string_view title, std::string_view note, std::vector<Rule> rails = {}) {
+        if (!table) return;
+        Plot plot = plotOf(table.rows, std::string(title), owner, kTableAxis, kCurrentAxis);
+        plot.note = note;
+        plot.rules = std::move(rails);
+        marks.mark(plot, table.line, title);
+        writePlot(part.html, plot);
+    }
+
+    [[nodiscard]] Plot waveform(const Wvfrm& table, std::string_view word, std::string_view label) const {
+        Plot plot = plotOf(table.rows, waveformTitle(word, table), owner, kTimeAxis, kVoltageAxis);
+        plot.note = fixtureNote(table);
+        marks.mark(plot, table.line, label);
+        return plot;
+    }
+
+    void supplyCurrent(const Wvfrm& table, std::string_view word) {
+        if (!table.composite_current) return;
+        const Wvfrm& current = *table.composite_current;
+        Plot plot = plotOf(current.rows, std::string("Supply current, ").append(waveformTitle(word, table)), owner,
+                           kTimeAxis, kCurrentAxis);
+        marks.mark(plot, current.line, kCompositeCurrent.open);
+        writePlot(part.html, plot);
+    }
+
+    void enter(const Crv& table) {
+        if (table) marks.enterTable(table.line);
+    }
+    void enter(const Rows<Wvfrm>& list) {
+        for (const Wvfrm& waveform : list) {
+            marks.enterTable(waveform.line);
+            if (waveform.composite_current) marks.enterTable(waveform.composite_current->line);
+        }
+    }
+    void enter(const Tables& tables) {
+        for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
+            enter(*table);
+        if (tables.ramp) marks.enterTable(tables.ramp->line);
+        enter(tables.rising_waveforms);
+        enter(tables.falling_waveforms);
+    }
+};
+
+void writeSeries(Pictures& pictures, const SeriesBlock& block, std::string_view label) {
+    pictures.curve(block.series_current, std::string("Series Current ").append(label), "");
+    for (const SMos& mosfet : block.mosfets) {
+        std::string title("Series MOSFET ");
+        title.append(label);
+        if (mosfet.vds) appendQuantity(title.append(", Vds "), *mosfet.vds, "V");
+        pictures.curve(mosfet.table, title, "");
+    }
+}
+
+/// What a table of a model is called in its picture, and how its voltage counts.
+struct TableTitle {
+    TableKind kind;
+    std::string_view title;
+    std::string_view note;
+};
+constexpr std::array<TableTitle, kTableKinds> kTitles{{
+    {TableKind::pulldown, "Pulldown", "from the pulldown's rail up"},
+    {TableKind::pullup, "Pullup", "from the pullup's rail down"},
+    {TableKind::gndClamp, "GND Clamp", "from the clamp's rail up"},
+    {TableKind::powerClamp, "POWER Clamp", "from the clamp's rail down"},
+}};
+
+/// The pictures and figures of a model that follow from the physics of its tables.
+class ModelFigures {
+public:
+    ModelFigures(const PartContext& part, const Mdl& model, Pictures& pictures)
+        : part_(part), model_(model), pictures_(pictures), physics_(model, room_) {
+        std::vector<Point> room;
+        waveforms_ = waveformsOf(model, physics_, room);
+    }
+
+    void writeCurves() {
+        for (const TableTitle& table : kTitles)
+            pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(table.kind));
+    }
+
+    /// The states, where the supply is known.
+    void writeStates() {
+        for (const DriveState state : {DriveState::low, DriveState::high, DriveState::off})
+            if (hasState(state)) writeState(state);
+    }
+
+    void writeWaveforms() {
+        for (const Waveform& waveform : waveforms_)
+            writeWaveform(waveform);
+    }
+
+    void writeNumbers() {
+        writeResistances();
+        writeEdges();
+    }
+
+private:
+    /// Where the rails are in a table's own voltage, with the pin's voltage there.
+    [[nodiscard]] std::vector<Rule> railsOfTable(TableKind kind) const {
+        std::vector<Rule> rails;
+        const std::optional<TableAtPin> table = physics_.atPin(kind, Corner::typ);
+        const References& given = physics_.references();
+        if (!table) return rails;
+        for (const GivenValue rail : {given.pulldown, given.pullup})
+            if (rail) rails.push_back(rail_(table->tableVoltage(*rail), "pin ", *rail));
+        return rails;
+    }
+
+    static Rule rail_(double at, std::string_view word, double voltage) {
+        std::string label(word);
+        appendQuantity(label, voltage, "V", 4);
+        return {.kind = Rule::Kind::rail, .upright = true, .at = at, .label = std::move(label)};
+    }
+
+    [[nodiscard]] bool hasState(DriveState state) const {
+        const bool drives = state == DriveState::low ? physics_.drivesLow() : physics_.drivesHigh();
+        if (state != DriveState::off && !drives) return false;
+        const bool has_clamps = model_.tables->gnd_clamp.given || model_.tables->power_clamp.given ||
+                                findRange(model_, MdlRange::rgnd) != nullptr ||
+                                findRange(model_, MdlRange::rpower) != nullptr;
+        return state != DriveState::off || has_clamps;
+    }
+
+    void writeState(DriveState state) {
+        constexpr std::array<std::string_view, kDriveStates> kNames{"Low state", "High state", "Off state"};
+        Plot plot;
+        plot.title = kNames[static_cast<std::size_t>(state)];
+        plot.owner = pictures_.owner;
+        plot.x = kPinAxis;
+        plot.y = kCurrentAxis;
+        Span between_rails;
+        Span all;
+        for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
+            const StateCurrent* const current = physics_.current(state, corner);
+            const References& given = physics_.references(corner);
+            if (current == nullptr || !given.vcc) continue;
+            std::vector<Point> points;
+            current->sweep(*given.pulldown - *given.vcc, *given.pulldown + 2.0 * *given.vcc,
+                           [&](double pin, double amperes) {
+                               if (!canBeDrawn(pin) || !canBeDrawn(amperes)) return;
+                               points.push_back({pin, amperes});
+                               all.include(amperes);
+                               if (pin >= *given.pulldown && pin <= *given.pullup) between_rails.include(amperes);
+                           });
+            if (!points.empty()) plot.lines.push_back({corner, std::move(points)});
+        }
+        if (plot.lines.empty()) return;
+        cutAtDriver(plot, between_rails, all);
+        const References& given = physics_.references();
+        for (const GivenValue rail : {given.pulldown, given.pullup})
+            if (rail) plot.rules.push_back(rail_(*rail, "", *rail));
+        pictures_.marks.markByWord(plot, std::string(stateWord(state)).append("-state"));
+        writePlot(part_.html, plot);
+    }
+
+    /// Beyond the rails clamps carry so much more than a driver that nothing would be seen of it: such a picture ends
+    /// where the driver's currents between the rails do.
+    static void cutAtDriver(Plot& plot, const Span& between_rails, const Span& all) {
+        constexpr double kRoom = 2.0;
+        constexpr double kMuchMore = 5.0;
+        const double driver = std::max(std::abs(between_rails.low), std::abs(between_rails.high));
+        const double most = std::max(std::abs(all.low), std::abs(all.high));
+        if (!between_rails.given || driver < kNoCurrent || most < kMuchMore * driver) return;
+        plot.shown_y.include(std::max(all.low, -kRoom * driver));
+        plot.shown_y.include(std::min(all.high, kRoom * driver));
+        plot.note = "cut above ";
+        appendQuantity(plot.note, kRoom * driver, "A", 2);
+    }
+
+    struct Levels {
+        PerCorner<std::optional<double>> low;
+        PerCorner<std::optional<double>> high;
+    };
+
+    /// The levels into a waveform's fixture; waveforms with the same one share them.
+    [[nodiscard]] const Levels& levelsOf(const Wvfrm& waveform) {
+        const auto same = std::ranges::find_if(levels_, [&](const auto& known) {
+            const Wvfrm& other = *known.first;
+            const auto equals = [](GivenValue a, GivenValue b) {
+                return a.has_value() == b.has_value() && (!a || *a == *b);
+            };
+            return equals(other.r_fixture, waveform.r_fixture) && equals(other.v_fixture, waveform.v_fixture) &&
+                   equals(other.v_fixture_min, waveform.v_fixture_min) &&
+                   equals(other.v_fixture_max, waveform.v_fixture_max);
+        });
+        if (same != levels_.end()) return same->second;
+        Levels levels;
+        for (const Corner corner : kCorners) {
+            const std::optional<DcLoad> load = fixtureLoad(waveform, corner);
+            if (!load || !physics_.isDriver()) continue;
+            levels.low[corner] = physics_.level(DriveState::low, corner, *load);
+            levels.high[corner] = physics_.level(DriveState::high, corner, *load);
+        }
+        return levels_.emplace_back(&waveform, levels).second;
+    }
+
+    void writeWaveform(const Waveform& waveform) {
+        const bool rises = waveform.edge == Edge::rising;
+        const std::string_view word = rises ? "Rising" : "Falling";
+        Plot plot = pictures_.waveform(*waveform.record, word, rises ? kRisingWaveform.open : kFallingWaveform.open);
+        const Levels& levels = levelsOf(*waveform.record);
+        for (const Corner corner : kCorners) {
+            addLevel(plot, "low ", levels.low[corner], corner);
+            addLevel(plot, "high ", levels.high[corner], corner);
+            if (const auto& middle = waveform.corners[corner].middle) {
+                plot.dots.push_back({corner, {middle->low, middle->high}});
+                addRamp(plot, *middle, waveform.edge, corner);
+            }
+        }
+        addThresholds(plot);
+        writePlot(part_.html, plot);
+        pictures_.supplyCurrent(*waveform.record, word);
+    }
+
+    static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
+        if (!level || !canBeDrawn(*level)) return;
+        std::string label;
+        if (corner == Corner::typ) label.append(word).append(levelText(*level));
+        plot.rules.push_back(
+            {.kind = Rule::Kind::level, .upright = false, .at = *level, .label = std::move(label), .corner = corner});
+    }
+
+    /// A level; what is below a microvolt is 0.
+    static std::string levelText(double level) {
+        constexpr double kNothing = 1e-6;
+        return quantityText(std::abs(level) < kNothing ? 0.0 : level, "V", 3);
+    }
+
+    /// The ramp as a straight line through the middle of the edge.
+    void addRamp(Plot& plot, const WaveMiddle& middle, Edge edge, Corner corner) const {
+        const Ramp& ramp = *model_.tables->ramp;
+        const std::optional<RampRate>& rate = edge == Edge::rising ? ramp.dv_dt_r : ramp.dv_dt_f;
+        if (!rate || !(*rate)[corner].dv.isNumber() || !((*rate)[corner].dt > 0.0)) return;
+        const double volts = (*rate)[corner].dv.value() / 2.0 * (edge == Edge::rising ? 1.0 : -1.0);
+        const double seconds = (*rate)[corner].dt / 2.0;
+        const Point center{(middle.low.x + middle.high.x) / 2.0, (middle.low.y + middle.high.y) / 2.0};
+        plot.lines.push_back(
+            {corner, {{center.x - seconds, center.y - volts}, {center.x + seconds, center.y + volts}}, true});
+    }
+
+    void addThresholds(Plot& plot) const {
+        struct Threshold {
+            std::string_view word;
+            GivenValue value;
+        };
+        const TypicalValues values = typicalValuesOf(model_);
+        const bool receives = kReceivingTypes.has(model_.type());
+        const GivenValue none;
+        for (const Threshold& threshold :
+             {Threshold{"Vinh ", receives ? values.vinh : none}, Threshold{"Vinl ", receives ? values.vinl : none},
+              Threshold{"Vmeas ", values.vmeas}}) {
+            if (!threshold.value || !canBeDrawn(*threshold.value)) continue;
+            std::string label(threshold.word);
+            appendQuantity(label, *threshold.value, "V", 4);
+            plot.rules.push_back(
+                {.kind = Rule::Kind::threshold, .upright = false, .at = *threshold.value, .label = std::move(label)});
+        }
+    }
+
+    /// A row of texts that a function gives for the corners; none where it gives nothing.
+    template <class TextOf> static void row(CornerTable& table, std::string_view name, TextOf text_of) {
+        PerCorner<std::string> texts;
+        bool any = false;
+        for (const Corner corner : kCorners) {
+            texts[corner] = text_of(corner);
+            any = any || !texts[corner].empty();
+            if (texts[corner].empty()) texts[corner] = "\u2013";
+        }
+        if (any) table.row(name, texts);
+    }
+
+    /// What a driver's table is at half of the supply, as a resistance.
+    [[nodiscard]] std::string resistanceText(TableKind kind, Corner corner) const {
+        const GivenValue vcc = physics_.vcc(corner);
+        const IvTable& table = physics_.table(kind, corner);
+        if (!vcc || !table.hasData()) return {};
+        const double current = table.at(*vcc / 2.0) * (kind == TableKind::pullup ? -1.0 : 1.0);
+        return std::abs(current) < kNoCurrent ? std::string() : quantityText(*vcc / 2.0 / current, kOhm, 3);
+    }
+
+    void writeResistances() {
+        CornerTable table(part_.html, "Output");
+        if (physics_.drivesLow())
+            row(table, "R low at Vcc/2", [&](Corner corner) { return resistanceText(TableKind::pulldown, corner); });
+        if (physics_.drivesHigh())
+            row(table, "R high at Vcc/2", [&](Corner corner) { return resistanceText(TableKind::pullup, corner); });
+        for (const Waveform& waveform : waveforms_)
+            (void)levelsOf(*waveform.record);
+        for (const auto& [waveform, levels] : levels_) {
+            const std::string fixture = waveformTitle("", *waveform);
+            const auto text_of = [](const PerCorner<std::optional<double>>& level) {
+                return [&level](Corner corner) { return level[corner] ? levelText(*level[corner]) : std::string(); };
+            };
+            row(table, std::string("Low").append(fixture), text_of(levels.low));
+            row(table, std::string("High").append(fixture), text_of(levels.high));
+        }
+    }
+
+    void writeEdges() {
+        CornerTable table(part_.html, "Edges");
+        for (const Waveform& waveform : waveforms_) {
+            const std::string title =
+                waveformTitle(waveform.edge == Edge::rising ? "Rising" : "Falling", *waveform.record);
+            row(table, std::string(title).append(": swing"), [&](Corner corner) {
+                const WaveCorner& wave = waveform.corners[corner];
+                return wave.given && canBeDrawn(wave.size()) ? quantityText(wave.size(), "V", 3) : std::string();
+            });
+            row(table, "20\u201380\u00a0%", [&](Corner corner) {
+                const auto& middle = waveform.corners[corner].middle;
+                return middle ? quantityText(middle->high.x - middle->low.x, "s", 3) : std::string();
+            });
+            row(table, "rate", [&](Corner corner) {
+                const GivenValue rate = waveform.corners[corner].rate;
+                return rate ? quantityText(*rate * 1e-9, "V/ns", 3) : std::string();
+            });
+        }
+    }
+
+    const PartContext& part_;
+    const Mdl& model_;
+    Pictures& pictures_;
+    std::vector<Point> room_; // of the physics
+    ModelPhysics physics_;
+    std::vector<Waveform> waveforms_;
+    std::vector<std::pair<const Wvfrm*, Levels>> levels_;
+};
+
+} // namespace
+
+void writeRamp(CornerTable& table, const Ramp& ramp) {
+    const auto rate = [&](std::string_view name, const std::optional<RampRate>& given) {
+        if (!given) return;
+        PerCorner<std::string> texts;
+        for (const Corner corner : kCorners) {
+            const RampCorner& step = (*given)[corner];
+            texts[corner] = step.dv.isNumber() ? quantityText(step.dv.value(), "V", 4) : cellText(step.dv, "V");
+            if (step.dv.isNumber()) appendQuantity(texts[corner].append(" / "), step.dt, "s", 4);
+        }
+        table.row(name, texts);
+    };
+    rate("dV/dt_r", ramp.dv_dt_r);
+    rate("dV/dt_f", ramp.dv_dt_f);
+    table.row("R_load", ramp.r_load, kOhm);
+}
+
+void writeModelTables(const PartContext& part, const Mdl& model) {
+    const MdlTables& tables = *model.tables;
+    Pictures pictures{part, model.name, FindingMarks(part, model)};
+    pictures.enter(tables);
+    pictures.enter(tables.isso_pd);
+    pictures.enter(tables.isso_pu);
+    for (const auto& block : {model.on_block.get(), model.off_block.get()}) {
+        if (block == nullptr) continue;
+        pictures.enter(block->series_current);
+        for (const SMos& mosfet : block->mosfets)
+            pictures.enter(mosfet.table);
+    }
+    pictures.marks.ready();
+    if (!model.tables && !model.on_block && !model.off_block) {
+        part.html << "</div>\n";
+        return;
+    }
+    ModelFigures figures(part, model, pictures);
+    figures.writeNumbers();
+    part.html << "</div>\n";
+    writeLegend(part.html);
+    part.html << "<div class=\"plots\">\n";
+    figures.writeCurves();
+    figures.writeStates();
+    pictures.curve(tables.isso_pd, "ISSO PD", "");
+    pictures.curve(tables.isso_pu, "ISSO PU", "");
+    if (model.on_block) writeSeries(pictures, *model.on_block, kOnLabel);
+    if (model.off_block) writeSeries(pictures, *model.off_block, kOffLabel);
+    figures.writeWaveforms();
+    part.html << "</div>\n";
+}
+
+void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
+    const SubMdlTables& tables = *submodel.tables;
+    Pictures pictures{part, submodel.name, FindingMarks(part, submodel)};
+    pictures.enter(tables);
+    for (const OnDemand<Wvfrm>* const pulse : {&submodel.gnd_pulse, &submodel.power_pulse})
+        if (*pulse) pictures.marks.enterTable((*pulse)->line);
+    pictures.marks.ready();
+    if (!submodel.tables && !submodel.gnd_pulse && !submodel.power_pulse) return;
+    writeLegend(part.html);
+    part.html << "<div class=\"plots\">\n";
+    pictures.curve(tables.pulldown, "Pulldown", "");
+    pictures.curve(tables.pullup, "Pullup", "");
+    pictures.curve(tables.gnd_clamp, "GND Clamp", "");
+    pictures.curve(tables.power_clamp, "POWER Clamp", "");
+    for (const Wvfrm& table : tables.rising_waveforms)
+        writePlot(part.html, pictures.waveform(table, "Rising", kRisingWaveform.open));
+    for (const Wvfrm& table : tables.falling_waveforms)
+        writePlot(part.html, pictures.waveform(table, "Falling", kFallingWaveform.open));
+    if (submodel.gnd_pulse) writePlot(part.html, pictures.waveform(*submodel.gnd_pulse, "GND pulse", kGndPulse.open));
+    if (submodel.power_pulse)
+        writePlot(part.html, pictures.waveform(*submodel.power_pulse, "POWER pulse", kPowerPulse.open));
+    part.html << "</div>\n";
+}
+
+} // namespace kestrel

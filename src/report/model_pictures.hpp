@@ -1,0 +1,21 @@
+#pragma once
+
+#include "report/pictures.hpp"
+#include "report/tables.hpp"
+
+namespace kestrel {
+
+struct Mdl;
+struct SubMdl;
+
+/// Writes the rows of a ramp.
+void writeRamp(CornerTable& table, const Ramp& ramp);
+
+/// Writes what follows from a model's tables: the figures (resistances, levels, edges) into the element "values", which
+/// it ends, then the pictures.
+void writeModelTables(const PartContext& part, const Mdl& model);
+
+/// Writes the pictures of a submodel.
+void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel);
+
+} // namespace kestrel

@@ -1,0 +1,170 @@
+#include "report/pictures.hpp"
+
+#include "reader/values.hpp"
+
+#include <charconv>
+#include <utility>
+
+namespace kestrel {
+
+namespace {
+
+/// The value of a line of the picture at a place, between its points.
+std::optional<double> valueAt(const std::vector<Point>& points, double x) {
+    if (points.empty()) return std::nullopt;
+    const auto above = std::ranges::lower_bound(points, x, {}, &Point::x);
+    if (above == points.begin()) return above->y;
+    if (above == points.end()) return points.back().y;
+    const Point& below = *std::prev(above);
+    const double length = above->x - below.x;
+    return length > 0 ? below.y + (above->y - below.y) * ((x - below.x) / length) : above->y;
+}
+
+void addMark(Plot& plot, const ShownFinding& finding, double x) {
+    if (!canBeDrawn(x)) return;
+    for (const PlotLine& line : plot.lines) {
+        if (line.thin) continue;
+        if (const std::optional<double> y = valueAt(line.points, x)) {
+            plot.marks.push_back({{x, *y}, finding.anchor, finding.text});
+            return;
+        }
+    }
+}
+
+/// Findings about a table name it so, or in brackets.
+bool names(std::string_view text, std::string_view label) {
+    if (text.starts_with(label)) return true;
+    const std::size_t bracket = text.find('[');
+    const std::string_view rest = bracket == std::string_view::npos ? std::string_view() : text.substr(bracket + 1);
+    return rest.starts_with(label) && rest.substr(label.size()).starts_with(']');
+}
+
+} // namespace
+
+std::optional<double> valueBehindAt(std::string_view text, std::string_view unit) {
+    constexpr std::string_view kAt = " at ";
+    for (std::size_t at = text.find(kAt); at != std::string_view::npos; at = text.find(kAt, at + 1)) {
+        const std::string_view rest = text.substr(at + kAt.size());
+        double value = 0.0;
+        const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), value);
+        if (read.ec != std::errc{}) continue;
+        std::string_view behind = rest.substr(static_cast<std::size_t>(read.ptr - rest.data()));
+        if (!behind.starts_with(' ')) continue;
+        behind.remove_prefix(1);
+        double factor = 1.0;
+        if (!behind.starts_with(unit)) {
+            constexpr std::string_view kLetters = "fpnumkMGT";
+            constexpr std::array kFactors{1e-15, 1e-12, 1e-9, 1e-6, 1e-3, 1e3, 1e6, 1e9, 1e12};
+            const std::size_t letter = behind.empty() ? std::string_view::npos : kLetters.find(behind.front());
+            if (letter == std::string_view::npos || !behind.substr(1).starts_with(unit)) continue;
+            factor = kFactors[letter];
+            behind.remove_prefix(1);
+        }
+        behind.remove_prefix(unit.size());
+        const bool word_ends = behind.empty() || !(behind.front() >= 'A' && behind.front() <= 'z');
+        if (word_ends && !behind.starts_with('/')) return value * factor;
+    }
+    return std::nullopt;
+}
+
+FindingMarks::FindingMarks(const PartContext& part, const Subject& record)
+    : findings_(part.findings.about(part.anchors.find(&record))), lines_(part.findings.lines) {
+    std::erase_if(findings_, [](const ShownFinding* finding) { return !finding->file.empty(); });
+}
+
+std::optional<double> FindingMarks::firstCellOf(const ShownFinding& finding) const {
+    const auto at = lines_.find(finding.line);
+    if (at == lines_.end()) return std::nullopt;
+    std::string_view line = at->second;
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    double value = 0.0;
+    if (line.empty() || line.front() == '[') return std::nullopt;
+    const std::string_view item = line.substr(0, line.find_first_of(" \t"));
+    return readScaled(item, value) == ReadResult::noNumber ? std::nullopt : std::optional(value);
+}
+
+void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) const {
+    constexpr std::size_t kMost = 20;
+    if (findings_.empty()) return;
+    const auto next = std::ranges::upper_bound(begins_, line);
+    const std::uint32_t end = next == begins_.end() ? static_cast<std::uint32_t>(-1) : *next;
+    for (const ShownFinding* const finding : findings_) {
+        if (plot.marks.size() == kMost) return;
+        const bool is_inside = finding->line >= line && finding->line < end;
+        std::optional<double> x;
+        if (is_inside && finding->exact && finding->line > line) x = firstCellOf(*finding);
+        if (!x && (is_inside || names(finding->text, label))) x = valueBehindAt(finding->text, plot.x.unit);
+        if (x) addMark(plot, *finding, *x);
+    }
+}
+
+void FindingMarks::markByWord(Plot& plot, std::string_view word) const {
+    for (const ShownFinding* const finding : findings_) {
+        if (finding->text.find(word) == std::string::npos) continue;
+        if (const std::optional<double> x = valueBehindAt(finding->text, plot.x.unit)) addMark(plot, *finding, *x);
+    }
+}
+
+std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column) {
+    std::vector<Point> points;
+    points.reserve(rows.size());
+    bool in_order = true;
+    for (const TableRow& row : rows) {
+        if (!row[kFirst].isNumber() || !row[column].isNumber()) continue;
+        const Point point{row[kFirst].value(), row[column].value()};
+        if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
+        in_order = in_order && (points.empty() || points.back().x <= point.x);
+        points.push_back(point);
+    }
+    if (!in_order) std::ranges::stable_sort(points, {}, &Point::x);
+    return points;
+}
+
+Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y) {
+    Plot plot;
+    plot.title = std::move(title);
+    plot.owner = owner;
+    plot.x = x;
+    plot.y = y;
+    // The typical line is drawn last, above the others.
+    for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
+        std::vector<Point> points = pointsOf(rows, columnOf(corner));
+        if (!points.empty()) plot.lines.push_back({corner, std::move(points)});
+    }
+    return plot;
+}
+
+std::string waveformTitle(std::string_view word, const Wvfrm& waveform) {
+    std::string title(word);
+    if (waveform.r_fixture) appendQuantity(title.append(", "), *waveform.r_fixture, kOhm);
+    if (waveform.v_fixture) appendQuantity(title.append(" to "), *waveform.v_fixture, "V");
+    return title;
+}
+
+std::string fixtureNote(const Wvfrm& waveform) {
+    struct Part {
+        std::string_view word;
+        GivenValue value;
+        std::string_view unit;
+    };
+    std::string text;
+    for (const Part& part : {Part{"min ", waveform.v_fixture_min, "V"}, Part{"max ", waveform.v_fixture_max, "V"},
+                             Part{"C_fixture ", waveform.c_fixture, "F"}, Part{"L_fixture ", waveform.l_fixture, "H"},
+                             Part{"R_dut ", waveform.r_dut, kOhm}, Part{"L_dut ", waveform.l_dut, "H"},
+                             Part{"C_dut ", waveform.c_dut, "F"}}) {
+        if (!part.value) continue;
+        const bool is_same = waveform.v_fixture && part.unit == "V" && *part.value == *waveform.v_fixture;
+        if (is_same) continue;
+        appendQuantity(text.append(text.empty() ? "" : ", ").append(part.word), *part.value, part.unit);
+    }
+    return text;
+}
+
+void writeLegend(Html& html) {
+    html
+        << "<p class=\"legend\"><svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 4h28\"/></svg> "
+           "typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 4h28\"/></svg> min "
+           "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
+}
+
+} // namespace kestrel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "model/tables.hpp"
+#include "report/plot.hpp"
+#include "report/sections.hpp"
+
+#include <optional>
+
+/// The pictures of tables.
+namespace kestrel {
+
+/// Marks findings of one record in the pictures of its tables.
+class FindingMarks {
+public:
+    FindingMarks(const PartContext& part, const Subject& record);
+    /// A table of the record begins at this line.
+    void enterTable(std::uint32_t line) { begins_.push_back(line); }
+    void ready() { std::ranges::sort(begins_); }
+
+    /// Adds marks to the picture of a table that began at `line`: at the row of the finding's own line, or at the
+    /// voltage or time that a finding about the table names.
+    void mark(Plot& plot, std::uint32_t line, std::string_view label) const;
+    /// Adds marks for findings whose text has one of these words and names a value of the x axis.
+    void markByWord(Plot& plot, std::string_view word) const;
+
+private:
+    [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
+
+    std::vector<const ShownFinding*> findings_;
+    const SourceLines& lines_;
+    std::vector<std::uint32_t> begins_;
+};
+
+/// The value with this unit that a text names behind "at", as in "at 860 mV"; nothing where it names none.
+[[nodiscard]] std::optional<double> valueBehindAt(std::string_view text, std::string_view unit);
+
+/// The points of a column, by the first one.
+[[nodiscard]] std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column);
+
+/// A picture with the lines of a table's corners.
+[[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);
+
+/// The title of a waveform by its fixture, such as "Rising, 50 ohm to 3.3 V", and what is beside it.
+[[nodiscard]] std::string waveformTitle(std::string_view word, const Wvfrm& waveform);
+[[nodiscard]] std::string fixtureNote(const Wvfrm& waveform);
+
+/// Writes what lines and dashes mean.
+void writeLegend(Html& html);
+
+} // namespace kestrel

@@ -1,0 +1,266 @@
+#include "report/plot.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace kestrel {
+
+namespace {
+
+/// The picture, and its frame in it; the style and the script know the same numbers.
+constexpr double kLeft = 50;
+constexpr double kTop = 20;
+constexpr double kWidth = 420;
+constexpr double kHeight = 240;
+constexpr double kRight = kLeft + kWidth;
+constexpr double kBottom = kTop + kHeight;
+
+/// Appends a coordinate with at most one decimal.
+void appendCoordinate(std::string& text, double value) {
+    std::array<char, 40> room{};
+    const double tenths = std::round(std::clamp(value, -1e6, 1e6) * 10.0);
+    const bool whole = std::fmod(tenths, 10.0) == 0.0;
+    const auto end =
+        std::to_chars(room.data(), room.data() + room.size(), tenths / 10.0, std::chars_format::fixed, whole ? 0 : 1);
+    text.append(room.data(), end.ptr);
+}
+
+/// A number as the script reads it.
+void appendData(std::string& text, double value) {
+    std::array<char, 40> room{};
+    const auto end = std::to_chars(room.data(), room.data() + room.size(), value, std::chars_format::general, 8);
+    text.append(room.data(), end.ptr);
+}
+
+/// A picture being drawn.
+class Drawing {
+public:
+    Drawing(Html& html, const Plot& plot, const Frame& frame) : html_(html), plot_(plot), frame_(frame) {}
+
+    void draw() {
+        html_.begin("svg", {{"class", Literal("plot")},
+                            {"viewBox", Literal("0 0 480 300")},
+                            {"role", Literal("img")},
+                            {TextAttribute("data-x"), Text(spanData(frame_.x, plot_.x))},
+                            {TextAttribute("data-y"), Text(spanData(frame_.y, plot_.y))}});
+        describe();
+        axes();
+        html_ << "<g class=\"c\"><g class=\"d\" transform=\"translate(50 20)scale(.07 .06)\">";
+        lines();
+        html_ << "</g></g>";
+        labels();
+        marks();
+        html_ << "</svg>";
+    }
+
+private:
+    static std::string spanData(const Span& span, const Axis& axis) {
+        std::string text;
+        appendData(text, span.low);
+        text.push_back(' ');
+        appendData(text, span.high);
+        return text.append(" ").append(axis.unit);
+    }
+
+    [[nodiscard]] double acrossOf(double value) const { return kLeft + frame_.acrossOf(value) * kWidth / kFrameWidth; }
+    [[nodiscard]] double downOf(double value) const { return kTop + frame_.downOf(value) * kHeight / kFrameHeight; }
+
+    void describe() {
+        text_.assign(plot_.y.word).append(" over ").append(plot_.x.word).append(", ");
+        appendQuantity(text_, frame_.x.low, plot_.x.unit, 3);
+        appendQuantity(text_.append(" to "), frame_.x.high, plot_.x.unit, 3);
+        appendQuantity(text_.append(" and "), frame_.y.low, plot_.y.unit, 3);
+        appendQuantity(text_.append(" to "), frame_.y.high, plot_.y.unit, 3);
+        html_ << "<title>" << Text(plot_.title);
+        if (!plot_.owner.empty()) html_ << " of " << Text(plot_.owner);
+        html_ << "</title><desc>" << Text(text_) << "</desc>";
+    }
+
+    void axes() {
+        const Ticks across = ticksOf(frame_.x, 8);
+        const Ticks down = ticksOf(frame_.y, 6);
+        text_.clear();
+        for (const Tick& tick : across.ticks) {
+            text_.push_back('M');
+            appendCoordinate(text_, acrossOf(tick.value));
+            text_.append(" 20v240");
+        }
+        for (const Tick& tick : down.ticks) {
+            text_.append("M50 ");
+            appendCoordinate(text_, downOf(tick.value));
+            text_.append("h420");
+        }
+        html_.path("g", text_);
+        html_ << "<g class=\"tx\" transform=\"translate(0 275)\">";
+        for (const Tick& tick : across.ticks)
+            tickText("x", acrossOf(tick.value), tick);
+        html_ << "</g><g class=\"ty\" transform=\"translate(45 4)\">";
+        for (const Tick& tick : down.ticks)
+            tickText("y", downOf(tick.value), tick);
+        html_ << "</g><text class=\"lx\" x=\"470\" y=\"293\">";
+        axisLabel(plot_.x, across) << "</text><text class=\"ly\" x=\"4\" y=\"12\">";
+        axisLabel(plot_.y, down) << "</text>";
+    }
+
+    void tickText(TextAttribute name, double at, const Tick& tick) {
+        text_.clear();
+        appendCoordinate(text_, at);
+        html_.begin("text", {{name, Text(text_)}}) << Text(tick.text) << "</text>";
+    }
+
+    Html& axisLabel(const Axis& axis, const Ticks& ticks) {
+        return html_ << Text(axis.word) << " (" << Text(ticks.prefix->letter) << Text(axis.unit) << ")";
+    }
+
+    void lines() {
+        for (const Rule& rule : plot_.rules) {
+            if (!(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
+            text_.clear();
+            text_.push_back('M');
+            if (rule.upright) {
+                appendStep(text_, static_cast<std::int32_t>(std::lrint(frame_.acrossOf(rule.at))));
+                text_.append(" 0v4000");
+            } else {
+                text_.append("0 ");
+                appendStep(text_, static_cast<std::int32_t>(std::lrint(frame_.downOf(rule.at))));
+                text_.append("h6000");
+            }
+            html_.path(classOf(rule), text_);
+        }
+        for (const PlotLine& line : plot_.lines) {
+            text_.clear();
+            if (line.points.size() > kMostPoints) {
+                appendPath(text_, thinned(line.points, frame_.x), frame_);
+            } else {
+                appendPath(text_, line.points, frame_);
+            }
+            if (!text_.empty()) html_.path(line.thin ? thinClassOf(line.corner) : classOf(line.corner), text_);
+        }
+        for (const Dots& dots : plot_.dots) {
+            text_.clear();
+            for (const Point& point : dots.points)
+                if (frame_.x.has(point.x) && frame_.y.has(point.y)) appendPath(text_, {&point, 1}, frame_);
+            if (!text_.empty()) html_.path(dotClassOf(dots.corner), text_);
+        }
+    }
+
+    static MarkupName classOf(const Rule& rule) {
+        switch (rule.kind) {
+        case Rule::Kind::rail: return "r";
+        case Rule::Kind::threshold: return "h";
+        case Rule::Kind::level: break;
+        }
+        return rule.corner == Corner::typ ? MarkupName("e-t") : rule.corner == Corner::min ? MarkupName("e-n") : "e-x";
+    }
+    static MarkupName classOf(Corner corner) { return kestrel::classOf(corner); }
+    static MarkupName thinClassOf(Corner corner) {
+        return corner == Corner::typ ? MarkupName("s-t") : corner == Corner::min ? MarkupName("s-n") : "s-x";
+    }
+    static MarkupName dotClassOf(Corner corner) {
+        return corner == Corner::typ ? MarkupName("o-t") : corner == Corner::min ? MarkupName("o-n") : "o-x";
+    }
+
+    /// Labels of rules: of upright ones above the frame, of others at its right. Those that would lie over another are
+    /// left out; the lines are there.
+    void labels() {
+        std::vector<double> taken_across{20}; // where the label of the axis is
+        std::vector<double> taken_down;
+        const auto isFree = [](std::vector<double>& taken, double at, double room) {
+            const bool is_free = std::ranges::none_of(taken, [&](double other) { return std::abs(other - at) < room; });
+            if (is_free) taken.push_back(at);
+            return is_free;
+        };
+        for (const Rule& rule : plot_.rules) {
+            if (rule.label.empty() || !(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
+            text_.clear();
+            if (rule.upright) {
+                const double room = 3.3 * static_cast<double>(rule.label.size());
+                const double at = std::min(acrossOf(rule.at), 479 - room);
+                if (!isFree(taken_across, at, 62)) continue;
+                appendCoordinate(text_, at);
+                html_.begin("text", {{"class", Literal("lr")},
+                                     {TextAttribute("x"), Text(text_)},
+                                     {"y", Literal("14")},
+                                     {TextAttribute("data-x"), Text(data(rule.at))}});
+            } else {
+                const double at = downOf(rule.at);
+                if (!isFree(taken_down, at, 12)) continue;
+                appendCoordinate(text_, at < kTop + 12 ? at + 11 : at - 3);
+                html_.begin("text", {{"class", Literal("lh")},
+                                     {"x", Literal("467")},
+                                     {TextAttribute("y"), Text(text_)},
+                                     {TextAttribute("data-y"), Text(data(rule.at))}});
+            }
+            html_ << Text(rule.label) << "</text>";
+        }
+    }
+
+    std::string_view data(double value) {
+        data_.clear();
+        appendData(data_, value);
+        return data_;
+    }
+
+    void marks() {
+        for (const PlotMark& mark : plot_.marks) {
+            const double across = std::clamp(acrossOf(mark.at.x), kLeft, kRight);
+            const double down = std::clamp(downOf(mark.at.y), kTop, kBottom);
+            text_.clear();
+            text_.append("translate(");
+            appendCoordinate(text_, across);
+            text_.push_back(' ');
+            appendCoordinate(text_, down);
+            text_.push_back(')');
+            std::string at(data(mark.at.x));
+            at.append(" ").append(data(mark.at.y));
+            html_.begin("a", {{"class", Literal("mark")}, Attribute::href(mark.finding)});
+            html_.begin("g", {{TextAttribute("transform"), Text(text_)}, {TextAttribute("data-at"), Text(at)}});
+            html_ << "<title>" << Text(mark.text) << "</title><circle r=\"7\"/><path d=\"M0-4v5M0 3.5v0.5\"/></g></a>";
+        }
+    }
+
+    Html& html_;
+    const Plot& plot_;
+    const Frame& frame_;
+    std::string text_;
+    std::string data_;
+};
+
+/// The span of all points.
+Frame frameOf(const Plot& plot) {
+    Frame frame;
+    for (const PlotLine& line : plot.lines) {
+        for (const Point& point : line.points) {
+            if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
+            frame.x.include(point.x);
+            frame.y.include(point.y);
+        }
+    }
+    return frame;
+}
+
+} // namespace
+
+void writePlot(Html& html, const Plot& plot) {
+    Frame frame = frameOf(plot);
+    const bool is_empty = !frame.x.given;
+    html << "<figure><figcaption>" << Text(plot.title);
+    if (!plot.note.empty()) html << " <small>" << Text(plot.note) << "</small>";
+    html << "</figcaption>";
+    if (is_empty) {
+        html << "<p class=\"none\">It has no point that can be drawn.</p></figure>\n";
+        return;
+    }
+    for (const Rule& rule : plot.rules)
+        if (!rule.upright && rule.kind != Rule::Kind::rail) frame.y.include(rule.at);
+    if (plot.shown_x.given) frame.x = plot.shown_x;
+    if (plot.shown_y.given) frame.y = plot.shown_y;
+    frame.x = frame.x.widened(0.0);
+    frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : 0.04);
+    Drawing(html, plot, frame).draw();
+    html << "</figure>\n";
+}
+
+} // namespace kestrel

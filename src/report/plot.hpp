@@ -1,0 +1,81 @@
+#pragma once
+
+#include "reader/corner.hpp"
+#include "report/curve_path.hpp"
+#include "report/html.hpp"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Pictures of lines over two axes, as inline SVG.
+namespace kestrel {
+
+/// What an axis counts.
+struct Axis {
+    std::string_view word; ///< such as "Current"
+    std::string_view unit;
+};
+inline constexpr Axis kVoltageAxis{"Voltage", "V"};
+inline constexpr Axis kCurrentAxis{"Current", "A"};
+inline constexpr Axis kTimeAxis{"Time", "s"};
+
+/// A line of a corner.
+struct PlotLine {
+    Corner corner;
+    std::vector<Point> points; ///< x does not fall
+    bool thin = false;         ///< it helps to read the others
+};
+
+/// A straight line across the picture.
+struct Rule {
+    enum class Kind : std::uint8_t { rail, level, threshold };
+    Kind kind;
+    bool upright; ///< at a value of x
+    double at;
+    std::string label; ///< may be empty
+    Corner corner = Corner::typ;
+};
+
+/// Points of a line that are told apart.
+struct Dots {
+    Corner corner;
+    std::vector<Point> points;
+};
+
+/// A place that a finding names.
+struct PlotMark {
+    Point at;
+    Anchor finding;
+    std::string_view text;
+};
+
+/// A picture before it is drawn.
+struct Plot {
+    std::string title;      ///< such as "Pulldown"
+    std::string_view owner; ///< whose it is
+    std::string note;       ///< beside the title
+    Axis x;
+    Axis y;
+    std::vector<PlotLine> lines;
+    std::vector<Rule> rules;
+    std::vector<Dots> dots;
+    std::vector<PlotMark> marks;
+    Span shown_x; ///< when given, x goes as far as this says
+    Span shown_y; ///< when given, y goes as far as this says, whatever the lines hold
+};
+
+/// Draws it as a figure; one without a point is only said to be empty.
+void writePlot(Html& html, const Plot& plot);
+
+/// The class by which lines of a corner are styled.
+[[nodiscard]] constexpr MarkupName classOf(Corner corner) {
+    switch (corner) {
+    case Corner::min: return "n";
+    case Corner::max: return "x";
+    case Corner::typ: break;
+    }
+    return "t";
+}
+
+} // namespace kestrel

@@ -1,0 +1,85 @@
+#include "report/scale.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace kestrel {
+
+namespace {
+
+/// The least of 1, 2 and 5 times a power of ten that is not below `least`, and that power.
+struct Step {
+    double size;
+    int power;
+};
+
+Step stepOfAtLeast(double least) {
+    const int power = static_cast<int>(std::floor(std::log10(least)));
+    const double unit = std::pow(10.0, power);
+    for (const double times : {1.0, 2.0, 5.0})
+        if (times * unit >= least * (1 - 1e-9)) return {times * unit, power};
+    return {10.0 * unit, power + 1};
+}
+
+/// What is too large for any prefix is written with a power of ten.
+std::string tickText(double value, int decimals) {
+    std::array<char, 64> room{};
+    char* const last = room.data() + room.size();
+    const double size = std::abs(value);
+    const auto end = size < 1e6 ? std::to_chars(room.data(), last, size, std::chars_format::fixed, decimals)
+                                : std::to_chars(room.data(), last, size, std::chars_format::general, 3);
+    std::string text;
+    const std::string_view digits(room.data(), static_cast<std::size_t>(end.ptr - room.data()));
+    const bool is_zero = digits.find_first_not_of("0.") == std::string_view::npos;
+    if (value < 0 && !is_zero) text.append(kMinus);
+    return text.append(digits);
+}
+
+} // namespace
+
+bool canBeDrawn(double value) {
+    constexpr double kMost = 1e30;
+    return value >= -kMost && value <= kMost;
+}
+
+void Span::include(double value) {
+    if (!canBeDrawn(value)) return;
+    low = given ? std::min(low, value) : value;
+    high = given ? std::max(high, value) : value;
+    given = true;
+}
+
+void Span::include(const Span& other) {
+    if (!other.given) return;
+    include(other.low);
+    include(other.high);
+}
+
+Span Span::widened(double part) const {
+    if (!given) return {0.0, 1.0, true};
+    const double size = std::max(std::abs(low), std::abs(high));
+    double more = length() * part;
+    if (length() <= size * 1e-9 || size < 1e-30) more = size > 1e-30 ? size * 0.1 : 1.0;
+    return {low - more, high + more, true};
+}
+
+Ticks ticksOf(const Span& span, int most) {
+    const double size = std::max(std::abs(span.low), std::abs(span.high));
+    Ticks result{{}, &prefixOf(size)};
+    if (!(span.length() > 0.0)) return result;
+    const Step step = stepOfAtLeast(span.length() / most);
+    const double factor = result.prefix->factor;
+    const int prefix_power = static_cast<int>(std::lround(std::log10(factor)));
+    const int decimals = std::clamp(prefix_power - step.power, 0, 12);
+    const double slack = step.size * 1e-6;
+    for (double i = std::ceil((span.low - slack) / step.size); i * step.size <= span.high + slack; i += 1.0) {
+        const double value = i * step.size;
+        result.ticks.push_back({value, tickText(value / factor, decimals)});
+        if (result.ticks.size() > 50) break; // the steps are lost in the size of the values
+    }
+    return result;
+}
+
+} // namespace kestrel

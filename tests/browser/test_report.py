@@ -1,0 +1,340 @@
+#!/usr/bin/env python3
+"""Opens reports in a browser: nothing runs that is in a file, nothing is requested, what the page offers works.
+
+usage: test_report.py VERIMARK SOURCE_FOLDER [SCREENSHOT_FOLDER]
+"""
+
+import base64
+import pathlib
+import re
+import sys
+import tempfile
+import unittest
+
+from browser import Browser, tidy_complaints, write_report
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+PROGRAM = ""
+SOURCE = pathlib.Path()
+SHOTS = None
+
+ATTACKS = [
+    "<img/src=x/onerror=window.pwned=1>",
+    "</script><script>window.pwned=2</script>",
+    "\"onmouseover=window.pwned=3//",
+    "'><svg/onload=window.pwned=4>",
+    "</title></style></textarea><b>x",
+    "javascript:window.pwned=5",
+    "--><!--]]>&lt;&amp;{{7*7}}${7*7}",
+    "</pre><iframe/src=//example.com>",
+]
+
+
+def model(name, extra=""):
+    """A small push-pull model whose tables are straight lines: 50 ohm low, 100 ohm high, at 3.3 V."""
+    return f"""[Model] {name}
+Model_type I/O
+Vinl = 0.8
+Vinh = 2.0
+C_comp 2pF 1pF 3pF
+[Voltage Range] 3.3 3.0 3.6
+[Pulldown]
+-3.3 -66mA -60mA -72mA
+0 0 0 0
+6.6 132mA 120mA 144mA
+[Pullup]
+-3.3 33mA 30mA 36mA
+0 0 0 0
+6.6 -66mA -60mA -72mA
+[Ramp]
+dV/dt_r 0.66/1n 0.6/1n 0.72/1n
+dV/dt_f 0.99/1n 0.9/1n 1.08/1n
+[Rising Waveform]
+R_fixture = 50
+V_fixture = 0
+0n 0 0 0
+1n 0 0 0
+2n 1.1 1.0 1.2
+5n 1.1 1.0 1.2
+{extra}"""
+
+
+def library(names, pins=None, extra=""):
+    pins = pins or [(f"{i}", f"s{i}", name) for i, name in enumerate(names, 1)]
+    rows = "\n".join(" ".join(pin) for pin in pins)
+    return (f"[IBIS Ver] 4.2\n[File Name] lib.ibs\n[File Rev] 1\n[Component] Chip\n[Manufacturer] Ours\n[Package]\n"
+            f"R_pkg 0.1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n[Pin] signal_name model_name R_pin L_pin C_pin\n"
+            f"{rows}\n{extra}" + "".join(map(model, names)) + "[End]\n")
+
+
+def hostile():
+    """A file whose every name attacks, with findings that repeat them."""
+    names = [attack[:40] for attack in ATTACKS]
+    pins = [(attack[:5], attack[:20], names[i]) for i, attack in enumerate(ATTACKS)]
+    selectors = "".join(f"[Model Selector] s{i}{attack[:30]}\n{names[i]} {attack}\n" for i, attack in enumerate(ATTACKS))
+    text = library(names, pins, selectors)
+    text = text.replace("[Component] Chip", "[Component] " + ATTACKS[0]).replace("Ours", ATTACKS[3])
+    text = text.replace("[File Rev] 1\n", f"[File Rev] {ATTACKS[2]}\n[Date] {ATTACKS[4]}\n[Source] {ATTACKS[1]}\n"
+                                           f"[Notes] {ATTACKS[7]}\n")
+    text = text.replace("[End]", f"[{ATTACKS[0][:20]}]\n{ATTACKS[1]} bad line\n[Submodel] {ATTACKS[5]}\n"
+                                 f"Submodel_type {ATTACKS[6]}\n[End]")
+    return text.encode() + b"| \xff\xfe\x00\x1b[31m \xc3\n"
+
+
+class Report(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.path = pathlib.Path(cls.folder.name)
+        cls.browser = Browser()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.browser.close()
+        cls.folder.cleanup()
+
+    def page(self, name, *contents, options=()):
+        """Writes input files and the report of them; a content is text, bytes or the path of a file that is there."""
+        inputs = []
+        for number, content in enumerate(contents):
+            if isinstance(content, pathlib.Path):
+                inputs.append(content)
+                continue
+            inputs.append(self.path / f"{name}{number}.ibs")
+            inputs[-1].write_bytes(content if isinstance(content, bytes) else content.encode())
+        page = self.path / f"{name}.html"
+        write_report(PROGRAM, inputs, page, *options)
+        return page
+
+    def opened(self, page):
+        """Opens a page and holds it to what is true of all of them."""
+        logged, requested = self.browser.open(page)
+        self.assertEqual(logged, [])
+        self.assertEqual(requested, [])
+        self.assertEqual(tidy_complaints(page), [])
+        self.assertEqual(self.browser.run("""
+            const ids = Array.from(document.querySelectorAll('[id]'), e => e.id);
+            return ids.filter((id, place) => ids.indexOf(id) !== place)"""), [], "ids that are there twice")
+        self.assertEqual(self.browser.run("""
+            return Array.from(document.querySelectorAll('a')).map(a => a.getAttribute('href'))
+                .filter(href => !/^#[a-z0-9]+$/.test(href) || !document.getElementById(href.slice(1)))"""), [])
+        self.assertEqual(self.browser.run("""
+            const outside = [];
+            for (const path of document.querySelectorAll('svg.plot .d path')) {
+                const box = path.getBBox();
+                if (box.x < 0 || box.y < 0 || box.x + box.width > 6000 || box.y + box.height > 4000)
+                    outside.push(path.getAttribute('d'));
+            }
+            return outside"""), [], "lines outside of their frames")
+        return self.browser
+
+    def test_examples(self):
+        for file in sorted((SOURCE / "examples").glob("*.*")):
+            with self.subTest(file=file.name):
+                browser = self.opened(self.page(file.stem, file))
+                self.assertEqual(browser.texts("h2"), [str(file)])
+                if SHOTS:
+                    browser.screenshot(SHOTS / f"{file.stem}.png")
+
+    def test_all_examples_on_one_page(self):
+        files = sorted((SOURCE / "examples").glob("*.*"))
+        browser = self.opened(self.page("all", *files))
+        self.assertEqual(browser.texts("#files tbody td:first-child"), [str(file) for file in files])
+        # The list leads, although it is known last.
+        self.assertEqual(browser.run("return document.querySelector('h1').nextElementSibling.id"), "files")
+
+    def test_cases(self):
+        """Whatever the cases of the checks hold, the pages of all of them are right."""
+        files = sorted(file for folder in ("verimark", "model", "component", "board", "package", "algmod", "reader")
+                       for file in (SOURCE / "tests" / "cases" / folder).rglob("*.*")
+                       if file.suffix in (".ibs", ".ebd", ".pkg", ".ami"))
+        self.assertGreater(len(files), 50)
+        self.opened(self.page("cases", *files))
+
+    def test_names_are_shown_and_not_run(self):
+        browser = self.opened(self.page("hostile", hostile()))
+        self.assertIsNone(browser.run("return window.pwned ?? null"))
+        self.assertEqual(browser.count("img, iframe, main script, main style, b script"), 0)
+        self.assertEqual(browser.count("script"), 1)
+        self.assertEqual(browser.texts(".component h4"), [ATTACKS[0]])
+        self.assertEqual(browser.texts(".model h4")[:len(ATTACKS)], [attack[:40] for attack in ATTACKS])
+        self.assertIn(ATTACKS[1], browser.texts("dd"))
+        browser.run("document.querySelectorAll('details').forEach(fold => { fold.open = true; })")
+        ActionChains(browser.driver).move_to_element(browser.driver.find_element(By.CSS_SELECTOR, ".model h4")).perform()
+        for element in browser.driver.find_elements(By.CSS_SELECTOR, "svg.plot")[:3]:
+            ActionChains(browser.driver).move_to_element(element).perform()
+        self.assertIsNone(browser.run("return window.pwned ?? null"))
+        self.assertEqual(browser.noted(self.path / "hostile.html"), ([], []))
+
+    def test_hostile_file_names(self):
+        folder = self.path / "<img src=x onerror=alert(1)>"
+        folder.mkdir()
+        file = folder / "</title><script>window.pwned=1</script>&\".ibs"
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(library(["m"]))
+        browser = self.opened(self.page("names", file))
+        self.assertEqual(browser.texts("h2"), [str(file)])
+        self.assertEqual(browser.run("return document.title"), str(file))
+        self.assertIsNone(browser.run("return window.pwned ?? null"))
+
+    def test_every_byte(self):
+        names = bytes(b for b in range(1, 256) if b not in (10, 13))
+        text = library(["m"]).encode().replace(b"Ours", names[:40]).replace(b"[File Rev] 1", b"[File Rev] " + names)
+        self.opened(self.page("bytes", text, bytes(range(256)) * 20, b"", library(["m"]).encode()[:300]))
+
+    def test_findings_are_filtered_and_sorted(self):
+        bad = library(["a", "b"]).replace("Vinl = 0.8", "Vinl = x").replace("[Ramp]", "[Ramp]\nbad line")
+        browser = self.opened(self.page("findings", bad))
+        rows = "return Array.from(document.querySelectorAll('.findings tbody tr')).filter(r => !r.hidden).map(r => r.cells[%d].textContent)"
+        lines = browser.run(rows % 0)
+        self.assertGreater(len(lines), 3)
+        box = browser.driver.find_element(By.CSS_SELECTOR, ".findings input")
+        box.send_keys("model a")
+        self.assertEqual(set(browser.run(rows % 4)), {"model a"})
+        box.send_keys(Keys.BACKSPACE * 10)
+        self.assertEqual(len(browser.run(rows % 0)), len(lines))
+        browser.driver.find_element(By.CSS_SELECTOR, ".findings .error button").click()
+        self.assertNotIn("error", browser.run(rows % 1))
+        browser.driver.find_element(By.CSS_SELECTOR, ".findings .error button").click()
+        sort = browser.driver.find_element(By.CSS_SELECTOR, ".findings th button")
+        sort.click()
+        ascending = [int(line) for line in browser.run(rows % 0)]
+        self.assertEqual(ascending, sorted(ascending))
+        sort.click()
+        self.assertEqual([int(line) for line in browser.run(rows % 0)], sorted(ascending, reverse=True))
+        # A link from a model shows its finding, also one that is filtered out, with the lines around it.
+        box.send_keys("nothing has this")
+        target = browser.run("return document.querySelector('ul.about a').getAttribute('href').slice(1)")
+        browser.run("document.querySelector('ul.about a').click()")
+        row = browser.driver.find_element(By.ID, target)
+        self.assertTrue(row.is_displayed())
+        self.assertTrue(row.find_element(By.TAG_NAME, "pre").is_displayed())
+        number = row.find_element(By.TAG_NAME, "td").text
+        self.assertEqual(row.find_element(By.CSS_SELECTOR, "pre b i").text, number)
+
+    def test_many_pins(self):
+        count = 3000
+        pins = [(f"P{i}", f"net{i}", "m") for i in range(count)]
+        browser = self.opened(self.page("pins", library(["m"], pins)))
+        rows = "return Array.from(document.querySelectorAll('.component tbody tr')).filter(r => r.cells[0].textContent.startsWith('P') && !r.hidden).length"
+        fold = browser.driver.find_element(By.CSS_SELECTOR, ".component details")
+        self.assertFalse(fold.get_property("open"))
+        fold.find_element(By.TAG_NAME, "summary").click()
+        browser.run("return document.body.offsetHeight")
+        self.assertEqual(browser.run(rows), 200)
+        self.assertIn("3,000", fold.text)
+        fold.find_element(By.XPATH, ".//button[text()='Show more rows']").click()
+        self.assertEqual(browser.run(rows), 700)
+        box = fold.find_element(By.CSS_SELECTOR, "input")
+        box.send_keys("net2999")
+        self.assertEqual(browser.run(rows), 1)
+        link = fold.find_element(By.XPATH, ".//tr[not(@hidden)]//a[text()='m']")
+        link.click()
+        self.assertEqual(browser.run("return document.getElementById(location.hash.slice(1)).className"), "model")
+        box.send_keys(Keys.BACKSPACE * 10)
+        self.assertEqual(browser.run(rows), 200)
+
+    def plot(self, title):
+        return self.browser.driver.find_element(
+            By.XPATH, f"//figure[figcaption[starts-with(normalize-space(), '{title}')]]//*[name()='svg']")
+
+    def test_cursor_shows_values(self):
+        browser = self.opened(self.page("cursor", library(["m"])))
+        plot = self.plot("Pulldown")
+        self.assertEqual(plot.get_attribute("aria-label") or
+                         plot.find_element(By.XPATH, "./*[name()='title']").get_attribute("textContent"), "Pulldown of m")
+        browser.run("arguments[0].scrollIntoView({block: 'center'}); arguments[0].focus()", plot)
+        plot.send_keys(Keys.ARROW_RIGHT)
+        # From the middle at 1.65 V a hundredth of 9.9 V to the right, into 50 ohm, 50 ohm and 50 ohm.
+        rows = [text.replace("\u00a0", " ") for text in browser.texts(".cursor text")]
+        self.assertEqual(rows[0], "1.749 V")
+        values = {row.split(" ", 1)[0]: float(row.split(" ")[1]) for row in rows[1:]}
+        self.assertAlmostEqual(values["typ"], 1000 * 1.749 / 50, delta=0.05)
+        self.assertAlmostEqual(values["min"], 1000 * 1.749 / 6.6 * 0.120, delta=0.05)
+        self.assertAlmostEqual(values["max"], 1000 * 1.749 / 6.6 * 0.144, delta=0.05)
+        ActionChains(browser.driver).move_to_element(plot).perform()
+        self.assertEqual(browser.count(".cursor"), 1)
+        ActionChains(browser.driver).move_to_element(browser.driver.find_element(By.TAG_NAME, "footer")).perform()
+        self.assertEqual(browser.count(".cursor"), 0)
+
+    def test_dragging_zooms(self):
+        browser = self.opened(self.page("zoom", library(["m"])))
+        plot = self.plot("Pulldown")
+        browser.run("arguments[0].scrollIntoView({block: 'center'})", plot)
+        ticks = "return Array.from(arguments[0].querySelectorAll('.tx text'), t => t.textContent)"
+        before = browser.run(ticks, plot)
+        self.assertEqual(before, ["\u22122", "0", "2", "4", "6"])
+        width = plot.rect["width"]
+        ActionChains(browser.driver).move_to_element_with_offset(plot, int(width * 0.1), 0).click_and_hold() \
+            .move_by_offset(int(width * 0.2), 5).release().perform()
+        zoomed = [float(text.replace("\u2212", "-")) for text in browser.run(ticks, plot)]
+        self.assertIn("zoomed", plot.get_attribute("class"))
+        self.assertGreater(min(zoomed), 1.65)
+        self.assertLess(max(zoomed), 6.6)
+        ActionChains(browser.driver).double_click(plot).perform()
+        self.assertEqual(browser.run(ticks, plot), before)
+        self.assertNotIn("zoomed", plot.get_attribute("class"))
+        # The same picture as the program drew it.
+        self.assertEqual(browser.run("return arguments[0].querySelector('.d').getTransformToElement ? 0 : 1", plot), 1)
+
+    def test_without_script_everything_is_there(self):
+        page = self.page("plain", library(["a", "b"]).replace("Vinl = 0.8", "Vinl = x"))
+        plain = Browser(script=False)
+        try:
+            self.assertEqual(plain.open(page), ([], []))
+            self.assertEqual(plain.driver.find_element(By.CSS_SELECTOR, ".verdict").text, "Failed")
+            self.assertEqual(len(plain.driver.find_elements(By.CSS_SELECTOR, "input, button")), 0)
+            self.assertEqual(len(plain.driver.find_elements(By.CSS_SELECTOR, ".model")), 2)
+            for plot in plain.driver.find_elements(By.CSS_SELECTOR, "svg.plot"):
+                self.assertEqual(len(plot.find_elements(By.XPATH, "./*[name()='title'] | ./*[name()='desc']")), 2)
+            self.assertTrue(plain.driver.find_element(By.CSS_SELECTOR, ".findings summary").is_displayed())
+        finally:
+            plain.close()
+
+    def test_screens(self):
+        page = self.page("screens", SOURCE / "examples" / "board.ibs")
+        browser = self.opened(page)
+        try:
+            light = browser.run("return getComputedStyle(document.body).backgroundColor")
+            browser.media(prefers_color_scheme="dark")
+            dark = browser.run("return getComputedStyle(document.body).backgroundColor")
+            self.assertLess(sum(map(int, re.findall(r"\d+", dark)[:3])), 150)
+            self.assertGreater(sum(map(int, re.findall(r"\d+", light)[:3])), 600)
+            if SHOTS:
+                browser.screenshot(SHOTS / "dark.png")
+            browser.media()
+            browser.size(360, 740)
+            self.assertLessEqual(browser.run("return document.documentElement.scrollWidth"), 360)
+            if SHOTS:
+                browser.screenshot(SHOTS / "phone.png")
+        finally:
+            browser.driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+
+    def test_print(self):
+        names = [f"m{i}" for i in range(5)]
+        browser = self.opened(self.page("print", library(names)))
+        printed = base64.b64decode(browser.driver.execute_cdp_cmd("Page.printToPDF", {})["data"])
+        pages = len(re.findall(rb"/Type\s*/Page\b", printed))
+        self.assertGreaterEqual(pages, len(names) + 1)
+        self.assertLessEqual(pages, 3 * len(names))
+        if SHOTS:
+            (SHOTS / "print.pdf").write_bytes(printed)
+
+    def test_models_of_a_library_open_soon(self):
+        names = [f"m{i}" for i in range(200)]
+        page = self.page("library", library(names))
+        browser = self.opened(page)
+        self.browser.open(page)
+        milliseconds = browser.run("const [entry] = performance.getEntriesByType('navigation'); return entry.loadEventEnd")
+        self.assertLess(milliseconds, 3000)
+        self.assertEqual(browser.count(".model"), 200)
+
+
+if __name__ == "__main__":
+    PROGRAM, SOURCE = sys.argv[1], pathlib.Path(sys.argv[2]).resolve()
+    if len(sys.argv) > 3:
+        SHOTS = pathlib.Path(sys.argv[3])
+        SHOTS.mkdir(parents=True, exist_ok=True)
+    unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,0 +1,6 @@
+// expect: is not a constant expression
+#include "report/html.hpp"
+
+void write(kestrel::Html& html, std::string_view name) {
+    html.begin("p", {{kestrel::TextAttribute("onclick"), kestrel::Text(name)}});
+}

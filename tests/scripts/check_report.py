@@ -1,0 +1,166 @@
+#!/usr/bin/env python3
+"""Compares outlines of reports with those that are expected, and tries what reports promise of files and outputs.
+
+usage: check_report.py VERIMARK CASES_FOLDER
+KESTREL_UPDATE_CASES=1 rewrites the expected outlines.
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+from report_outline import outline, read_tree
+
+PROGRAM, CASES = sys.argv[1], pathlib.Path(sys.argv[2])
+UPDATE = os.environ.get("KESTREL_UPDATE_CASES") == "1"
+faults = []
+
+
+def run(*arguments, folder):
+    result = subprocess.run([PROGRAM, *map(str, arguments)], cwd=folder, capture_output=True, check=False)
+    return result.returncode, result.stdout.decode("utf-8", "replace"), result.stderr.decode("utf-8", "replace")
+
+
+def expect(holds, what):
+    if not holds:
+        faults.append(what)
+
+
+def lines_of(page):
+    return list(outline(read_tree(page)))
+
+
+def compare_outlines(page):
+    files = sorted(CASES.glob("*.outline"))
+    expect(files, "there are no outlines")
+    for expected in files:
+        name = next(file for file in CASES.glob(expected.stem + ".*") if file != expected)
+        run("--quiet", f"--report={page}", name.name, folder=CASES)
+        found = "\n".join(lines_of(page)) + "\n"
+        if UPDATE:
+            expected.write_text(found, encoding="utf-8")
+        elif found != expected.read_text(encoding="utf-8"):
+            (page.parent / expected.name).write_text(found, encoding="utf-8")
+            diff = subprocess.run(["diff", "-u", expected, page.parent / expected.name], capture_output=True, check=False)
+            faults.append(diff.stdout.decode())
+
+
+def several_files(folder):
+    """One page has all files in their order, however many are checked at a time."""
+    text = (CASES / "straight.ibs").read_text()
+    for number in range(40):
+        size = 400 if number % 10 == 0 else 1  # a large one holds up those behind it
+        (folder / f"f{number:02}.ibs").write_text(text.replace("[Ramp]", "| " + "x" * 70 + "\n" * 1 + "[Ramp]")
+                                                  .replace("|@", "|\n" * 100 * size))
+    names = [f"f{number:02}.ibs" for number in range(40)]
+    pages = []
+    for jobs in (1, 4):
+        page = folder / f"j{jobs}.html"
+        run("--quiet", f"--report={page}", f"--jobs={jobs}", *names, folder=folder)
+        pages.append(page.read_bytes())
+        expect([line for line in lines_of(page) if line.startswith("h2 ")][:40] == ["h2 " + name for name in names],
+               "the files of a page are not in their order")
+    expect(pages[0] == pages[1], "a page depends on the number of jobs")
+    expect(not list(folder.glob(".verimark-*")), "temporary files are left")
+
+
+def findings_left_out(folder):
+    """What is ignored or known is not on the page, and the verdict follows."""
+    text = (CASES / "straight.ibs").read_text().replace("Vinl = 0.8", "Vinl = x").replace("Vinh = 2.0", "Vinh = y")
+    (folder / "bad.ibs").write_text(text)
+    page = folder / "bad.html"
+    status, *_ = run("--quiet", f"--report={page}", "--write-baseline=known.txt", "bad.ibs", folder=folder)
+    whole = lines_of(page)
+    counts = "Failed 3 errors 1 warning"
+    expect(status == 1 and whole[1] == "p: " + counts, f"{counts} are expected: {whole[:3]}")
+    codes = ",".join(sorted({line.split(" | ")[2] for line in whole if " | error | " in line or " | warning | " in line}))
+    run("--quiet", f"--report={page}", f"--ignore={codes}", "bad.ibs", folder=folder)
+    expect(lines_of(page)[1] == "p: Passed no findings", f"--ignore={codes}: {lines_of(page)[:3]}")
+    for jobs in (1, 3):
+        run("--quiet", f"--report={page}", "--baseline=known.txt", f"--jobs={jobs}", "bad.ibs", "bad.ibs", folder=folder)
+        heads = [line for line in lines_of(page) if line.startswith(("p: Passed", "p: Failed"))]
+        # The baseline knows each finding once.
+        expect(heads[:2] == ["p: Passed no findings", "p: " + counts], f"a baseline: {heads}")
+
+
+def outputs(folder):
+    """Where the page goes, and where it cannot go."""
+    (folder / "good.ibs").write_text((CASES / "straight.ibs").read_text().replace("straight.ibs", "good.ibs"))
+    page = folder / "page.html"
+    page.write_text("old")
+    page.chmod(0o640)
+    status, out, errors = run("--format=jsonl", f"--report={page}", "good.ibs", folder=folder)
+    expect(status == 0 and out.startswith('{"') and not errors, f"a report goes with any form of findings: {status} {out} {errors}")
+    expect(page.stat().st_mode & 0o777 == 0o640, "a page keeps the rights of the file that it replaces")
+    status, out, errors = run("--report=good.ibs", "good.ibs", folder=folder)
+    expect(status == 2 and "is a file to check" in errors, "a page must not replace its input: " + errors)
+    status, out, errors = run("--report=no/such/folder.html", "good.ibs", folder=folder)
+    expect(status == 2 and "cannot be written" in errors, "a folder that is not there: " + errors)
+    status, out, errors = run("--quiet", "--report=full.html", "missing.ibs", "good.ibs", folder=folder)
+    heads = [line for line in lines_of(folder / "full.html") if line.startswith("p: ")]
+    expect(status == 2 and heads[0].startswith("p: Not read"), f"a file that is not there has its part: {heads}")
+    if os.path.exists("/dev/full"):
+        status, out, errors = run("--quiet", "--report=/dev/full", "good.ibs", folder=folder)
+        expect(status == 2 and "No space" in errors, "a full disk: " + errors)
+
+
+def odd_files(folder):
+    """Whatever is in a file, its page is whole."""
+    head = "[IBIS Ver] 4.2\n[File Name] odd.ibs\n[File Rev] 1\n"
+    table = "[Model] m\nModel_type Output\n[Voltage Range] {v}\n[Pulldown]\n{rows}\n"
+    inputs = {
+        "empty": "",
+        "no_model": head + "[End]\n",
+        "no_rows": head + table.format(v="3.3 3 3.6", rows="") + "[End]\n",
+        "one_row": head + table.format(v="3.3 3 3.6", rows="0 1m 1m 1m") + "[End]\n",
+        "na": head + table.format(v="3.3 NA NA", rows="0 NA NA NA\n1 NA NA NA") + "[End]\n",
+        "infinite": head + table.format(v="1e400 1e400 1e400", rows="-1e400 1e400 1 1\n0 -1e400 1 1e308\n1e400 1 -1e308 1")
+        + "[End]\n",
+        "equal": head + table.format(v="0 0 0", rows="1 1 1 1\n1 2 2 2\n1 3 3 3") + "[End]\n",
+        "negative": head + table.format(v="-3.3 -3 -3.6", rows="-1 1 1 1\n1 2 2 2") + "[End]\n",
+        "tiny": head + table.format(v="3.3 3 3.6", rows="0 1e-320 0 0\n1e-320 1e-310 0 0") + "[End]\n",
+        "unsorted": head + table.format(v="3.3 3 3.6", rows="\n".join(f"{i * 7919 % 1000} {i} {i} {i}" for i in range(1000))),
+        "many_rows": head + table.format(v="3.3 3 3.6", rows="\n".join(f"{i} {i % 17} 0 NA" for i in range(200000))),
+        "many_findings": head + "[Model] m\nModel_type Output\n" + "bad\n" * 20000 + "[End]\n",
+        "waveform": head + "[Model] m\nModel_type Output\n[Voltage Range] 3.3 3 3.6\n[Rising Waveform]\nR_fixture = 0\n"
+        "V_fixture = 0\n0 1 NA 1\n1e400 2 2 2\n[Falling Waveform]\nR_fixture = -1\nV_fixture=1e400\n1 1 1 1\n0 0 0 0\n[End]\n",
+        "deep": "(" * 5000 + "x" + ")" * 5000,
+        "open": "(a (b \"c\n",
+    }
+    for name, text in inputs.items():
+        file = folder / (name + (".ami" if name in ("deep", "open") else ".ibs"))
+        file.write_text(text)
+        page = folder / (name + ".html")
+        status, _, errors = run("--quiet", f"--report={page}", file.name, folder=folder)
+        expect(status in (0, 1, 2) and page.exists(), f"{name}: status {status} {errors}")
+        if not page.exists():
+            continue
+        try:
+            found = lines_of(page)
+        except ValueError as fault:
+            faults.append(f"{name}: {fault}")
+            continue
+        expect(found and found[0] == "h2 " + file.name, f"{name}: {found[:1]}")
+        page_size = page.stat().st_size
+        findings = sum(line.startswith("| ") for line in found)
+        expect(page_size < 60000 + 10 * len(text) + 500 * findings, f"{name}: {page_size} bytes for {len(text)}")
+        if name == "many_rows":
+            longest = max(path.attributes["d"].count(" ") + path.attributes["d"].count("-")
+                          for path in read_tree(page).all("path"))
+            expect(longest <= 2 * 1000, f"a line has {longest} coordinates")
+        if name == "many_findings":
+            expect(any("the first 10000 findings" in line for line in found), "findings are not bounded")
+
+
+with tempfile.TemporaryDirectory() as temporary:
+    top = pathlib.Path(temporary)
+    for number, check in enumerate((several_files, findings_left_out, outputs, odd_files)):
+        place = top / str(number)
+        place.mkdir()
+        check(place)
+    compare_outlines(top / "page.html")
+for fault in faults:
+    print(fault)
+sys.exit(1 if faults else 0)
