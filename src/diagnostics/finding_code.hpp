@@ -3,6 +3,7 @@
 #include "diagnostics/catalog.hpp"
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -19,10 +20,8 @@ struct FindingCode {
     CodeFamily family = CodeFamily::message;
     MessageCode number = 0;
 
-    friend constexpr bool operator==(const FindingCode&, const FindingCode&) = default;
-    friend constexpr bool operator<(const FindingCode& a, const FindingCode& b) {
-        return a.family != b.family ? a.family < b.family : a.number < b.number;
-    }
+    // NOLINTNEXTLINE(modernize-use-nullptr): the comparison with 0 is the compiler's
+    friend constexpr auto operator<=>(const FindingCode&, const FindingCode&) = default;
 };
 
 /// A code as it is written everywhere, such as "905" or "Q201"; nothing for a text without one.
