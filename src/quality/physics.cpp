@@ -161,7 +161,8 @@ std::optional<double> StateCurrent::solve(double low, double high, const DcLoad*
     for (int i = 0; i < kHalvings; ++i) {
         if (std::equal(from.begin(), from.begin() + static_cast<std::ptrdiff_t>(count_), to.begin())) {
             // One straight line from here on: where it goes through zero needs no halving.
-            return low + (high - low) * (-low_current / (high_current - low_current));
+            const double found = low + (high - low) * (-low_current / (high_current - low_current));
+            return low <= found && found <= high ? std::optional(found) : std::nullopt; // numbers may overflow
         }
         const double middle = low + (high - low) / 2.0;
         const double current = current_at(middle);
