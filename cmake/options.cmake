@@ -18,7 +18,7 @@ endif()
 target_compile_definitions(kestrel_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(KESTREL_SANITIZE)
     target_compile_options(kestrel_options INTERFACE
-        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=address,undefined,float-divide-by-zero,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(kestrel_options INTERFACE -fsanitize=address,undefined)
 endif()
 

@@ -12,7 +12,7 @@ namespace {
 
 /// The checks of a hundred of codes.
 struct Group {
-    int hundred;
+    MessageCode hundred;
     std::string_view title;
 };
 constexpr std::array<Group, 4> kGroups{{

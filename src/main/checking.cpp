@@ -47,7 +47,7 @@ void advise(const Run& run, std::string_view name) {
                               .file = path,
                               .line = advice.line,
                               .shown_line = advice.line,
-                              .exact = true,
+                              .exact = advice.exact,
                               .subject = advice.subject,
                               .text = advice.text});
     }

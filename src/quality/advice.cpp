@@ -30,8 +30,11 @@ void AdviceList::addMessageRow(AdvicePlace place, MessageCode code, std::size_t 
 }
 
 void AdviceList::keep(AdvicePlace place, MessageCode code, std::string text) {
-    list_.push_back({FindingCode{CodeFamily::advice, code}, std::max(place.line, std::uint32_t{1}),
-                     place.of_file ? nullptr : place.subject, std::move(text)});
+    list_.push_back({.code = {CodeFamily::advice, code},
+                     .line = std::max(place.line, std::uint32_t{1}),
+                     .exact = place.subject == nullptr || place.line != place.subject->line,
+                     .subject = place.of_file ? nullptr : place.subject,
+                     .text = std::move(text)});
 }
 
 void AdviceList::addMore(CheckedMore words, std::size_t count) {

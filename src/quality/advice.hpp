@@ -17,6 +17,7 @@ namespace kestrel {
 struct Advice {
     FindingCode code;
     std::uint32_t line;     ///< at least 1
+    bool exact;             ///< it is about this very line, not about what begins there
     const Subject* subject; ///< the record that it is about, null for the whole file
     std::string text;
 };

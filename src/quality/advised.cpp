@@ -35,10 +35,10 @@ AdvisedFile::AdvisedFile(const Ibis& records, const ParseState& state) : root(re
 }
 
 AdvisedModel::AdvisedModel(const Mdl& record, const AdvisedFile& in_file, AdviceRoom& room)
-    : model(record),
-      file(in_file),
-      physics(record, room.tables),
-      waveforms(waveformsOf(record, physics, room.waveform)),
-      is_alone(in_file.isAlone(record)) {}
+    : model(record), file(in_file), physics(record, room.tables), is_alone(in_file.isAlone(record)) {
+    if (!drives()) return;
+    waveforms = waveformsOf(record, physics, room.waveform);
+    ends = compareEnds(physics, waveforms);
+}
 
 } // namespace kestrel

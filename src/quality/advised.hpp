@@ -36,8 +36,8 @@ private:
 
 /// Room that is used again for each model.
 struct AdviceRoom {
-    std::vector<Point> tables;
-    std::vector<Point> waveform;
+    PointRoom tables;
+    PointRoom waveform;
 };
 
 /// A model of the file, and what its tables and waveforms mean.
@@ -48,8 +48,9 @@ struct AdvisedModel {
     const Mdl& model;
     const AdvisedFile& file;
     ModelPhysics physics;
-    std::vector<Waveform> waveforms; ///< in the order of the file
-    bool is_alone; ///< as AdvisedFile::isAlone has it
+    bool is_alone;                   ///< as AdvisedFile::isAlone has it
+    std::vector<Waveform> waveforms; ///< of one that drives, in the order of the file
+    EndComparison ends;              ///< of these
 
     /// What it drives comes from its tables.
     [[nodiscard]] bool drives() const { return is_alone && physics.isDriver(); }

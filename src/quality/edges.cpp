@@ -14,10 +14,7 @@ namespace {
 constexpr double kPlayOfRates = 1.2;  // that a weak corner may be faster
 constexpr double kPlayOfStrong = 0.8; // that a strong corner may be slower
 constexpr double kNearRail = 0.1;     // of Vcc
-constexpr double kLeastDifference = 10e-3;
-constexpr double kLeastOfVcc = 0.005;
-constexpr double kOfSwing = 0.05;
-constexpr double kRampPart = 0.6; // of the swing: from 20 % to 80 %
+constexpr double kRampPart = 0.6;     // of the swing: from 20 % to 80 %
 
 AdvicePlace placeOfWave(const AdvisedModel& advised, const Waveform& waveform) {
     return adviceAt(advised.model, waveform.record->line);
@@ -150,8 +147,7 @@ void compareLevels(const AdvisedModel& advised, const Waveform& rising, const Wa
         const WaveCorner& down = falling.corners[corner];
         const GivenValue vcc = advised.physics.vcc(corner);
         if (!up.given || !down.given || !vcc) continue;
-        const double limit =
-            std::fmax(std::fmax(kOfSwing * std::fmax(up.size(), down.size()), kLeastDifference), kLeastOfVcc * *vcc);
+        const double limit = std::fmax(kLevelOfSwing * std::fmax(up.size(), down.size()), leastDifference(*vcc));
         const auto compare = [&](bool is_high, double in_rising, double in_falling) {
             const double difference = std::fabs(in_rising - in_falling);
             if (!(difference > limit)) return;
@@ -188,46 +184,14 @@ std::optional<double> deviation(double dv, std::pair<double, double> levels) {
 
 } // namespace
 
-EndComparison compareEnds(const AdvisedModel& advised) {
-    constexpr double kOfMove = 0.25; // of what the load moves the level
-    EndComparison comparison;
-    const ModelPhysics& physics = advised.physics;
-    std::array<PerCorner<std::optional<std::optional<double>>>, kDriveStates> open_levels; // once they are known
-    eachWave(advised, [&](const WaveAt& wave) {
-        const Wvfrm& record = *wave.waveform->record;
-        const std::optional<DcLoad> load = fixtureLoad(record, wave.corner);
-        const GivenValue vcc = physics.vcc(wave.corner);
-        if (!load || !vcc || isNotZero(record.r_dut)) return;
-        for (const bool at_end : {false, true}) {
-            const DriveState state =
-                (wave.waveform->edge == Edge::rising) == at_end ? DriveState::high : DriveState::low;
-            const std::optional<double> of_tables = physics.level(state, wave.corner, *load);
-            if (!of_tables) continue;
-            auto& open_level = open_levels[static_cast<std::size_t>(state)][wave.corner];
-            if (!open_level) open_level = physics.levelWithoutLoad(state, wave.corner);
-            const double swing = wave.measures().size();
-            const double move = *open_level ? std::fabs(*of_tables - **open_level) : swing;
-            const double limit =
-                std::fmax(std::fmax(std::fmin(kOfSwing * swing, kOfMove * move), kLeastDifference), kLeastOfVcc * *vcc);
-            const double level = at_end ? wave.measures().last : wave.measures().first;
-            const double difference = std::fabs(level - *of_tables);
-            ++comparison.compared;
-            if (!(difference > limit)) continue;
-            comparison.differences.add(difference,
-                                       EndDifference{wave.waveform, wave.corner, at_end, level, *of_tables});
-        }
-    });
-    return comparison;
-}
-
 void checkWaveformEnds(const AdvisedModel& advised, AdviceList& list) {
-    const EndComparison comparison = compareEnds(advised);
-    if (!comparison.differences) return;
-    const EndDifference& worst = *comparison.differences;
+    const Worst<EndDifference>& differences = advised.ends.differences;
+    if (!differences) return;
+    const EndDifference& worst = *differences;
     list.add(placeOfWave(advised, *worst.waveform), 301, waveformText(*worst.waveform),
              std::string_view(worst.at_end ? "ends" : "begins"), level(worst.level), level(worst.of_tables),
              cornerWord(worst.corner));
-    list.addMore(301, comparison.differences.more());
+    list.addMore(301, differences.more());
 }
 
 void checkTwoLoads(const AdvisedModel& advised, AdviceList& list) {

@@ -1,35 +1,45 @@
 #include "quality/iv_table.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace kestrel {
 
-std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal,
-                                     std::vector<Point>& room) {
-    const std::size_t from = room.size();
+namespace {
+
+/// True for numbers but infinite ones.
+bool isFinite(const Cell& cell) {
+    return cell.isNumber() && std::fabs(cell.value()) <= std::numeric_limits<double>::max();
+}
+
+} // namespace
+
+std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal, PointRoom& room) {
     const Column column = columnOf(corner);
+    const std::span<Point> free = std::span(room.points_).subspan(room.used_, rows.size());
+    std::size_t count = 0;
     bool ordered = true;
+    double before = -std::numeric_limits<double>::infinity();
     for (const TableRow& row : rows) {
+        if (!isFinite(row[kFirst]) || !isFinite(row[column])) continue;
         const double x = row[kFirst].value();
-        const double y = row[column].value();
-        if (!row[kFirst].isNumber() || !row[column].isNumber() || !std::isfinite(x) || !std::isfinite(y)) continue;
-        ordered = ordered && (room.size() == from || room.back().x < x);
-        room.push_back({x, y});
+        ordered = ordered && before < x;
+        before = x;
+        free[count++] = {x, row[column].value()};
     }
-    const auto begin = room.begin() + static_cast<std::ptrdiff_t>(from);
+    std::span<Point> points = free.first(count);
     if (!ordered) {
         // Tables run down as well as up. The later of equal rows stays behind the earlier one.
-        std::stable_sort(begin, room.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
+        std::stable_sort(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
         if (equal == EqualRows::keepLast) {
-            auto kept = begin;
-            for (auto point = begin; point != room.end(); ++point) {
-                const auto next = point + 1;
-                if (next == room.end() || next->x != point->x) *kept++ = *point;
-            }
-            room.erase(kept, room.end());
+            std::size_t kept = 0;
+            for (std::size_t i = 0; i < points.size(); ++i)
+                if (i + 1 == points.size() || points[i + 1].x != points[i].x) points[kept++] = points[i];
+            points = points.first(kept);
         }
     }
-    return std::span<const Point>(room).subspan(from);
+    room.used_ += points.size();
+    return points;
 }
 
 } // namespace kestrel

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -16,11 +17,30 @@ struct Point {
     double y;
 };
 
-/// Appends the rows that have a number in the first column and in that of the corner, ordered by the first; rows
-/// without a finite number are left out. Of equal ones in the first column only the last remains, where that is wanted.
-enum class EqualRows : bool { keepAll, keepLast };
+/// Which of the rows with equal first columns remain.
+enum class EqualRows : std::uint8_t { keepAll, keepLast };
+
+/// Room for points, used again and again. What was taken from it holds until it is emptied or made larger.
+class PointRoom {
+public:
+    /// Throws the points away and makes room for so many.
+    void empty(std::size_t room) {
+        used_ = 0;
+        if (points_.size() < room) points_.resize(room);
+    }
+
+private:
+    friend std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal,
+                                                PointRoom& room);
+
+    std::vector<Point> points_;
+    std::size_t used_ = 0;
+};
+
+/// The rows that have a number in the first column and in that of the corner, both finite, ordered by the first. There
+/// must be room for all rows.
 [[nodiscard]] std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal,
-                                                   std::vector<Point>& room);
+                                                   PointRoom& room);
 
 /// What holds above the last row of a table.
 enum class AboveTable : bool { lastSlope, lastCurrent };
@@ -51,15 +71,23 @@ public:
         return from;
     }
 
-    /// The current at a voltage of this piece, in amperes.
-    [[nodiscard]] double currentIn(std::size_t piece, double voltage) const {
+    /// A piece of the table: the line through a row, with its slope in siemens.
+    struct Piece {
+        Point from{};
+        double slope = 0.0;
+
+        [[nodiscard]] double at(double voltage) const { return from.y + slope * (voltage - from.x); }
+    };
+    [[nodiscard]] Piece piece(std::size_t number) const {
         const std::size_t last = points_.size() - 1;
-        if (piece > last && above_ == AboveTable::lastCurrent) return points_[last].y;
-        const std::size_t left = piece == 0 ? 0 : piece > last ? last - 1 : piece - 1;
+        if (number > last && above_ == AboveTable::lastCurrent) return {points_[last], 0.0};
+        const std::size_t left = number == 0 ? 0 : number > last ? last - 1 : number - 1;
         const Point& a = points_[left];
         const Point& b = points_[left + 1];
-        return a.y + (b.y - a.y) * ((voltage - a.x) / (b.x - a.x));
+        return {a, (b.y - a.y) / (b.x - a.x)};
     }
+    /// The current at a voltage of this piece, in amperes.
+    [[nodiscard]] double currentIn(std::size_t number, double voltage) const { return piece(number).at(voltage); }
 
     /// The current at a voltage, in amperes.
     [[nodiscard]] double at(double voltage) const { return currentIn(pieceOf(voltage, 0, points_.size()), voltage); }
@@ -75,8 +103,10 @@ public:
     /// The largest magnitude of the current between two voltages.
     [[nodiscard]] double largestBetween(double low, double high) const {
         double largest = 0.0;
-        between(low, high,
-                [&largest](double /*voltage*/, double current) { largest = std::fmax(largest, std::fabs(current)); });
+        between(low, high, [&largest](double /*voltage*/, double current) {
+            const double size = std::fabs(current);
+            if (size > largest) largest = size;
+        });
         return largest;
     }
 

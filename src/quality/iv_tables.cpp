@@ -43,8 +43,8 @@ double spanBetween(const IvTable& table, double low, double high) {
     double least = table.at(low);
     double most = least;
     table.between(low, high, [&](double /*voltage*/, double current) {
-        least = std::fmin(least, current);
-        most = std::fmax(most, current);
+        if (current < least) least = current;
+        if (current > most) most = current;
     });
     return most - least;
 }
@@ -100,7 +100,8 @@ std::optional<std::pair<Fall, double>> findFall(const ModelPhysics& physics, Dri
     Fall fall{state, corner, highest, highest};
     double largest = 0.0;
     total->sweep(low, high, [&](double voltage, double current) {
-        largest = std::fmax(largest, std::fabs(current));
+        const double size = std::fabs(current);
+        if (size > largest) largest = size;
         if (current >= highest.y) {
             highest = {voltage, current};
         } else if (highest.y - current > fall.drop()) {
@@ -288,12 +289,8 @@ void checkRisingCurrent(const AdvisedModel& advised, AdviceList& list) {
 }
 
 void checkCurrentAtRail(const AdvisedModel& advised, AdviceList& list) {
-    if (!advised.drives()) return;
-    std::optional<bool> waveforms_agree; // found out when there is something to be said
-    const auto agreed = [&] {
-        if (!waveforms_agree) waveforms_agree = compareEnds(advised).allAgree();
-        return *waveforms_agree;
-    };
+    // Waveforms that end at the levels of the tables say that these are right.
+    if (!advised.drives() || advised.ends.allAgree()) return;
     const ModelPhysics& physics = advised.physics;
     for (const TableKind kind : kDriverTables) {
         const IvTable& table = physics.table(kind);
@@ -308,13 +305,12 @@ void checkCurrentAtRail(const AdvisedModel& advised, AdviceList& list) {
                                std::fabs(at_vcc) < kLittleOfIt * largest;
         constexpr double kMuch = 0.05;
         const bool carries = size > kMuch * largest && size > kNoCurrent && !advised.file.isInPair(advised.model);
-        if (wrong_way || carries) {
-            if (agreed()) return;
-            if (wrong_way) {
-                list.add(placeOfTable(advised, kind), {203, 0}, tableKeyword(kind), amperes(at_rail), amperes(at_vcc));
-            } else {
-                list.add(placeOfTable(advised, kind), {203, 1}, tableKeyword(kind), amperes(at_rail), amperes(largest));
-            }
+        if (wrong_way) {
+            list.add(placeOfTable(advised, kind), {203, 0}, tableKeyword(kind), amperes(at_rail), amperes(at_vcc));
+            continue;
+        }
+        if (carries) {
+            list.add(placeOfTable(advised, kind), {203, 1}, tableKeyword(kind), amperes(at_rail), amperes(largest));
             continue;
         }
         constexpr double kNoneInTyp = 0.01;
@@ -326,7 +322,6 @@ void checkCurrentAtRail(const AdvisedModel& advised, AdviceList& list) {
             const double current = other.at(0.0);
             const double most = other.largestBetween(0.0, *physics.vcc(corner));
             if (!(std::fabs(current) > kSomeInCorner * most) || !(std::fabs(current) > kNoCurrent)) continue;
-            if (agreed()) return;
             const NumberText in_typ = amperes(at_rail);
             list.add(placeOfTable(advised, kind), {203, 2}, tableKeyword(kind), amperes(current), cornerWord(corner),
                      size < kNoCurrent ? std::string_view("nothing") : std::string_view(in_typ));

@@ -1,6 +1,7 @@
 #include "quality/physics.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace kestrel {
 
@@ -94,14 +95,33 @@ double StateCurrent::at(double pin) const {
     return current;
 }
 
-std::size_t StateCurrent::firstAbove(std::size_t table, double pin) const {
-    const TableAtPin& at_pin = tables_[table];
-    const std::size_t size = at_pin.table->points().size();
-    const std::size_t piece = at_pin.table->pieceOf(at_pin.tableVoltage(pin), 0, size);
-    std::size_t row = at_pin.downward ? size - piece : piece;
-    while (row < size && breakAt(table, row, pin) <= pin) // a row at the voltage itself, or a rounding off it
-        ++row;
-    return row;
+namespace {
+
+/// The pin's voltage at which the piece of this number ends.
+double endOfPiece(const TableAtPin& table, std::size_t number) {
+    const std::span<const Point> points = table.table->points();
+    const bool is_last = number == (table.downward ? 0 : points.size());
+    if (is_last) return std::numeric_limits<double>::infinity();
+    return table.pinVoltage(points[table.downward ? number - 1 : number].x);
+}
+
+} // namespace
+
+void StateCurrent::advance(const TableAtPin& table, Cursor& cursor, double pin) {
+    while (cursor.next <= pin) {
+        cursor.number = table.downward ? cursor.number - 1 : cursor.number + 1;
+        cursor.next = endOfPiece(table, cursor.number);
+    }
+    cursor.piece = table.table->piece(cursor.number);
+}
+
+StateCurrent::Cursor StateCurrent::cursorAt(const TableAtPin& table, double pin) {
+    const std::size_t size = table.table->points().size();
+    Cursor cursor;
+    cursor.number = table.table->pieceOf(table.tableVoltage(pin), 0, size);
+    cursor.next = endOfPiece(table, cursor.number);
+    advance(table, cursor, pin); // a row at the voltage itself, or off it by a rounding
+    return cursor;
 }
 
 std::optional<double> StateCurrent::solve(double low, double high, const DcLoad* load) const {
@@ -141,7 +161,8 @@ std::optional<double> StateCurrent::solve(double low, double high, const DcLoad*
     for (int i = 0; i < kHalvings; ++i) {
         if (std::equal(from.begin(), from.begin() + static_cast<std::ptrdiff_t>(count_), to.begin())) {
             // One straight line from here on: where it goes through zero needs no halving.
-            return low + (high - low) * (-low_current / (high_current - low_current));
+            const double found = low + (high - low) * (-low_current / (high_current - low_current));
+            return low <= found && found <= high ? std::optional(found) : std::nullopt; // numbers may overflow
         }
         const double middle = low + (high - low) / 2.0;
         const double current = current_at(middle);
@@ -153,12 +174,11 @@ std::optional<double> StateCurrent::solve(double low, double high, const DcLoad*
     return low + (high - low) / 2.0;
 }
 
-ModelPhysics::ModelPhysics(const Mdl& model, std::vector<Point>& room) : is_driver_(kTableDrivers.has(model.type())) {
-    room.clear();
+ModelPhysics::ModelPhysics(const Mdl& model, PointRoom& room) : is_driver_(kTableDrivers.has(model.type())) {
     std::size_t rows = 0;
     for (const TableKind kind : kAllTables)
         rows += tableOf(model, kind).rows.size();
-    room.reserve(rows * kCornerCount); // so that it does not move
+    room.empty(rows * kCornerCount);
     for (const TableKind kind : kAllTables) {
         const bool is_clamp = kind == TableKind::gndClamp || kind == TableKind::powerClamp;
         for (const Corner corner : kCorners)

@@ -105,20 +105,19 @@ public:
     /// Calls `visit` with the pin's voltage and the current at `low`, at every row between, and at `high`, in ascending
     /// order.
     template <class Visit> void sweep(double low, double high, Visit visit) const {
-        std::array<std::size_t, kMost> next{};
+        std::array<Cursor, kMost> cursors;
         for (std::size_t i = 0; i < count_; ++i)
-            next[i] = firstAbove(i, low);
+            cursors[i] = cursorAt(tables_[i], low);
         visit(low, at(low));
         for (;;) {
             double pin = high;
             for (std::size_t i = 0; i < count_; ++i)
-                pin = std::fmin(pin, breakAt(i, next[i], high));
+                if (cursors[i].next < pin) pin = cursors[i].next;
             if (!(pin < high)) break;
             double current = conductance_ * pin + offset_;
             for (std::size_t i = 0; i < count_; ++i) {
-                while (breakAt(i, next[i], high) <= pin)
-                    ++next[i];
-                current += currentAfter(i, next[i], pin);
+                if (cursors[i].next <= pin) advance(tables_[i], cursors[i], pin);
+                current += cursors[i].piece.at(tables_[i].tableVoltage(pin));
             }
             visit(pin, current);
         }
@@ -128,20 +127,14 @@ public:
 private:
     static constexpr std::size_t kMost = 3;
 
-    /// The rows of a table are numbered in the order of the pin's voltage.
-    [[nodiscard]] std::size_t firstAbove(std::size_t table, double pin) const;
-    [[nodiscard]] double breakAt(std::size_t table, std::size_t row, double otherwise) const {
-        const TableAtPin& at_pin = tables_[table];
-        const std::span<const Point> points = at_pin.table->points();
-        if (row >= points.size()) return otherwise;
-        return at_pin.pinVoltage(points[at_pin.downward ? points.size() - 1 - row : row].x);
-    }
-    /// The current of a table behind `rows` of its rows.
-    [[nodiscard]] double currentAfter(std::size_t table, std::size_t rows, double pin) const {
-        const TableAtPin& at_pin = tables_[table];
-        const std::size_t size = at_pin.table->points().size();
-        return at_pin.table->currentIn(at_pin.downward ? size - rows : rows, at_pin.tableVoltage(pin));
-    }
+    /// A place in a table that goes up with the pin's voltage.
+    struct Cursor {
+        std::size_t number = 0; ///< of the piece of the table
+        IvTable::Piece piece{};
+        double next = 0.0; ///< the pin's voltage at which the next piece begins; infinite behind the last
+    };
+    [[nodiscard]] static Cursor cursorAt(const TableAtPin& table, double pin);
+    static void advance(const TableAtPin& table, Cursor& cursor, double pin);
 
     std::array<TableAtPin, kMost> tables_{};
     std::size_t count_ = 0;
@@ -157,7 +150,7 @@ inline constexpr std::array<Edge, 2> kEdges{Edge::rising, Edge::falling};
 class ModelPhysics {
 public:
     /// The points of the tables are kept in `room`, whose content is thrown away.
-    ModelPhysics(const Mdl& model, std::vector<Point>& room);
+    ModelPhysics(const Mdl& model, PointRoom& room);
     ModelPhysics(const ModelPhysics&) = delete;
     ModelPhysics& operator=(const ModelPhysics&) = delete;
     ~ModelPhysics() = default;

@@ -113,7 +113,7 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
     return wave;
 }
 
-std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics, std::vector<Point>& room) {
+std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics, PointRoom& room) {
     const MdlTables& tables = *model.tables;
     std::vector<Waveform> list;
     list.reserve(tables.rising_waveforms.size() + tables.falling_waveforms.size());
@@ -126,7 +126,7 @@ std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics,
                        [](const Waveform& a, const Waveform& b) { return a.record->line < b.record->line; });
     for (Waveform& waveform : list) {
         for (const Corner corner : kCorners) {
-            room.clear();
+            room.empty(waveform.record->rows.size());
             const auto points = orderedPoints(waveform.record->rows, corner, EqualRows::keepAll, room);
             waveform.corners[corner] = measureWave(points, physics.vcc(corner));
         }
@@ -157,6 +157,80 @@ std::string fixtureText(const Wvfrm& waveform) {
 std::string waveformText(const Waveform& waveform) {
     std::string text(waveform.edge == Edge::rising ? "[Rising Waveform] with " : "[Falling Waveform] with ");
     return text.append(fixtureText(*waveform.record));
+}
+
+namespace {
+
+/// The levels of a model in its corners, each found once.
+class KnownLevels {
+public:
+    explicit KnownLevels(const ModelPhysics& physics) : physics_(physics) {}
+
+    [[nodiscard]] const std::optional<double>& withoutLoad(DriveState state, Corner corner) {
+        auto& known = without_load_[static_cast<std::size_t>(state)][corner];
+        if (!known) known = physics_.levelWithoutLoad(state, corner);
+        return *known;
+    }
+
+    /// Waveforms of both edges mostly go to the same few loads.
+    [[nodiscard]] std::optional<double> withLoad(DriveState state, Corner corner, const DcLoad& load) {
+        constexpr std::size_t kMost = 8;
+        auto& known = with_load_[static_cast<std::size_t>(state)][corner];
+        const auto found = std::ranges::find_if(known, [&load](const Known& one) {
+            return one.load.resistance == load.resistance && one.load.voltage == load.voltage;
+        });
+        if (found != known.end()) return found->level;
+        const std::optional<double> level = physics_.level(state, corner, load);
+        if (known.size() < kMost) known.push_back({load, level});
+        return level;
+    }
+
+private:
+    struct Known {
+        DcLoad load;
+        std::optional<double> level;
+    };
+
+    const ModelPhysics& physics_;
+    std::array<PerCorner<std::optional<std::optional<double>>>, kDriveStates> without_load_;
+    std::array<PerCorner<std::vector<Known>>, kDriveStates> with_load_;
+};
+
+} // namespace
+
+EndComparison compareEnds(const ModelPhysics& physics, const std::vector<Waveform>& waveforms) {
+    EndComparison comparison;
+    KnownLevels levels(physics);
+    const auto compare = [&](const Waveform& waveform, Corner corner, const DcLoad& load, double vcc) {
+        constexpr double kOfMove = 0.25; // of what the load moves the level
+        for (const bool at_end : {false, true}) {
+            const DriveState state = (waveform.edge == Edge::rising) == at_end ? DriveState::high : DriveState::low;
+            const std::optional<double> of_tables = levels.withLoad(state, corner, load);
+            if (!of_tables) continue;
+            const WaveCorner& wave = waveform.corners[corner];
+            const double level = at_end ? wave.last : wave.first;
+            const double difference = std::fabs(level - *of_tables);
+            ++comparison.compared;
+            if (!(difference > leastDifference(vcc))) continue;
+            if (!(difference > kLevelOfSwing * wave.size())) {
+                // A load that hardly moves the level has to be met more closely than the swing asks for.
+                const std::optional<double>& open = levels.withoutLoad(state, corner);
+                const double move = open ? std::fabs(*of_tables - *open) : wave.size();
+                if (!(difference > kOfMove * move)) continue;
+            }
+            comparison.differences.add(difference, EndDifference{&waveform, corner, at_end, level, *of_tables});
+        }
+    };
+    for (const Waveform& waveform : waveforms) {
+        // Inside the device a resistance would be in series with the tables.
+        if (waveform.record->r_dut && *waveform.record->r_dut != 0.0) continue;
+        for (const Corner corner : kCorners) {
+            const std::optional<DcLoad> load = fixtureLoad(*waveform.record, corner);
+            const GivenValue vcc = physics.vcc(corner);
+            if (load && vcc && waveform.corners[corner].given) compare(waveform, corner, *load, *vcc);
+        }
+    }
+    return comparison;
 }
 
 std::string_view edgeWord(Edge edge) { return edge == Edge::rising ? "rising" : "falling"; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quality/physics.hpp"
+#include "quality/worst.hpp"
 
 #include <cstddef>
 #include <optional>
@@ -61,8 +62,7 @@ struct Waveform {
 };
 
 /// The waveforms of a model in the order of the file. `room` is for points in between.
-[[nodiscard]] std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics,
-                                                std::vector<Point>& room);
+[[nodiscard]] std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics, PointRoom& room);
 
 /// The voltage to which the fixture leads in a corner.
 [[nodiscard]] GivenValue fixtureVoltage(const Wvfrm& waveform, Corner corner);
@@ -73,5 +73,31 @@ struct Waveform {
 /// "[Rising Waveform] with 50 ohm to 3.3 V".
 [[nodiscard]] std::string waveformText(const Waveform& waveform);
 [[nodiscard]] std::string_view edgeWord(Edge edge);
+
+/// Levels are different that differ by this part of the swing, but by no less than that.
+inline constexpr double kLevelOfSwing = 0.05;
+[[nodiscard]] inline double leastDifference(double vcc) {
+    constexpr double kLeast = 10e-3;
+    constexpr double kLeastOfVcc = 0.005;
+    return std::fmax(kLeast, kLeastOfVcc * vcc);
+}
+
+/// An end of a waveform that is not at the level that the tables give.
+struct EndDifference {
+    const Waveform* waveform;
+    Corner corner;
+    bool at_end;
+    double level;     ///< of the waveform
+    double of_tables; ///< what the I-V tables give with the fixture
+};
+
+/// The ends of all waveforms that have a level by the tables.
+struct EndComparison {
+    std::size_t compared = 0;
+    Worst<EndDifference> differences{};
+
+    [[nodiscard]] bool allAgree() const { return compared != 0 && !differences; }
+};
+[[nodiscard]] EndComparison compareEnds(const ModelPhysics& physics, const std::vector<Waveform>& waveforms);
 
 } // namespace kestrel

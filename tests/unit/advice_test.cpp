@@ -50,7 +50,9 @@ constexpr Corners kDelay{1.0, 1.2, 0.8}; // of the corners' edges
 /// A push-pull driver: 25 ohm up to 1.5 V and 250 ohm above, by the strength of the corner; clamps of 5 ohm from 0.6 V
 /// beyond the rails; edges of 2 ns into 50 ohm to either supply, which begin at 1 ns.
 struct PushPull {
+    std::string name = "io";
     std::string type = "Output";
+    std::string vmeas = "Vmeas = 1.65\nRref = 50\nVref = 1.65\n";
     Corners supply = kVcc;
     Table pulldown = driverTable(1.0);
     Table pullup = driverTable(-1.0);
@@ -102,8 +104,9 @@ struct PushPull {
         out.precision(12);
         out << "[Date] March 3, 2020\n[Source] made for a test\n[Component] c\n"
             << kComponentStart << "[Pin] signal_name model_name R_pin L_pin C_pin\n"
-            << pins << "[Model] io\nModel_type " << type
-            << "\nVmeas = 1.65\nRref = 50\nVref = 1.65\nC_comp 3p 2.5p 3.5p\n";
+            << pins << "[Model Selector] sel\n"
+            << name << " the model\n[Model] " << name << "\nModel_type " << type << "\n"
+            << vmeas << "C_comp 3p 2.5p 3.5p\n";
         const auto put_row = [&out](double first, const Corners& values) {
             out << first;
             for (const double value : values)
@@ -262,6 +265,140 @@ TEST(Advice, noticesWhatIsWrongWithRamps) {
                   std::swap(m.dv_r[1], m.dv_r[2]);
               }),
               "Q309 Q311");
+}
+
+/// Pins of two models in a pair.
+constexpr const char* kPairPins =
+    "1 s sel\n2 s sel\n[Diff Pin] inv_pin vdiff tdelay_typ tdelay_min tdelay_max\n1 2 0.2 NA NA NA\n";
+
+/// 20 mA at the rail, which is 0.5 V off in a pulldown of 25 ohm.
+void addCurrentAtRail(PushPull& model) {
+    for (Row& row : model.pulldown)
+        for (double& value : row.values)
+            value += 0.02;
+    model.waves.clear();
+    model.dv_r = model.dv_f = {1.52, 1.2, 1.8};
+}
+
+TEST(Advice, knowsWhereACurrentAtTheRailBelongs) {
+    EXPECT_EQ(broken(addCurrentAtRail), "Q203 Q407");
+    EXPECT_EQ(broken([](PushPull& m) {
+                  addCurrentAtRail(m);
+                  m.pins = kPairPins;
+              }).find("Q203"),
+              std::string::npos);
+    // Waveforms that end at the levels of these tables say that they are right: 25 ohm to -0.5 V against 50 ohm.
+    constexpr const char* kTables =
+        "Model_type Output\nC_comp 3p 2p 4p\n[Voltage Range] 3.3 3.0 3.6\n[Pulldown]\n-3.3 -112m NA NA\n0 20m NA NA\n6.6 284m NA NA\n"
+        "[Pullup]\n-3.3 132m NA NA\n6.6 -264m NA NA\n[Ramp]\ndV/dt_r 1.52/1.2n NA NA\ndV/dt_f 1.52/1.2n NA NA\n";
+    const auto said_of = [&](const std::string& low) {
+        std::string text = std::string("[Model] m\n") + kTables;
+        for (const bool rises : {true, false}) {
+            text.append(rises ? "[Rising Waveform]\n" : "[Falling Waveform]\n")
+                .append("R_fixture = 50\nV_fixture = 3.3\n");
+            text.append("0 ").append(rises ? low : "3.3").append(" NA NA\n1n 2 NA NA\n2n ");
+            text.append(rises ? "3.3" : low).append(" NA NA\n3n ").append(rises ? "3.3" : low).append(" NA NA\n");
+        }
+        Files files;
+        files.add("m.ibs", text, "5.1").check("m.ibs");
+        return codesOf(adviseOn(AdvisedFile(files.root(), files.run.parse)));
+    };
+    EXPECT_EQ(said_of("0.766667").find("Q203"), std::string::npos);
+    EXPECT_NE(said_of("0.6").find("Q203"), std::string::npos);
+    // The minimum counts from the typical supply: 0.3 V and so 9 mA off at its own.
+    EXPECT_EQ(broken([](PushPull& m) {
+                  for (std::size_t i = 0; i + 1 < m.pullup.size(); ++i)
+                      m.pullup[i].values[1] = m.pullup[i + 1].values[1];
+              }),
+              "Q203 Q301");
+}
+
+TEST(Advice, isQuietWhereThereIsAReason) {
+    // A table that ends where the driver itself stops the reflection: at 3.9 V with 69.6 mA, where 50 ohm to 6.6 V give
+    // 54 mA. At 3 V it is 66 mA for 72 mA.
+    EXPECT_EQ(broken([](PushPull& m) { m.pulldown.resize(26); }), "");
+    EXPECT_EQ(broken([](PushPull& m) { m.pulldown.resize(23); }), "Q201");
+    // A termination that the name owns up to.
+    const auto terminated = [](PushPull& m) {
+        m.waves.clear();
+        m.type = "Input";
+        m.pulldown.clear();
+        m.pullup.clear();
+        m.vmeas.clear();
+        for (Row& row : m.gnd_clamp)
+            for (double& value : row.values)
+                value += row.first / 100.0;
+    };
+    EXPECT_EQ(broken(terminated), "Q204");
+    EXPECT_EQ(broken([&](PushPull& m) {
+                  terminated(m);
+                  m.name = "in_ODT60";
+                  m.pins = "1 s in_ODT60\n";
+              }),
+              "");
+    // An open drain whose ramp was measured with the resistor of its timing load: 25 ohm against 1 kohm to 3.3 V.
+    const auto drain = [](double step) {
+        return broken([step](PushPull& m) {
+            m.type = "Open_drain";
+            m.vmeas = "Vmeas = 1.65\nRref = 1k\nVref = 3.3\n";
+            m.waves.clear();
+            m.pullup.clear();
+            m.dv_r = m.dv_f = {step, step, step};
+        });
+    };
+    EXPECT_EQ(drain(1.93), "Q407");
+    EXPECT_EQ(drain(2.9), "Q310 Q407");
+}
+
+TEST(Advice, readsNumbersOfAnyKind) {
+    const std::string good = PushPull().text();
+    const std::size_t model = good.find("[Voltage Range]");
+    std::size_t changed = 0;
+    for (const char* const word : {"NA", "0", "-0", "1e400", "-1e400", "1e308", "-1e308", "1e-320", "-5", "x"}) {
+        // Every 29th number from the supply on, in tables, ramps and fixtures alike.
+        std::size_t count = 0;
+        for (std::size_t at = model; at < good.size(); ++at) {
+            const bool begins = (good[at - 1] == ' ' || good[at - 1] == '\n') &&
+                                std::string_view("-.0123456789").find(good[at]) != std::string_view::npos;
+            if (!begins || ++count % 29 != 0) continue;
+            const std::size_t end = good.find_first_of(" /\n", at);
+            Files files;
+            files.add("io.ibs", std::string(good).replace(at, end - at, word), "5.1").check("io.ibs");
+            ++changed;
+            for (const Advice& advice : adviseOn(AdvisedFile(files.root(), files.run.parse)))
+                EXPECT_EQ(advice.text.find("nan"), std::string::npos) << advice.text;
+        }
+    }
+    EXPECT_GT(changed, 300U);
+}
+
+TEST(Advice, readsTablesOfAnyForm) {
+    const auto said_of = [](const std::function<void(PushPull&)>& change) {
+        PushPull model;
+        change(model);
+        Files files;
+        files.add("io.ibs", model.text(), "5.1").check("io.ibs");
+        return codesOf(adviseOn(AdvisedFile(files.root(), files.run.parse)));
+    };
+    const auto each_table = [](PushPull& m, auto change) {
+        for (Table* const table : {&m.pulldown, &m.pullup, &m.gnd_clamp, &m.power_clamp})
+            change(*table);
+        for (Wave& wave : m.waves)
+            change(wave.rows);
+    };
+    // One row, or rows that are all at one voltage or time, are no data.
+    EXPECT_EQ(said_of([&](PushPull& m) { each_table(m, [](Table& t) { t.resize(1); }); }), "");
+    const std::string at_one_voltage = said_of([&](PushPull& m) {
+        each_table(m, [](Table& t) {
+            for (Row& row : t)
+                row.first = 1.0;
+        });
+    });
+    EXPECT_EQ(at_one_voltage.find("Q2"), std::string::npos) << at_one_voltage;
+    // The order of the rows of a table does not matter.
+    EXPECT_EQ(said_of([](PushPull& m) { std::ranges::reverse(m.pulldown); }), "");
+    EXPECT_EQ(said_of([](PushPull& m) { m.supply = {-3.3, -3.0, -3.6}; }).find("Q2"), std::string::npos);
+    EXPECT_EQ(said_of([](PushPull& m) { m.supply = {}; }).find("Q3"), std::string::npos);
 }
 
 } // namespace

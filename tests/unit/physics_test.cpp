@@ -29,7 +29,7 @@ struct OneModel {
     }
 
     Files files;
-    std::vector<Point> room;
+    PointRoom room;
     std::optional<ModelPhysics> physics;
 };
 

@@ -281,7 +281,7 @@ TEST(Frames, areCorrect) {
         std::vector<std::string> faults;
         const ExampleFiles files = expandExample(framesFolder(), frame, "", faults);
         EXPECT_TRUE(faults.empty()) << faults.front();
-        const std::vector<Raised> raised = check(files);
+        const std::vector<Raised> raised = check(files, true);
         EXPECT_TRUE(raised.empty()) << frame << listed(raised);
     }
 }
