@@ -87,7 +87,7 @@ class ModelFigures {
 public:
     ModelFigures(const PartContext& part, const Mdl& model, Pictures& pictures)
         : part_(part), model_(model), pictures_(pictures), physics_(model, room_) {
-        std::vector<Point> room;
+        PointRoom room;
         waveforms_ = waveformsOf(model, physics_, room);
     }
 
@@ -337,7 +337,7 @@ private:
     const PartContext& part_;
     const Mdl& model_;
     Pictures& pictures_;
-    std::vector<Point> room_; // of the physics
+    PointRoom room_; // of the physics
     ModelPhysics physics_;
     std::vector<Waveform> waveforms_;
     std::vector<std::pair<const Wvfrm*, Levels>> levels_;
