@@ -19,10 +19,9 @@
 
 namespace kestrel {
 
-namespace {
-
-/// A name without an extension that gives a kind is handled as that of an .ibs file, as kestrel does.
 FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
+
+namespace {
 
 /// The version as the file's header gives it.
 std::optional<std::string> givenVersion(const Run& run) {
@@ -32,7 +31,8 @@ std::optional<std::string> givenVersion(const Run& run) {
     return std::nullopt;
 }
 
-/// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
+} // namespace
+
 void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
     nameFile(run.diagnostics, name);
     // The reader takes no longer names of these kinds.
@@ -49,6 +49,8 @@ void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& out
     outcome.read = read || kind != FileKind::ami;
     outcome.version = givenVersion(run);
 }
+
+namespace {
 
 /// A file that is checked, or was and waits for its turn.
 struct Job {
