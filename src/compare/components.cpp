@@ -65,6 +65,14 @@ template <class Part> const Part& partOr(const std::unique_ptr<Part>& part, cons
     return part ? *part : empty;
 }
 
+/// Compares parts that both components have.
+template <class Part>
+void compareParts(Comparison& comparison, std::string_view keyword, const std::unique_ptr<Part>& was,
+                  const std::unique_ptr<Part>& is, void (*compare)(Comparison&, const Part&, const Part&)) {
+    if (!was && !is) return;
+    if (comparePresence(comparison, keyword, was != nullptr, is != nullptr)) compare(comparison, *was, *is);
+}
+
 void comparePins(Comparison& comparison, const PinList& was, const PinList& is) {
     comparePinRows(
         comparison, "", was.rows(), is.rows(), [](const Pin& pin) { return pin.name.view(); },
@@ -207,20 +215,17 @@ void compareComponents(Comparison& comparison, const Cmpnt& was, const Cmpnt& is
     compareText(comparison, "Timing_location", locationWord(was.timing_location), locationWord(is.timing_location));
     compareFields(comparison, {}, kPackage, partOr(was.package, {}), partOr(is.package, {}));
     comparePins(comparison, was.pins, is.pins);
-    if (was.pin_mapping || is.pin_mapping)
-        comparePinMappings(comparison, partOr(was.pin_mapping, {}), partOr(is.pin_mapping, {}));
-    if (was.diff_pins || is.diff_pins) compareDiffPins(comparison, partOr(was.diff_pins, {}), partOr(is.diff_pins, {}));
-    if (was.series_pins || is.series_pins)
-        compareSeriesPins(comparison, partOr(was.series_pins, {}), partOr(is.series_pins, {}));
-    if (was.switch_groups || is.switch_groups)
-        compareSwitches(comparison, partOr(was.switch_groups, {}), partOr(is.switch_groups, {}));
+    compareParts(comparison, "[Pin Mapping]", was.pin_mapping, is.pin_mapping, comparePinMappings);
+    compareParts(comparison, "[Diff Pin]", was.diff_pins, is.diff_pins, compareDiffPins);
+    compareParts(comparison, "[Series Pin Mapping]", was.series_pins, is.series_pins, compareSeriesPins);
+    compareParts(comparison, "[Series Switch Groups]", was.switch_groups, is.switch_groups, compareSwitches);
     if (was.alternates || is.alternates)
         compareNames(comparison, "[Alternate Package Models]", partOr(was.alternates, {}).models.names,
                      partOr(is.alternates, {}).models.names);
     if (was.nodes || is.nodes)
         compareNames(comparison, "[Node Declarations]", partOr(was.nodes, {}).names, partOr(is.nodes, {}).names);
     compareCircuitCalls(comparison, was.circuit_calls, is.circuit_calls);
-    if (was.emi || is.emi) compareEmi(comparison, partOr(was.emi, {}), partOr(is.emi, {}));
+    compareParts(comparison, "[Begin EMI Component]", was.emi, is.emi, compareEmi);
 }
 
 } // namespace kestrel

@@ -66,7 +66,6 @@ constexpr auto kKeywordRanges = std::to_array<KeywordRange>({
     {MdlRange::cac, "[Cac]", Unit::farads},
 });
 
-constexpr std::string_view kSpecGroup = "[Model Spec]";
 constexpr FieldRow<MSpec, GivenRange> kSpec[] = {
     {"Vinh", Unit::volts, &MSpec::vinh},
     {"Vinl", Unit::volts, &MSpec::vinl},
@@ -105,7 +104,6 @@ constexpr FieldRow<MSpec, GivenRange> kSpec[] = {
     {"Weak_V", Unit::volts, &MSpec::weak_v},
 };
 
-constexpr std::string_view kThresholdGroup = "[Receiver Thresholds]";
 constexpr FieldRow<RcvTh, GivenValue> kThresholds[] = {
     {"Vth", Unit::volts, &RcvTh::vth},
     {"Vth_min", Unit::volts, &RcvTh::vth_min},
@@ -260,6 +258,29 @@ void compareAlgorithms(Comparison& comparison, const AlgMod* was, const AlgMod* 
         });
 }
 
+/// Compares the fields of parts that both have.
+template <class Part, class Given, class Rows>
+void compareParts(Comparison& comparison, std::string_view group, const Rows& rows, const Given* was, const Given* is) {
+    if (was == nullptr && is == nullptr) return;
+    if (comparePresence(comparison, group, was != nullptr, is != nullptr))
+        compareFields<Part>(comparison, group, rows, *was, *is);
+}
+
+void compareThresholds(Comparison& comparison, const RcvTh* was, const RcvTh* is) {
+    constexpr std::string_view kGroup = "[Receiver Thresholds]";
+    compareParts<RcvTh>(comparison, kGroup, kThresholds, was, is);
+    if (was != nullptr && is != nullptr)
+        compareText(comparison, {kGroup, "Reference_supply"}, supplyWord(was->reference_supply),
+                    supplyWord(is->reference_supply));
+}
+
+void compareEmi(Comparison& comparison, const MdlEmi* was, const MdlEmi* is) {
+    if (was == nullptr && is == nullptr) return;
+    if (!comparePresence(comparison, "[Begin EMI Model]", was != nullptr, is != nullptr)) return;
+    compareText(comparison, "Model_emi_type", emiTypeWord(was->type), emiTypeWord(is->type));
+    compareText(comparison, "Model_Domain", wordOf(kEmiDomains, was->domain), wordOf(kEmiDomains, is->domain));
+}
+
 /// A converter by all but its values.
 std::string nameOf(const Converter& converter) {
     std::string name(converter.to_analog ? "D_to_A" : "A_to_D");
@@ -311,9 +332,7 @@ void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is) {
     compareText(comparison, "Enable", wordOf(kEnableModes, before.enable), wordOf(kEnableModes, now.enable));
     compareFields(comparison, {}, kValues, before, now);
     compareFields<CComp>(comparison, {}, kCapacitances, before, now);
-    const CComp none;
-    compareFields<CComp>(comparison, "[C Comp Corner]", kCapacitances, was.c_comp_corner ? *was.c_comp_corner : none,
-                         is.c_comp_corner ? *is.c_comp_corner : none);
+    compareParts<CComp>(comparison, "[C Comp Corner]", kCapacitances, was.c_comp_corner.get(), is.c_comp_corner.get());
     if (!was.ranges.empty() || !is.ranges.empty()) {
         for (const KeywordRange& row : kKeywordRanges) {
             const Rng* const old_range = findRange(was, row.which);
@@ -322,32 +341,14 @@ void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is) {
                          new_range != nullptr ? *new_range : Rng());
         }
     }
-    if (was.model_spec || is.model_spec) {
-        const MSpec empty;
-        compareFields(comparison, kSpecGroup, kSpec, was.model_spec ? *was.model_spec : empty,
-                      is.model_spec ? *is.model_spec : empty);
-    }
-    if (was.receiver_thresholds || is.receiver_thresholds) {
-        const RcvTh empty;
-        const RcvTh& old_thresholds = was.receiver_thresholds ? *was.receiver_thresholds : empty;
-        const RcvTh& new_thresholds = is.receiver_thresholds ? *is.receiver_thresholds : empty;
-        compareFields(comparison, kThresholdGroup, kThresholds, old_thresholds, new_thresholds);
-        compareText(comparison, {kThresholdGroup, "Reference_supply"}, supplyWord(old_thresholds.reference_supply),
-                    supplyWord(new_thresholds.reference_supply));
-    }
+    compareParts<MSpec>(comparison, "[Model Spec]", kSpec, was.model_spec.get(), is.model_spec.get());
+    compareThresholds(comparison, was.receiver_thresholds.get(), is.receiver_thresholds.get());
     compareSchedules(comparison, was.driver_schedule, is.driver_schedule);
     compareBlocks(comparison, kOnLabel, was.on_block.get(), is.on_block.get());
     compareBlocks(comparison, kOffLabel, was.off_block.get(), is.off_block.get());
     compareAddedSubmodels(comparison, was.add_submodels, is.add_submodels);
     compareAlgorithms(comparison, was.algorithmic_model.get(), is.algorithmic_model.get());
-    if (was.emi_model || is.emi_model) {
-        const MdlEmi empty;
-        const MdlEmi& old_emi = was.emi_model ? *was.emi_model : empty;
-        const MdlEmi& new_emi = is.emi_model ? *is.emi_model : empty;
-        compareText(comparison, "Model_emi_type", emiTypeWord(old_emi.type), emiTypeWord(new_emi.type));
-        compareText(comparison, "Model_Domain", wordOf(kEmiDomains, old_emi.domain),
-                    wordOf(kEmiDomains, new_emi.domain));
-    }
+    compareEmi(comparison, was.emi_model.get(), is.emi_model.get());
     constexpr std::string_view kExternal = "[External Model]";
     if ((was.external_model || is.external_model) &&
         comparePresence(comparison, kExternal, was.external_model != nullptr, is.external_model != nullptr))
@@ -356,7 +357,10 @@ void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is) {
 
 void compareSubmodels(Comparison& comparison, const SubMdl& was, const SubMdl& is) {
     compareText(comparison, "Submodel_type", submodelTypeWord(was.type), submodelTypeWord(is.type));
-    compareFields(comparison, "[Submodel Spec]", kSubmodelSpec, *was.tables->spec, *is.tables->spec);
+    const auto spec_of = [](const SubMdl& submodel) {
+        return submodel.tables->spec ? &*submodel.tables->spec : nullptr;
+    };
+    compareParts<SmSpec>(comparison, "[Submodel Spec]", kSubmodelSpec, spec_of(was), spec_of(is));
     compareTables(comparison, *was.tables, *is.tables);
     compareOnlyWaveform(comparison, "[GND Pulse Table]", was.gnd_pulse, is.gnd_pulse);
     compareOnlyWaveform(comparison, "[POWER Pulse Table]", was.power_pulse, is.power_pulse);

@@ -88,7 +88,7 @@ void readFile(ReadFile& file) {
         }
         if (!file.outcome.read) {
             file.problem = ": cannot be read, or is empty; not compared";
-        } else if (!file.outcome.checked || run.roots.empty() || run.diagnostics.file == nullptr) {
+        } else if (!file.outcome.checked || run.roots.empty() || currentRoot(run).headers.empty()) {
             file.problem = ": its version is not checked; not compared";
         }
     } catch (const std::bad_alloc&) {
