@@ -3,6 +3,8 @@
 #include "base/number_index.hpp"
 #include "ibis/ibis.hpp"
 #include "model/mdl.hpp"
+#include "quality/physics.hpp"
+#include "quality/waveforms.hpp"
 #include "reader/parse_state.hpp"
 
 #include <vector>
@@ -20,28 +22,39 @@ struct AdvisedFile {
 
     /// A driver schedule names the model.
     [[nodiscard]] bool isScheduled(const Mdl& model) const { return scheduled_.find(model.name.number()) != 0; }
+    /// A pin of "[Diff Pin]" has the model, or may select it.
+    [[nodiscard]] bool isInPair(const Mdl& model) const { return paired_.find(model.name.number()) != 0; }
 
 private:
     NumberIndex scheduled_; // by the numbers of the names
+    NumberIndex paired_;
 };
 
-/// Types that drive a level from their tables: all but the ECL ones.
-inline constexpr ModelTypeSet kAdvisedDrivers{ModelType::output,     ModelType::io,          ModelType::threeState,
-                                              ModelType::openDrain,  ModelType::ioOpenDrain, ModelType::openSink,
-                                              ModelType::ioOpenSink, ModelType::openSource,  ModelType::ioOpenSource,
-                                              ModelType::outputDiff, ModelType::ioDiff,      ModelType::threeStateDiff};
+/// Room that is used again for each model.
+struct AdviceRoom {
+    std::vector<Point> tables;
+    std::vector<Point> waveform;
+};
 
-/// Types whose tables are of one pin over one supply: drivers and receivers.
-inline constexpr ModelTypeSet kTableTypes = kAdvisedDrivers.with({ModelType::input, ModelType::inputDiff});
-
-/// A model of the file.
+/// A model of the file, and what its tables and waveforms mean.
 struct AdvisedModel {
-    AdvisedModel(const Mdl& record, const AdvisedFile& in_file);
+    /// It refers to `room` as long as it is used.
+    AdvisedModel(const Mdl& record, const AdvisedFile& in_file, AdviceRoom& room);
 
     const Mdl& model;
     const AdvisedFile& file;
-    bool is_driver; ///< of a type that drives
-    bool is_alone;  ///< its tables are all that there is of it: no external model, no schedule on either side
+    ModelPhysics physics;
+    std::vector<Waveform> waveforms; ///< in the order of the file
+    bool is_alone; ///< its tables are all that there is of it: no external model, no schedule on either side
+
+    /// What it drives comes from its tables.
+    [[nodiscard]] bool drives() const { return is_alone && physics.isDriver(); }
+    /// It receives, and its tables say how.
+    [[nodiscard]] bool onlyReceives() const { return is_alone && kReceivers.has(model.type()); }
+    [[nodiscard]] bool isTerminator() const { return is_alone && model.type() == ModelType::terminator; }
+
+private:
+    static constexpr ModelTypeSet kReceivers{ModelType::input, ModelType::inputDiff};
 };
 
 } // namespace kestrel

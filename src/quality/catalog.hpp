@@ -24,8 +24,35 @@ struct AdviceRow {
 inline constexpr auto kAdviceCatalog = std::to_array<AdviceRow>({
     // magnitudes and order
     // I-V tables
+    {201, 0, "%s goes from %s to %s; reflections reach %s to %s"},
+    {202, 0, "the %s-state current falls from %s at %s to %s at %s (%s)"},
+    {203, 0, "%s runs the wrong way: %s at 0 V and %s at Vcc; its voltages count from the reference"},
+    {203, 1, "%s carries %s at 0 V, %s at most up to Vcc; a driver carries nothing at its own rail"},
+    {203, 2, "%s carries %s at 0 V in %s and %s in typ: the column does not count from its own supply"},
+    {204, 0, "the clamps carry %s at %s, as %s to a rail would: a termination on the die, or a driver current"},
+    {205, 0, "%s carries %s at %s and %s %s: a clamp is counted twice"},
+    {205, 1, "at the pin voltage %s %s carries %s and %s %s: a clamp is counted twice"},
+    {206, 0, "%s at %s: %s"},
+    {206, 1, "%s: %s are the same"},
+    {207, 0, "%s makes %s of the %s between 0 V and Vcc in one step from %s to %s"},
+    {208, 0, "%s has %u stairs, the first of %s at %s: the currents are rounded"},
+    {209, 0, "%s carries nothing between 0 V and %s: the output never drives %s"},
+    {209, 1, "%s carries %s at %s, %s; drivers lie between 1 ohm and 2 kohm"},
+    {209, 2, "%s carries nothing at %s; drivers lie between 1 ohm and 2 kohm"},
     // waveforms and ramps
+    {301, 0, "%s %s at %s, the tables give %s (%s)"},
+    {302, 0, "no two loads for %s: two are needed to tell pullup and pulldown apart"},
+    {303, 0, "nothing moves in the first %s of %s of the %s waveforms (%s)"},
+    {304, 0, "%s still moves by %s of its %s in the last %s of its time (%s)"},
+    {305, 0, "%s makes %s of its %s in one step of %s"},
+    {306, 0, "%s moves by %s only (%s)"},
+    {307, 0, "with %s the %s level is %s in the rising and %s in the falling waveform (%s)"},
+    {308, 0, "%s: %s rate %s"},
+    {309, 0, "%s is %s, the waveform with %s has %s (%s)"},
+    {310, 0, "dV of %s is %s; %s of the swing from %s to %s with %s is %s"},
+    {311, 0, "%s: %s"},
     {312, 0, "%s is %s; edges lie between 100 uV/ns and 500 V/ns"},
+    {313, 0, "%s goes back from %s at %s to %s at %s (%s)"},
     // structure
 });
 
@@ -38,7 +65,20 @@ struct MoreWords {
 
 /// Those words by ascending code.
 inline constexpr auto kMoreWords = std::to_array<MoreWords>({
+    {202, "state or corner falls", "states and corners fall"},
+    {205, "place", "places"},
+    {301, "end differs", "ends differ"},
+    {303, "edge or corner waits", "edges and corners wait"},
+    {304, "waveform or corner moves", "waveforms and corners move"},
+    {305, "waveform is coarse", "waveforms are coarse"},
+    {306, "waveform or corner", "waveforms and corners"},
+    {307, "level differs", "levels differ"},
+    {308, "waveform", "waveforms"},
+    {309, "waveform or corner differs", "waveforms and corners differ"},
+    {310, "edge", "edges"},
+    {311, "edge", "edges"},
     {312, "edge", "edges"},
+    {313, "waveform or corner", "waveforms and corners"},
 });
 // clang-format on
 

@@ -1,0 +1,156 @@
+#include "quality/waveforms.hpp"
+
+#include "quality/number_text.hpp"
+
+#include <algorithm>
+
+namespace kestrel {
+
+namespace {
+
+/// Where a line between two points reaches a height that lies between theirs, which differ.
+double timeAt(const Point& a, const Point& b, double height) {
+    return a.x + (b.x - a.x) * ((height - a.y) / (b.y - a.y));
+}
+
+/// The time until the values leave a band around the first one.
+double timeInBand(std::span<const Point> points, double band) {
+    const double first = points.front().y;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double offset = points[i].y - first;
+        if (!(std::fabs(offset) > band)) continue;
+        return timeAt(points[i - 1], points[i], offset > 0.0 ? first + band : first - band) - points.front().x;
+    }
+    return points.back().x - points.front().x;
+}
+
+/// How many volts the values go through from a time on.
+double movementFrom(std::span<const Point> points, double time) {
+    auto point = std::ranges::lower_bound(points, time, {}, &Point::x);
+    if (point == points.end()) return 0.0;
+    double low = point->y;
+    double high = point->y;
+    if (point != points.begin() && point->x > time) {
+        const Point& before = *(point - 1);
+        const double begin = before.y + (point->y - before.y) * ((time - before.x) / (point->x - before.x));
+        low = std::fmin(low, begin);
+        high = std::fmax(high, begin);
+    }
+    for (; point != points.end(); ++point) {
+        low = std::fmin(low, point->y);
+        high = std::fmax(high, point->y);
+    }
+    return high - low;
+}
+
+/// The rate of the middle of the edge: from the last crossing of 20 % ahead of the first one of 80 % to that.
+GivenValue rateOf(std::span<const Point> points, double swing) {
+    constexpr double kLow = 0.2;
+    constexpr double kHigh = 0.8;
+    const double first = points.front().y;
+    const double low = first + kLow * swing;
+    const double high = first + kHigh * swing;
+    const bool rises = swing > 0.0;
+    const auto crosses = [rises](const Point& a, const Point& b, double height) {
+        return rises ? a.y < height && b.y >= height : a.y > height && b.y <= height;
+    };
+    double low_time = points.front().x;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point& a = points[i - 1];
+        const Point& b = points[i];
+        if (crosses(a, b, low)) low_time = timeAt(a, b, low);
+        if (!crosses(a, b, high)) continue;
+        const double time = timeAt(a, b, high) - low_time;
+        if (!(time > 0.0)) return {};
+        const double rate = (kHigh - kLow) * std::fabs(swing) / time;
+        return std::isfinite(rate) ? GivenValue(rate) : GivenValue();
+    }
+    return {};
+}
+
+} // namespace
+
+WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
+    constexpr double kMoves = 0.1;  // of Vcc
+    constexpr double kStays = 0.01; // of the swing
+    constexpr double kEnd = 0.05;   // of the duration
+    WaveCorner wave;
+    if (points.size() < 2) return wave;
+    wave.given = true;
+    wave.first = points.front().y;
+    wave.last = points.back().y;
+    wave.duration = points.back().x - points.front().x;
+    wave.moves = vcc && wave.size() > kMoves * *vcc && std::isfinite(wave.size());
+    if (!wave.moves) return wave;
+
+    const bool rises = wave.swing() > 0.0;
+    Point farthest = points.front();
+    wave.back_from = wave.back_to = farthest;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point& point = points[i];
+        const WaveStep step{std::fabs(point.y - points[i - 1].y), point.x - points[i - 1].x};
+        if (i == 1) wave.first_step = step;
+        if (step.volts > wave.largest_step.volts) wave.largest_step = step;
+        const double ahead = rises ? point.y - farthest.y : farthest.y - point.y;
+        if (ahead >= 0.0) {
+            farthest = point;
+        } else if (-ahead > wave.back()) {
+            wave.back_from = farthest;
+            wave.back_to = point;
+        }
+    }
+    wave.dead_time = timeInBand(points, kStays * wave.size());
+    wave.late_movement = movementFrom(points, points.back().x - kEnd * wave.duration);
+    wave.rate = rateOf(points, wave.swing());
+    return wave;
+}
+
+std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics, std::vector<Point>& room) {
+    const MdlTables& tables = *model.tables;
+    std::vector<Waveform> list;
+    list.reserve(tables.rising_waveforms.size() + tables.falling_waveforms.size());
+    for (const Wvfrm& waveform : tables.rising_waveforms)
+        list.push_back({&waveform, Edge::rising, {}});
+    for (const Wvfrm& waveform : tables.falling_waveforms)
+        list.push_back({&waveform, Edge::falling, {}});
+    const auto falling = list.begin() + static_cast<std::ptrdiff_t>(tables.rising_waveforms.size());
+    std::inplace_merge(list.begin(), falling, list.end(),
+                       [](const Waveform& a, const Waveform& b) { return a.record->line < b.record->line; });
+    for (Waveform& waveform : list) {
+        for (const Corner corner : kCorners) {
+            room.clear();
+            const auto points = orderedPoints(waveform.record->rows, corner, EqualRows::keepAll, room);
+            waveform.corners[corner] = measureWave(points, physics.vcc(corner));
+        }
+    }
+    return list;
+}
+
+GivenValue fixtureVoltage(const Wvfrm& waveform, Corner corner) {
+    if (corner == Corner::min && waveform.v_fixture_min) return waveform.v_fixture_min;
+    if (corner == Corner::max && waveform.v_fixture_max) return waveform.v_fixture_max;
+    return waveform.v_fixture;
+}
+
+std::optional<DcLoad> fixtureLoad(const Wvfrm& waveform, Corner corner) {
+    const GivenValue voltage = fixtureVoltage(waveform, corner);
+    const GivenValue resistance = waveform.r_fixture;
+    const bool complete = voltage && resistance && *resistance > 0.0 && std::isfinite(*voltage);
+    return complete ? std::optional(DcLoad{*resistance, *voltage}) : std::nullopt;
+}
+
+std::string fixtureText(const Wvfrm& waveform) {
+    const GivenValue voltage = waveform.v_fixture;
+    std::string text(waveform.r_fixture ? std::string_view(ohms(*waveform.r_fixture)) : std::string_view("?"));
+    text.append(" to ").append(voltage ? std::string_view(volts(*voltage)) : std::string_view("?"));
+    return text;
+}
+
+std::string waveformText(const Waveform& waveform) {
+    std::string text(waveform.edge == Edge::rising ? "[Rising Waveform] with " : "[Falling Waveform] with ");
+    return text.append(fixtureText(*waveform.record));
+}
+
+std::string_view edgeWord(Edge edge) { return edge == Edge::rising ? "rising" : "falling"; }
+
+} // namespace kestrel
