@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -64,6 +65,13 @@ std::string_view unitName(Unit unit) {
     return kNames[static_cast<std::size_t>(unit)];
 }
 
+std::optional<double> percentOf(double difference, double scale) {
+    constexpr double kSteps = 1e9; // of one per cent
+    const double percent = std::abs(difference) / scale * 100;
+    if (scale == 0.0 || !std::isfinite(percent * kSteps)) return std::nullopt;
+    return std::round(percent * kSteps) / kSteps;
+}
+
 std::optional<double> ChangeGroup::percent() const {
     std::optional<double> most;
     for (const ChangeDetail& detail : change.details)
@@ -99,6 +107,8 @@ std::vector<ChangeGroup> ChangeList::takeSorted() {
 const ChangeGroup* FileChanges::largest() const {
     const ChangeGroup* largest = nullptr;
     for (const ChangeGroup& group : groups) {
+        const ChangeKind kind = group.change.kind;
+        if (kind == ChangeKind::shift || kind == ChangeKind::extent) continue;
         const std::optional<double> percent = group.percent();
         if (percent && (largest == nullptr || *percent > *largest->percent())) largest = &group;
     }

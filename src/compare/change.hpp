@@ -55,6 +55,10 @@ enum class ChangeKind : std::uint8_t {
     matrix   ///< entries of a matrix
 };
 
+/// The size of a change in per cent of a scale, without the noise of its last digits, so that equal changes are equal;
+/// none where nothing can be said.
+[[nodiscard]] std::optional<double> percentOf(double difference, double scale);
+
 /// A change in some corners, or of what has none.
 struct ChangeDetail {
     EnumSet<Corner> corners{};
@@ -132,7 +136,7 @@ struct FileChanges {
     std::vector<ChangeGroup> groups;
     std::array<RecordCounts, kSubjectKinds> counts{}; ///< by SubjectKind
 
-    /// The group with the largest change; null where nothing can be said.
+    /// The group with the largest change of a value; null where nothing can be said.
     [[nodiscard]] const ChangeGroup* largest() const;
 };
 

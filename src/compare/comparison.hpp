@@ -24,8 +24,8 @@ struct Comparison {
     /// Models that have another name in NEW, by their names in OLD.
     const ViewMap<std::string_view>& renamed;
     ComparedRecord record;
-    std::size_t models = 0;        ///< how many models the record stands for
-    std::array<Curve, 2> curves{}; ///< kept for their room
+    std::size_t models = 0;                     ///< how many models the record stands for
+    std::array<std::vector<Point>, 2> points{}; ///< of two tables; kept for their room
 
     [[nodiscard]] double share() const { return settings.tolerance / 100; }
     void add(Change change) { changes.add(record, std::move(change), models); }

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
+#include <cstddef>
+#include <vector>
 
 namespace kestrel {
 
@@ -15,7 +16,7 @@ constexpr double kRounding = 1e-9;
 /// Walks along a curve, from left to right.
 class Walker {
 public:
-    Walker(const Curve& curve, double offset, double snap) : curve_(curve), offset_(offset), snap_(snap) {}
+    Walker(Curve curve, double offset, double snap) : curve_(curve), offset_(offset), snap_(snap) {}
 
     /// The x of the next row right of the place, infinite behind the last.
     [[nodiscard]] double next() const { return next_ < curve_.size() ? xOf(next_) : HUGE_VAL; }
@@ -29,19 +30,20 @@ public:
 
     [[nodiscard]] double value() const {
         if (isAtRow()) return curve_[next_ == 0 ? 0 : next_ - 1].y;
-        const CurvePoint& left = curve_[next_ - 1];
-        const CurvePoint& right = curve_[next_];
+        const Point& left = curve_[next_ - 1];
+        const Point& right = curve_[next_];
         return left.y + (right.y - left.y) * ((at_ - offset_ - left.x) / (right.x - left.x));
     }
 
-    /// How far the curve may lie from the line between two rows, as the slopes beside them show.
+    /// How far the curve may lie from the line between two rows. One that bends to the same side all along lies between
+    /// that line and those of its neighbours, which meet beyond it; of others nothing is known.
     [[nodiscard]] double bend() const {
-        if (isAtRow()) return 0.0;
+        if (isAtRow() || next_ < 2 || next_ + 1 >= curve_.size()) return 0.0;
         const double slope = slopeBehind(next_ - 1);
-        double most = 0.0;
-        if (next_ >= 2) most = std::abs(slope - slopeBehind(next_ - 2));
-        if (next_ + 1 < curve_.size()) most = std::max(most, std::abs(slopeBehind(next_) - slope));
-        return most * (curve_[next_].x - curve_[next_ - 1].x) / 8;
+        const double left = slopeBehind(next_ - 2) - slope;
+        const double right = slope - slopeBehind(next_);
+        if ((left > 0.0) != (right > 0.0)) return 0.0;
+        return std::min(std::abs(left) * (at_ - xOf(next_ - 1)), std::abs(right) * (xOf(next_) - at_));
     }
 
 private:
@@ -51,7 +53,7 @@ private:
         return (curve_[row + 1].y - curve_[row].y) / (curve_[row + 1].x - curve_[row].x);
     }
 
-    const Curve& curve_;
+    Curve curve_;
     double offset_;
     double snap_; // rows that are no farther away are at the place
     std::size_t next_ = 0;
@@ -59,7 +61,7 @@ private:
 };
 
 /// The largest magnitude between two places, which are not outside of the curve.
-double largestMagnitude(const Curve& curve, double low, double high, double snap) {
+double largestMagnitude(Curve curve, double low, double high, double snap) {
     Walker walker(curve, 0.0, snap);
     double most = 0.0;
     for (double x = low;; x = std::min(walker.next(), high)) {
@@ -76,7 +78,7 @@ struct Overlap {
     double snap;
 };
 
-std::optional<Overlap> overlapOf(const Curve& was, const Curve& is, double later) {
+std::optional<Overlap> overlapOf(Curve was, Curve is, double later) {
     if (was.empty() || is.empty()) return std::nullopt;
     const double low = std::max(was.front().x, is.front().x - later);
     const double high = std::min(was.back().x, is.back().x - later);
@@ -90,17 +92,17 @@ struct Levels {
     double low;
     double high;
 };
-Levels levelsOf(const Curve& curve) {
-    const auto [low, high] = std::ranges::minmax_element(curve, {}, &CurvePoint::y);
+Levels levelsOf(Curve curve) {
+    const auto [low, high] = std::ranges::minmax_element(curve, {}, &Point::y);
     return {low->y, high->y};
 }
 
 /// When the curve first comes from the side of its first value to a level.
-std::optional<double> firstCrossing(const Curve& curve, double level) {
+std::optional<double> firstCrossing(Curve curve, double level) {
     const bool from_below = curve.front().y < level;
     for (std::size_t i = 1; i < curve.size(); ++i) {
-        const CurvePoint& left = curve[i - 1];
-        const CurvePoint& right = curve[i];
+        const Point& left = curve[i - 1];
+        const Point& right = curve[i];
         if ((right.y >= level) != from_below) continue;
         return right.y == left.y ? right.x : left.x + (right.x - left.x) * ((level - left.y) / (right.y - left.y));
     }
@@ -108,36 +110,14 @@ std::optional<double> firstCrossing(const Curve& curve, double level) {
 }
 
 /// How far two curves are from each other at most.
-double misfit(const Curve& was, const Curve& is, double later) {
+double misfit(Curve was, Curve is, double later) {
     const auto difference = differenceOf(was, is, {.share = 0.0, .nothing = 0.0, .between_rows = true}, later);
     return difference ? std::abs(difference->is - difference->was) : 0.0;
 }
 
 } // namespace
 
-void readCurve(Curve& curve, std::span<const TableRow> rows, Corner corner) {
-    curve.clear();
-    const Column column = columnOf(corner);
-    bool ascends = true;
-    for (const TableRow& row : rows) {
-        const double x = row[kFirst].value();
-        const double y = row[column].value();
-        if (!row[kFirst].isNumber() || !row[column].isNumber() || !std::isfinite(x) || !std::isfinite(y)) continue;
-        ascends = ascends && (curve.empty() || curve.back().x < x);
-        curve.push_back({x, y});
-    }
-    if (ascends) return;
-    std::ranges::stable_sort(curve, {}, &CurvePoint::x);
-    std::size_t kept = 0;
-    for (const CurvePoint& point : curve) {
-        const bool is_equal = kept > 0 && curve[kept - 1].x == point.x;
-        curve[is_equal ? kept - 1 : kept++] = point;
-    }
-    curve.resize(kept);
-}
-
-std::optional<CurveDifference> differenceOf(const Curve& was, const Curve& is, const CurveTolerance& tolerance,
-                                            double later) {
+std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance, double later) {
     const std::optional<Overlap> range = overlapOf(was, is, later);
     if (!range) return std::nullopt;
     const double scale = largestMagnitude(was, range->low, range->high, range->snap);
@@ -159,7 +139,7 @@ std::optional<CurveDifference> differenceOf(const Curve& was, const Curve& is, c
     return largest;
 }
 
-std::optional<double> shiftOf(const Curve& was, const Curve& is) {
+std::optional<double> shiftOf(Curve was, Curve is) {
     if (was.empty() || is.empty()) return std::nullopt;
     const Levels old_levels = levelsOf(was);
     const Levels new_levels = levelsOf(is);

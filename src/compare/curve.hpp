@@ -1,26 +1,15 @@
 #pragma once
 
-#include "reader/rngp.hpp"
+#include "quality/iv_table.hpp"
 
-#include <cstddef>
 #include <optional>
 #include <span>
-#include <vector>
 
 /// Tables of a corner as lines over voltage or time, and how two of them differ.
 namespace kestrel {
 
-/// A row of a table that has both numbers.
-struct CurvePoint {
-    double x;
-    double y;
-};
-
-/// Such rows by rising x; linear between them.
-using Curve = std::vector<CurvePoint>;
-
-/// Makes the curve of a corner; of equal voltages or times the later row counts.
-void readCurve(Curve& curve, std::span<const TableRow> rows, Corner corner);
+/// Rows that have both numbers by rising x; linear between them.
+using Curve = std::span<const Point>;
 
 /// Up to where two curves are the same.
 struct CurveTolerance {
@@ -41,10 +30,10 @@ struct CurveDifference {
 
 /// Where the new curve, which comes `later` by so much, differs most from the old one over the range that both have;
 /// nothing when that is within the tolerance.
-[[nodiscard]] std::optional<CurveDifference> differenceOf(const Curve& was, const Curve& is,
-                                                          const CurveTolerance& tolerance, double later = 0.0);
+[[nodiscard]] std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance,
+                                                          double later = 0.0);
 
 /// By how much later the new curve comes, so that both fit best; nothing when no level is crossed by both.
-[[nodiscard]] std::optional<double> shiftOf(const Curve& was, const Curve& is);
+[[nodiscard]] std::optional<double> shiftOf(Curve was, Curve is);
 
 } // namespace kestrel

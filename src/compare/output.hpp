@@ -64,7 +64,7 @@ public:
 [[nodiscard]] std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings);
 [[nodiscard]] std::unique_ptr<CompareFormat> makeCompareJson(Output& out, const CompareFormatSettings& settings);
 
-/// A change as one line: "Model dq_34: [Pulldown] typ: up to 6.2 % more current (at 900 mV: 21.4 mA, was 20.1 mA)".
+/// A change as one line: "Model dq_34: [Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was 20.1 mA)".
 /// No more than `most_names` records are named; the others are counted.
 [[nodiscard]] std::string lineOf(const ChangeGroup& group, std::size_t most_names);
 

@@ -1,6 +1,7 @@
 #include "compare/tables.hpp"
 
 #include "quality/number_text.hpp"
+#include "quality/waveforms.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,7 @@ namespace {
 constexpr double kNoCurrent = 1e-5;
 
 /// Of a change that is no mere shift the rest is told beside the shift when it is at most this part of the whole.
-constexpr double kMostRest = 0.5;
+constexpr double kMostRest = 0.4;
 /// A shift is only seen where the waveforms still have this part of the old one in common.
 constexpr double kLeastOverlap = 0.5;
 
@@ -32,19 +33,13 @@ CurveTolerance toleranceOf(const Comparison& comparison, Unit unit) {
             .between_rows = !exact};
 }
 
-bool isSame(std::span<const TableRow> a, std::span<const TableRow> b) {
-    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size_bytes()) == 0);
+using TableRows = Rows<TableRow>;
+
+bool isSame(const TableRows& a, const TableRows& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(TableRow)) == 0);
 }
 
-std::span<const TableRow> rowsOf(const Crv& curve) { return {curve.rows.data(), curve.rows.size()}; }
-std::span<const TableRow> rowsOf(const Wvfrm& waveform) { return {waveform.rows.data(), waveform.rows.size()}; }
-
-double lengthOf(const Curve& curve) { return curve.back().x - curve.front().x; }
-
-double percentOf(double difference, double scale) { return std::abs(difference) / scale * 100; }
-
-/// A percentage that is one.
-std::optional<double> finite(double percent) { return std::isfinite(percent) ? std::optional(percent) : std::nullopt; }
+double lengthOf(Curve curve) { return curve.back().x - curve.front().x; }
 
 /// What is said of a table by corners.
 struct TableChanges {
@@ -59,12 +54,12 @@ ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
     detail.was = difference.was;
     detail.is = difference.is;
     detail.at = difference.x;
-    if (difference.scale > 0.0) detail.percent = finite(percentOf(difference.is - difference.was, difference.scale));
+    detail.percent = percentOf(difference.is - difference.was, difference.scale);
     return detail;
 }
 
 /// Looks for a shift in time that makes all or most of a difference.
-std::optional<double> findShift(const Curve& was, const Curve& is, const CurveTolerance& tolerance,
+std::optional<double> findShift(Curve was, Curve is, const CurveTolerance& tolerance,
                                 std::optional<CurveDifference>& difference) {
     const std::optional<double> shift = shiftOf(was, is);
     if (!shift || *shift == 0.0) return std::nullopt;
@@ -79,8 +74,8 @@ std::optional<double> findShift(const Curve& was, const Curve& is, const CurveTo
 }
 
 /// Tells when a table begins or ends elsewhere, but for a shift of all of it.
-void compareExtent(const Comparison& comparison, TableChanges& changes, Corner corner, double shift) {
-    const auto& [was, is] = comparison.curves;
+void compareExtent(const Comparison& comparison, TableChanges& changes, Corner corner, Curve was, Curve is,
+                   double shift) {
     const double length = lengthOf(was);
     const double allowed = std::max(comparison.share(), 1e-9) * length;
     const double low = is.front().x - was.front().x;
@@ -91,14 +86,14 @@ void compareExtent(const Comparison& comparison, TableChanges& changes, Corner c
     detail.corners = {corner};
     detail.was = Extent{was.front().x, was.back().x};
     detail.is = Extent{is.front().x, is.back().x};
-    if (length > 0.0) detail.percent = finite(percentOf(std::max(std::abs(low), std::abs(high)), length));
+    detail.percent = percentOf(std::max(std::abs(low), std::abs(high)), length);
     addDetail(changes.extents, std::move(detail));
 }
 
 std::string rowCount(std::size_t rows) { return std::to_string(rows) + (rows == 1 ? " row" : " rows"); }
 
-void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& axes, Corner corner) {
-    const auto& [was, is] = comparison.curves;
+void compareCorner(const Comparison& comparison, TableChanges& changes, const Axes& axes, Corner corner, Curve was,
+                   Curve is) {
     if (was.empty() && is.empty()) return;
     if (was.empty() || is.empty()) {
         ChangeDetail detail;
@@ -120,10 +115,10 @@ void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& ax
         ChangeDetail detail;
         detail.corners = {corner};
         detail.shift = shift;
-        if (lengthOf(was) > 0.0) detail.percent = finite(percentOf(*shift, lengthOf(was)));
+        detail.percent = percentOf(*shift, lengthOf(was));
         addDetail(changes.shifts, std::move(detail));
     }
-    compareExtent(comparison, changes, corner, shift.value_or(0.0));
+    compareExtent(comparison, changes, corner, was, is, shift.value_or(0.0));
 }
 
 void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& field, const Axes& axes,
@@ -135,14 +130,16 @@ void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& fi
         {.kind = kind, .field = field.text(), .unit = unit, .axis = axes.along, .details = std::move(details)});
 }
 
-void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, std::span<const TableRow> was,
-                 std::span<const TableRow> is) {
+void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, const TableRows& was,
+                 const TableRows& is) {
     if (isSame(was, is)) return;
     TableChanges changes;
     for (const Corner corner : kCorners) {
-        readCurve(comparison.curves[0], was, corner);
-        readCurve(comparison.curves[1], is, corner);
-        compareCorner(comparison, changes, axes, corner);
+        for (std::vector<Point>& points : comparison.points)
+            points.clear();
+        compareCorner(comparison, changes, axes, corner,
+                      orderedPoints(was, corner, EqualRows::keepLast, comparison.points[0]),
+                      orderedPoints(is, corner, EqualRows::keepLast, comparison.points[1]));
     }
     addTableChange(comparison, ChangeKind::table, field, axes, std::move(changes.forms));
     addTableChange(comparison, ChangeKind::shift, field, axes, std::move(changes.shifts));
@@ -177,8 +174,7 @@ FixtureKey keyOf(const Wvfrm& waveform) {
 /// How a waveform is called: by its keyword and its fixture.
 std::string nameOf(std::string_view keyword, const Wvfrm& waveform) {
     std::string name(keyword);
-    if (waveform.r_fixture) name.append(" with ").append(ohms(*waveform.r_fixture));
-    if (waveform.v_fixture) name.append(" to ").append(volts(*waveform.v_fixture));
+    if (waveform.r_fixture || waveform.v_fixture) name.append(" with ").append(fixtureText(waveform));
     for (const GivenValue capacity : {waveform.c_fixture, waveform.c_dut})
         if (capacity && *capacity != 0.0) name.append(" and ").append(farads(*capacity));
     return name;
@@ -249,7 +245,7 @@ void matchByLikeness(WaveformPairs& matched) {
 }
 
 bool isSame(const Wvfrm& a, const Wvfrm& b) {
-    return isSame(rowsOf(a), rowsOf(b)) && isSame(rowsOf(*a.composite_current), rowsOf(*b.composite_current));
+    return isSame(a.rows, b.rows) && isSame(a.composite_current->rows, b.composite_current->rows);
 }
 
 void compareRate(Comparison& comparison, std::string_view name, const std::optional<RampRate>& was,
@@ -271,11 +267,11 @@ void compareRate(Comparison& comparison, std::string_view name, const std::optio
 void compareCurve(Comparison& comparison, const FieldName& field, const Crv& was, const Crv& is) {
     if (!was.given && !is.given) return;
     if (comparePresence(comparison, field, was.given, is.given))
-        compareRows(comparison, field, {Unit::volts, Unit::amperes}, rowsOf(was), rowsOf(is));
+        compareRows(comparison, field, {Unit::volts, Unit::amperes}, was.rows, is.rows);
 }
 
-void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, std::span<const TableRow> was,
-                  std::span<const TableRow> is) {
+void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, const TableRows& was,
+                  const TableRows& is) {
     compareRows(comparison, field, {Unit::seconds, unit}, was, is);
 }
 
@@ -283,10 +279,10 @@ void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvf
     if (keyOf(was) == keyOf(is) && isSame(was, is)) return;
     const std::string name = nameOf(keyword, was);
     compareFields(comparison, name, kFixture, was, is);
-    compareTimes(comparison, name, Unit::volts, rowsOf(was), rowsOf(is));
+    compareTimes(comparison, name, Unit::volts, was.rows, is.rows);
     const FieldName current(name, "[Composite Current]");
     if (comparePresence(comparison, current, bool(was.composite_current), bool(is.composite_current)))
-        compareTimes(comparison, current, Unit::amperes, rowsOf(*was.composite_current), rowsOf(*is.composite_current));
+        compareTimes(comparison, current, Unit::amperes, was.composite_current->rows, is.composite_current->rows);
 }
 
 void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {

@@ -10,8 +10,8 @@ namespace kestrel {
 void compareCurve(Comparison& comparison, const FieldName& field, const Crv& was, const Crv& is);
 
 /// A table over time, of volts or, for composite currents, amperes.
-void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, std::span<const TableRow> was,
-                  std::span<const TableRow> is);
+void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, const Rows<TableRow>& was,
+                  const Rows<TableRow>& is);
 
 /// Waveforms of an edge, matched by their fixtures.
 void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is);

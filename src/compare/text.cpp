@@ -19,6 +19,12 @@ std::string numberText(double value, Unit unit, int digits) {
     return text;
 }
 
+/// A place in a table: volts as they are, as tables have them.
+std::string placeText(double value, Unit axis, int digits) {
+    if (axis != Unit::volts) return numberText(value, axis, digits);
+    return std::string(NumberText(value, "", digits)).append(" V");
+}
+
 struct TwoTexts {
     std::string was;
     std::string is;
@@ -33,14 +39,14 @@ TwoTexts numberTexts(double was, double is, Unit unit) {
     return texts;
 }
 
-/// A text of one line that is not long; nothing for any other.
+/// True for a text of one line that is not long.
 bool isShown(const std::string& text) {
     constexpr std::size_t kMost = 60;
     return text.size() <= kMost && text.find('\n') == std::string::npos;
 }
 
 std::string extentText(const Extent& extent, Unit unit, int digits) {
-    return numberText(extent.low, unit, digits).append(" to ").append(numberText(extent.high, unit, digits));
+    return placeText(extent.low, unit, digits).append(" to ").append(placeText(extent.high, unit, digits));
 }
 
 TwoTexts extentTexts(const Extent& was, const Extent& is, Unit unit) {
@@ -118,7 +124,7 @@ std::string tableText(const ChangeDetail& detail, const Change& change) {
     if (detail.shift) text.append(shiftText(*detail.shift)).append(", and ");
     if (detail.percent) text.append("up to ").append(percentText(*detail.percent)).append(" ");
     text.append(differenceWord(was, is, change.unit)).append(" (at ");
-    text.append(numberText(detail.at.value_or(0.0), change.axis, NumberText::kFewDigits)).append(": ");
+    text.append(placeText(detail.at.value_or(0.0), change.axis, NumberText::kFewDigits)).append(": ");
     return text.append(wasAndIs(detail, change.unit)).append(")");
 }
 
@@ -143,8 +149,8 @@ std::string detailText(const ChangeDetail& detail, const Change& change) {
     case ChangeKind::shift: return shiftText(detail.shift.value_or(0.0));
     case ChangeKind::extent: return extentChangeText(detail, change.unit);
     case ChangeKind::matrix: return matrixText(detail, change);
-    case ChangeKind::renamed: return "renamed, was " + textOf(detail.was, Unit::none);
-    case ChangeKind::order: return "in another order; the first is " + wasAndIs(detail, Unit::none);
+    case ChangeKind::renamed: return std::string("renamed, was ").append(textOf(detail.was, Unit::none));
+    case ChangeKind::order: return std::string("in another order; the first is ").append(wasAndIs(detail, Unit::none));
     case ChangeKind::added:
     case ChangeKind::removed: break;
     }
@@ -240,12 +246,12 @@ public:
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
         if (same && settings_.quiet) return;
-        writeLine("Comparing " + std::string(pair.was.path) + " with " + std::string(pair.is.path) + "\n");
+        writeLine(std::string("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n"));
         writeErrors(pair.was);
         writeErrors(pair.is);
         for (const ChangeGroup& group : pair.changes->groups)
             writeLine(lineOf(group, kMostNames));
-        writeLine((same ? "" : "\n") + summaryOf(*pair.changes) + "\n");
+        writeLine(std::string(same ? "" : "\n").append(summaryOf(*pair.changes)).append("\n"));
     }
 
     void lonely(std::string_view path, bool is_new) override {

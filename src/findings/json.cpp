@@ -92,7 +92,9 @@ void JsonObject::number(std::string_view key, std::int64_t value) { writeInteger
 void JsonObject::real(std::string_view key, double value) {
     if (!std::isfinite(value)) return null(key);
     std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    constexpr int kDigits = 12;
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, kDigits);
     named(key).out.write({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
 }
 

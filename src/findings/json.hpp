@@ -49,7 +49,7 @@ public:
 
     void text(std::string_view key, std::string_view value);
     void number(std::string_view key, std::int64_t value);
-    /// With as many digits as tell it from every other number; null for what is no number in JSON.
+    /// To twelve significant digits; null for what is no number in JSON.
     void real(std::string_view key, double value);
     void flag(std::string_view key, bool value);
     void null(std::string_view key);

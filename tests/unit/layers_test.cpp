@@ -39,8 +39,10 @@ const std::map<std::string, Names>& allowed() {
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"compare", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                     "findings", "quality"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality"})},
+                                  "findings", "quality", "compare"})},
     };
     return kAllowed;
 }
