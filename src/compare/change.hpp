@@ -115,7 +115,7 @@ inline constexpr std::size_t kSubjectKinds = static_cast<std::size_t>(SubjectKin
 /// Gathers changes; equal ones become one group.
 class ChangeList {
 public:
-    /// `models` is how many models of the file the record stands for.
+    /// `models` is how many models of the file it affects.
     void add(const ComparedRecord& record, Change change, std::size_t models);
 
     /// How often something was added.

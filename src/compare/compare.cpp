@@ -109,11 +109,11 @@ private:
             renamed_models_.emplace(new_model, old_model);
         }
         std::erase_if(gone, [this](const Mdl* model) { return renamed_.contains(model->name.view()); });
-        tellOfModels(pairs, fresh, gone);
+        addModels(pairs, fresh, gone);
     }
 
-    void tellOfModels(const std::vector<std::pair<const Mdl*, const Mdl*>>& pairs, const std::vector<const Mdl*>& fresh,
-                      const std::vector<const Mdl*>& gone) {
+    void addModels(const std::vector<std::pair<const Mdl*, const Mdl*>>& pairs, const std::vector<const Mdl*>& fresh,
+                   const std::vector<const Mdl*>& gone) {
         constexpr SubjectKind kKind = SubjectKind::model;
         for (const auto& [old_model, new_model] : pairs)
             compareTwoModels(*old_model, *new_model);

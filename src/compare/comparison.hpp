@@ -24,7 +24,7 @@ struct Comparison {
     /// Models that have another name in NEW, by their names in OLD.
     const ViewMap<std::string_view>& renamed;
     ComparedRecord record;
-    std::size_t models = 0;                     ///< how many models the record stands for
+    std::size_t models = 0;                     ///< how many models a change affects
     std::array<std::vector<Point>, 2> points{}; ///< of two tables; kept for their room
 
     [[nodiscard]] double share() const { return settings.tolerance / 100; }
@@ -49,7 +49,7 @@ struct FieldName {
 }
 [[nodiscard]] GivenThing thingOf(std::string_view text);
 
-/// Tells of a number that is new, gone or another.
+/// Reports a number that is new, gone or another.
 void compareNumber(Comparison& comparison, const FieldName& field, Unit unit, const GivenThing& was,
                    const GivenThing& is);
 void compareValue(Comparison& comparison, const FieldName& field, Unit unit, GivenValue was, GivenValue is);
@@ -60,7 +60,7 @@ void compareRange(Comparison& comparison, const FieldName& field, Unit unit, con
                   const GivenRange& is);
 void compareRange(Comparison& comparison, const FieldName& field, Unit unit, const Rng& was, const Rng& is);
 
-/// Tells of a text that is another; an empty one is not given.
+/// Reports a text that is another; an empty one is not given.
 void compareText(Comparison& comparison, const FieldName& field, std::string_view was, std::string_view is);
 
 /// The same of the name of a model, which may have been renamed.
@@ -68,10 +68,10 @@ void compareModelName(Comparison& comparison, const FieldName& field, std::strin
 /// What the model of this name in OLD is called in NEW.
 [[nodiscard]] std::string_view nameInNew(const Comparison& comparison, std::string_view was);
 
-/// Tells of a part that is new or gone; true when both have it.
+/// Reports a part that is new or gone; true when both have it.
 bool comparePresence(Comparison& comparison, const FieldName& field, bool was, bool is);
 
-/// Tells of names that are new or gone, and of another order where that matters.
+/// Reports names that are new or gone, and of another order where that matters.
 enum class Order : bool { meansNothing, means };
 void compareNames(Comparison& comparison, const FieldName& field, std::span<const std::string> was,
                   std::span<const std::string> is, Order order = Order::meansNothing);

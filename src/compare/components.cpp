@@ -32,7 +32,7 @@ std::string_view domainWord(EmiDomain domain) {
     return row == nullptr ? std::string_view() : row->text;
 }
 
-/// What is told while it lasts is about a pin of the component.
+/// What is reported while it lasts is about a pin of the component.
 class AboutPin {
 public:
     AboutPin(Comparison& comparison, std::string_view pin) : comparison_(comparison) { comparison.record.pin = pin; }

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <vector>
+#include <numeric>
 
 namespace kestrel {
 
@@ -109,10 +109,46 @@ std::optional<double> firstCrossing(Curve curve, double level) {
     return std::nullopt;
 }
 
-/// How far two curves are from each other at most.
-double misfit(Curve was, Curve is, double later) {
-    const auto difference = differenceOf(was, is, {.share = 0.0, .nothing = 0.0, .between_rows = true}, later);
-    return difference ? std::abs(difference->is - difference->was) : 0.0;
+bool haveSameRows(Curve was, Curve is) { return std::ranges::equal(was, is, {}, &Point::x, &Point::x); }
+
+/// The largest difference of curves that have rows at the same places, of which there is one.
+CurveDifference differenceOfRows(Curve was, Curve is) {
+    std::size_t largest = 0;
+    double scale = 0.0;
+    const auto size = [&](std::size_t row) { return std::abs(is[row].y - was[row].y); };
+    for (std::size_t row = 0; row < was.size(); ++row) {
+        scale = std::max(scale, std::abs(was[row].y));
+        if (size(row) > size(largest)) largest = row;
+    }
+    return {was[largest].x, was[largest].y, is[largest].y, scale};
+}
+
+double allowedOf(const CurveTolerance& tolerance, double scale) {
+    return std::max({tolerance.share * scale, tolerance.nothing, kRounding * scale});
+}
+
+/// Calls `use` with both curves at every row of either, and at the ends of what they have in common, until it returns
+/// false.
+template <class Use> void walkBoth(Curve was, Curve is, double later, const Overlap& range, Use use) {
+    Walker old_walker(was, 0.0, range.snap);
+    Walker new_walker(is, -later, range.snap);
+    for (double x = range.low;; x = std::min({old_walker.next(), new_walker.next(), range.high})) {
+        old_walker.goTo(x);
+        new_walker.goTo(x);
+        if (!use(x, old_walker, new_walker) || x >= range.high) return;
+    }
+}
+
+/// How far two curves are from each other at most; no more is asked for once that is beyond the limit.
+double misfit(Curve was, Curve is, double later, double limit) {
+    const std::optional<Overlap> range = overlapOf(was, is, later);
+    if (!range) return HUGE_VAL;
+    double most = 0.0;
+    walkBoth(was, is, later, *range, [&](double /*x*/, const Walker& before, const Walker& now) {
+        most = std::max(most, std::abs(now.value() - before.value()));
+        return most < limit;
+    });
+    return most;
 }
 
 } // namespace
@@ -120,23 +156,32 @@ double misfit(Curve was, Curve is, double later) {
 std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance, double later) {
     const std::optional<Overlap> range = overlapOf(was, is, later);
     if (!range) return std::nullopt;
-    const double scale = largestMagnitude(was, range->low, range->high, range->snap);
-    const double allowed = std::max({tolerance.share * scale, tolerance.nothing, kRounding * scale});
-    Walker old_walker(was, 0.0, range->snap);
-    Walker new_walker(is, -later, range->snap);
-    std::optional<CurveDifference> largest;
-    for (double x = range->low;;) {
-        old_walker.goTo(x);
-        new_walker.goTo(x);
-        const CurveDifference here{x, old_walker.value(), new_walker.value(), scale};
-        const double size = std::abs(here.is - here.was);
-        const double bend = tolerance.between_rows ? old_walker.bend() + new_walker.bend() : 0.0;
-        const bool is_larger = !largest || size > std::abs(largest->is - largest->was);
-        if (size - bend > allowed && is_larger) largest = here;
-        if (x >= range->high) break;
-        x = std::min({old_walker.next(), new_walker.next(), range->high});
+    if (later == 0.0 && haveSameRows(was, is)) {
+        const CurveDifference largest = differenceOfRows(was, is);
+        const bool is_one = std::abs(largest.is - largest.was) > allowedOf(tolerance, largest.scale);
+        return is_one ? std::optional(largest) : std::nullopt;
     }
+    const double scale = largestMagnitude(was, range->low, range->high, range->snap);
+    double least = allowedOf(tolerance, scale); // that the next one has to be beyond
+    const double allowed = least;
+    std::optional<CurveDifference> largest;
+    walkBoth(was, is, later, *range, [&](double x, const Walker& before, const Walker& now) {
+        const CurveDifference here{x, before.value(), now.value(), scale};
+        const double size = std::abs(here.is - here.was);
+        if (!(size > least)) return true;
+        if (tolerance.between_rows && size - before.bend() - now.bend() <= allowed) return true;
+        least = size;
+        largest = here;
+        return true;
+    });
     return largest;
+}
+
+double levelDifference(Curve was, Curve is) {
+    if (was.empty() || is.empty()) return 0.0;
+    const Levels before = levelsOf(was);
+    const Levels now = levelsOf(is);
+    return std::max(std::abs(now.low - before.low), std::abs(now.high - before.high));
 }
 
 std::optional<double> shiftOf(Curve was, Curve is) {
@@ -147,18 +192,27 @@ std::optional<double> shiftOf(Curve was, Curve is) {
     const double high = std::min(old_levels.high, new_levels.high);
     if (!(low < high)) return std::nullopt;
     // When both are at the same level; the best offset lies between those of the levels.
-    constexpr std::array<double, 5> kParts{0.1, 0.3, 0.5, 0.7, 0.9};
-    std::vector<double> offsets;
+    constexpr std::array<double, 3> kParts{0.5, 0.1, 0.9};
+    std::array<double, kParts.size() + 1> offsets{};
+    std::size_t count = 0;
     for (const double part : kParts) {
         const double level = low + part * (high - low);
         const std::optional<double> before = firstCrossing(was, level);
         const std::optional<double> now = firstCrossing(is, level);
-        if (before && now) offsets.push_back(*now - *before);
+        if (before && now) offsets[count++] = *now - *before;
     }
-    if (offsets.empty()) return std::nullopt;
-    const auto [first, last] = std::ranges::minmax(offsets);
-    offsets.push_back((first + last) / 2);
-    return *std::ranges::min_element(offsets, {}, [&](double later) { return misfit(was, is, later); });
+    if (count == 0) return std::nullopt;
+    const auto [first, last] = std::minmax_element(offsets.begin(), offsets.begin() + count);
+    offsets[count++] = std::midpoint(*first, *last);
+    std::optional<double> best;
+    double least = HUGE_VAL;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double size = misfit(was, is, offsets[i], least);
+        if (best && size >= least) continue;
+        least = size;
+        best = offsets[i];
+    }
+    return best;
 }
 
 } // namespace kestrel

@@ -33,6 +33,9 @@ struct CurveDifference {
 [[nodiscard]] std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance,
                                                           double later = 0.0);
 
+/// How far the lowest values of two curves are apart, or the highest: no shift makes them differ by less.
+[[nodiscard]] double levelDifference(Curve was, Curve is);
+
 /// By how much later the new curve comes, so that both fit best; nothing when no level is crossed by both.
 [[nodiscard]] std::optional<double> shiftOf(Curve was, Curve is);
 

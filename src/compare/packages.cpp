@@ -4,6 +4,7 @@
 #include "package/pkgmdl.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <tuple>
@@ -42,8 +43,8 @@ public:
         is_ = is;
     }
 
-    /// Tells of it; `pins` are those of NEW.
-    void tell(Comparison& comparison, const FieldName& field, Unit unit, const PackagePins& pins) const {
+    /// Adds it to the changes; `pins` are those of NEW.
+    void addTo(Comparison& comparison, const FieldName& field, Unit unit, const PackagePins& pins) const {
         if (count_ == 0) return;
         ChangeDetail detail;
         detail.was = was_;
@@ -130,6 +131,22 @@ void compareEntries(MatrixDifference& difference, const std::vector<Entry>& was,
     }
 }
 
+template <class Slots> bool haveSameBytes(const Slots& a, const Slots& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0);
+}
+
+bool isSameRow(const MtxRow& a, const MtxRow& b) {
+    if (a.pin_name.view() != b.pin_name.view() || a.given.index() != b.given.index()) return false;
+    const auto* const values = std::get_if<MtxValues>(&a.given);
+    return values != nullptr ? haveSameBytes(*values, std::get<MtxValues>(b.given))
+                             : haveSameBytes(std::get<MtxEntries>(a.given), std::get<MtxEntries>(b.given));
+}
+
+/// True for matrices that are the same entry by entry, as most are.
+bool areSame(const Mtx& was, const Mtx& is) {
+    return was.kind == is.kind && was.order == is.order && std::ranges::equal(was.rows, is.rows, isSameRow);
+}
+
 /// True for matrices that are laid out alike, in which equal slots are equal entries.
 bool areLaidOutAlike(const Mtx& was, const Mtx& is) {
     return was.kind == is.kind && was.kind != MtxKind::sparse && was.order == is.order && was.in_order && is.in_order &&
@@ -191,6 +208,7 @@ void compareMatrices(Comparison& comparison, const PkgMdl& was, const PkgMdl& is
         const Mtx* const now = (is.*row.matrix).get();
         if (before == nullptr && now == nullptr) continue;
         if (!comparePresence(comparison, row.name, before != nullptr, now != nullptr)) continue;
+        if (moved.none_moved && areSame(*before, *now)) continue;
         MatrixDifference difference(comparison.share());
         if (moved.none_moved && areLaidOutAlike(*before, *now)) {
             compareSlots(difference, *before, *now);
@@ -198,7 +216,7 @@ void compareMatrices(Comparison& comparison, const PkgMdl& was, const PkgMdl& is
             compareEntries(difference, entriesOf(*before, was.pin_names, moved.places),
                            entriesOf(*now, is.pin_names, unmoved));
         }
-        difference.tell(comparison, row.name, row.unit, is.pin_names);
+        difference.addTo(comparison, row.name, row.unit, is.pin_names);
     }
 }
 

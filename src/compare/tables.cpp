@@ -16,7 +16,7 @@ namespace {
 /// Currents that differ by less are the same: tables are made to no more.
 constexpr double kNoCurrent = 1e-5;
 
-/// Of a change that is no mere shift the rest is told beside the shift when it is at most this part of the whole.
+/// Of a change that is no mere shift the rest is reported beside the shift when it is at most this part of the whole.
 constexpr double kMostRest = 0.4;
 /// A shift is only seen where the waveforms still have this part of the old one in common.
 constexpr double kLeastOverlap = 0.5;
@@ -61,19 +61,21 @@ ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
 /// Looks for a shift in time that makes all or most of a difference.
 std::optional<double> findShift(Curve was, Curve is, const CurveTolerance& tolerance,
                                 std::optional<CurveDifference>& difference) {
+    const auto sizeOf = [](const CurveDifference& of) { return std::abs(of.is - of.was); };
+    const double most_rest = kMostRest * sizeOf(*difference);
+    if (levelDifference(was, is) > std::max(most_rest, tolerance.share * difference->scale)) return std::nullopt;
     const std::optional<double> shift = shiftOf(was, is);
     if (!shift || *shift == 0.0) return std::nullopt;
     const double low = std::max(was.front().x, is.front().x - *shift);
     const double high = std::min(was.back().x, is.back().x - *shift);
     if (!(high - low >= kLeastOverlap * lengthOf(was))) return std::nullopt;
     const std::optional<CurveDifference> rest = differenceOf(was, is, tolerance, *shift);
-    const auto sizeOf = [](const CurveDifference& of) { return std::abs(of.is - of.was); };
-    if (rest && sizeOf(*rest) > kMostRest * sizeOf(*difference)) return std::nullopt;
+    if (rest && sizeOf(*rest) > most_rest) return std::nullopt;
     difference = rest;
     return shift;
 }
 
-/// Tells when a table begins or ends elsewhere, but for a shift of all of it.
+/// Reports a table that begins or ends elsewhere, but for a shift of all of it.
 void compareExtent(const Comparison& comparison, TableChanges& changes, Corner corner, Curve was, Curve is,
                    double shift) {
     const double length = lengthOf(was);

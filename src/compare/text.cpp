@@ -10,7 +10,6 @@ namespace kestrel {
 
 namespace {
 
-/// Numbers of a text are told apart: they have as many digits as that takes.
 std::string numberText(double value, Unit unit, int digits) {
     if (unit == Unit::voltsPerSecond) return std::string(NumberText(value * 1e-9, "V/ns", digits));
     const bool has_letters = unit != Unit::none && unit != Unit::celsius;
@@ -25,17 +24,22 @@ std::string placeText(double value, Unit axis, int digits) {
     return std::string(NumberText(value, "", digits)).append(" V");
 }
 
+std::string extentText(const Extent& extent, Unit unit, int digits) {
+    return placeText(extent.low, unit, digits).append(" to ").append(placeText(extent.high, unit, digits));
+}
+
 struct TwoTexts {
     std::string was;
     std::string is;
 };
 
-TwoTexts numberTexts(double was, double is, Unit unit) {
+/// Two texts with as many digits as it takes that they do not look the same.
+template <class Thing>
+TwoTexts textsApart(const Thing& was, const Thing& is, Unit unit,
+                    std::string (*write)(const Thing& thing, Unit unit, int digits)) {
     TwoTexts texts;
-    for (int digits = NumberText::kFewDigits; digits <= NumberText::kAllDigits; ++digits) {
-        texts = {numberText(was, unit, digits), numberText(is, unit, digits)};
-        if (texts.was != texts.is || was == is) break;
-    }
+    for (int digits = NumberText::kFewDigits; digits <= NumberText::kAllDigits && texts.was == texts.is; ++digits)
+        texts = {write(was, unit, digits), write(is, unit, digits)};
     return texts;
 }
 
@@ -43,19 +47,6 @@ TwoTexts numberTexts(double was, double is, Unit unit) {
 bool isShown(const std::string& text) {
     constexpr std::size_t kMost = 60;
     return text.size() <= kMost && text.find('\n') == std::string::npos;
-}
-
-std::string extentText(const Extent& extent, Unit unit, int digits) {
-    return placeText(extent.low, unit, digits).append(" to ").append(placeText(extent.high, unit, digits));
-}
-
-TwoTexts extentTexts(const Extent& was, const Extent& is, Unit unit) {
-    TwoTexts texts;
-    for (int digits = NumberText::kFewDigits; digits <= NumberText::kAllDigits; ++digits) {
-        texts = {extentText(was, unit, digits), extentText(is, unit, digits)};
-        if (texts.was != texts.is) break;
-    }
-    return texts;
 }
 
 std::string textOf(const GivenThing& thing, Unit unit) {
@@ -83,10 +74,13 @@ std::string percentText(double percent) {
 TwoTexts textsOf(const ChangeDetail& detail, Unit unit) {
     const double* const was = std::get_if<double>(&detail.was);
     const double* const is = std::get_if<double>(&detail.is);
-    if (was != nullptr && is != nullptr) return numberTexts(*was, *is, unit);
+    if (was != nullptr && is != nullptr)
+        return textsApart<double>(
+            *was, *is, unit, [](const double& value, Unit of, int digits) { return numberText(value, of, digits); });
     const Extent* const old_extent = std::get_if<Extent>(&detail.was);
     const Extent* const new_extent = std::get_if<Extent>(&detail.is);
-    if (old_extent != nullptr && new_extent != nullptr) return extentTexts(*old_extent, *new_extent, unit);
+    if (old_extent != nullptr && new_extent != nullptr)
+        return textsApart<Extent>(*old_extent, *new_extent, unit, extentText);
     return {textOf(detail.was, unit), textOf(detail.is, unit)};
 }
 

@@ -136,11 +136,12 @@ TEST(Compare, shiftsOfWaveformsAreToldApart) {
     // All of the table is moved: what it covers moves with it.
     EXPECT_THAT(linesOf(model("m", was), model("m", wave("-0.5n 0 0 NA\n0.5n 0 0 NA\n1.5n 2 1.5 NA\n4.5n 2 1.5 NA"))),
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: 500 ps earlier"));
-    // It comes later and ends 5 % higher, 2.1 V of 2 V. It is at 10 % of 2 V, 0.2 V, 495 ps later.
+    // It comes later and ends 5 % higher, 2.1 V of 2 V. It is at half of 2 V 476 ps later, and at 2.1 V then at 2.02
+    // ns.
     EXPECT_THAT(linesOf(model("m", was), model("m", wave("0 0 0 NA\n1.5n 0 0 NA\n2.5n 2.1 1.5 NA\n5n 2.1 1.5 NA"))),
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V min: 500 ps later",
-                            "Model m: [Rising Waveform] with 50 ohm to 0 V typ: 495 ps later, and up to 5 % higher "
-                            "(at 2 ns: 2.1 V, was 2 V)"));
+                            "Model m: [Rising Waveform] with 50 ohm to 0 V typ: 476 ps later, and up to 5 % higher "
+                            "(at 2.02 ns: 2.1 V, was 2 V)"));
     // A change of form alone: the edge takes twice as long.
     EXPECT_THAT(linesOf(model("m", wave("0 0 NA NA\n1n 2 NA NA\n4n 2 NA NA")),
                         model("m", wave("0 0 NA NA\n2n 2 NA NA\n4n 2 NA NA"))),
