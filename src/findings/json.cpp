@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cassert>
+#include <charconv>
+#include <cmath>
 
 namespace kestrel {
 
@@ -86,6 +88,15 @@ JsonText& JsonObject::named(std::string_view key) {
 void JsonObject::text(std::string_view key, std::string_view value) { writeJsonString(named(key).out, value); }
 
 void JsonObject::number(std::string_view key, std::int64_t value) { writeInteger(named(key).out, value); }
+
+void JsonObject::real(std::string_view key, double value) {
+    if (!std::isfinite(value)) return null(key);
+    std::array<char, 32> digits{};
+    constexpr int kDigits = 12;
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, kDigits);
+    named(key).out.write({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
+}
 
 void JsonObject::flag(std::string_view key, bool value) { named(key).out.write(value ? "true" : "false"); }
 

@@ -49,6 +49,8 @@ public:
 
     void text(std::string_view key, std::string_view value);
     void number(std::string_view key, std::int64_t value);
+    /// To twelve significant digits; null for what is no number in JSON.
+    void real(std::string_view key, double value);
     void flag(std::string_view key, bool value);
     void null(std::string_view key);
 

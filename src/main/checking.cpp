@@ -21,10 +21,9 @@
 
 namespace kestrel {
 
-namespace {
-
-/// A name without an extension that gives a kind is handled as that of an .ibs file, as kestrel does.
 FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
+
+namespace {
 
 /// The version as the file's header gives it.
 std::optional<std::string> givenVersion(const Run& run) {
@@ -53,7 +52,8 @@ void advise(const Run& run, std::string_view name) {
     }
 }
 
-/// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
+} // namespace
+
 void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
     nameFile(run.diagnostics, name);
     // The reader takes no longer names of these kinds.
@@ -70,6 +70,8 @@ void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& out
     outcome.read = read || kind != FileKind::ami;
     outcome.version = givenVersion(run);
 }
+
+namespace {
 
 /// A file that is checked, or was and waits for its turn.
 struct Job {

@@ -5,6 +5,7 @@
 #include "findings/report.hpp"
 #include "main/advice_page.hpp"
 #include "main/checking.hpp"
+#include "main/comparing.hpp"
 #include "main/completions.hpp"
 #include "main/explain.hpp"
 #include "main/file_list.hpp"
@@ -37,6 +38,7 @@ namespace {
 void printHelp(Output& out) {
     out.write(
         "Usage: verimark [OPTION]... FILE|FOLDER...\n"
+        "       verimark --compare [OPTION]... OLD NEW\n"
         "\n"
         "Checks each FILE, and the files of each FOLDER and of the folders in it, and prints\n"
         "what is wrong with them. The extension tells the kind:\n"
@@ -51,8 +53,12 @@ void printHelp(Output& out) {
         "\"-\" stands for the names on the standard input, one a line. What follows \"--\" is\n"
         "no option, also when it begins with a hyphen.\n"
         "\n"
+        "--compare reads OLD and NEW and prints what has changed in what they mean; of two\n"
+        "folders it compares the .ibs and .pkg files of equal names.\n"
+        "\n"
         "Exit status: 0 when every file passed, 1 when one failed, 2 when the command\n"
-        "line is wrong, a file could not be read or an output not be written.\n");
+        "line is wrong, a file could not be read or an output not be written. Of a\n"
+        "comparison: 0 when nothing differs, 1 when something does, 2 as above.\n");
 }
 
 void printVersion(Output& out) {
@@ -91,6 +97,7 @@ struct Call {
     const VerimarkOptions& options;
     Temporaries& temporaries;
     FileList files{};
+    FilePairs pairs{};
     bool all_listed = true;
     Progress* progress = nullptr; ///< null when it is not wanted
 };
@@ -274,6 +281,19 @@ std::optional<VerimarkStatus> explain(const Call& call, Output& out, const Forma
     return kAllPassed;
 }
 
+/// Compares the files of the call; nothing when the output failed.
+std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
+    const VerimarkOptions& options = call.options;
+    const CompareFormatSettings settings{
+        .version = kCheckerVersion, .settings = options.compare, .quiet = options.quiet};
+    const auto format =
+        options.format == FormatKind::json ? makeCompareJson(out, settings) : makeCompareText(out, settings);
+    const ComparedOutputs outputs{.out = out, .errors = call.errors, .format = *format};
+    const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, options.jobs);
+    if (out.failed()) return std::nullopt;
+    return call.all_listed ? status : kTrouble;
+}
+
 /// Does what the options ask for, and writes to `out`; nothing when it could not begin or came to no end.
 std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     const FormatSettings settings{
@@ -282,6 +302,7 @@ std::optional<VerimarkStatus> perform(const Call& call, Output& out) {
     };
     switch (call.options.task) {
     case Task::check: return checkFiles(call, out, settings);
+    case Task::compare: return compare(call, out);
     case Task::help: printHelp(out); break;
     case Task::version: printVersion(out); break;
     case Task::messages: listMessages(out, call.options.format, settings); break;
@@ -318,6 +339,8 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
         progress = makeProgress(call);
         call.progress = progress.get();
     }
+    if (options.task == Task::compare)
+        call.all_listed = listPairs(call.pairs, call.files, options.files[0], options.files[1], trouble);
     const std::string_view output = options.output == "-" ? std::string_view() : options.output;
     if (isSame(output, options.report)) return trouble(output, ": is the file of the report, too");
     for (const std::string_view written : {output, options.report})

@@ -1,5 +1,6 @@
 #include "main/verimark_options.hpp"
 
+#include "base/rows.hpp"
 #include "base/text.hpp"
 #include "main/completions.hpp"
 #include "quality/checks.hpp"
@@ -63,6 +64,20 @@ std::string setJobs(VerimarkOptions& options, std::string_view value) {
     return right ? std::string() : "it takes a number from 1 to " + std::to_string(kMost);
 }
 
+std::string setTolerance(VerimarkOptions& options, std::string_view value) {
+    constexpr double kMost = 100;
+    double& tolerance = options.compare.tolerance;
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, tolerance, std::chars_format::fixed);
+    const bool right = read.ec == std::errc{} && read.ptr == end && tolerance >= 0 && tolerance <= kMost;
+    return right ? std::string() : "it takes per cent from 0 to 100";
+}
+
+std::string setAll(VerimarkOptions& options, std::string_view /*value*/) {
+    options.compare.header_texts = true;
+    return {};
+}
+
 std::string setFailOn(VerimarkOptions& options, std::string_view value) {
     options.fail_on = kFailLevels[placeAmong(kLevelNames, value)];
     return {};
@@ -111,6 +126,9 @@ constexpr OptionRow kOptions[] = {
     {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keepPath<&V::write_baseline>},
     {'j', "jobs", "N", G::files, "checks N files at a time; as many as processors", {}, setJobs},
     {0, "progress", "WHEN", G::files, "auto, always or never: shows how far it is", kWhen, setProgress},
+    {0, "compare", "", G::compare, "compares two files or folders: --compare OLD NEW", {}, setTask<Task::compare>},
+    {0, "tolerance", "PERCENT", G::compare, "changes up to so much are none; 1", {}, setTolerance},
+    {0, "all", "", G::compare, "compares the texts of headers, too", {}, setAll},
     {0, "explain", "CODE", G::other, "explains a message: 905, W921 or its text", {}, setExplained},
     {0, "messages", "", G::other, "lists all messages and ends", {}, setTask<Task::messages>},
     {0, "help", "", G::other, "shows this and ends", {}, setTask<Task::help>},
@@ -253,6 +271,20 @@ Problem readShort(Walk& walk, std::string_view argument) {
     return {};
 }
 
+/// What is wrong with the files of a call.
+Problem wrongFiles(const VerimarkOptions& options) {
+    if (options.task == Task::check && options.files.empty())
+        return WrongCall{"no file given", "; try \"verimark --help\""};
+    if (options.task != Task::compare) return {};
+    constexpr std::size_t kOperands = 2;
+    if (options.files.size() != kOperands || contains(options.files, "-"))
+        return WrongCall{"--compare", ": needs two files or two folders, as in --compare OLD NEW"};
+    if (options.format != FormatKind::text && options.format != FormatKind::json)
+        return WrongCall{"--format=" + std::string(kFormatNames[static_cast<std::size_t>(options.format)]),
+                         ": what changed is written as text or json"};
+    return {};
+}
+
 bool endsRun(Task task) { return task == Task::help || task == Task::version; }
 
 } // namespace
@@ -276,8 +308,7 @@ std::variant<VerimarkOptions, WrongCall> readVerimarkOptions(std::span<const std
         }
         if (problem) return *problem;
     }
-    if (walk.options.task == Task::check && walk.options.files.empty())
-        return WrongCall{"no file given", "; try \"verimark --help\""};
+    if (std::optional<WrongCall> wrong = wrongFiles(walk.options)) return *wrong;
     return walk.options;
 }
 

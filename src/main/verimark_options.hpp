@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compare/settings.hpp"
 #include "findings/format.hpp"
 #include "findings/ignored.hpp"
 
@@ -16,12 +17,23 @@ namespace kestrel {
 enum class When : std::uint8_t { automatic, always, never };
 
 /// What verimark is called for.
-enum class Task : std::uint8_t { check, help, version, messages, explain, completions, messagesPage, advicePage };
+enum class Task : std::uint8_t {
+    check,
+    compare,
+    help,
+    version,
+    messages,
+    explain,
+    completions,
+    messagesPage,
+    advicePage
+};
 
 /// What verimark's command line asks for. Texts belong to the arguments.
 struct VerimarkOptions {
     Task task = Task::check;
     std::vector<std::string_view> files; ///< and folders; "-" for names on the standard input
+    CompareSettings compare;
     FormatKind format = FormatKind::text;
     std::string_view output; ///< a file's path; empty for the standard output
     When color = When::automatic;
@@ -50,8 +62,8 @@ struct WrongCall {
 };
 
 /// The headings under which the options are listed; those for our own use are not.
-enum class OptionGroup : std::uint8_t { output, findings, files, other, hidden };
-inline constexpr std::string_view kGroupNames[] = {"Output", "Findings", "Many files", "Other"};
+enum class OptionGroup : std::uint8_t { output, findings, files, compare, other, hidden };
+inline constexpr std::string_view kGroupNames[] = {"Output", "Findings", "Many files", "What changed", "Other"};
 
 /// One option. Reading the command line, the help, the completions and the test of the manual page go by these rows.
 struct OptionRow {

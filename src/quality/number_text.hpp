@@ -4,14 +4,16 @@
 #include <cstddef>
 #include <string_view>
 
-/// Numbers as engineers write them: three significant digits without trailing zeros, a power of a thousand as its
-/// letter, and the unit: "1.79 V", "850 uA", "3.3 pF", "0 V".
+/// Numbers as engineers write them: three significant digits, or as many as are asked for, without trailing zeros, a
+/// power of a thousand as its letter, and the unit: "1.79 V", "850 uA", "3.3 pF", "0 V".
 namespace kestrel {
 
 /// Such a text. Takes no memory of its own, so that it can be made where it is used.
 class NumberText {
 public:
-    NumberText(double value, std::string_view unit);
+    NumberText(double value, std::string_view unit, int digits = kFewDigits);
+    static constexpr int kFewDigits = 3;
+    static constexpr int kAllDigits = 17; ///< no two numbers have the same text
     operator std::string_view() const { return {letters_.data(), length_}; }
 
 private:

@@ -40,10 +40,12 @@ const std::map<std::string, Names>& allowed() {
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"compare", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                     "findings", "quality"})},
         {"report", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
                                     "findings", "quality", "topics"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality", "report", "topics"})},
+                                  "findings", "quality", "report", "compare", "topics"})},
     };
     return kAllowed;
 }

@@ -263,6 +263,46 @@ TEST_F(Verimark, messagesAreListed) {
               std::string::npos);
 }
 
+/// Files that cannot be compared, and calls that ask for it in a wrong way. What is told of others is in the cases.
+TEST_F(Verimark, comparesOrSaysWhyNot) {
+    const std::string head = "[IBIS Ver] 4.2\n[File Name] a.ibs\n[File Rev] 1\n";
+    write("a.ibs", head + "[End]\n");
+    write("b.ibs", head + "[Model] m\nModel_type Terminator\nC_comp 1p NA NA\n[End]\n");
+    EXPECT_EQ(run({"--compare", "a.ibs", "a.ibs"}), 0);
+    EXPECT_EQ(run({"--compare", "a.ibs", "b.ibs"}), 1);
+    EXPECT_NE(out_.find("\nModel m: added\n"), std::string::npos) << out_;
+    EXPECT_EQ(errors_, "");
+    // As of diff, what cannot be read is trouble; so is a version that is not checked.
+    for (const char* const name : {"empty.ibs", "missing.ibs"}) {
+        EXPECT_EQ(run({"--compare", "a.ibs", name}), 2);
+        EXPECT_EQ(out_, "");
+        EXPECT_EQ(errors_, "verimark: " + path(name) + ": cannot be read, or is empty; not compared\n");
+    }
+    for (const char* const name : {"v1.ibs", "none.pkg"}) {
+        EXPECT_EQ(run({"--compare", "-fjson", name, "a.ibs"}), 2);
+        EXPECT_NE(out_.find("\"verdict\":\"not compared\""), std::string::npos) << out_;
+        EXPECT_EQ(errors_, "verimark: " + path(name) + ": its version is not checked; not compared\n");
+    }
+    EXPECT_EQ(run({"--compare", "a.ibs", "good.ami"}), 2);
+    EXPECT_EQ(errors_, "verimark: " + path("good.ami") + ": only .ibs and .pkg files are compared\n");
+    const std::map<std::vector<std::string>, std::string> wrong{
+        {{"--compare", "a.ibs"}, "--compare: needs two files or two folders, as in --compare OLD NEW"},
+        {{"--compare", "-", "-"}, "--compare: needs two files or two folders, as in --compare OLD NEW"},
+        {{"--compare", "-fsarif", "a.ibs", "b.ibs"}, "--format=sarif: what changed is written as text or json"},
+        {{"--compare", "--tolerance=-1", "x", "y"}, "--tolerance=-1: it takes per cent from 0 to 100"},
+        {{"--compare", "--tolerance=nan", "x", "y"}, "--tolerance=nan: it takes per cent from 0 to 100"},
+    };
+    for (const auto& [arguments, text] : wrong) {
+        EXPECT_EQ(run(arguments), 2) << text;
+        EXPECT_EQ(errors_, "verimark: " + text + "\n");
+    }
+    // An output is written whole, and never over what is compared.
+    EXPECT_EQ(run({"--compare", "a.ibs", "b.ibs", "-o", "changes.txt"}), 1);
+    EXPECT_TRUE(read("changes.txt").ends_with("1 model added\n\n"));
+    EXPECT_EQ(run({"--compare", "a.ibs", "b.ibs", "-o", "b.ibs"}), 2);
+    EXPECT_EQ(errors_, "verimark: " + path("b.ibs") + ": is a file to check\n");
+}
+
 /// The manual page has each option in the order of the help, with the name of its value.
 TEST(Manual, listsTheOptions) {
     std::ifstream file(fs::path(KESTREL_SOURCE_DIR) / "../man/verimark.1.in");

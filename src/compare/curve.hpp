@@ -1,0 +1,42 @@
+#pragma once
+
+#include "quality/iv_table.hpp"
+
+#include <optional>
+#include <span>
+
+/// Tables of a corner as lines over voltage or time, and how two of them differ.
+namespace kestrel {
+
+/// Rows that have both numbers by rising x; linear between them.
+using Curve = std::span<const Point>;
+
+/// Up to where two curves are the same.
+struct CurveTolerance {
+    double share;   ///< of the largest magnitude of the old one
+    double nothing; ///< differences up to this are none, in the unit of y
+    /// Whether what lies between two rows is only known as far as their neighbours show how the curve bends: at a knee
+    /// other rows give other lines.
+    bool between_rows;
+};
+
+/// The largest difference.
+struct CurveDifference {
+    double x; ///< as the old one counts it
+    double was;
+    double is;
+    double scale; ///< the largest magnitude of the old one over what both have
+};
+
+/// Where the new curve, which comes `later` by so much, differs most from the old one over the range that both have;
+/// nothing when that is within the tolerance.
+[[nodiscard]] std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance,
+                                                          double later = 0.0);
+
+/// How far the lowest values of two curves are apart, or the highest: no shift makes them differ by less.
+[[nodiscard]] double levelDifference(Curve was, Curve is);
+
+/// By how much later the new curve comes, so that both fit best; nothing when no level is crossed by both.
+[[nodiscard]] std::optional<double> shiftOf(Curve was, Curve is);
+
+} // namespace kestrel

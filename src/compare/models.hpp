@@ -1,0 +1,29 @@
+#pragma once
+
+#include "compare/comparison.hpp"
+
+namespace kestrel {
+
+struct ExtCkt;
+struct Mdl;
+struct MSel;
+struct SubMdl;
+struct TestData;
+struct TestLoad;
+
+/// The tables of two models, from which it shows whether they are one under two names.
+void compareModelTables(Comparison& comparison, const Mdl& was, const Mdl& is);
+
+/// All else of two models.
+void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is);
+
+/// Other records.
+void compareSubmodels(Comparison& comparison, const SubMdl& was, const SubMdl& is);
+void compareSelectors(Comparison& comparison, const MSel& was, const MSel& is);
+void compareTestLoads(Comparison& comparison, const TestLoad& was, const TestLoad& is);
+void compareTestData(Comparison& comparison, const TestData& was, const TestData& is);
+
+/// An external circuit, or the external model of a model; `group` is what its fields belong to.
+void compareExternals(Comparison& comparison, std::string_view group, const ExtCkt& was, const ExtCkt& is);
+
+} // namespace kestrel

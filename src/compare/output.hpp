@@ -1,0 +1,74 @@
+#pragma once
+
+#include "compare/change.hpp"
+#include "compare/settings.hpp"
+#include "findings/json.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The forms in which comparisons are written.
+namespace kestrel {
+
+class Output;
+
+/// One of two files that are compared.
+struct ComparedPath {
+    std::string_view path;
+    std::optional<std::string> version{}; ///< as the file gives it
+    std::int64_t errors = 0;
+    bool read = false; ///< false when it was refused or could not be read
+};
+
+/// What became of two files.
+struct ComparedPair {
+    ComparedPath was;
+    ComparedPath is;
+    const FileChanges* changes = nullptr; ///< null when they were not compared
+};
+
+/// How many pairs of files there were.
+struct CompareTotals {
+    std::int64_t pairs = 0;
+    std::int64_t different = 0;
+    std::int64_t not_compared = 0;
+    std::int64_t only_old = 0;
+    std::int64_t only_new = 0;
+};
+
+/// What a form has to know of the call.
+struct CompareFormatSettings {
+    std::string_view tool = "verimark";
+    std::string_view version;
+    CompareSettings settings;
+    bool quiet = false; ///< nothing of what is the same
+};
+
+/// Writes what is different, pair by pair.
+class CompareFormat {
+public:
+    CompareFormat() = default;
+    CompareFormat(const CompareFormat&) = delete;
+    CompareFormat& operator=(const CompareFormat&) = delete;
+    virtual ~CompareFormat() = default;
+
+    virtual void pair(const ComparedPair& pair) = 0;
+    /// A file that only one of two folders has.
+    virtual void lonely(std::string_view path, bool is_new) = 0;
+    /// Once, at the end.
+    virtual void ends(const CompareTotals& totals) = 0;
+};
+
+[[nodiscard]] std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings);
+[[nodiscard]] std::unique_ptr<CompareFormat> makeCompareJson(Output& out, const CompareFormatSettings& settings);
+
+/// A change as one line: "Model dq_34: [Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was 20.1 mA)".
+/// No more than `most_names` records are named; the others are counted.
+[[nodiscard]] std::string lineOf(const ChangeGroup& group, std::size_t most_names);
+
+/// What all changes come to: "12 models changed, 2 added, 1 removed; largest change 6.2 % in dq_34 [Pulldown]".
+[[nodiscard]] std::string summaryOf(const FileChanges& changes);
+
+} // namespace kestrel

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "compare/comparison.hpp"
+#include "model/mdl.hpp"
+#include "model/submdl.hpp"
+
+namespace kestrel {
+
+/// I-V tables: currents over the voltages that both have, and what each covers.
+void compareCurve(Comparison& comparison, const FieldName& field, const Crv& was, const Crv& is);
+
+/// A table over time, of volts or, for composite currents, amperes.
+void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, const Rows<TableRow>& was,
+                  const Rows<TableRow>& is);
+
+/// Waveforms of an edge, matched by their fixtures.
+void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is);
+
+/// One waveform against another, its fixture and its composite current included.
+void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvfrm& was, const Wvfrm& is);
+
+/// A waveform that a record has once at most.
+void compareOnlyWaveform(Comparison& comparison, std::string_view keyword, const OnDemand<Wvfrm>& was,
+                         const OnDemand<Wvfrm>& is);
+
+/// The rates of a ramp, by their slew.
+void compareRamp(Comparison& comparison, const OnDemand<Ramp>& was, const OnDemand<Ramp>& is);
+
+/// The tables that models and submodels have alike.
+void compareTables(Comparison& comparison, const Tables& was, const Tables& is);
+
+} // namespace kestrel

@@ -1,0 +1,226 @@
+#include "main/comparing.hpp"
+
+#include "compare/compare.hpp"
+#include "ibis/run.hpp"
+#include "main/checking.hpp"
+#include "reader/source.hpp"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <string>
+#include <system_error>
+#include <thread>
+
+namespace kestrel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// True for the kinds of files whose records are compared.
+bool isCompared(std::string_view name) {
+    const FileKind kind = kindOrIbs(name);
+    return kind == FileKind::ibs || kind == FileKind::pkg;
+}
+
+/// The files of a folder by their names in it.
+struct Folder {
+    std::vector<std::pair<std::string, std::size_t>> files; ///< and their places in the list, sorted
+    std::size_t passed_over = 0;                            ///< files of kinds that are not compared
+};
+
+Folder listFolder(FileList& files, std::string_view path, const Complaint& complain, bool& all_well) {
+    Folder folder;
+    const std::size_t before = files.size();
+    const std::string_view arguments[] = {path};
+    all_well = listFiles(files, arguments, nullptr, complain) && all_well;
+    for (std::size_t place = before; place < files.size(); ++place) {
+        if (!isCompared(files[place])) {
+            ++folder.passed_over;
+            continue;
+        }
+        std::string_view name = files[place].substr(path.size());
+        while (name.starts_with('/'))
+            name.remove_prefix(1);
+        folder.files.emplace_back(name, place);
+    }
+    std::ranges::sort(folder.files);
+    return folder;
+}
+
+void pairFolders(std::vector<FilePair>& pairs, const Folder& was, const Folder& is) {
+    auto before = was.files.begin();
+    auto now = is.files.begin();
+    while (before != was.files.end() || now != is.files.end()) {
+        FilePair pair;
+        const bool takes_old = before != was.files.end() && (now == is.files.end() || before->first <= now->first);
+        const bool takes_new = now != is.files.end() && (before == was.files.end() || now->first <= before->first);
+        if (takes_old) pair.was = (before++)->second;
+        if (takes_new) pair.is = (now++)->second;
+        pairs.push_back(pair);
+    }
+}
+
+/// A file that is read to be compared.
+struct ReadFile {
+    std::string_view name;
+    Output nowhere = Output::nowhere();
+    std::unique_ptr<Run> run{};
+    FileOutcome outcome{};
+    std::int64_t more_errors = 0; ///< what broke the check off
+    std::string problem{};        ///< why it cannot be compared; empty when it can
+};
+
+void readFile(ReadFile& file) {
+    try {
+        file.run = std::make_unique<Run>(file.nowhere);
+        Run& run = *file.run;
+        run.parse.takes_later = true;
+        run.diagnostics.on_assertion = OnAssertion::raise;
+        run.diagnostics.sink = [](const Finding&) {};
+        try {
+            checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
+        } catch (const AssertionFailed&) {
+            file.more_errors = 1;
+        }
+        if (!file.outcome.read) {
+            file.problem = ": cannot be read, or is empty; not compared";
+        } else if (!file.outcome.checked || run.roots.empty() || currentRoot(run).headers.empty()) {
+            file.problem = ": its version is not checked; not compared";
+        }
+    } catch (const std::bad_alloc&) {
+        file.problem = ": out of memory; not compared";
+    } catch (const std::exception& failure) {
+        file.problem = std::string(": ").append(failure.what()).append("; not compared");
+    }
+}
+
+/// Reads both, at the same time where that is wanted and there is a thread for it.
+void readBoth(ReadFile& was, ReadFile& is, bool together) {
+    std::thread helper;
+    if (together) {
+        try {
+            helper = std::thread([&was] { readFile(was); });
+        } catch (const std::system_error&) { // then one after the other
+        }
+    }
+    readFile(is);
+    helper.joinable() ? helper.join() : readFile(was);
+}
+
+ComparedPath pathOf(const ReadFile& file) {
+    ComparedPath path{.path = file.name, .version = file.outcome.version, .read = file.problem.empty()};
+    if (file.run != nullptr) path.errors = failureCount(diagnosticCounts(file.run->diagnostics)) + file.more_errors;
+    return path;
+}
+
+ComparedFile comparedFile(const ReadFile& file) {
+    return {.root = currentRoot(*file.run), .path = file.run->diagnostics.file};
+}
+
+/// Compares the pairs of a call.
+class Comparing {
+public:
+    Comparing(const ComparedOutputs& outputs, const CompareSettings& settings, bool together)
+        : outputs_(outputs), settings_(settings), together_(together) {}
+
+    void compare(std::string_view old_name, std::string_view new_name) {
+        ReadFile was{.name = old_name};
+        ReadFile is{.name = new_name};
+        readBoth(was, is, together_);
+        ComparedPair pair{.was = pathOf(was), .is = pathOf(is)};
+        ++totals_.pairs;
+        FileChanges changes;
+        if (was.problem.empty() && is.problem.empty()) {
+            try {
+                changes = compareFiles(comparedFile(was), comparedFile(is), settings_);
+                pair.changes = &changes;
+            } catch (const std::bad_alloc&) {
+                is.problem = ": out of memory; not compared";
+            }
+        }
+        outputs_.format.pair(pair);
+        for (const ReadFile* const file : {&was, &is})
+            if (!file->problem.empty()) tell(outputs_.out, outputs_.errors, file->name, file->problem);
+        if (pair.changes == nullptr) {
+            ++totals_.not_compared;
+            status_ = kTrouble;
+        } else if (!changes.groups.empty()) {
+            ++totals_.different;
+            status_ = std::max(status_, kSomeFailed);
+        }
+    }
+
+    void lonely(std::string_view name, bool is_new) {
+        ++(is_new ? totals_.only_new : totals_.only_old);
+        outputs_.format.lonely(name, is_new);
+        status_ = std::max(status_, kSomeFailed);
+    }
+
+    VerimarkStatus end() {
+        outputs_.format.ends(totals_);
+        return status_;
+    }
+
+private:
+    const ComparedOutputs& outputs_;
+    const CompareSettings& settings_;
+    bool together_;
+    CompareTotals totals_;
+    VerimarkStatus status_ = kAllPassed;
+};
+
+} // namespace
+
+bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::string_view is,
+               const Complaint& complain) {
+    pairs.files = &files;
+    std::error_code failure;
+    const bool old_is_folder = fs::is_directory(was, failure);
+    const bool new_is_folder = fs::is_directory(is, failure);
+    bool all_well = true;
+    if (old_is_folder && new_is_folder) {
+        const Folder before = listFolder(files, was, complain, all_well);
+        const Folder now = listFolder(files, is, complain, all_well);
+        pairFolders(pairs.pairs, before, now);
+        if (const std::size_t count = std::max(before.passed_over, now.passed_over); count > 0)
+            complain(std::to_string(count), " .ebd and .ami files are not compared");
+        return all_well;
+    }
+    const auto file_in = [&](std::string_view folder, std::string_view file) {
+        return (fs::path(folder) / fs::path(file).filename()).string();
+    };
+    const std::string old_name = old_is_folder ? file_in(was, is) : std::string(was);
+    const std::string new_name = new_is_folder ? file_in(is, was) : std::string(is);
+    for (const std::string* const name : {&old_name, &new_name}) {
+        if (!isCompared(*name)) {
+            complain(*name, ": only .ibs and .pkg files are compared");
+            all_well = false;
+        }
+        files.add(*name);
+    }
+    if (all_well) pairs.pairs.push_back({0, 1});
+    return all_well;
+}
+
+VerimarkStatus compareAll(const ComparedOutputs& outputs, const FilePairs& pairs, const CompareSettings& settings,
+                          unsigned jobs) {
+    const bool together = jobs != 1 && (jobs > 1 || std::thread::hardware_concurrency() > 1);
+    Comparing comparing(outputs, settings, together);
+    for (const FilePair& pair : pairs.pairs) {
+        if (pair.was == FilePair::kNone) {
+            comparing.lonely((*pairs.files)[pair.is], true);
+        } else if (pair.is == FilePair::kNone) {
+            comparing.lonely((*pairs.files)[pair.was], false);
+        } else {
+            comparing.compare((*pairs.files)[pair.was], (*pairs.files)[pair.is]);
+        }
+        if (outputs.out.failed()) break;
+    }
+    return comparing.end();
+}
+
+} // namespace kestrel
