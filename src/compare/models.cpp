@@ -168,7 +168,7 @@ constexpr std::array<std::string_view, 8> kTestTables{"[Rising Waveform Near]", 
                                                       "[Diff Rising Waveform Near]",  "[Diff Rising Waveform Far]",
                                                       "[Diff Falling Waveform Near]", "[Diff Falling Waveform Far]"};
 
-constexpr FieldRow<Converter, double> kConverterValues[] = {
+constexpr FieldRow<Converter, GivenValue> kConverterValues[] = {
     {"vlow", Unit::volts, &Converter::vlow},
     {"vhigh", Unit::volts, &Converter::vhigh},
     {"trise", Unit::seconds, &Converter::trise},
