@@ -166,6 +166,8 @@ private:
     Anchor anchor_{};
 };
 
+class HtmlPiece;
+
 /// Writes HTML.
 class Html {
 public:
@@ -199,6 +201,9 @@ public:
         return *this;
     }
 
+    /// What another one has written into a memory of its own, which is whole markup as all that is written.
+    Html& append(const HtmlPiece& piece);
+
     /// A path of a picture.
     Html& path(MarkupName class_name, const Coordinates& data);
 
@@ -208,6 +213,22 @@ private:
 
     Output& out_;
 };
+
+/// A piece of a page that is written apart from the others.
+class HtmlPiece {
+public:
+    [[nodiscard]] Html& html() { return html_; }
+
+private:
+    friend class Html;
+    Output out_;
+    Html html_{out_};
+};
+
+inline Html& Html::append(const HtmlPiece& piece) {
+    out_.write(piece.out_.text());
+    return *this;
+}
 
 /// A link to a place of the page, or only the text where there is none.
 void writeLink(Html& html, const Anchor* anchor, std::string_view text);
