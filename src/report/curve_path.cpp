@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
-#include <optional>
-#include <utility>
 
 namespace kestrel {
 
@@ -22,18 +19,20 @@ struct Place {
 /// Writes the moves of one line. The last place waits to see whether the next lies in its direction.
 class Pen {
 public:
-    explicit Pen(std::string& path) : path_(path) {}
+    /// `points` are the most places that it goes to.
+    Pen(Coordinates& path, std::size_t points) : path_(path, 4 * points + 4) {}
     Pen(const Pen&) = delete;
     Pen& operator=(const Pen&) = delete;
     ~Pen() { lift(); }
 
     void moveTo(Place place) {
-        if (last_ && end() == place) return;
+        if (is_down_ && end() == place) return;
         lift();
-        path_.push_back('M');
-        appendStep(path_, place.x);
-        appendStep(path_, place.y);
+        path_.letter("M");
+        path_.step(place.x);
+        path_.step(place.y);
         last_ = place;
+        is_down_ = true;
         is_dot_ = true;
         letter_ = false;
     }
@@ -43,9 +42,8 @@ public:
         const std::int32_t x = place.x - from.x;
         const std::int32_t y = place.y - from.y;
         if (x == 0 && y == 0) return;
-        const std::int64_t across = std::int64_t{step_.x} * y - std::int64_t{step_.y} * x;
-        const std::int64_t along = std::int64_t{step_.x} * x + std::int64_t{step_.y} * y;
-        if (across == 0 && along > 0) {
+        // Both are at most as large as the frame, and so their products fit.
+        if (step_.x * y == step_.y * x && step_.x * x + step_.y * y > 0) {
             step_.x += x;
             step_.y += y;
             return;
@@ -55,14 +53,14 @@ public:
     }
 
 private:
-    [[nodiscard]] Place end() const { return {last_->x + step_.x, last_->y + step_.y}; }
+    [[nodiscard]] Place end() const { return {last_.x + step_.x, last_.y + step_.y}; }
 
     void writeStep() {
         if (step_.x == 0 && step_.y == 0) return;
-        if (!letter_) path_.push_back('l');
+        if (!letter_) path_.letter("l");
         letter_ = true;
-        appendStep(path_, step_.x);
-        appendStep(path_, step_.y);
+        path_.step(step_.x);
+        path_.step(step_.y);
         last_ = end();
         step_ = {0, 0};
         is_dot_ = false;
@@ -70,15 +68,19 @@ private:
 
     /// A line of one place is a dot, which round ends make visible.
     void lift() {
-        if (!last_) return;
+        if (!is_down_) return;
         writeStep();
-        if (is_dot_) path_.append("h0");
+        if (is_dot_) {
+            path_.letter("h");
+            path_.step(0);
+        }
         is_dot_ = false;
     }
 
-    std::string& path_;
-    std::optional<Place> last_; ///< up to where it is written
-    Place step_{0, 0};          ///< from there to where the line is
+    Coordinates::Steps path_;
+    Place last_{0, 0}; ///< up to where it is written
+    Place step_{0, 0}; ///< from there to where the line is
+    bool is_down_ = false;
     bool is_dot_ = false;
     bool letter_ = false;
 };
@@ -94,41 +96,26 @@ bool cutPiece(double from, double to, double bound, double& begin, double& end) 
     return true;
 }
 
-Place rounded(double x, double y) {
-    return {static_cast<std::int32_t>(std::lrint(x)), static_cast<std::int32_t>(std::lrint(y))};
-}
+Place placeOf(const Point& at) { return {rounded(at.x), rounded(at.y)}; }
 
 bool isInside(const Point& at) { return at.x >= 0 && at.x <= kFrameWidth && at.y >= 0 && at.y <= kFrameHeight; }
 
-/// Draws a piece of a line, cut off at the frame.
-void drawPiece(Pen& pen, const Point& from, const Point& to) {
-    if (isInside(from) && isInside(to)) {
-        pen.moveTo(rounded(from.x, from.y));
-        pen.lineTo(rounded(to.x, to.y));
-        return;
-    }
+/// Draws what is inside the frame of a piece of a line that is not inside as a whole.
+void drawCut(Pen& pen, const Point& from, const Point& to) {
     double begin = 0.0;
     double end = 1.0;
     if (!cutPiece(from.x, to.x, kFrameWidth, begin, end) || !cutPiece(-from.x, -to.x, 0, begin, end) ||
         !cutPiece(from.y, to.y, kFrameHeight, begin, end) || !cutPiece(-from.y, -to.y, 0, begin, end) || begin > end)
         return;
     const auto at = [&](double part) {
-        return rounded(std::clamp(from.x + (to.x - from.x) * part, 0.0, double{kFrameWidth}),
-                       std::clamp(from.y + (to.y - from.y) * part, 0.0, double{kFrameHeight}));
+        return placeOf({std::clamp(from.x + (to.x - from.x) * part, 0.0, double{kFrameWidth}),
+                        std::clamp(from.y + (to.y - from.y) * part, 0.0, double{kFrameHeight})});
     };
     pen.moveTo(at(begin));
     pen.lineTo(at(end));
 }
 
 } // namespace
-
-void appendStep(std::string& path, std::int32_t number) {
-    std::array<char, 12> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-    const bool parted = number < 0 || path.empty() || path.back() < '0' || path.back() > '9';
-    if (!parted) path.push_back(' ');
-    path.append(digits.data(), end.ptr);
-}
 
 std::vector<Point> thinned(std::span<const Point> points, const Span& x) {
     if (points.size() <= kMostPoints) return {points.begin(), points.end()};
@@ -158,20 +145,25 @@ std::vector<Point> thinned(std::span<const Point> points, const Span& x) {
     return kept;
 }
 
-void appendPath(std::string& path, std::span<const Point> points, const Frame& frame) {
-    Pen pen(path);
-    std::optional<Point> before;
+void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame) {
+    Pen pen(path, points.size());
     const double across = kFrameWidth / frame.x.length();
     const double down = kFrameHeight / frame.y.length();
+    Point before{};
+    enum class Before : std::uint8_t { none, inside, outside } state = Before::none;
     for (const Point& point : points) {
         if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
         const Point at{(point.x - frame.x.low) * across, (frame.y.high - point.y) * down};
-        if (before) {
-            drawPiece(pen, *before, at);
-        } else if (isInside(at)) {
-            pen.moveTo(rounded(at.x, at.y));
+        const bool is_inside = isInside(at);
+        if (is_inside && state == Before::inside) {
+            pen.lineTo(placeOf(at));
+        } else if (state != Before::none) {
+            drawCut(pen, before, at);
+        } else if (is_inside) {
+            pen.moveTo(placeOf(at));
         }
         before = at;
+        state = is_inside ? Before::inside : Before::outside;
     }
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "quality/iv_table.hpp"
+#include "report/html.hpp"
 #include "report/scale.hpp"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace kestrel {
@@ -33,9 +33,9 @@ inline constexpr std::size_t kMostPoints = 1000;
 
 /// Appends the moves of a path that draws the line, cut off at the frame; nothing when all of it is outside. Points in
 /// a straight row are one move. What cannot be drawn is left out.
-void appendPath(std::string& path, std::span<const Point> points, const Frame& frame);
+void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame);
 
-/// Appends "12", "-7": whole numbers that follow each other, parted by a blank where there is no sign.
-void appendStep(std::string& path, std::int32_t number);
+/// The nearest whole number of a place in the frame.
+[[nodiscard]] inline std::int32_t rounded(double place) { return static_cast<std::int32_t>(place + 0.5); }
 
 } // namespace kestrel

@@ -2,7 +2,10 @@
 
 #include "base/utf8.hpp"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 
 namespace kestrel {
 
@@ -37,6 +40,54 @@ constexpr std::string_view standInFor(const Character& character) {
 }
 
 } // namespace
+
+namespace {
+
+/// Writes the digits of a number; those of a picture have at most four.
+char* writeDigits(char* at, std::uint32_t number) {
+    if (number >= 10000) return std::to_chars(at, at + 10, number).ptr;
+    char* const end = at + (number < 10 ? 1 : number < 100 ? 2 : number < 1000 ? 3 : 4);
+    for (char* digit = end; digit != at; number /= 10)
+        *--digit = static_cast<char>('0' + number % 10);
+    return end;
+}
+
+bool isDigit(char c) { return '0' <= c && c <= '9'; }
+
+} // namespace
+
+Coordinates& Coordinates::step(std::int32_t number) {
+    if (number >= 0 && !text_.empty() && isDigit(text_.back())) text_.push_back(' ');
+    appendInteger(text_, number);
+    return *this;
+}
+
+Coordinates& Coordinates::tenths(double number) {
+    constexpr double kMost = 1e6;
+    const auto count = static_cast<std::int64_t>(std::floor(std::clamp(number, -kMost, kMost) * 10.0 + 0.5));
+    if (count < 0) text_.push_back('-');
+    const std::int64_t size = count < 0 ? -count : count;
+    appendInteger(text_, size / 10);
+    if (size % 10 != 0) text_.append(1, '.').push_back(static_cast<char>('0' + size % 10));
+    return *this;
+}
+
+Coordinates::Steps::Steps(Coordinates& to, std::size_t steps) : text_(to.text_) {
+    constexpr std::size_t kRoom = 13; // a letter, a sign or blank, digits
+    const std::size_t size = text_.size();
+    text_.resize(size + steps * kRoom);
+    at_ = text_.data() + size;
+}
+
+void Coordinates::Steps::step(std::int32_t number) {
+    if (number < 0) {
+        *at_++ = '-';
+        number = -number;
+    } else if (at_ != text_.data() && isDigit(at_[-1])) {
+        *at_++ = ' ';
+    }
+    at_ = writeDigits(at_, static_cast<std::uint32_t>(number));
+}
 
 void Html::writeText(std::string_view text, bool one_line) {
     while (!text.empty()) {
@@ -93,11 +144,11 @@ Html& Html::begin(MarkupName element, std::initializer_list<Attribute> attribute
     return *this;
 }
 
-Html& Html::path(MarkupName class_name, std::string_view data) {
+Html& Html::path(MarkupName class_name, const Coordinates& data) {
     out_.write("<path class=\"");
     out_.write(class_name.text());
     out_.write("\" d=\"");
-    writeText(data, true);
+    out_.write(data.text());
     out_.write("\"/>");
     return *this;
 }

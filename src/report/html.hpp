@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <string_view>
 
 /// HTML that escapes by construction: what is not one of these types does not compile, and what comes from a file can
@@ -95,6 +96,48 @@ private:
     std::string_view text_;
 };
 
+/// Coordinates of a path or of another attribute of a picture: numbers and letters only, which need no escaping.
+class Coordinates {
+public:
+    void clear() { text_.clear(); }
+    [[nodiscard]] bool empty() const { return text_.empty(); }
+    [[nodiscard]] std::string_view text() const { return text_; }
+
+    /// Our own letters and signs between numbers.
+    Coordinates& add(Literal text) {
+        text_.append(text.text());
+        return *this;
+    }
+    /// A number that follows others: behind a digit with its sign or a blank ahead.
+    Coordinates& step(std::int32_t number);
+    /// A number with at most one decimal.
+    Coordinates& tenths(double number);
+    /// A number in its general form with six digits.
+    Coordinates& general(double number) {
+        appendGeneral(text_, number);
+        return *this;
+    }
+
+    /// Writes steps without a look at the room for each, of which `steps` is the most; for the lines of pictures.
+    class Steps {
+    public:
+        Steps(Coordinates& to, std::size_t steps);
+        Steps(const Steps&) = delete;
+        Steps& operator=(const Steps&) = delete;
+        ~Steps() { text_.resize(static_cast<std::size_t>(at_ - text_.data())); }
+
+        void letter(Literal letter) { *at_++ = letter.text().front(); }
+        void step(std::int32_t number);
+
+    private:
+        std::string& text_;
+        char* at_;
+    };
+
+private:
+    std::string text_;
+};
+
 /// An attribute of an element.
 class Attribute {
 public:
@@ -103,6 +146,8 @@ public:
     constexpr Attribute(TextAttribute name, Text value) : name_(name.text()), kind_(Kind::text), text_(value.text()) {}
     constexpr Attribute(TextAttribute name, std::int64_t value)
         : name_(name.text()), kind_(Kind::number), number_(value) {}
+    Attribute(TextAttribute name, const Coordinates& value)
+        : name_(name.text()), kind_(Kind::literal), text_(value.text()) {}
     /// "id" of a place.
     [[nodiscard]] static constexpr Attribute id(Anchor anchor) { return {"id", Kind::id, anchor}; }
     /// "href" of a link to a place.
@@ -120,6 +165,8 @@ private:
     std::int64_t number_ = 0;
     Anchor anchor_{};
 };
+
+class HtmlPiece;
 
 /// Writes HTML.
 class Html {
@@ -154,9 +201,11 @@ public:
         return *this;
     }
 
-    /// Coordinates of a path or the like, which consist of digits, blanks, signs, points and letters; others are left
-    /// out.
-    Html& path(MarkupName class_name, std::string_view data);
+    /// What another one has written into a memory of its own, which is whole markup as all that is written.
+    Html& append(const HtmlPiece& piece);
+
+    /// A path of a picture.
+    Html& path(MarkupName class_name, const Coordinates& data);
 
 private:
     void writeText(std::string_view text, bool one_line);
@@ -164,6 +213,22 @@ private:
 
     Output& out_;
 };
+
+/// A piece of a page that is written apart from the others.
+class HtmlPiece {
+public:
+    [[nodiscard]] Html& html() { return html_; }
+
+private:
+    friend class Html;
+    Output out_;
+    Html html_{out_};
+};
+
+inline Html& Html::append(const HtmlPiece& piece) {
+    out_.write(piece.out_.text());
+    return *this;
+}
 
 /// A link to a place of the page, or only the text where there is none.
 void writeLink(Html& html, const Anchor* anchor, std::string_view text);

@@ -108,8 +108,11 @@ public:
     }
 
     void writeNumbers() {
+        if (!physics_.drivesLow() && !physics_.drivesHigh() && waveforms_.empty()) return;
+        part_.html << "<div>";
         writeResistances();
         writeEdges();
+        part_.html << "</div>";
     }
 
 private:

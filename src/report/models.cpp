@@ -4,6 +4,12 @@
 #include "report/sections.hpp"
 #include "report/tables.hpp"
 
+#include <deque>
+#include <future>
+#include <span>
+#include <system_error>
+#include <thread>
+
 namespace kestrel {
 
 namespace {
@@ -260,6 +266,47 @@ void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) 
     }
 }
 
+using Piece = std::unique_ptr<HtmlPiece>;
+
+Piece makePiece(const PartContext& part, std::span<const Mdl* const> models) {
+    auto piece = std::make_unique<HtmlPiece>();
+    const PartContext apart{piece->html(), part.run, part.root, part.path, part.kind, part.anchors, part.findings};
+    for (const Mdl* const model : models)
+        writeModel(apart, *model);
+    return piece;
+}
+
+/// Begins a piece in a thread of its own; where there is none, it is made when it is asked for.
+std::future<Piece> beginPiece(const PartContext& part, std::span<const Mdl* const> models) {
+    const auto make = [&part, models] { return makePiece(part, models); };
+    try {
+        return std::async(std::launch::async, make);
+    } catch (const std::system_error&) {
+        return std::async(std::launch::deferred, make);
+    }
+}
+
+/// Writes the models of a library in pieces, as many at a time as there are processors, and in their order.
+void writeInPieces(const PartContext& part, std::span<const Mdl* const> models) {
+    constexpr std::size_t kModelsOfPiece = 32;
+    const std::size_t most = std::thread::hardware_concurrency();
+    if (most < 2 || models.size() <= 2 * kModelsOfPiece) {
+        for (const Mdl* const model : models)
+            writeModel(part, *model);
+        return;
+    }
+    std::deque<std::future<Piece>> pieces;
+    while (!models.empty() || !pieces.empty()) {
+        while (!models.empty() && pieces.size() < most) {
+            const std::size_t size = std::min(kModelsOfPiece, models.size());
+            pieces.push_back(beginPiece(part, models.first(size)));
+            models = models.subspan(size);
+        }
+        part.html.append(*pieces.front().get());
+        pieces.pop_front();
+    }
+}
+
 } // namespace
 
 void writeModels(const PartContext& part) {
@@ -267,8 +314,7 @@ void writeModels(const PartContext& part) {
     const std::vector<const Mdl*> models = inFileOrder(part.root.models);
     writeHeading(part, PageSection::models);
     if (models.size() > 1) writeIndex(part, models);
-    for (const Mdl* const model : models)
-        writeModel(part, *model);
+    writeInPieces(part, models);
 }
 
 } // namespace kestrel

@@ -105,18 +105,15 @@ void writeGrid(Html& html, const PkgMdl& package, const Mtx& matrix, const Matri
                std::string_view title, std::string_view unit) {
     constexpr std::uint32_t kCell = 10;
     const std::uint32_t size = matrix.order * kCell;
-    std::array<std::string, kShades.size()> squares;
+    std::array<Coordinates, kShades.size()> squares;
     std::string values;
-    const auto addSquare = [&](std::string& path, std::uint32_t row, std::uint32_t column) {
-        path.push_back('M');
-        appendInteger(path, std::int64_t{column} * kCell);
-        path.push_back(' ');
-        appendInteger(path, std::int64_t{row} * kCell);
-        path.append("h10v10h-10z");
+    const auto addSquare = [&](Coordinates& path, std::uint32_t row, std::uint32_t column) {
+        path.add("M").step(static_cast<std::int32_t>(column * kCell)).step(static_cast<std::int32_t>(row * kCell));
+        path.add("h10v10h-10z");
     };
     eachEntry(matrix, [&](const Coupling& entry) {
         if (entry.row >= matrix.order || entry.column >= matrix.order || entry.value == 0.0) return;
-        std::string& path = squares[shadeOf(entry.value, summary.largest)];
+        Coordinates& path = squares[shadeOf(entry.value, summary.largest)];
         addSquare(path, entry.row, entry.column);
         if (entry.row != entry.column) addSquare(path, entry.column, entry.row);
         appendInteger(values, entry.row);
@@ -126,18 +123,14 @@ void writeGrid(Html& html, const PkgMdl& package, const Mtx& matrix, const Matri
         values.append(quantityText(entry.value, unit, 4)).push_back('\n');
     });
     html << "<figure class=\"matrix\"><figcaption>" << Text(title) << "</figcaption>";
-    std::string box("-1 -1 ");
-    appendInteger(box, size + 2);
-    box.push_back(' ');
-    appendInteger(box, size + 2);
-    html.begin("svg", {{"class", Literal("matrix")}, {TextAttribute("viewBox"), Text(box)}, {"role", Literal("img")}});
+    const auto side = static_cast<std::int32_t>(size);
+    Coordinates box;
+    box.add("-1 -1 ").step(side + 2).step(side + 2);
+    html.begin("svg", {{"class", Literal("matrix")}, {TextAttribute("viewBox"), box}, {"role", Literal("img")}});
     html << "<title>" << Text(title) << " matrix of " << Text(package.name) << "</title><desc>"
          << "Each square is an entry; the darker, the larger: a shade is half a decade.</desc>";
-    std::string frame("M0 0h");
-    appendInteger(frame, size);
-    frame.push_back('v');
-    appendInteger(frame, size);
-    frame.append("H0z");
+    Coordinates frame;
+    frame.add("M0 0h").step(side).add("v").step(side).add("H0z");
     html.path("f", frame);
     for (std::size_t shade = 0; shade < squares.size(); ++shade)
         if (!squares[shade].empty()) html.path(kShades[shade], squares[shade]);

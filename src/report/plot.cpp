@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
 namespace kestrel {
@@ -16,23 +15,6 @@ constexpr double kWidth = 420;
 constexpr double kHeight = 240;
 constexpr double kRight = kLeft + kWidth;
 constexpr double kBottom = kTop + kHeight;
-
-/// Appends a coordinate with at most one decimal.
-void appendCoordinate(std::string& text, double value) {
-    std::array<char, 40> room{};
-    const double tenths = std::round(std::clamp(value, -1e6, 1e6) * 10.0);
-    const bool whole = std::fmod(tenths, 10.0) == 0.0;
-    const auto end =
-        std::to_chars(room.data(), room.data() + room.size(), tenths / 10.0, std::chars_format::fixed, whole ? 0 : 1);
-    text.append(room.data(), end.ptr);
-}
-
-/// A number as the script reads it.
-void appendData(std::string& text, double value) {
-    std::array<char, 40> room{};
-    const auto end = std::to_chars(room.data(), room.data() + room.size(), value, std::chars_format::general, 8);
-    text.append(room.data(), end.ptr);
-}
 
 /// A picture being drawn.
 class Drawing {
@@ -58,9 +40,9 @@ public:
 private:
     static std::string spanData(const Span& span, const Axis& axis) {
         std::string text;
-        appendData(text, span.low);
+        appendGeneral(text, span.low);
         text.push_back(' ');
-        appendData(text, span.high);
+        appendGeneral(text, span.high);
         return text.append(" ").append(axis.unit);
     }
 
@@ -81,18 +63,12 @@ private:
     void axes() {
         const Ticks across = ticksOf(frame_.x, 8);
         const Ticks down = ticksOf(frame_.y, 6);
-        text_.clear();
-        for (const Tick& tick : across.ticks) {
-            text_.push_back('M');
-            appendCoordinate(text_, acrossOf(tick.value));
-            text_.append(" 20v240");
-        }
-        for (const Tick& tick : down.ticks) {
-            text_.append("M50 ");
-            appendCoordinate(text_, downOf(tick.value));
-            text_.append("h420");
-        }
-        html_.path("g", text_);
+        place_.clear();
+        for (const Tick& tick : across.ticks)
+            place_.add("M").tenths(acrossOf(tick.value)).add(" 20v240");
+        for (const Tick& tick : down.ticks)
+            place_.add("M50 ").tenths(downOf(tick.value)).add("h420");
+        html_.path("g", place_);
         html_ << "<g class=\"tx\" transform=\"translate(0 275)\">";
         for (const Tick& tick : across.ticks)
             tickText("x", acrossOf(tick.value), tick);
@@ -105,9 +81,8 @@ private:
     }
 
     void tickText(TextAttribute name, double at, const Tick& tick) {
-        text_.clear();
-        appendCoordinate(text_, at);
-        html_.begin("text", {{name, Text(text_)}}) << Text(tick.text) << "</text>";
+        place_.clear();
+        html_.begin("text", {{name, place_.tenths(at)}}) << Text(tick.text) << "</text>";
     }
 
     Html& axisLabel(const Axis& axis, const Ticks& ticks) {
@@ -117,32 +92,28 @@ private:
     void lines() {
         for (const Rule& rule : plot_.rules) {
             if (!(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
-            text_.clear();
-            text_.push_back('M');
+            place_.clear();
             if (rule.upright) {
-                appendStep(text_, static_cast<std::int32_t>(std::lrint(frame_.acrossOf(rule.at))));
-                text_.append(" 0v4000");
+                place_.add("M").step(rounded(frame_.acrossOf(rule.at))).add(" 0v4000");
             } else {
-                text_.append("0 ");
-                appendStep(text_, static_cast<std::int32_t>(std::lrint(frame_.downOf(rule.at))));
-                text_.append("h6000");
+                place_.add("M0 ").step(rounded(frame_.downOf(rule.at))).add("h6000");
             }
-            html_.path(classOf(rule), text_);
+            html_.path(classOf(rule), place_);
         }
         for (const PlotLine& line : plot_.lines) {
-            text_.clear();
+            place_.clear();
             if (line.points.size() > kMostPoints) {
-                appendPath(text_, thinned(line.points, frame_.x), frame_);
+                appendPath(place_, thinned(line.points, frame_.x), frame_);
             } else {
-                appendPath(text_, line.points, frame_);
+                appendPath(place_, line.points, frame_);
             }
-            if (!text_.empty()) html_.path(line.thin ? thinClassOf(line.corner) : classOf(line.corner), text_);
+            if (!place_.empty()) html_.path(line.thin ? thinClassOf(line.corner) : classOf(line.corner), place_);
         }
         for (const Dots& dots : plot_.dots) {
-            text_.clear();
+            place_.clear();
             for (const Point& point : dots.points)
-                if (frame_.x.has(point.x) && frame_.y.has(point.y)) appendPath(text_, {&point, 1}, frame_);
-            if (!text_.empty()) html_.path(dotClassOf(dots.corner), text_);
+                if (frame_.x.has(point.x) && frame_.y.has(point.y)) appendPath(place_, {&point, 1}, frame_);
+            if (!place_.empty()) html_.path(dotClassOf(dots.corner), place_);
         }
     }
 
@@ -174,49 +145,39 @@ private:
         };
         for (const Rule& rule : plot_.rules) {
             if (rule.label.empty() || !(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
-            text_.clear();
+            place_.clear();
+            data_.clear();
+            data_.general(rule.at);
             if (rule.upright) {
                 const double room = 3.3 * static_cast<double>(rule.label.size());
                 const double at = std::min(acrossOf(rule.at), 479 - room);
                 if (!isFree(taken_across, at, 62)) continue;
-                appendCoordinate(text_, at);
                 html_.begin("text", {{"class", Literal("lr")},
-                                     {TextAttribute("x"), Text(text_)},
+                                     {TextAttribute("x"), place_.tenths(at)},
                                      {"y", Literal("14")},
-                                     {TextAttribute("data-x"), Text(data(rule.at))}});
+                                     {TextAttribute("data-x"), data_}});
             } else {
                 const double at = downOf(rule.at);
                 if (!isFree(taken_down, at, 12)) continue;
-                appendCoordinate(text_, at < kTop + 12 ? at + 11 : at - 3);
                 html_.begin("text", {{"class", Literal("lh")},
                                      {"x", Literal("467")},
-                                     {TextAttribute("y"), Text(text_)},
-                                     {TextAttribute("data-y"), Text(data(rule.at))}});
+                                     {TextAttribute("y"), place_.tenths(at < kTop + 12 ? at + 11 : at - 3)},
+                                     {TextAttribute("data-y"), data_}});
             }
             html_ << Text(rule.label) << "</text>";
         }
-    }
-
-    std::string_view data(double value) {
-        data_.clear();
-        appendData(data_, value);
-        return data_;
     }
 
     void marks() {
         for (const PlotMark& mark : plot_.marks) {
             const double across = std::clamp(acrossOf(mark.at.x), kLeft, kRight);
             const double down = std::clamp(downOf(mark.at.y), kTop, kBottom);
-            text_.clear();
-            text_.append("translate(");
-            appendCoordinate(text_, across);
-            text_.push_back(' ');
-            appendCoordinate(text_, down);
-            text_.push_back(')');
-            std::string at(data(mark.at.x));
-            at.append(" ").append(data(mark.at.y));
+            place_.clear();
+            place_.add("translate(").tenths(across).add(" ").tenths(down).add(")");
+            data_.clear();
+            data_.general(mark.at.x).add(" ").general(mark.at.y);
             html_.begin("a", {{"class", Literal("mark")}, Attribute::href(mark.finding)});
-            html_.begin("g", {{TextAttribute("transform"), Text(text_)}, {TextAttribute("data-at"), Text(at)}});
+            html_.begin("g", {{TextAttribute("transform"), place_}, {TextAttribute("data-at"), data_}});
             html_ << "<title>" << Text(mark.text) << "</title><circle r=\"7\"/><path d=\"M0-4v5M0 3.5v0.5\"/></g></a>";
         }
     }
@@ -225,18 +186,25 @@ private:
     const Plot& plot_;
     const Frame& frame_;
     std::string text_;
-    std::string data_;
+    Coordinates place_;
+    Coordinates data_;
 };
 
-/// The span of all points.
+/// The span of all points, of which x does not fall.
 Frame frameOf(const Plot& plot) {
     Frame frame;
     for (const PlotLine& line : plot.lines) {
+        if (line.points.empty()) continue;
+        frame.x.include(line.points.front().x);
+        frame.x.include(line.points.back().x);
+        double low = line.points.front().y;
+        double high = low;
         for (const Point& point : line.points) {
-            if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
-            frame.x.include(point.x);
-            frame.y.include(point.y);
+            low = point.y < low ? point.y : low;
+            high = point.y > high ? point.y : high;
         }
+        frame.y.include(low);
+        frame.y.include(high);
     }
     return frame;
 }

@@ -23,7 +23,7 @@ inline constexpr Axis kTimeAxis{"Time", "s"};
 /// A line of a corner.
 struct PlotLine {
     Corner corner;
-    std::vector<Point> points; ///< x does not fall
+    std::vector<Point> points; ///< that can be drawn; x does not fall
     bool thin = false;         ///< it helps to read the others
 };
 

@@ -1,7 +1,9 @@
 #include "report/quantity.hpp"
 
+#include "base/output.hpp"
+
+#include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
 namespace kestrel {
@@ -35,6 +37,15 @@ std::size_t placeOfPrefix(double size) {
     return place;
 }
 
+/// A number that is not negative to so many significant digits, of which there are at most six.
+double roundedTo(double number, int digits) {
+    if (digits >= 6 || number >= 1000.0 || number < 1.0) return number;
+    const int ahead = number < 10.0 ? 1 : number < 100.0 ? 2 : 3;
+    constexpr std::array<double, 6> kPowers{1.0, 10.0, 100.0, 1e3, 1e4, 1e5};
+    const double power = kPowers[static_cast<std::size_t>(std::max(digits - ahead, 0))];
+    return std::floor(number * power + 0.5) / power;
+}
+
 } // namespace
 
 const Prefix& prefixOf(double value) { return kPrefixes[placeOfPrefix(std::abs(value))]; }
@@ -47,21 +58,13 @@ void appendQuantity(std::string& text, double value, std::string_view unit, int 
         return;
     }
     std::size_t place = takesPrefix(unit) ? placeOfPrefix(size) : kNone;
-    std::array<char, 40> room{};
-    const auto write = [&] {
-        const auto end = std::to_chars(room.data(), room.data() + room.size(), size / kPrefixes[place].factor,
-                                       std::chars_format::general, digits);
-        return std::string_view(room.data(), static_cast<std::size_t>(end.ptr - room.data()));
-    };
-    std::string_view number = write();
-    // Rounding may have carried it over.
-    if (number == "1000" || number.starts_with("1e+")) {
-        if (place != kNone || size < kLargest) {
-            if (place + 2 < kPrefixes.size() && takesPrefix(unit)) ++place;
-        }
-        number = write();
+    double number = roundedTo(size / kPrefixes[place].factor, digits);
+    // Rounding may carry it over.
+    if (number >= 999.9995 && place + 2 < kPrefixes.size() && takesPrefix(unit) && size < kLargest) {
+        ++place;
+        number = roundedTo(size / kPrefixes[place].factor, digits);
     }
-    text.append(number);
+    appendGeneral(text, number);
     if (unit.empty() && kPrefixes[place].letter.empty()) return;
     text.append("\u00a0").append(kPrefixes[place].letter).append(unit);
 }

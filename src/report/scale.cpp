@@ -1,8 +1,8 @@
 #include "report/scale.hpp"
 
+#include "base/output.hpp"
+
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace kestrel {
@@ -23,17 +23,26 @@ Step stepOfAtLeast(double least) {
     return {10.0 * unit, power + 1};
 }
 
-/// What is too large for any prefix is written with a power of ten.
+/// A number with so many decimals; what is too large for any prefix has a power of ten.
 std::string tickText(double value, int decimals) {
-    std::array<char, 64> room{};
-    char* const last = room.data() + room.size();
     const double size = std::abs(value);
-    const auto end = size < 1e6 ? std::to_chars(room.data(), last, size, std::chars_format::fixed, decimals)
-                                : std::to_chars(room.data(), last, size, std::chars_format::general, 3);
+    const double power = std::pow(10.0, decimals);
+    std::string digits;
+    if (size < 1e6 && size * power < 1e15) {
+        const auto count = static_cast<std::int64_t>(size * power + 0.5);
+        const auto whole = static_cast<std::int64_t>(power);
+        appendInteger(digits, count / whole);
+        if (decimals > 0) {
+            std::string fraction;
+            appendInteger(fraction, count % whole);
+            digits.push_back('.');
+            digits.append(static_cast<std::size_t>(decimals) - fraction.size(), '0').append(fraction);
+        }
+    } else {
+        appendGeneral(digits, size);
+    }
     std::string text;
-    const std::string_view digits(room.data(), static_cast<std::size_t>(end.ptr - room.data()));
-    const bool is_zero = digits.find_first_not_of("0.") == std::string_view::npos;
-    if (value < 0 && !is_zero) text.append(kMinus);
+    if (value < 0 && digits.find_first_not_of("0.") != std::string::npos) text.append(kMinus);
     return text.append(digits);
 }
 

@@ -22,6 +22,8 @@ class Node:
         return self.attributes.get("class", "").split()
 
     def text(self):
+        if "explanation" in self.classes:
+            return " [explained]"
         return "".join(child if isinstance(child, str) else child.text() for child in self.children)
 
     def all(self, name, class_name=None):

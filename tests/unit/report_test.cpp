@@ -109,9 +109,9 @@ TEST(Span, leavesOutWhatIsNoNumber) {
 
 /// The moves of a line in a frame of 6 by 4, whose thousandth parts are those of the picture.
 std::string pathOf(std::vector<Point> points) {
-    std::string path;
+    Coordinates path;
     appendPath(path, points, {{0.0, 6.0, true}, {0.0, 4.0, true}});
-    return path;
+    return std::string(path.text());
 }
 
 TEST(Path, goesFromPointToPoint) {
