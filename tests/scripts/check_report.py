@@ -81,8 +81,8 @@ def findings_left_out(folder):
     for jobs in (1, 3):
         run("--quiet", f"--report={page}", "--baseline=known.txt", f"--jobs={jobs}", "bad.ibs", "bad.ibs", folder=folder)
         heads = [line for line in lines_of(page) if line.startswith(("p: Passed", "p: Failed"))]
-        # The baseline knows each finding once.
-        expect(heads[:2] == ["p: Passed no findings", "p: " + counts], f"a baseline: {heads}")
+        # The baseline knows each finding once in each file that is checked.
+        expect(heads[:2] == ["p: Passed no findings", "p: Passed no findings"], f"a baseline: {heads}")
 
 
 def outputs(folder):
