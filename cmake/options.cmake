@@ -11,6 +11,10 @@ endif()
 
 add_library(kestrel_options INTERFACE)
 target_compile_options(kestrel_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # It takes the joining and replacing of short texts for overlapping copies when it optimizes.
+    target_compile_options(kestrel_options INTERFACE -Wno-restrict)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     # The tables are checked while compiling, which takes more steps than clang allows by default.
     target_compile_options(kestrel_options INTERFACE -fconstexpr-steps=200000000)

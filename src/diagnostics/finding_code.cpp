@@ -27,11 +27,19 @@ std::optional<FindingCode> readFindingCode(std::string_view text) {
 }
 
 std::string generalText(FindingCode code) {
-    std::string text(kCatalog[catalogIndex(code.number)].text);
-    for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
-        text.replace(at, 2, "...");
-    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at))
-        text.replace(at, text.substr(at).starts_with("\n ") ? 2 : 1, " ");
+    const std::string_view pattern = kCatalog[catalogIndex(code.number)].text;
+    std::string text;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] == '%') {
+            ++i; // the conversion's letter
+            text.append("...");
+        } else if (pattern[i] == '\n') {
+            if (pattern.substr(i + 1).starts_with(' ')) ++i;
+            text.push_back(' ');
+        } else {
+            text.push_back(pattern[i]);
+        }
+    }
     return text;
 }
 

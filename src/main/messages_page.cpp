@@ -75,7 +75,7 @@ private:
 };
 
 std::string link(std::string_view text, std::string_view anchor) {
-    return "[" + escapedMarkdown(text) + "](#" + std::string(anchor) + ")";
+    return std::string("[").append(escapedMarkdown(text)).append("](#").append(anchor).append(")");
 }
 
 void addTopic(std::string& page, const Topic& topic) {

@@ -18,18 +18,24 @@ std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, 
     const Column column = columnOf(corner);
     const std::span<Point> free = std::span(room.points_).subspan(room.used_, rows.size());
     std::size_t count = 0;
-    bool ordered = true;
-    double before = -std::numeric_limits<double>::infinity();
+    bool rises = true;
+    bool falls = true;
+    double before = 0.0;
     for (const TableRow& row : rows) {
         if (!isFinite(row[kFirst]) || !isFinite(row[column])) continue;
         const double x = row[kFirst].value();
-        ordered = ordered && before < x;
+        if (count != 0) {
+            rises = rises && before < x;
+            falls = falls && before > x;
+        }
         before = x;
         free[count++] = {x, row[column].value()};
     }
     std::span<Point> points = free.first(count);
-    if (!ordered) {
-        // Tables run down as well as up. The later of equal rows stays behind the earlier one.
+    if (!rises && falls) {
+        std::ranges::reverse(points);
+    } else if (!rises) {
+        // The later of equal rows stays behind the earlier one.
         std::stable_sort(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
         if (equal == EqualRows::keepLast) {
             std::size_t kept = 0;

@@ -100,7 +100,7 @@ private:
         while (!line.empty()) {
             const std::string_view word = line.substr(0, line.find(' '));
             const std::optional<FindingCode> code = readFindingCode(word);
-            if (!code) fault("\"" + std::string(word) + "\" is no code");
+            if (!code) fault(std::string("\"").append(word).append("\" is no code"));
             if (code && !topic_.codes.empty() && *code <= topic_.codes.back())
                 fault("the codes do not ascend at " + std::string(word));
             if (code) topic_.codes.push_back(*code);
@@ -116,7 +116,7 @@ private:
         const auto part = is_example ? Part::example : static_cast<Part>(head - kHeads.begin());
         const bool leaves_formula_out = part_ == Part::mend && part == Part::example;
         if (static_cast<int>(part) != static_cast<int>(part_) + 1 && !leaves_formula_out)
-            fault("\"" + std::string(line) + "\" is not the part that follows");
+            fault(std::string("\"").append(line).append("\" is not the part that follows"));
         if (!empty_before_) fault("there is no empty line ahead of a head");
         part_ = part;
         head_line_ = line_;

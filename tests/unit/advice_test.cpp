@@ -124,8 +124,8 @@ struct PushPull {
         put("[GND Clamp]", gnd_clamp);
         put("[POWER Clamp]", power_clamp);
         out << "[Ramp]\n";
-        for (const auto& [name, dv] : {std::pair("dV/dt_r", dv_r), std::pair("dV/dt_f", dv_f)}) {
-            out << name;
+        for (const auto& [rate, dv] : {std::pair("dV/dt_r", dv_r), std::pair("dV/dt_f", dv_f)}) {
+            out << rate;
             for (std::size_t c = 0; c < kCornerCount; ++c)
                 out << ' ' << dv[c] << '/' << dt[c];
             out << '\n';
@@ -205,6 +205,7 @@ TEST(Advice, noticesWhatIsWrongWithTables) {
                           m.pulldown[i].values[c] += m.gnd_clamp[i].values[c];
               }),
               "Q205");
+    EXPECT_EQ(broken([](PushPull& m) { std::swap(m.supply[1], m.supply[2]); }).substr(0, 4), "Q104");
     EXPECT_EQ(broken([](PushPull& m) { m.pulldown.resize(20); }), "Q201");
     EXPECT_EQ(broken([](PushPull& m) { scale(m.pullup, 0.0); }),
               "Q209 Q301"); // what is left is an open drain, of which the ramp is right
