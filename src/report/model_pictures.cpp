@@ -170,7 +170,11 @@ private:
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
             if (rail) plot.rules.push_back(rail_(*rail, "", *rail));
-        pictures_.marks.markByWord(plot, std::string(stateWord(state)).append("-state"));
+        pictures_.marks.markByWords(plot, std::string(stateWord(state)).append("-state"));
+        if (state == DriveState::off) {
+            pictures_.marks.markByWords(plot, "the clamps carry");
+            pictures_.marks.markByWords(plot, kAtPinVoltage, kAtPinVoltage);
+        }
         writePlot(part_.html, plot);
     }
 

@@ -155,8 +155,13 @@ void writeName(const PartContext& part, std::string_view name) {
 
 void writeFindingLinks(const PartContext& part, const Subject& record) {
     constexpr std::size_t kMost = 12;
-    const std::vector<const ShownFinding*> findings = part.findings.about(part.anchors.find(&record));
+    std::vector<const ShownFinding*> findings = part.findings.about(part.anchors.find(&record));
     if (findings.empty()) return;
+    // What weighs most leads.
+    std::ranges::stable_sort(findings, {}, [](const ShownFinding* finding) {
+        constexpr std::array<int, kLevels> kRanks{0, 0, 1, 3, 2, 3};
+        return kRanks[static_cast<std::size_t>(finding->level)];
+    });
     Html& html = part.html;
     html << "<ul class=\"about\">";
     for (std::size_t i = 0; i < findings.size() && i < kMost; ++i) {

@@ -41,10 +41,9 @@ bool names(std::string_view text, std::string_view label) {
 
 } // namespace
 
-std::optional<double> valueBehindAt(std::string_view text, std::string_view unit) {
-    constexpr std::string_view kAt = " at ";
-    for (std::size_t at = text.find(kAt); at != std::string_view::npos; at = text.find(kAt, at + 1)) {
-        const std::string_view rest = text.substr(at + kAt.size());
+std::optional<double> valueBehind(std::string_view lead, std::string_view text, std::string_view unit) {
+    for (std::size_t at = text.find(lead); at != std::string_view::npos; at = text.find(lead, at + 1)) {
+        const std::string_view rest = text.substr(at + lead.size());
         double value = 0.0;
         const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), value);
         if (read.ec != std::errc{}) continue;
@@ -93,15 +92,15 @@ void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) 
         const bool is_inside = finding->line >= line && finding->line < end;
         std::optional<double> x;
         if (is_inside && finding->exact && finding->line > line) x = firstCellOf(*finding);
-        if (!x && (is_inside || names(finding->text, label))) x = valueBehindAt(finding->text, plot.x.unit);
+        if (!x && (is_inside || names(finding->text, label))) x = valueBehind(kAt, finding->text, plot.x.unit);
         if (x) addMark(plot, *finding, *x);
     }
 }
 
-void FindingMarks::markByWord(Plot& plot, std::string_view word) const {
+void FindingMarks::markByWords(Plot& plot, std::string_view words, std::string_view lead) const {
     for (const ShownFinding* const finding : findings_) {
-        if (finding->text.find(word) == std::string::npos) continue;
-        if (const std::optional<double> x = valueBehindAt(finding->text, plot.x.unit)) addMark(plot, *finding, *x);
+        if (finding->text.find(words) == std::string::npos) continue;
+        if (const std::optional<double> x = valueBehind(lead, finding->text, plot.x.unit)) addMark(plot, *finding, *x);
     }
 }
 

@@ -9,6 +9,10 @@
 /// The pictures of tables.
 namespace kestrel {
 
+/// What goes ahead of a value in the texts of findings.
+inline constexpr std::string_view kAt = " at ";
+inline constexpr std::string_view kAtPinVoltage = " at the pin voltage ";
+
 /// Marks findings of one record in the pictures of its tables.
 class FindingMarks {
 public:
@@ -20,8 +24,8 @@ public:
     /// Adds marks to the picture of a table that began at `line`: at the row of the finding's own line, or at the
     /// voltage or time that a finding about the table names.
     void mark(Plot& plot, std::uint32_t line, std::string_view label) const;
-    /// Adds marks for findings whose text has one of these words and names a value of the x axis.
-    void markByWord(Plot& plot, std::string_view word) const;
+    /// Adds marks for findings whose text has these words and names a value of the x axis behind `lead`.
+    void markByWords(Plot& plot, std::string_view words, std::string_view lead = kAt) const;
 
 private:
     [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
@@ -31,8 +35,9 @@ private:
     std::vector<std::uint32_t> begins_;
 };
 
-/// The value with this unit that a text names behind "at", as in "at 860 mV"; nothing where it names none.
-[[nodiscard]] std::optional<double> valueBehindAt(std::string_view text, std::string_view unit);
+/// The value with this unit that a text names behind "at" or other words, as in "at 860 mV"; nothing where it names
+/// none.
+[[nodiscard]] std::optional<double> valueBehind(std::string_view lead, std::string_view text, std::string_view unit);
 
 /// The points of a column, by the first one.
 [[nodiscard]] std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column);

@@ -155,14 +155,17 @@ TEST(Thinning, keepsPeaks) {
 }
 
 TEST(Marks, readTheValueThatAFindingNames) {
-    EXPECT_EQ(valueBehindAt("falls from -4.31 mA at 860 mV to -38.5 mA at 900 mV (typ)", "V"), 860 * 1e-3);
-    EXPECT_EQ(valueBehindAt("[Pullup] carries 2.52 mA at 0 V in min", "V"), 0.0);
-    EXPECT_EQ(valueBehindAt("goes back at 1.5 ns by 100 mV", "s"), 1.5 * 1e-9);
-    EXPECT_EQ(valueBehindAt("goes back at 1.5 ns by 100 mV", "V"), std::nullopt);
-    EXPECT_EQ(valueBehindAt("rises at 2 V/ns", "V"), std::nullopt);
-    EXPECT_EQ(valueBehindAt("Beginning at Line 12", "V"), std::nullopt);
-    EXPECT_EQ(valueBehindAt("looked at 3 Volts", "V"), std::nullopt);
-    EXPECT_EQ(valueBehindAt("ends at ", "V"), std::nullopt);
+    EXPECT_EQ(valueBehind(kAt, "falls from -4.31 mA at 860 mV to -38.5 mA at 900 mV (typ)", "V"), 860 * 1e-3);
+    EXPECT_EQ(valueBehind(kAt, "[Pullup] carries 2.52 mA at 0 V in min", "V"), 0.0);
+    EXPECT_EQ(valueBehind(kAt, "goes back at 1.5 ns by 100 mV", "s"), 1.5 * 1e-9);
+    EXPECT_EQ(valueBehind(kAt, "goes back at 1.5 ns by 100 mV", "V"), std::nullopt);
+    EXPECT_EQ(valueBehind(kAt, "rises at 2 V/ns", "V"), std::nullopt);
+    EXPECT_EQ(valueBehind(kAt, "Beginning at Line 12", "V"), std::nullopt);
+    EXPECT_EQ(valueBehind(kAt, "looked at 3 Volts", "V"), std::nullopt);
+    EXPECT_EQ(valueBehind(kAt, "ends at ", "V"), std::nullopt);
+    const std::string_view pin = "Model 'x': at the pin voltage -2.64 V [POWER Clamp] carries -650 mA";
+    EXPECT_EQ(valueBehind(kAt, pin, "V"), std::nullopt); // not a table's voltage
+    EXPECT_EQ(valueBehind(kAtPinVoltage, pin, "V"), -2.64);
 }
 
 TEST(SourceLines, areReadAgainByNumber) {
