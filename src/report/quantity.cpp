@@ -62,7 +62,7 @@ void appendQuantity(std::string& text, double value, std::string_view unit, int 
     // Rounding may carry it over.
     if (number >= 999.9995 && place + 2 < kPrefixes.size() && takesPrefix(unit) && size < kLargest) {
         ++place;
-        number = roundedTo(size / kPrefixes[place].factor, digits);
+        number /= 1000.0;
     }
     appendGeneral(text, number);
     if (unit.empty() && kPrefixes[place].letter.empty()) return;
