@@ -218,6 +218,7 @@ private:
 class HtmlPiece {
 public:
     [[nodiscard]] Html& html() { return html_; }
+    [[nodiscard]] bool empty() const { return out_.text().empty(); }
 
 private:
     friend class Html;

@@ -108,11 +108,10 @@ public:
     }
 
     void writeNumbers() {
-        if (!physics_.drivesLow() && !physics_.drivesHigh() && waveforms_.empty()) return;
-        part_.html << "<div>";
-        writeResistances();
-        writeEdges();
-        part_.html << "</div>";
+        HtmlPiece figures;
+        writeResistances(figures.html());
+        writeEdges(figures.html());
+        if (!figures.empty()) (part_.html << "<div>").append(figures) << "</div>";
     }
 
 private:
@@ -303,8 +302,8 @@ private:
         return std::abs(current) < kNoCurrent ? std::string() : quantityText(*vcc / 2.0 / current, kOhm, 3);
     }
 
-    void writeResistances() {
-        CornerTable table(part_.html, "Output");
+    void writeResistances(Html& html) {
+        CornerTable table(html, "Output");
         if (physics_.drivesLow())
             row(table, "R low at Vcc/2", [&](Corner corner) { return resistanceText(TableKind::pulldown, corner); });
         if (physics_.drivesHigh())
@@ -321,8 +320,8 @@ private:
         }
     }
 
-    void writeEdges() {
-        CornerTable table(part_.html, "Edges");
+    void writeEdges(Html& html) const {
+        CornerTable table(html, "Edges");
         for (const Waveform& waveform : waveforms_) {
             const std::string title =
                 waveformTitle(waveform.edge == Edge::rising ? "Rising" : "Falling", *waveform.record);

@@ -39,8 +39,8 @@ std::size_t placeOfPrefix(double size) {
 
 /// A number that is not negative to so many significant digits, of which there are at most six.
 double roundedTo(double number, int digits) {
-    if (digits >= 6 || number >= 1000.0 || number < 1.0) return number;
-    const int ahead = number < 10.0 ? 1 : number < 100.0 ? 2 : 3;
+    if (digits >= 6 || number >= 1000.0 || number < 0.1) return number;
+    const int ahead = number < 1.0 ? 0 : number < 10.0 ? 1 : number < 100.0 ? 2 : 3;
     constexpr std::array<double, 6> kPowers{1.0, 10.0, 100.0, 1e3, 1e4, 1e5};
     const double power = kPowers[static_cast<std::size_t>(std::max(digits - ahead, 0))];
     return std::floor(number * power + 0.5) / power;
