@@ -63,7 +63,7 @@ std::optional<NumberChange> changeOf(double was, double is, double share) {
     const double larger = std::max(std::abs(was), std::abs(is));
     if (std::isfinite(difference) && difference <= std::max(share, kRounding) * larger) return std::nullopt;
     if (was == 0.0 || !std::isfinite(difference)) return NumberChange{};
-    return NumberChange{percentOf(difference, larger)};
+    return NumberChange{percentOf(difference, std::abs(was))};
 }
 
 void addDetail(std::vector<ChangeDetail>& details, ChangeDetail detail) {

@@ -147,10 +147,11 @@ bool areSame(const Mtx& was, const Mtx& is) {
     return was.kind == is.kind && was.order == is.order && std::ranges::equal(was.rows, is.rows, isSameRow);
 }
 
-/// True for matrices that are laid out alike, in which equal slots are equal entries.
-bool areLaidOutAlike(const Mtx& was, const Mtx& is) {
-    return was.kind == is.kind && was.kind != MtxKind::sparse && was.order == is.order && was.in_order && is.in_order &&
-           was.rows.size() == is.rows.size();
+/// True for matrices that are laid out alike, in which equal slots are equal entries, all of them of listed pins: a
+/// matrix may have room for more.
+bool areLaidOutAlike(const Mtx& was, const Mtx& is, std::size_t pins) {
+    return is.order <= pins && is.rows.size() <= pins && was.kind == is.kind && was.kind != MtxKind::sparse &&
+           was.order == is.order && was.in_order && is.in_order && was.rows.size() == is.rows.size();
 }
 
 void compareSlots(MatrixDifference& difference, const Mtx& was, const Mtx& is) {
@@ -210,7 +211,7 @@ void compareMatrices(Comparison& comparison, const PkgMdl& was, const PkgMdl& is
         if (!comparePresence(comparison, row.name, before != nullptr, now != nullptr)) continue;
         if (moved.none_moved && areSame(*before, *now)) continue;
         MatrixDifference difference(comparison.share());
-        if (moved.none_moved && areLaidOutAlike(*before, *now)) {
+        if (moved.none_moved && areLaidOutAlike(*before, *now, is.pin_names.size())) {
             compareSlots(difference, *before, *now);
         } else {
             compareEntries(difference, entriesOf(*before, was.pin_names, moved.places),

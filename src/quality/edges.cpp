@@ -222,7 +222,7 @@ void checkDeadTime(const AdvisedModel& advised, AdviceList& list) {
     eachMovingWave(advised, [&](const WaveAt& wave) {
         if (!(wave.measures().duration > 0.0)) return;
         std::optional<WaveAt>& found = least[static_cast<std::size_t>(wave.waveform->edge)][wave.corner];
-        if (!found || share_of(wave) < share_of(*found)) found = wave;
+        if (!found || roundedMeasure(share_of(wave)) < roundedMeasure(share_of(*found))) found = wave;
     });
     Worst<WaveAt> worst;
     for (const auto& edge : least)

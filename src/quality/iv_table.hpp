@@ -84,7 +84,8 @@ public:
         const std::size_t left = number == 0 ? 0 : number > last ? last - 1 : number - 1;
         const Point& a = points_[left];
         const Point& b = points_[left + 1];
-        return {a, (b.y - a.y) / (b.x - a.x)};
+        // Beyond the last row from there on, so that the row itself is met exactly.
+        return {number > last ? b : a, (b.y - a.y) / (b.x - a.x)};
     }
     /// The current at a voltage of this piece, in amperes.
     [[nodiscard]] double currentIn(std::size_t number, double voltage) const { return piece(number).at(voltage); }

@@ -91,6 +91,7 @@ struct Fall {
 /// where it is no more than a slip of rounding.
 std::optional<std::pair<Fall, double>> findFall(const ModelPhysics& physics, DriveState state, Corner corner) {
     constexpr double kShare = 0.01;
+    constexpr double kRounding = 1e-9;
     const StateCurrent* const total = physics.current(state, corner);
     const References& references = physics.references(corner);
     if (total == nullptr || !references.vcc) return std::nullopt;
@@ -102,8 +103,9 @@ std::optional<std::pair<Fall, double>> findFall(const ModelPhysics& physics, Dri
     total->sweep(low, high, [&](double voltage, double current) {
         const double size = std::fabs(current);
         if (size > largest) largest = size;
-        if (current >= highest.y) {
-            highest = {voltage, current};
+        // A current that stays the same is not parted by rounding.
+        if (current >= highest.y - kRounding * largest) {
+            highest = {voltage, std::fmax(current, highest.y)};
         } else if (highest.y - current > fall.drop()) {
             fall.from = highest;
             fall.to = {voltage, current};
@@ -249,7 +251,7 @@ std::optional<TableStep> largestBentStep(const IvTable& table, double vcc) {
 } // namespace
 
 void checkTableSpan(const AdvisedModel& advised, AdviceList& list) {
-    constexpr double kSlack = 0.05; // of Vcc
+    constexpr double kSlack = 0.05 + 1e-9; // of Vcc, and what rounding makes
     const bool looked_at = advised.drives() || advised.onlyReceives() || advised.isTerminator();
     if (!looked_at || !advised.physics.vcc()) return;
     const double vcc = *advised.physics.vcc();
@@ -301,8 +303,8 @@ void checkCurrentAtRail(const AdvisedModel& advised, AdviceList& list) {
         const double size = std::fabs(at_rail);
         constexpr double kMostOfIt = 0.5;
         constexpr double kLittleOfIt = 0.2;
-        const bool wrong_way = at_rail * signOf(kind) >= kNoCurrent && size > kMostOfIt * largest &&
-                               std::fabs(at_vcc) < kLittleOfIt * largest;
+        const bool wrong_way =
+            at_rail * signOf(kind) > 0.0 && size > kMostOfIt * largest && std::fabs(at_vcc) < kLittleOfIt * largest;
         constexpr double kMuch = 0.05;
         const bool carries = size > kMuch * largest && size > kNoCurrent && !advised.file.isInPair(advised.model);
         if (wrong_way) {
@@ -390,8 +392,8 @@ void checkTableCorners(const AdvisedModel& advised, AdviceList& list) {
         }
         const double min = std::fabs(currents[Corner::min].value_or(0.0));
         const double max = std::fabs(currents[Corner::max].value_or(typ));
-        const bool min_strong = min > kMostOfMin * typ && min >= kNoCurrent;
-        const bool max_weak = max < kLeastOfMax * typ && typ >= kNoCurrent;
+        const bool min_strong = min > kMostOfMin * typ;
+        const bool max_weak = max < kLeastOfMax * typ;
         if ((!min_strong && !max_weak) || !advised.physics.isAtRail(stateOf(kind))) return;
         list.add(placeOfTable(advised, kind), {206, 0}, tableKeyword(kind), volts(vcc / 2.0), currentsText(currents));
     });

@@ -225,7 +225,7 @@ void checkSupply(const AdvisedModel& advised, AdviceList& list) {
 }
 
 void checkThresholdOrder(const AdvisedModel& advised, AdviceList& list) {
-    constexpr double kSlack = 0.1;
+    constexpr double kSlack = 0.1 + 1e-9; // and what rounding makes
     const TypicalValues values = typicalValuesOf(advised.model);
     const AdvicePlace place = adviceAt(advised.model);
     if (values.vinl && values.vinh && *values.vinl >= *values.vinh) {
@@ -254,9 +254,9 @@ void checkMeasuredLevel(const AdvisedModel& advised, AdviceList& list) {
     constexpr double kRounding = 1e-6;
     const ModelPhysics& physics = advised.physics;
     const TypicalValues values = typicalValuesOf(advised.model);
-    if (!advised.drives() || !values.vmeas || !physics.vcc()) return;
+    if (!physics.isDriver() || !values.vmeas || !physics.vcc()) return;
     const bool has_load = values.rref && values.vref;
-    if (has_load ? !physics.drivesLow() && !physics.drivesHigh() : !physics.isPushPull()) return;
+    if (!has_load && !physics.isPushPull()) return;
     const auto level_of = [&](DriveState state) {
         return has_load ? physics.level(state, Corner::typ, {*values.rref, *values.vref})
                         : physics.levelWithoutLoad(state);

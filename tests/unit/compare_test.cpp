@@ -59,19 +59,19 @@ TEST(Compare, tellsOfNumbersByTheLargerOfBoth) {
                 ElementsAre("Model m: C_comp typ: 4 pF, was 5 pF (-20 %)"));
     // 1 of 101 is less than one per cent, 2 of 102 is more.
     EXPECT_THAT(lines("Rref = 100\nVmeas = 1", "Rref = 101\nVmeas = 1"), IsEmpty());
-    EXPECT_THAT(lines("Rref = 100", "Rref = 102"), ElementsAre("Model m: Rref: 102 ohm, was 100 ohm (+1.96 %)"));
+    EXPECT_THAT(lines("Rref = 100", "Rref = 102"), ElementsAre("Model m: Rref: 102 ohm, was 100 ohm (+2 %)"));
     EXPECT_THAT(lines("Vref = 1", "Vref = -1"), ElementsAre("Model m: Vref: -1 V, was 1 V (-200 %)"));
     EXPECT_THAT(lines("Vref = 0", "Vref = 2"), ElementsAre("Model m: Vref: 2 V, was 0 V"));
     EXPECT_THAT(lines("Vmeas = 1.5V", "Cref = 0"),
                 ElementsAre("Model m: Vmeas: not given, was 1.5 V", "Model m: Cref: 0 F, was not given"));
     EXPECT_THAT(lines("C_comp 5p NA NA", "C_comp 5p"), IsEmpty());
     EXPECT_THAT(lines("[Voltage Range] 3.3 3 3.6", "[Voltage Range] 5 5 5"),
-                ElementsAre("Model m: [Voltage Range] typ: 5 V, was 3.3 V (+34 %); min: 5 V, was 3 V (+40 %); "
-                            "max: 5 V, was 3.6 V (+28 %)"));
+                ElementsAre("Model m: [Voltage Range] typ: 5 V, was 3.3 V (+51.5 %); min: 5 V, was 3 V (+66.7 %); "
+                            "max: 5 V, was 3.6 V (+38.9 %)"));
     EXPECT_THAT(lines("[Rgnd] 50 50 50", "[Rgnd] 100 100 100"),
-                ElementsAre("Model m: [Rgnd] typ, min and max: 100 ohm, was 50 ohm (+50 %)"));
+                ElementsAre("Model m: [Rgnd] typ, min and max: 100 ohm, was 50 ohm (+100 %)"));
     EXPECT_THAT(lines("[Temperature Range] 25 85 0", "[Temperature Range] 25 100 0"),
-                ElementsAre("Model m: [Temperature Range] min: 100 C, was 85 C (+15 %)"));
+                ElementsAre("Model m: [Temperature Range] min: 100 C, was 85 C (+17.6 %)"));
     EXPECT_THAT(
         lines("Polarity Inverting", "Enable Active-Low"),
         ElementsAre("Model m: Polarity: not given, was Inverting", "Model m: Enable: Active-Low, was not given"));
@@ -159,7 +159,7 @@ TEST(Compare, waveformsAreMatchedByTheirFixtures) {
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 2 V added"));
     // Of two that are left one field differs: they are the same, at another load.
     EXPECT_THAT(linesOf(model("m", low + high), model("m", wave(kOther, "R_fixture = 50\nV_fixture = 3") + low)),
-                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 2 V V_fixture: 3 V, was 2 V (+33.3 %)"));
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 2 V V_fixture: 3 V, was 2 V (+50 %)"));
     EXPECT_THAT(linesOf(model("m", low), model("m", wave(kRows, "R_fixture = 75\nV_fixture = 3"))),
                 ElementsAre("Model m: [Rising Waveform] with 75 ohm to 3 V added",
                             "Model m: [Rising Waveform] with 50 ohm to 0 V removed"));
@@ -182,8 +182,8 @@ TEST(Compare, equalChangesAreOneAndThoseOfManyModelsComeFirst) {
     };
     const Compared compared(file("5p", "50"), file("4p", "100"));
     EXPECT_THAT(compared.lines(), ElementsAre("Models a, b and c: C_comp typ: 4 pF, was 5 pF (-20 %)",
-                                              "Model d: Rref: 100 ohm, was 50 ohm (+50 %)"));
-    EXPECT_EQ(compared.summary(), "4 models changed; largest change 50 % in d Rref");
+                                              "Model d: Rref: 100 ohm, was 50 ohm (+100 %)"));
+    EXPECT_EQ(compared.summary(), "4 models changed; largest change 100 % in d Rref");
     ASSERT_EQ(compared.changes.groups.size(), 2U);
     EXPECT_EQ(lineOf(compared.changes.groups[0], 1), "Models a and 2 more: C_comp typ: 4 pF, was 5 pF (-20 %)");
     EXPECT_EQ(Compared(file("5p", "50"), file("5p", "50")).summary(), "No difference");
@@ -246,8 +246,8 @@ TEST(Compare, pinsThatChangeAlikeAreOneLine) {
         compared.lines(),
         ElementsAre("Component Chip, pins 1 and 2: model: out, was in", "Component Chip, pin 3: signal: C2, was C",
                     "Component Chip, pin 3: C_pin: not given, was 1 pF", "Component Chip, pins 5 and 6: added",
-                    "Component Chip, pin 4: removed", "Component Chip, pin 3: L_pin: 2 nH, was 1 nH (+50 %)"));
-    EXPECT_EQ(compared.summary(), "1 component changed; largest change 50 % in Chip pin 3 L_pin");
+                    "Component Chip, pin 4: removed", "Component Chip, pin 3: L_pin: 2 nH, was 1 nH (+100 %)"));
+    EXPECT_EQ(compared.summary(), "1 component changed; largest change 100 % in Chip pin 3 L_pin");
 }
 
 TEST(Compare, relationsOfPinsAreFieldsOfThem) {
@@ -278,10 +278,15 @@ TEST(Compare, matricesAreComparedByTheirPins) {
         IsEmpty());
     EXPECT_THAT(lines(full, package("3\n1\n2", "Full_matrix\n[Row] 3\n5n 0 1.5n\n[Row] 1\n3n 1n\n[Row] 2\n4n")),
                 IsEmpty());
-    // 2 of 1.5 is 25 % of 2, 5 of 4 20 % of 5; 0.1 of 0 cannot be measured.
+    // 2 is 33.3 % more than 1.5, 5 25 % more than 4; 0.1 and 0 cannot be measured.
     EXPECT_THAT(lines(full, package("1\n2\n3", "Full_matrix\n[Row] 1\n3n 1n 0.1n\n[Row] 2\n5n 2n\n[Row] 3\n5n")),
-                ElementsAre("Package model p: [Inductance Matrix]: 3 entries changed, at most by 25 % "
+                ElementsAre("Package model p: [Inductance Matrix]: 3 entries changed, at most by 33.3 % "
                             "(pin 2 to 3: 2 nH, was 1.5 nH)"));
+    // Room for a pin that is not listed.
+    EXPECT_THAT(lines(package("1\n2", "Full_matrix\n[Row] 1\n3n 1n 1n\n[Row] 2\n4n 1.5n"),
+                      package("1\n2", "Full_matrix\n[Row] 1\n6n 1n 2n\n[Row] 2\n4n 3n")),
+                ElementsAre("Package model p: [Inductance Matrix]: 1 entry changed by 100 % (pin 1: 6 nH, "
+                            "was 3 nH)"));
     const std::string banded =
         package("1\n2\n3", "Banded_matrix\n[Bandwidth] 1\n[Row] 1\n3n 1n\n[Row] 2\n4n 1.5n\n[Row] 3\n5n");
     EXPECT_THAT(lines(full, banded), IsEmpty());
@@ -299,7 +304,7 @@ TEST(Compare, sectionsOfPackagePins) {
             .append("\n[End Package Model]\n");
     };
     EXPECT_THAT(linesOf(sections("2 Len=0 L=1n / Len=2 C=3p /"), sections("2 Len=0 L=1n / Len=4 C=3p /")),
-                ElementsAre("Package model p, pin 2: section 2 Len: 4, was 2 (+50 %)"));
+                ElementsAre("Package model p, pin 2: section 2 Len: 4, was 2 (+100 %)"));
     EXPECT_THAT(linesOf(sections("2 Len=0 L=1n / Len=2 C=3p /"), sections("2 Len=0 L=1n /")),
                 ElementsAre("Package model p, pin 2: path: 1 section, was 2 sections"));
 }
