@@ -378,7 +378,12 @@ void compareSelectors(Comparison& comparison, const MSel& was, const MSel& is) {
         [&](const MSelEntry& entry, bool is_new) {
             comparePresence(comparison, {"entry", entry.model_name}, !is_new, is_new);
         });
-    if (std::ranges::is_sorted(kept)) return;
+    if (std::ranges::is_sorted(kept)) {
+        // Simulators take the first entry unless they are told otherwise.
+        if (was.entries.empty() || is.entries.empty()) return;
+        return compareText(comparison, "first entry", nameInNew(comparison, was.entries.front().model_name),
+                           is.entries.front().model_name);
+    }
     Change change{.kind = ChangeKind::order, .field = "entries"};
     const std::string_view before = was.entries.front().model_name;
     const std::string_view now = is.entries.front().model_name;

@@ -225,6 +225,8 @@ TEST(Compare, selectorsHaveEntriesAndTheirOrder) {
     EXPECT_THAT(linesOf(was, selector("a one\nc third\nd four\n")),
                 ElementsAre("Selector s: description of c: third, was three", "Selector s: entry d added",
                             "Selector s: entry b removed"));
+    EXPECT_THAT(linesOf(was, selector("d four\na one\nb two\nc three\n")),
+                ElementsAre("Selector s: entry d added", "Selector s: first entry: d, was a"));
     EXPECT_THAT(linesOf(was, selector("b two\na one\nc three\n")),
                 ElementsAre("Selector s: entries in another order; the first is b, was a"));
     EXPECT_THAT(linesOf(was, selector("a one\nc three\nb two\n")), ElementsAre("Selector s: entries in another order"));
