@@ -40,8 +40,7 @@ std::vector<std::uint32_t> wantedLines(const std::vector<ShownFinding>& list) {
             wanted.push_back(line);
     }
     std::ranges::sort(wanted);
-    const auto repeated = std::ranges::unique(wanted);
-    wanted.erase(repeated.begin(), repeated.end());
+    wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
     return wanted;
 }
 
