@@ -110,11 +110,7 @@ class CompareJson : public CompareFormat {
 public:
     CompareJson(Output& out, const CompareFormatSettings& settings) : text_{out} {
         whole_.emplace(text_);
-        {
-            JsonObject tool(*whole_, "tool");
-            tool.text("name", settings.tool);
-            tool.text("version", settings.version);
-        }
+        writeTool(*whole_, settings.tool, settings.version);
         whole_->real("tolerance", settings.settings.tolerance);
         pairs_.emplace(*whole_, "pairs", true);
     }

@@ -104,4 +104,10 @@ void JsonObject::null(std::string_view key) { named(key).out.write("null"); }
 
 void JsonArray::text(std::string_view value) { writeJsonString(next().out, value); }
 
+void writeTool(JsonObject& whole, std::string_view name, std::string_view version) {
+    JsonObject tool(whole, "tool");
+    tool.text("name", name);
+    tool.text("version", version);
+}
+
 } // namespace kestrel

@@ -72,4 +72,7 @@ private:
     friend class JsonObject;
 };
 
+/// Writes the member "tool", which says who wrote all of this.
+void writeTool(JsonObject& whole, std::string_view name, std::string_view version);
+
 } // namespace kestrel

@@ -40,11 +40,7 @@ class JsonFormat : public Format {
 public:
     JsonFormat(Output& out, const FormatSettings& settings) : text_{out} {
         whole_.emplace(text_);
-        {
-            JsonObject tool(*whole_, "tool");
-            tool.text("name", settings.tool);
-            tool.text("version", settings.version);
-        }
+        writeTool(*whole_, settings.tool, settings.version);
         files_.emplace(*whole_, "files", true);
     }
 

@@ -134,11 +134,7 @@ void explainAsJson(Output& out, const Explained& explained, const FormatSettings
     JsonText text{out};
     {
         JsonObject whole(text);
-        {
-            JsonObject tool(whole, "tool");
-            tool.text("name", settings.tool);
-            tool.text("version", settings.version);
-        }
+        writeTool(whole, settings.tool, settings.version);
         JsonArray topics(whole, "topics", true);
         for (const Topic* const topic : explained.topics) {
             JsonObject object(topics);

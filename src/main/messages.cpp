@@ -28,11 +28,7 @@ void listAsJson(Output& out, const FormatSettings& settings) {
     JsonText text{out};
     {
         JsonObject whole(text);
-        {
-            JsonObject tool(whole, "tool");
-            tool.text("name", settings.tool);
-            tool.text("version", settings.version);
-        }
+        writeTool(whole, settings.tool, settings.version);
         JsonArray messages(whole, "messages", true);
         eachMessage([&](FindingCode code, std::string_view listed) {
             JsonObject message(messages);
