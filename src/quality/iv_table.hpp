@@ -32,6 +32,8 @@ public:
 private:
     friend std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal,
                                                 PointRoom& room);
+    friend PerCorner<std::span<const Point>> orderedCorners(const Rows<TableRow>& rows, EqualRows equal,
+                                                            PointRoom& room);
 
     std::vector<Point> points_;
     std::size_t used_ = 0;
@@ -42,6 +44,10 @@ private:
 [[nodiscard]] std::span<const Point> orderedPoints(const Rows<TableRow>& rows, Corner corner, EqualRows equal,
                                                    PointRoom& room);
 
+/// The same of all corners; there must be room for three times the rows.
+[[nodiscard]] PerCorner<std::span<const Point>> orderedCorners(const Rows<TableRow>& rows, EqualRows equal,
+                                                               PointRoom& room);
+
 /// What holds above the last row of a table.
 enum class AboveTable : bool { lastSlope, lastCurrent };
 
@@ -50,9 +56,12 @@ enum class AboveTable : bool { lastSlope, lastCurrent };
 class IvTable {
 public:
     IvTable() = default;
-    IvTable(std::span<const Point> points, AboveTable above) : points_(points), above_(above) {}
+    IvTable(std::span<const Point> points, AboveTable above);
 
     [[nodiscard]] bool hasData() const { return points_.size() >= 2; }
+    /// The current never falls, or never rises, with the voltage; without data neither does.
+    [[nodiscard]] bool neverFalls() const { return never_falls_; }
+    [[nodiscard]] bool neverRises() const { return never_rises_; }
     [[nodiscard]] std::span<const Point> points() const { return points_; }
     [[nodiscard]] double firstVoltage() const { return points_.front().x; }
     [[nodiscard]] double lastVoltage() const { return points_.back().x; }
@@ -114,6 +123,8 @@ public:
 private:
     std::span<const Point> points_;
     AboveTable above_ = AboveTable::lastSlope;
+    bool never_falls_ = true;
+    bool never_rises_ = true;
 };
 
 } // namespace kestrel

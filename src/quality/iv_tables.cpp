@@ -94,7 +94,7 @@ std::optional<std::pair<Fall, double>> findFall(const ModelPhysics& physics, Dri
     constexpr double kRounding = 1e-9;
     const StateCurrent* const total = physics.current(state, corner);
     const References& references = physics.references(corner);
-    if (total == nullptr || !references.vcc) return std::nullopt;
+    if (total == nullptr || !references.vcc || total->neverFalls()) return std::nullopt;
     const double low = *references.pulldown - *references.vcc;
     const double high = *references.pulldown + 2.0 * *references.vcc;
     Point highest{low, total->at(low)};

@@ -95,6 +95,13 @@ double StateCurrent::at(double pin) const {
     return current;
 }
 
+bool StateCurrent::neverFalls() const {
+    return conductance_ >= 0.0 && std::all_of(tables_.begin(), tables_.begin() + static_cast<std::ptrdiff_t>(count_),
+                                              [](const TableAtPin& at) {
+                                                  return at.downward ? at.table->neverRises() : at.table->neverFalls();
+                                              });
+}
+
 namespace {
 
 /// The pin's voltage at which the piece of this number ends.
@@ -132,18 +139,26 @@ std::optional<double> StateCurrent::solve(double low, double high, const DcLoad*
         conductance += 1.0 / load->resistance;
         offset -= load->voltage / load->resistance;
     }
+    // With a load a current that never falls rises everywhere and has one zero: where the line through the present
+    // place leads is a better guess than the middle, and the zero itself when that place is of the same line.
+    const bool rises = load != nullptr && neverFalls();
     // Of each table the pieces that the range still touches, so that the look-ups of all halvings cost as much as one.
     std::array<std::size_t, kMost> from{};
     std::array<std::size_t, kMost> to{};
     std::array<std::size_t, kMost> piece{};
     for (std::size_t i = 0; i < count_; ++i)
         to[i] = tables_[i].table->points().size();
+    double slope = 0.0; // of the line at the last place
     const auto current_at = [&](double pin) {
         double current = conductance * pin + offset;
+        slope = conductance;
         for (std::size_t i = 0; i < count_; ++i) {
-            const double voltage = tables_[i].tableVoltage(pin);
-            piece[i] = tables_[i].table->pieceOf(voltage, from[i], to[i]);
-            current += tables_[i].table->currentIn(piece[i], voltage);
+            const TableAtPin& table = tables_[i];
+            const double voltage = table.tableVoltage(pin);
+            piece[i] = table.table->pieceOf(voltage, from[i], to[i]);
+            const IvTable::Piece line = table.table->piece(piece[i]);
+            current += line.at(voltage);
+            slope += table.downward ? -line.slope : line.slope;
         }
         return current;
     };
@@ -158,18 +173,24 @@ std::optional<double> StateCurrent::solve(double low, double high, const DcLoad*
     keep(false);
     const bool changes = low_current <= 0.0 && high_current > 0.0;
     if (!changes || !std::isfinite(low_current) || !std::isfinite(high_current)) return std::nullopt;
+    double guess = high; // outside of the range as long as there is none
     for (int i = 0; i < kHalvings; ++i) {
         if (std::equal(from.begin(), from.begin() + static_cast<std::ptrdiff_t>(count_), to.begin())) {
             // One straight line from here on: where it goes through zero needs no halving.
             const double found = low + (high - low) * (-low_current / (high_current - low_current));
             return low <= found && found <= high ? std::optional(found) : std::nullopt; // numbers may overflow
         }
-        const double middle = low + (high - low) / 2.0;
-        const double current = current_at(middle);
+        const bool is_guessed = low < guess && guess < high;
+        const double place = is_guessed ? guess : low + (high - low) / 2.0;
+        const std::array<std::size_t, kMost> before = piece;
+        const double current = current_at(place);
+        if (is_guessed && piece == before) return place;
         const bool above = current > 0.0;
-        (above ? high : low) = middle;
+        (above ? high : low) = place;
         (above ? high_current : low_current) = current;
         keep(!above);
+        constexpr int kGuesses = 3; // in a row, so that the range is halved now and then whatever the guesses are worth
+        guess = rises && i % (kGuesses + 1) != kGuesses ? place - current / slope : high;
     }
     return low + (high - low) / 2.0;
 }
@@ -181,10 +202,10 @@ ModelPhysics::ModelPhysics(const Mdl& model, PointRoom& room) : is_driver_(kTabl
     room.empty(rows * kCornerCount);
     for (const TableKind kind : kAllTables) {
         const bool is_clamp = kind == TableKind::gndClamp || kind == TableKind::powerClamp;
+        const AboveTable above = is_clamp ? AboveTable::lastCurrent : AboveTable::lastSlope;
+        const auto points = orderedCorners(tableOf(model, kind).rows, EqualRows::keepLast, room);
         for (const Corner corner : kCorners)
-            tables_[static_cast<std::size_t>(kind)][corner] =
-                IvTable(orderedPoints(tableOf(model, kind).rows, corner, EqualRows::keepLast, room),
-                        is_clamp ? AboveTable::lastCurrent : AboveTable::lastSlope);
+            tables_[static_cast<std::size_t>(kind)][corner] = IvTable(points[corner], above);
     }
     for (const Corner corner : kCorners) {
         references_[corner] = referencesOf(model, corner);
@@ -254,11 +275,23 @@ std::optional<double> ModelPhysics::solve(DriveState state, Corner corner, const
 }
 
 std::optional<double> ModelPhysics::level(DriveState state, Corner corner, const DcLoad& load) const {
-    return solve(state, corner, &load);
+    return findLevel(state, corner, load);
 }
 
 std::optional<double> ModelPhysics::levelWithoutLoad(DriveState state, Corner corner) const {
-    return solve(state, corner, nullptr);
+    return findLevel(state, corner, std::nullopt);
+}
+
+std::optional<double> ModelPhysics::findLevel(DriveState state, Corner corner,
+                                              const std::optional<DcLoad>& load) const {
+    constexpr std::size_t kMost = 48; // what is looked through must not grow with a file's waveforms
+    const auto known = std::ranges::find_if(known_levels_, [&](const KnownLevel& one) {
+        return one.state == state && one.corner == corner && one.load == load;
+    });
+    if (known != known_levels_.end()) return known->level;
+    const std::optional<double> level = solve(state, corner, load ? &*load : nullptr);
+    if (known_levels_.size() < kMost) known_levels_.push_back({state, corner, load, level});
+    return level;
 }
 
 bool ModelPhysics::carriesSomething(TableKind driver) const {

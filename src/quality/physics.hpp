@@ -73,6 +73,8 @@ inline constexpr std::size_t kDriveStates = 3;
 struct DcLoad {
     double resistance;
     double voltage;
+
+    bool operator==(const DcLoad& other) const = default;
 };
 
 /// A line of a table at the pin: its voltage counts up or down from a reference.
@@ -98,6 +100,8 @@ public:
     }
 
     [[nodiscard]] double at(double pin) const;
+    /// None of its parts falls as the pin's voltage rises, so that it does not either.
+    [[nodiscard]] bool neverFalls() const;
     /// Where the current, together with that of the load, is zero between two voltages, by halving the range; nothing
     /// where it is not below or at zero at the lower end and above at the upper one.
     [[nodiscard]] std::optional<double> solve(double low, double high, const DcLoad* load) const;
@@ -172,7 +176,8 @@ public:
         return found ? &*found : nullptr;
     }
 
-    /// The level of a state into a load, or without one, in a corner.
+    /// The level of a state into a load, or without one, in a corner. Waveforms and ramps mostly go to the same few
+    /// loads: each level is found once.
     [[nodiscard]] std::optional<double> level(DriveState state, Corner corner, const DcLoad& load) const;
     [[nodiscard]] std::optional<double> levelWithoutLoad(DriveState state, Corner corner = Corner::typ) const;
 
@@ -191,12 +196,22 @@ public:
     [[nodiscard]] GivenValue farRail(Edge edge, Corner corner = Corner::typ) const;
 
 private:
+    struct KnownLevel {
+        DriveState state;
+        Corner corner;
+        std::optional<DcLoad> load;
+        std::optional<double> level;
+    };
+
+    [[nodiscard]] std::optional<double> findLevel(DriveState state, Corner corner,
+                                                  const std::optional<DcLoad>& load) const;
     [[nodiscard]] std::optional<double> solve(DriveState state, Corner corner, const DcLoad* load) const;
     void makeStates(const Mdl& model, Corner corner);
 
     PerCorner<References> references_;
     std::array<PerCorner<IvTable>, kTableKinds> tables_;
     std::array<PerCorner<std::optional<StateCurrent>>, kDriveStates> states_;
+    mutable std::vector<KnownLevel> known_levels_;
     bool is_driver_;
     bool drives_low_ = false;
     bool drives_high_ = false;

@@ -125,11 +125,10 @@ std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics,
     std::inplace_merge(list.begin(), falling, list.end(),
                        [](const Waveform& a, const Waveform& b) { return a.record->line < b.record->line; });
     for (Waveform& waveform : list) {
-        for (const Corner corner : kCorners) {
-            room.empty(waveform.record->rows.size());
-            const auto points = orderedPoints(waveform.record->rows, corner, EqualRows::keepAll, room);
-            waveform.corners[corner] = measureWave(points, physics.vcc(corner));
-        }
+        room.empty(waveform.record->rows.size() * kCornerCount);
+        const auto points = orderedCorners(waveform.record->rows, EqualRows::keepAll, room);
+        for (const Corner corner : kCorners)
+            waveform.corners[corner] = measureWave(points[corner], physics.vcc(corner));
     }
     return list;
 }
@@ -159,53 +158,13 @@ std::string waveformText(const Waveform& waveform) {
     return text.append(fixtureText(*waveform.record));
 }
 
-namespace {
-
-/// The levels of a model in its corners, each found once.
-class KnownLevels {
-public:
-    explicit KnownLevels(const ModelPhysics& physics) : physics_(physics) {}
-
-    [[nodiscard]] const std::optional<double>& withoutLoad(DriveState state, Corner corner) {
-        auto& known = without_load_[static_cast<std::size_t>(state)][corner];
-        if (!known) known = physics_.levelWithoutLoad(state, corner);
-        return *known;
-    }
-
-    /// Waveforms of both edges mostly go to the same few loads.
-    [[nodiscard]] std::optional<double> withLoad(DriveState state, Corner corner, const DcLoad& load) {
-        constexpr std::size_t kMost = 8;
-        auto& known = with_load_[static_cast<std::size_t>(state)][corner];
-        const auto found = std::ranges::find_if(known, [&load](const Known& one) {
-            return one.load.resistance == load.resistance && one.load.voltage == load.voltage;
-        });
-        if (found != known.end()) return found->level;
-        const std::optional<double> level = physics_.level(state, corner, load);
-        if (known.size() < kMost) known.push_back({load, level});
-        return level;
-    }
-
-private:
-    struct Known {
-        DcLoad load;
-        std::optional<double> level;
-    };
-
-    const ModelPhysics& physics_;
-    std::array<PerCorner<std::optional<std::optional<double>>>, kDriveStates> without_load_;
-    std::array<PerCorner<std::vector<Known>>, kDriveStates> with_load_;
-};
-
-} // namespace
-
 EndComparison compareEnds(const ModelPhysics& physics, const std::vector<Waveform>& waveforms) {
     EndComparison comparison;
-    KnownLevels levels(physics);
     const auto compare = [&](const Waveform& waveform, Corner corner, const DcLoad& load, double vcc) {
         constexpr double kOfMove = 0.25; // of what the load moves the level
         for (const bool at_end : {false, true}) {
             const DriveState state = (waveform.edge == Edge::rising) == at_end ? DriveState::high : DriveState::low;
-            const std::optional<double> of_tables = levels.withLoad(state, corner, load);
+            const std::optional<double> of_tables = physics.level(state, corner, load);
             if (!of_tables) continue;
             const WaveCorner& wave = waveform.corners[corner];
             const double level = at_end ? wave.last : wave.first;
@@ -214,7 +173,7 @@ EndComparison compareEnds(const ModelPhysics& physics, const std::vector<Wavefor
             if (!(difference > leastDifference(vcc))) continue;
             if (!(difference > kLevelOfSwing * wave.size())) {
                 // A load that hardly moves the level has to be met more closely than the swing asks for.
-                const std::optional<double>& open = levels.withoutLoad(state, corner);
+                const std::optional<double> open = physics.levelWithoutLoad(state, corner);
                 const double move = open ? std::fabs(*of_tables - *open) : wave.size();
                 if (!(difference > kOfMove * move)) continue;
             }

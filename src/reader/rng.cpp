@@ -3,6 +3,7 @@
 #include "reader/context.hpp"
 #include "reader/items.hpp"
 #include "reader/line_form.hpp"
+#include "reader/plain_cells.hpp"
 
 #include <algorithm>
 
@@ -17,13 +18,17 @@ bool isTypOutside(const Rng& range) {
 
 bool readRange(Context& context, std::string_view text, std::string_view quantity, Rng& range, OrderCheck check) {
     Diagnostics& diagnostics = context.diagnostics;
-    const ItemList items = splitItems(context, text, static_cast<int>(kCornerCount));
-    reportItemCount(diagnostics, items.count, kMissingCornerWords, quantity, {3902, 3901});
     bool all_read = true;
-    for (const Corner corner : kCorners) {
-        const auto at = static_cast<int>(corner);
-        all_read &=
-            readCell(diagnostics, items[at], items.has(at), quantity, kCornerWords[placeOf(corner)], range[corner]);
+    if (Rng plain; readPlainCells(context, text, plain.values)) {
+        range = plain;
+    } else {
+        const ItemList items = splitItems(context, text, static_cast<int>(kCornerCount));
+        reportItemCount(diagnostics, items.count, kMissingCornerWords, quantity, {3902, 3901});
+        for (const Corner corner : kCorners) {
+            const auto at = static_cast<int>(corner);
+            all_read &=
+                readCell(diagnostics, items[at], items.has(at), quantity, kCornerWords[placeOf(corner)], range[corner]);
+        }
     }
     if (check == OrderCheck::on && isTypOutside(range)) warningAtLine(diagnostics, 3903);
     return all_read;

@@ -1,10 +1,9 @@
 #include "reader/rngp.hpp"
 
-#include "base/text.hpp"
 #include "reader/context.hpp"
-#include "reader/decimal.hpp"
 #include "reader/items.hpp"
 #include "reader/line_form.hpp"
+#include "reader/plain_cells.hpp"
 
 namespace kestrel {
 
@@ -17,22 +16,6 @@ constexpr std::array<std::string_view, kColumns> kMissingColumns{"", kMissingCor
                                                                  kMissingCornerWords[2]};
 
 } // namespace
-
-bool readPlainCells(const Context& context, std::string_view text, std::array<Cell, kColumns>& cells) {
-    if (!context.short_paths) return false;
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (Cell& cell : cells) {
-        const char* const begin = at;
-        while (at != end && isBlank(*at)) {
-            ++at;
-        }
-        if (at - begin > kMaxSkip) return false;
-        at = readPlainCell(at, end, cell);
-        if (at == nullptr || (at != end && !isBlank(*at))) return false;
-    }
-    return at == end; // lines come without blanks behind them
-}
 
 bool readPlainRow(const Context& context, std::string_view text, TableRow& row) {
     return readPlainCells(context, text, row.cells) && row[kFirst].isNumber(); // one that begins with "NA" is reported

@@ -39,10 +39,6 @@ struct FirstCell {
 /// Reads the first item of a line and reports nothing.
 [[nodiscard]] FirstCell readFirstCell(std::string_view item);
 
-/// Reads a text that is four plain cells, each a decimal number with or without a unit or "NA"; false for any other, of
-/// which nothing is reported.
-[[nodiscard]] bool readPlainCells(const Context& context, std::string_view text, std::array<Cell, kColumns>& cells);
-
 /// Reads a line that is four plain cells, as nearly all lines of tables are: decimal numbers with or without a unit,
 /// and "NA" behind the first. False for any other, of which nothing is reported: readRow() reads it as it reads plain
 /// ones. Tables are read in a third of the time.
