@@ -90,11 +90,19 @@ struct Job {
 /// Thrown to end a check whose results nobody gets any more.
 struct Stopped {};
 
+/// Thrown to end a check that is done again when its file has its turn.
+struct Crowded {};
+
 /// The check of a list of files. Whose turn it is owns the report: the thread that checks the first file that is not
 /// done, and for files that wait the thread that was before them.
 class Checking {
 public:
-    Checking(const CheckOutputs& outputs, const FileList& files) : outputs_(outputs), files_(files) {}
+    Checking(const CheckOutputs& outputs, const FileList& files) : outputs_(outputs), files_(files) {
+        if (outputs.memory == nullptr) return;
+        charge_to_ = outputs.memory->charge_to;
+        budget_.limit = outputs.memory->bytes;
+        over_limit_.append("More memory than --max-memory=").append(outputs.memory->shown).append(" is needed");
+    }
 
     /// Checks files until there are no more; called by each thread.
     void work() {
@@ -116,12 +124,34 @@ private:
     [[nodiscard]] bool hasTurn(const Job& job) const { return turn_.load(std::memory_order_acquire) == job.place; }
 
     void check(Job& job) {
+        if (outputs_.memory == nullptr) {
+            checkWithin(job, nullptr);
+            return;
+        }
+        try {
+            checkLimited(job);
+            return;
+        } catch (const Crowded&) {
+            job = Job{job.place};
+        }
+        waitForTurn(job);
+        checkLimited(job);
+    }
+
+    void checkLimited(Job& job) {
+        MemoryAccount account(budget_, turn_, job.place);
+        checkWithin(job, &account);
+    }
+
+    void checkWithin(Job& job, MemoryAccount* account) {
         const char* problem = nullptr;
         std::string text;
         try {
-            checkContained(job);
+            checkContained(job, account);
         } catch (const std::bad_alloc&) {
             problem = "Out of memory";
+            if (account != nullptr && account->end() == MemoryEnd::crowded) throw Crowded{};
+            if (account != nullptr && account->end() == MemoryEnd::over) problem = over_limit_.c_str();
         } catch (const std::exception& failure) {
             text = failure.what();
             problem = text.c_str();
@@ -129,7 +159,8 @@ private:
         if (problem != nullptr) giveUp(job, problem);
     }
 
-    void checkContained(Job& job) {
+    void checkContained(Job& job, MemoryAccount* account) {
+        const Charged charged(charge_to_, account);
         const std::string_view name = files_[job.place];
         if (outputs_.pages != nullptr)
             job.part = std::make_unique<ReportPart>(static_cast<std::uint32_t>(job.place + 1), name, kindOrIbs(name));
@@ -160,10 +191,17 @@ private:
         if (!job.outcome.read && outputs_.empty_is_found && !found)
             name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
                                    : errorText(run.diagnostics, "The name of the file is too long.");
+        requireMemory(account);
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)
             job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
         writePart(job, &run);
+        requireMemory(account);
+    }
+
+    /// Ends a check that was refused memory and went on without it.
+    static void requireMemory(const MemoryAccount* account) {
+        if (account != nullptr && account->end() != MemoryEnd::none) throw std::bad_alloc();
     }
 
     /// Writes the file's part of the report while what was read is there. What a baseline leaves out is known when the
@@ -208,11 +246,17 @@ private:
     void give(Job& job, std::string_view printed, const Finding& finding) {
         constexpr std::size_t kMostKept = std::size_t{1} << 20;
         if (stopped_.load(std::memory_order_relaxed)) throw Stopped{};
+        const Charged not_charged(charge_to_, nullptr);
+        MemoryAccount* const account = not_charged.before();
+        requireMemory(account);
         if (job.part && outputs_.report.known == nullptr && outputs_.report.regards(finding))
             job.part->findings.add(finding);
         if (!hasTurn(job)) {
             job.log.add(printed, finding);
-            if (job.log.size() >= kMostKept) waitForTurn(job);
+            if (job.log.size() < kMostKept) return;
+            if (account != nullptr) account->makeRoom(); // nobody waits with memory that others need
+            requireMemory(account);
+            waitForTurn(job);
             return;
         }
         passOn(job);
@@ -333,6 +377,10 @@ private:
     std::map<std::size_t, Job> waiting_;
     std::size_t waiting_size_ = 0;
 
+    ChargeTo charge_to_ = chargeNone;
+    MemoryBudget budget_{.limit = 0};
+    std::string over_limit_; // what is said of a file that needs too much
+
     // Of the thread whose turn it is.
     VerimarkStatus status_ = kAllPassed;
     bool begun_ = false; // the report knows of the file
@@ -352,7 +400,9 @@ void tell(Output& out, Output& errors, std::string_view subject, std::string_vie
 
 VerimarkStatus checkAll(const CheckOutputs& outputs, const FileList& files, unsigned jobs) {
     const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
-    const std::size_t wanted = std::min<std::size_t>(jobs != 0 ? jobs : processors, files.size());
+    std::size_t wanted = std::min<std::size_t>(jobs != 0 ? jobs : processors, files.size());
+    // Parts of a report wait for the baseline, and what was read with them: under a limit that would leave no room.
+    if (outputs.memory != nullptr && outputs.pages != nullptr && outputs.report.known != nullptr) wanted = 1;
     Checking checking(outputs, files);
     std::vector<std::thread> threads;
     try {
