@@ -22,6 +22,11 @@ if(KESTREL_SANITIZE)
     target_link_options(kestrel_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(KESTREL_REPRODUCIBLE)
+    target_compile_options(kestrel_options INTERFACE
+        "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+endif()
+
 # Our rules for a target made of our own sources.
 function(kestrel_own_target target)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:kestrel_options>)
