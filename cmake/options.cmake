@@ -16,10 +16,15 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(kestrel_options INTERFACE -fconstexpr-steps=200000000)
 endif()
 target_compile_definitions(kestrel_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
-if(KESTREL_SANITIZE)
+if(KESTREL_SANITIZE STREQUAL "thread")
+    set(kestrel_sanitizers -fsanitize=thread)
+    target_compile_options(kestrel_options INTERFACE ${kestrel_sanitizers})
+    target_link_options(kestrel_options INTERFACE ${kestrel_sanitizers})
+elseif(KESTREL_SANITIZE)
+    set(kestrel_sanitizers -fsanitize=address,undefined)
     target_compile_options(kestrel_options INTERFACE
         -fsanitize=address,undefined,float-divide-by-zero,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(kestrel_options INTERFACE -fsanitize=address,undefined)
+    target_link_options(kestrel_options INTERFACE ${kestrel_sanitizers})
 endif()
 
 # Our rules for a target made of our own sources.
