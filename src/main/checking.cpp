@@ -1,12 +1,7 @@
 #include "main/checking.hpp"
 
 #include "findings/finding_log.hpp"
-#include "header/hdr.hpp"
-#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "main/version.hpp"
-#include "quality/advised.hpp"
-#include "quality/checks.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -20,56 +15,6 @@
 #include <utility>
 
 namespace kestrel {
-
-FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
-
-namespace {
-
-/// The version as the file's header gives it.
-std::optional<std::string> givenVersion(const Run& run) {
-    if (run.roots.empty()) return std::nullopt;
-    for (const Hdr& header : currentRoot(run).headers.newestFirst())
-        if (!header.ibis_version.empty()) return header.ibis_version;
-    return std::nullopt;
-}
-
-/// Hands on what the checks of advice say of the file that was read.
-void advise(const Run& run, std::string_view name) {
-    if (run.roots.empty()) return;
-    const Ibis& root = currentRoot(run);
-    std::string_view path = name;
-    for (const Hdr& header : root.headers.newestFirst())
-        if (header.file != nullptr) path = *header.file;
-    for (const Advice& advice : adviseOn(AdvisedFile(root, run.parse))) {
-        run.diagnostics.sink({.severity = Severity::adviceAtLine,
-                              .code = advice.code,
-                              .file = path,
-                              .line = advice.line,
-                              .shown_line = advice.line,
-                              .exact = advice.exact,
-                              .subject = advice.subject,
-                              .text = advice.text});
-    }
-}
-
-} // namespace
-
-void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
-    nameFile(run.diagnostics, name);
-    // The reader takes no longer names of these kinds.
-    if (name.size() >= kMaxPath && (kind == FileKind::pkg || kind == FileKind::ami)) return;
-    if (kind != FileKind::ami) {
-        const VersionSearch search = determineVersion(run, name, kind);
-        outcome.refused = search == VersionSearch::refused;
-        outcome.read = outcome.refused;
-        if (search != VersionSearch::found) return;
-    }
-    outcome.read = true;
-    outcome.checked = true;
-    const bool read = checkFile(run, name, kind);
-    outcome.read = read || kind != FileKind::ami;
-    outcome.version = givenVersion(run);
-}
 
 namespace {
 
@@ -147,7 +92,7 @@ private:
         const char* problem = nullptr;
         std::string text;
         try {
-            checkContained(job, account);
+            checkInTurn(job, account);
         } catch (const std::bad_alloc&) {
             problem = "Out of memory";
             if (account != nullptr && account->end() == MemoryEnd::crowded) throw Crowded{};
@@ -159,38 +104,22 @@ private:
         if (problem != nullptr) giveUp(job, problem);
     }
 
-    void checkContained(Job& job, MemoryAccount* account) {
+    void checkInTurn(Job& job, MemoryAccount* account) {
         const Charged charged(charge_to_, account);
         const std::string_view name = files_[job.place];
         if (outputs_.pages != nullptr)
             job.part = std::make_unique<ReportPart>(static_cast<std::uint32_t>(job.place + 1), name, kindOrIbs(name));
         Output printed = outputs_.announces ? Output() : Output::nowhere();
         std::size_t passed_on = 0;
-        bool found = false;
         Run run(printed, packages_);
         const auto take_printed = [&] {
             const std::string_view text = std::string_view(printed.text()).substr(passed_on);
             passed_on += text.size();
             return text;
         };
-        run.parse.takes_later = true;
-        run.ami_files.stay_in_folder = true;
-        run.diagnostics.on_assertion = OnAssertion::raise;
-        run.diagnostics.sink = [&](const Finding& finding) {
-            found = true;
-            give(job, take_printed(), finding);
-        };
-        try {
-            checkInRun(run, name, kindOrIbs(name), job.outcome);
-            if (outputs_.advises && job.outcome.checked) advise(run, name);
-        } catch (const AssertionFailed& failure) {
-            reportFailure(run.diagnostics, failure);
-            job.outcome.refused = job.outcome.refused || !job.outcome.checked;
-            job.outcome.read = true;
-        }
-        if (!job.outcome.read && outputs_.empty_is_found && !found)
-            name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
-                                   : errorText(run.diagnostics, "The name of the file is too long.");
+        run.diagnostics.sink = [&](const Finding& finding) { give(job, take_printed(), finding); };
+        checkContained(run, name, {.advises = outputs_.advises, .empty_is_found = outputs_.empty_is_found},
+                       job.outcome);
         requireMemory(account);
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)

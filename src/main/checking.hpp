@@ -1,23 +1,14 @@
 #pragma once
 
+#include "check/file_check.hpp"
 #include "findings/report.hpp"
 #include "main/file_list.hpp"
 #include "main/memory_limit.hpp"
 #include "main/progress.hpp"
 #include "main/report_file.hpp"
 #include "main/verimark.hpp"
-#include "reader/parse_state.hpp"
 
 namespace kestrel {
-
-struct Run;
-
-/// The kind of a file by its name. One without an extension that gives a kind is handled as that of an .ibs file, as
-/// kestrel does.
-[[nodiscard]] FileKind kindOrIbs(std::string_view name);
-
-/// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
-void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome);
 
 /// Tells something on the error output, behind what was printed so far.
 void tell(Output& out, Output& errors, std::string_view subject, std::string_view text);
