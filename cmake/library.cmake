@@ -13,11 +13,12 @@ target_include_directories(kestrel_shared INTERFACE
 target_compile_features(kestrel_shared INTERFACE cxx_std_20)
 target_link_libraries(kestrel_shared PRIVATE Threads::Threads)
 kestrel_own_target(kestrel_shared)
+kestrel_optimize_library(kestrel_shared)
 set(kestrel_exports "${PROJECT_SOURCE_DIR}/cmake/libkestrel.map")
 target_link_options(kestrel_shared PRIVATE "-Wl,--version-script=${kestrel_exports}")
 set_target_properties(kestrel_shared PROPERTIES
     OUTPUT_NAME kestrel EXPORT_NAME kestrel LINKER_LANGUAGE CXX LINK_DEPENDS "${kestrel_exports}"
-    VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}"
+    VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}"
     LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 add_library(kestrel::kestrel ALIAS kestrel_shared)
 

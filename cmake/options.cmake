@@ -49,3 +49,10 @@ function(kestrel_optimize_program target)
         target_link_options(${target} PRIVATE -flto=auto -O3 -static-libstdc++ -static-libgcc)
     endif()
 endfunction()
+
+# The same for a shared library, which leaves the standard library to the programs.
+function(kestrel_optimize_library target)
+    if(kestrel_ipo)
+        target_link_options(${target} PRIVATE -flto=auto -O3)
+    endif()
+endfunction()

@@ -465,7 +465,8 @@ struct Options {
 
 /// Checks the file of this name. The ending of the name says what kind of file it is: ".ibs", ".pkg", ".ebd" or ".ami";
 /// one without an ending is sought as an .ibs file. What is wrong with the file is a finding, also that there is none.
-/// Throws std::bad_alloc when memory runs out, and what a function of the options throws.
+/// Memory that runs out while the file is read is a finding as well; what was read until then is there. Elsewhere
+/// std::bad_alloc is thrown. What a function of the options throws is thrown on.
 [[nodiscard]] KESTREL_API File read(std::string_view name, const Options& options = {});
 
 /// The same for a content in memory. The name says what kind of file it is, and where its companions are.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <new>
 #include <stdexcept>
@@ -13,6 +14,25 @@
 #include <kestrel/kestrel.hpp>
 
 #include <gtest/gtest.h>
+
+namespace {
+
+/// How many requests for memory of this thread are granted before one is refused; below zero for all.
+thread_local long requests_left = -1;
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    if (requests_left == 0) {
+        requests_left = -1;
+        throw std::bad_alloc();
+    }
+    if (requests_left > 0) --requests_left;
+    if (void* const memory = std::malloc(size)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace {
 
@@ -374,6 +394,43 @@ TEST(Library, callersThatThrow) {
     options.list = [](std::string_view) -> std::vector<std::string> { throw 7; };
     EXPECT_THROW(static_cast<void>(readText("a.ibs", text, options)), int);
     EXPECT_TRUE(readText("a.ibs", text, companions.options()).packageModel("Two").has_value());
+}
+
+// Any one request for memory may be refused: that is thrown, or found, and nothing worse.
+TEST(Library, memoryThatRunsOut) {
+    const std::string text =
+        whole("a.ibs", kComponent +
+                           "[Package Model] Two\n[Pin] signal_name model_name\n1 A m\n2 B m\n[Model] m\n"
+                           "Model_type Output\n[Pulldown]\n0 0 0 0\n1 1 1 1\n");
+    const Companions companions{{{"x.pkg", whole("x.pkg", package("Two"))}}};
+    const std::string complete = walk(readText("a.ibs", text, Companions(companions).options()));
+    std::size_t thrown = 0;
+    std::size_t found = 0;
+    bool granted = false;
+    for (long request = 0; !granted && request < 100'000; ++request) {
+        Companions own = companions;
+        const Options options = own.options();
+        std::string copy = text;
+        try {
+            requests_left = request;
+            const File file = readText("a.ibs", std::move(copy), options);
+            granted = requests_left > 0;
+            requests_left = -1;
+            const bool says_so = std::ranges::any_of(file.findings(), [](const Finding& one) {
+                return one.code == "1906" || one.code == "1908"; // of the root record, and of all others
+            });
+            if (says_so) {
+                ++found;
+            } else {
+                EXPECT_EQ(walk(file), complete) << request;
+            }
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+    }
+    EXPECT_TRUE(granted);
+    EXPECT_GT(thrown, 5U);
+    EXPECT_GT(found, 5U);
 }
 
 TEST(Library, whatCannotBeChecked) {
