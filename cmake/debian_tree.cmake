@@ -11,8 +11,7 @@ endfunction()
 set(share "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share")
 set(doc "${share}/doc/${CPACK_PACKAGE_NAME}")
 file(MAKE_DIRECTORY "${doc}")
-file(INSTALL "${CPACK_KESTREL_SOURCES}/packaging/copyright" DESTINATION "${doc}"
-    PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+file(COPY_FILE "${CPACK_KESTREL_SOURCES}/packaging/copyright" "${doc}/copyright")
 
 # The time of the commit, by SOURCE_DATE_EPOCH; else now.
 string(TIMESTAMP day "%a, %d %b %Y %H:%M:%S +0000" UTC)
@@ -24,5 +23,6 @@ file(READ "${CPACK_KESTREL_SOURCES}/CHANGELOG.md" changelog)
 file(WRITE "${doc}/changelog" "${changelog}")
 
 file(GLOB pages "${share}/man/man*/*")
-file(CHMOD "${doc}/changelog" "${doc}/changelog.Debian" ${pages} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+file(CHMOD "${doc}/copyright" "${doc}/changelog" "${doc}/changelog.Debian" ${pages}
+    PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 run(gzip -9 -n "${doc}/changelog" "${doc}/changelog.Debian" ${pages})
