@@ -16,10 +16,20 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(kestrel_options INTERFACE -fconstexpr-steps=200000000)
 endif()
 target_compile_definitions(kestrel_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
-if(KESTREL_SANITIZE)
+if(KESTREL_SANITIZE STREQUAL "thread")
+    set(kestrel_sanitizers -fsanitize=thread)
+    target_compile_options(kestrel_options INTERFACE ${kestrel_sanitizers})
+    target_link_options(kestrel_options INTERFACE ${kestrel_sanitizers})
+elseif(KESTREL_SANITIZE)
+    set(kestrel_sanitizers -fsanitize=address,undefined)
     target_compile_options(kestrel_options INTERFACE
         -fsanitize=address,undefined,float-divide-by-zero,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(kestrel_options INTERFACE -fsanitize=address,undefined)
+    target_link_options(kestrel_options INTERFACE ${kestrel_sanitizers})
+endif()
+
+if(KESTREL_REPRODUCIBLE)
+    target_compile_options(kestrel_options INTERFACE
+        "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 endif()
 
 # Our rules for a target made of our own sources.
@@ -37,5 +47,12 @@ function(kestrel_optimize_program target)
     if(kestrel_ipo)
         # The parts of the library that are used come into the program: it starts sooner and takes a megabyte less.
         target_link_options(${target} PRIVATE -flto=auto -O3 -static-libstdc++ -static-libgcc)
+    endif()
+endfunction()
+
+# The same for a shared library, which leaves the standard library to the programs.
+function(kestrel_optimize_library target)
+    if(kestrel_ipo)
+        target_link_options(${target} PRIVATE -flto=auto -O3)
     endif()
 endfunction()

@@ -36,8 +36,9 @@ Memory allocateLarge(std::size_t& size) {
     const std::size_t page = size >= kLargePage ? kLargePage : kSmallPage;
     if (size > SIZE_MAX - page) throw std::bad_alloc();
     size = (size + page - 1) / page * page;
-    Memory memory(static_cast<std::byte*>(page == kLargePage ? std::aligned_alloc(page, size) : std::malloc(size)));
-    if (memory == nullptr) throw std::bad_alloc();
+    const std::align_val_t alignment{page == kLargePage ? page : alignof(std::max_align_t)};
+    // By the operator, so that a program may count it.
+    Memory memory(static_cast<std::byte*>(::operator new(size, alignment)), {alignment});
     preferLargePages(memory.get(), size);
     return memory;
 }

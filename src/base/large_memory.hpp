@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
+#include <new>
 
 namespace kestrel {
 
@@ -11,7 +11,8 @@ namespace kestrel {
 void preferLargePages(const void* memory, std::size_t size);
 
 struct FreeMemory {
-    void operator()(std::byte* memory) const { std::free(memory); }
+    std::align_val_t alignment{};
+    void operator()(std::byte* memory) const { ::operator delete(memory, alignment); }
 };
 using Memory = std::unique_ptr<std::byte[], FreeMemory>;
 

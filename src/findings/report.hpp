@@ -1,19 +1,11 @@
 #pragma once
 
+#include "diagnostics/file_outcome.hpp"
 #include "findings/baseline.hpp"
 #include "findings/format.hpp"
 #include "findings/ignored.hpp"
 
 namespace kestrel {
-
-/// What became of a file, apart from its findings.
-struct FileOutcome {
-    std::optional<std::string> version; ///< as the file gives it
-    bool checked = false;               ///< the checks ran
-    bool read = false;                  ///< the file could be read
-    bool refused = false;               ///< its version is not checked
-    bool failed = false;                ///< the check broke off
-};
 
 /// Where the findings of a call go, file by file in the order of the call: what is left out is taken away, the rest is
 /// counted and written in the form that is wanted.

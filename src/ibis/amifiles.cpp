@@ -18,8 +18,9 @@ std::string normal(const std::filesystem::path& path) { return path.lexically_no
 
 /// True when the path leads to a file that was found under another spelling. Behind a folder that is not there ".."
 /// leads nowhere.
-bool wasFound(const AmiFiles& files, const std::filesystem::path& path) {
+bool wasFound(const AmiFiles& files, const SourceStore& sources, const std::filesystem::path& path) {
     if (!files.paths.contains(normal(path))) return false;
+    if (sources.give) return true; // there are no folders but on the disk
     std::error_code failure;
     return path.string().find("..") == std::string::npos || std::filesystem::is_directory(path.parent_path(), failure);
 }
@@ -43,7 +44,7 @@ void checkAmiFile(Context& context, AmiFiles& files, const Mdl& model, const std
                     "Parameter file '%s' of Model '%s' is outside of the folder and is not checked", name, model.name);
         return;
     }
-    if (wasFound(files, path)) return;
+    if (wasFound(files, context.sources, path)) return;
     // One in a folder is sought from where the .ibs file is; a bare name is sought there anyhow.
     const std::string& opened = name.find_first_of(kSeparators) == std::string::npos ? name : path;
     std::optional<Source> source;

@@ -27,7 +27,13 @@ bool isPkgFile(std::string_view file) {
 std::vector<std::string> listPkgFiles(const SourceStore& sources, const std::string& directory) {
     std::vector<std::string> files;
     std::error_code failure;
-    std::filesystem::directory_iterator entry(directory.empty() ? "." : directory, failure);
+    std::filesystem::directory_iterator entry;
+    if (sources.list) {
+        for (std::string& file : sources.list(directory))
+            if (isPkgFile(file)) files.push_back(std::move(file));
+    } else {
+        entry = std::filesystem::directory_iterator(directory.empty() ? "." : directory, failure);
+    }
     while (!failure && entry != std::filesystem::directory_iterator()) {
         std::string file = entry->path().filename().string();
         std::error_code unknown;
@@ -99,8 +105,8 @@ private:
 std::vector<PkgName> scanFile(const SourceStore& sources, const std::string& path) {
     NameScan scan;
     if (path.size() > kMaxPath) return {};
-    if (const auto given = sources.texts.find(path); given != sources.texts.end()) {
-        scan.take(*given->second);
+    if (const std::optional<SourceText> given = sources.find(path)) {
+        if (*given != nullptr) scan.take(**given);
         return scan.finish();
     }
     std::error_code failure;

@@ -1,12 +1,7 @@
 #include "main/checking.hpp"
 
 #include "findings/finding_log.hpp"
-#include "header/hdr.hpp"
-#include "ibis/parse.hpp"
 #include "ibis/run.hpp"
-#include "main/version.hpp"
-#include "quality/advised.hpp"
-#include "quality/checks.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -20,56 +15,6 @@
 #include <utility>
 
 namespace kestrel {
-
-FileKind kindOrIbs(std::string_view name) { return kindOfName(name).value_or(FileKind::ibs); }
-
-namespace {
-
-/// The version as the file's header gives it.
-std::optional<std::string> givenVersion(const Run& run) {
-    if (run.roots.empty()) return std::nullopt;
-    for (const Hdr& header : currentRoot(run).headers.newestFirst())
-        if (!header.ibis_version.empty()) return header.ibis_version;
-    return std::nullopt;
-}
-
-/// Hands on what the checks of advice say of the file that was read.
-void advise(const Run& run, std::string_view name) {
-    if (run.roots.empty()) return;
-    const Ibis& root = currentRoot(run);
-    std::string_view path = name;
-    for (const Hdr& header : root.headers.newestFirst())
-        if (header.file != nullptr) path = *header.file;
-    for (const Advice& advice : adviseOn(AdvisedFile(root, run.parse))) {
-        run.diagnostics.sink({.severity = Severity::adviceAtLine,
-                              .code = advice.code,
-                              .file = path,
-                              .line = advice.line,
-                              .shown_line = advice.line,
-                              .exact = advice.exact,
-                              .subject = advice.subject,
-                              .text = advice.text});
-    }
-}
-
-} // namespace
-
-void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
-    nameFile(run.diagnostics, name);
-    // The reader takes no longer names of these kinds.
-    if (name.size() >= kMaxPath && (kind == FileKind::pkg || kind == FileKind::ami)) return;
-    if (kind != FileKind::ami) {
-        const VersionSearch search = determineVersion(run, name, kind);
-        outcome.refused = search == VersionSearch::refused;
-        outcome.read = outcome.refused;
-        if (search != VersionSearch::found) return;
-    }
-    outcome.read = true;
-    outcome.checked = true;
-    const bool read = checkFile(run, name, kind);
-    outcome.read = read || kind != FileKind::ami;
-    outcome.version = givenVersion(run);
-}
 
 namespace {
 
@@ -90,11 +35,19 @@ struct Job {
 /// Thrown to end a check whose results nobody gets any more.
 struct Stopped {};
 
+/// Thrown to end a check that is done again when its file has its turn.
+struct Crowded {};
+
 /// The check of a list of files. Whose turn it is owns the report: the thread that checks the first file that is not
 /// done, and for files that wait the thread that was before them.
 class Checking {
 public:
-    Checking(const CheckOutputs& outputs, const FileList& files) : outputs_(outputs), files_(files) {}
+    Checking(const CheckOutputs& outputs, const FileList& files) : outputs_(outputs), files_(files) {
+        if (outputs.memory == nullptr) return;
+        charge_to_ = outputs.memory->charge_to;
+        budget_.limit = outputs.memory->bytes;
+        over_limit_.append("More memory than --max-memory=").append(outputs.memory->shown).append(" is needed");
+    }
 
     /// Checks files until there are no more; called by each thread.
     void work() {
@@ -116,12 +69,34 @@ private:
     [[nodiscard]] bool hasTurn(const Job& job) const { return turn_.load(std::memory_order_acquire) == job.place; }
 
     void check(Job& job) {
+        if (outputs_.memory == nullptr) {
+            checkWithin(job, nullptr);
+            return;
+        }
+        try {
+            checkLimited(job);
+            return;
+        } catch (const Crowded&) {
+            job = Job{job.place};
+        }
+        waitForTurn(job);
+        checkLimited(job);
+    }
+
+    void checkLimited(Job& job) {
+        MemoryAccount account(budget_, turn_, job.place);
+        checkWithin(job, &account);
+    }
+
+    void checkWithin(Job& job, MemoryAccount* account) {
         const char* problem = nullptr;
         std::string text;
         try {
-            checkContained(job);
+            checkInTurn(job, account);
         } catch (const std::bad_alloc&) {
             problem = "Out of memory";
+            if (account != nullptr && account->end() == MemoryEnd::crowded) throw Crowded{};
+            if (account != nullptr && account->end() == MemoryEnd::over) problem = over_limit_.c_str();
         } catch (const std::exception& failure) {
             text = failure.what();
             problem = text.c_str();
@@ -129,41 +104,33 @@ private:
         if (problem != nullptr) giveUp(job, problem);
     }
 
-    void checkContained(Job& job) {
+    void checkInTurn(Job& job, MemoryAccount* account) {
+        const Charged charged(charge_to_, account);
         const std::string_view name = files_[job.place];
         if (outputs_.pages != nullptr)
             job.part = std::make_unique<ReportPart>(static_cast<std::uint32_t>(job.place + 1), name, kindOrIbs(name));
         Output printed = outputs_.announces ? Output() : Output::nowhere();
         std::size_t passed_on = 0;
-        bool found = false;
         Run run(printed, packages_);
         const auto take_printed = [&] {
             const std::string_view text = std::string_view(printed.text()).substr(passed_on);
             passed_on += text.size();
             return text;
         };
-        run.parse.takes_later = true;
-        run.ami_files.stay_in_folder = true;
-        run.diagnostics.on_assertion = OnAssertion::raise;
-        run.diagnostics.sink = [&](const Finding& finding) {
-            found = true;
-            give(job, take_printed(), finding);
-        };
-        try {
-            checkInRun(run, name, kindOrIbs(name), job.outcome);
-            if (outputs_.advises && job.outcome.checked) advise(run, name);
-        } catch (const AssertionFailed& failure) {
-            reportFailure(run.diagnostics, failure);
-            job.outcome.refused = job.outcome.refused || !job.outcome.checked;
-            job.outcome.read = true;
-        }
-        if (!job.outcome.read && outputs_.empty_is_found && !found)
-            name.size() < kMaxPath ? errorText(run.diagnostics, "The file is empty.")
-                                   : errorText(run.diagnostics, "The name of the file is too long.");
+        run.diagnostics.sink = [&](const Finding& finding) { give(job, take_printed(), finding); };
+        checkContained(run, name, {.advises = outputs_.advises, .empty_is_found = outputs_.empty_is_found},
+                       job.outcome);
+        requireMemory(account);
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)
             job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
         writePart(job, &run);
+        requireMemory(account);
+    }
+
+    /// Ends a check that was refused memory and went on without it.
+    static void requireMemory(const MemoryAccount* account) {
+        if (account != nullptr && account->end() != MemoryEnd::none) throw std::bad_alloc();
     }
 
     /// Writes the file's part of the report while what was read is there. What a baseline leaves out is known when the
@@ -208,11 +175,17 @@ private:
     void give(Job& job, std::string_view printed, const Finding& finding) {
         constexpr std::size_t kMostKept = std::size_t{1} << 20;
         if (stopped_.load(std::memory_order_relaxed)) throw Stopped{};
+        const Charged not_charged(charge_to_, nullptr);
+        MemoryAccount* const account = not_charged.before();
+        requireMemory(account);
         if (job.part && outputs_.report.known == nullptr && outputs_.report.regards(finding))
             job.part->findings.add(finding);
         if (!hasTurn(job)) {
             job.log.add(printed, finding);
-            if (job.log.size() >= kMostKept) waitForTurn(job);
+            if (job.log.size() < kMostKept) return;
+            if (account != nullptr) account->makeRoom(); // nobody waits with memory that others need
+            requireMemory(account);
+            waitForTurn(job);
             return;
         }
         passOn(job);
@@ -333,6 +306,10 @@ private:
     std::map<std::size_t, Job> waiting_;
     std::size_t waiting_size_ = 0;
 
+    ChargeTo charge_to_ = chargeNone;
+    MemoryBudget budget_{.limit = 0};
+    std::string over_limit_; // what is said of a file that needs too much
+
     // Of the thread whose turn it is.
     VerimarkStatus status_ = kAllPassed;
     bool begun_ = false; // the report knows of the file
@@ -352,7 +329,9 @@ void tell(Output& out, Output& errors, std::string_view subject, std::string_vie
 
 VerimarkStatus checkAll(const CheckOutputs& outputs, const FileList& files, unsigned jobs) {
     const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
-    const std::size_t wanted = std::min<std::size_t>(jobs != 0 ? jobs : processors, files.size());
+    std::size_t wanted = std::min<std::size_t>(jobs != 0 ? jobs : processors, files.size());
+    // Parts of a report wait for the baseline, and what was read with them: under a limit that would leave no room.
+    if (outputs.memory != nullptr && outputs.pages != nullptr && outputs.report.known != nullptr) wanted = 1;
     Checking checking(outputs, files);
     std::vector<std::thread> threads;
     try {

@@ -1,22 +1,14 @@
 #pragma once
 
+#include "check/file_check.hpp"
 #include "findings/report.hpp"
 #include "main/file_list.hpp"
+#include "main/memory_limit.hpp"
 #include "main/progress.hpp"
 #include "main/report_file.hpp"
 #include "main/verimark.hpp"
-#include "reader/parse_state.hpp"
 
 namespace kestrel {
-
-struct Run;
-
-/// The kind of a file by its name. One without an extension that gives a kind is handled as that of an .ibs file, as
-/// kestrel does.
-[[nodiscard]] FileKind kindOrIbs(std::string_view name);
-
-/// Checks one file in a run of its own. What has become of it is right at any time, whatever ends the check.
-void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome);
 
 /// Tells something on the error output, behind what was printed so far.
 void tell(Output& out, Output& errors, std::string_view subject, std::string_view text);
@@ -26,15 +18,17 @@ struct CheckOutputs {
     Output& out;
     Output& errors;
     Report& report;
-    Progress* progress;  ///< null when nobody looks
-    ReportFile* pages;   ///< null when no report is wanted
-    bool announces;      ///< what is said ahead of the findings is printed to `out`
-    bool advises;        ///< files that were read get advice
-    bool empty_is_found; ///< a file that cannot be read gives a finding in any case
+    Progress* progress;        ///< null when nobody looks
+    ReportFile* pages;         ///< null when no report is wanted
+    const MemoryLimit* memory; ///< null for none
+    bool announces;            ///< what is said ahead of the findings is printed to `out`
+    bool advises;              ///< files that were read get advice
+    bool empty_is_found;       ///< a file that cannot be read gives a finding in any case
 };
 
 /// Checks files, `jobs` at a time, each in a run of its own, and reports what is found in their order. What waits for
-/// an earlier file is bounded: who has more has to wait itself. Ends early when `out` fails.
+/// an earlier file is bounded: who has more has to wait itself. All checks together take no more memory than the limit;
+/// a file that does not fit beside others is checked again when it has its turn. Ends early when `out` fails.
 [[nodiscard]] VerimarkStatus checkAll(const CheckOutputs& outputs, const FileList& files, unsigned jobs);
 
 } // namespace kestrel

@@ -6,10 +6,12 @@
 #include "reader/source.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -64,51 +66,82 @@ void pairFolders(std::vector<FilePair>& pairs, const Folder& was, const Folder& 
     }
 }
 
+/// The memory of a pair: what is read of both files, and what the comparison takes beside that.
+struct PairMemory {
+    const MemoryLimit* limit; ///< null for none
+    MemoryBudget budget{.limit = limit != nullptr ? limit->bytes : 0};
+    const std::atomic<std::size_t> turn = 0;
+
+    /// Counts a part of it, where memory is limited. No part goes first: they are not done again.
+    void open(std::optional<MemoryAccount>& account) {
+        if (limit != nullptr) account.emplace(budget, turn, 1);
+    }
+};
+
+/// Does a part of the work on a pair. Why there is nothing to compare is returned; an empty text when there is.
+template <class Work>
+std::string problemOf(const MemoryLimit* limit, std::optional<MemoryAccount>& account, const Work& work) {
+    const auto has_enough = [&] { return !account || account->end() == MemoryEnd::none; };
+    try {
+        const Charged charged(limit != nullptr ? limit->charge_to : chargeNone, account ? &*account : nullptr);
+        work();
+        if (has_enough()) return {};
+    } catch (const std::bad_alloc&) {
+        if (has_enough()) return ": out of memory; not compared";
+    } catch (const std::exception& failure) {
+        return std::string(": ").append(failure.what()).append("; not compared");
+    }
+    return std::string(": more memory than --max-memory=").append(limit->shown).append(" is needed; not compared");
+}
+
 /// A file that is read to be compared.
 struct ReadFile {
     std::string_view name;
     Output nowhere = Output::nowhere();
+    std::optional<MemoryAccount> account{};
     std::unique_ptr<Run> run{};
     FileOutcome outcome{};
     std::int64_t more_errors = 0; ///< what broke the check off
     std::string problem{};        ///< why it cannot be compared; empty when it can
 };
 
-void readFile(ReadFile& file) {
+void readInRun(ReadFile& file) {
+    file.run = std::make_unique<Run>(file.nowhere);
+    Run& run = *file.run;
+    run.parse.takes_later = true;
+    run.diagnostics.on_assertion = OnAssertion::raise;
+    run.diagnostics.sink = [](const Finding&) {};
     try {
-        file.run = std::make_unique<Run>(file.nowhere);
-        Run& run = *file.run;
-        run.parse.takes_later = true;
-        run.diagnostics.on_assertion = OnAssertion::raise;
-        run.diagnostics.sink = [](const Finding&) {};
-        try {
-            checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
-        } catch (const AssertionFailed&) {
-            file.more_errors = 1;
-        }
-        if (!file.outcome.read) {
-            file.problem = ": cannot be read, or is empty; not compared";
-        } else if (!file.outcome.checked || run.roots.empty() || currentRoot(run).headers.empty()) {
-            file.problem = ": its version is not checked; not compared";
-        }
-    } catch (const std::bad_alloc&) {
-        file.problem = ": out of memory; not compared";
-    } catch (const std::exception& failure) {
-        file.problem = std::string(": ").append(failure.what()).append("; not compared");
+        checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
+    } catch (const AssertionFailed&) {
+        file.more_errors = 1;
+    }
+}
+
+void readFile(ReadFile& file, PairMemory& memory) {
+    memory.open(file.account);
+    file.problem = problemOf(memory.limit, file.account, [&] { readInRun(file); });
+    if (!file.problem.empty()) {
+        file.run.reset();
+        file.account.reset();
+    } else if (!file.outcome.read) {
+        file.problem = ": cannot be read, or is empty; not compared";
+    } else if (!file.outcome.checked || file.run->roots.empty() || currentRoot(*file.run).headers.empty()) {
+        file.problem = ": its version is not checked; not compared";
     }
 }
 
 /// Reads both, at the same time where that is wanted and there is a thread for it.
-void readBoth(ReadFile& was, ReadFile& is, bool together) {
+void readBoth(ReadFile& was, ReadFile& is, PairMemory& memory, bool together) {
     std::thread helper;
     if (together) {
         try {
-            helper = std::thread([&was] { readFile(was); });
+            helper = std::thread([&] { readFile(was, memory); });
         } catch (const std::system_error&) { // then one after the other
         }
     }
-    readFile(is);
-    helper.joinable() ? helper.join() : readFile(was);
+    readFile(is, memory);
+    helper.joinable() ? helper.join() : readFile(was, memory);
 }
 
 ComparedPath pathOf(const ReadFile& file) {
@@ -128,19 +161,19 @@ public:
         : outputs_(outputs), settings_(settings), together_(together) {}
 
     void compare(std::string_view old_name, std::string_view new_name) {
+        PairMemory memory{outputs_.memory};
         ReadFile was{.name = old_name};
         ReadFile is{.name = new_name};
-        readBoth(was, is, together_);
+        readBoth(was, is, memory, together_);
         ComparedPair pair{.was = pathOf(was), .is = pathOf(is)};
         ++totals_.pairs;
         FileChanges changes;
         if (was.problem.empty() && is.problem.empty()) {
-            try {
-                changes = compareFiles(comparedFile(was), comparedFile(is), settings_);
-                pair.changes = &changes;
-            } catch (const std::bad_alloc&) {
-                is.problem = ": out of memory; not compared";
-            }
+            std::optional<MemoryAccount> account;
+            memory.open(account);
+            is.problem = problemOf(memory.limit, account,
+                                   [&] { changes = compareFiles(comparedFile(was), comparedFile(is), settings_); });
+            if (is.problem.empty()) pair.changes = &changes;
         }
         outputs_.format.pair(pair);
         for (const ReadFile* const file : {&was, &is})
@@ -208,7 +241,9 @@ bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::str
 
 VerimarkStatus compareAll(const ComparedOutputs& outputs, const FilePairs& pairs, const CompareSettings& settings,
                           unsigned jobs) {
-    const bool together = jobs != 1 && (jobs > 1 || std::thread::hardware_concurrency() > 1);
+    // One after the other, so that it is always the same file that needs too much.
+    const bool together =
+        outputs.memory == nullptr && jobs != 1 && (jobs > 1 || std::thread::hardware_concurrency() > 1);
     Comparing comparing(outputs, settings, together);
     for (const FilePair& pair : pairs.pairs) {
         if (pair.was == FilePair::kNone) {

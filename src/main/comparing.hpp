@@ -2,6 +2,7 @@
 
 #include "compare/output.hpp"
 #include "main/file_list.hpp"
+#include "main/memory_limit.hpp"
 #include "main/verimark.hpp"
 
 #include <cstddef>
@@ -33,10 +34,12 @@ struct ComparedOutputs {
     Output& out;
     Output& errors;
     CompareFormat& format;
+    const MemoryLimit* memory; ///< null for none; holds for what is read of a pair and its comparison
 };
 
-/// Compares the pairs one after the other, the two files of each read at the same time unless `jobs` is 1. As of diff:
-/// kAllPassed when nothing differs, kSomeFailed when something does, kTrouble when files could not be compared.
+/// Compares the pairs one after the other, the two files of each read at the same time unless `jobs` is 1 or memory is
+/// limited. As of diff: kAllPassed when nothing differs, kSomeFailed when something does, kTrouble when files could not
+/// be compared.
 [[nodiscard]] VerimarkStatus compareAll(const ComparedOutputs& outputs, const FilePairs& pairs,
                                         const CompareSettings& settings, unsigned jobs);
 

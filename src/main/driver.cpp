@@ -5,7 +5,7 @@
 #include "main/dump.hpp"
 #include "main/options.hpp"
 #include "main/usage.hpp"
-#include "main/version.hpp"
+#include "check/version.hpp"
 
 #include <new>
 

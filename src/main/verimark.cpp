@@ -96,6 +96,7 @@ struct Call {
     std::FILE* in;
     const VerimarkOptions& options;
     Temporaries& temporaries;
+    const MemoryLimit* memory; ///< null for none
     FileList files{};
     FilePairs pairs{};
     bool all_listed = true;
@@ -246,6 +247,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .report = report,
                                .progress = nullptr,
                                .pages = reports ? &pages : nullptr,
+                               .memory = call.memory,
                                .announces = is_text && !options.quiet,
                                .advises = wantsAdvice(options),
                                .empty_is_found = !is_text};
@@ -288,7 +290,7 @@ std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
         .version = kCheckerVersion, .settings = options.compare, .quiet = options.quiet};
     const auto format =
         options.format == FormatKind::json ? makeCompareJson(out, settings) : makeCompareText(out, settings);
-    const ComparedOutputs outputs{.out = out, .errors = call.errors, .format = *format};
+    const ComparedOutputs outputs{.out = out, .errors = call.errors, .format = *format, .memory = call.memory};
     const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, options.jobs);
     if (out.failed()) return std::nullopt;
     return call.all_listed ? status : kTrouble;
@@ -326,13 +328,20 @@ VerimarkStatus performTo(const Call& call, std::string_view output) {
 }
 
 /// Does what the arguments ask for.
-VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
+VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in,
+                    ChargeTo charge_to) {
     const auto read = readVerimarkOptions(arguments);
     const Trouble trouble(out, errors);
     if (const WrongCall* const wrong = std::get_if<WrongCall>(&read)) return trouble(wrong->argument, wrong->text);
     const auto& options = std::get<VerimarkOptions>(read);
     Temporaries temporaries;
-    Call call{.out = out, .errors = errors, .in = in, .options = options, .temporaries = temporaries};
+    const MemoryLimit memory{.bytes = options.max_memory, .shown = options.max_memory_shown, .charge_to = charge_to};
+    Call call{.out = out,
+              .errors = errors,
+              .in = in,
+              .options = options,
+              .temporaries = temporaries,
+              .memory = options.max_memory != 0 && charge_to != nullptr ? &memory : nullptr};
     std::unique_ptr<Progress> progress;
     if (options.task == Task::check) {
         call.all_listed = listFiles(call.files, options.files, in, trouble);
@@ -360,10 +369,11 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
 
 } // namespace
 
-int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in) {
+int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in,
+                ChargeTo charge_to) {
     VerimarkStatus status = kTrouble;
     try {
-        status = obey(out, errors, arguments, in);
+        status = obey(out, errors, arguments, in, charge_to);
     } catch (const std::bad_alloc&) { // outside of the check of any file
         out.flush();
         errors.write("verimark: out of memory\n");

@@ -1,7 +1,9 @@
 #include "base/output.hpp"
+#include "main/counted_new.hpp"
 #include "main/verimark.hpp"
 
 #include <csignal>
+#include <cstdio>
 #include <string_view>
 #include <vector>
 
@@ -12,5 +14,5 @@ int main(int count, char** values) {
     std::signal(SIGXFSZ, SIG_IGN);
     kestrel::Output out(stdout);
     kestrel::Output errors(stderr);
-    return kestrel::runVerimark(out, errors, arguments);
+    return kestrel::runVerimark(out, errors, arguments, stdin, kestrel::chargeTo);
 }

@@ -64,6 +64,22 @@ std::string setJobs(VerimarkOptions& options, std::string_view value) {
     return right ? std::string() : "it takes a number from 1 to " + std::to_string(kMost);
 }
 
+/// Takes bytes, or with a letter that many times 1024, 1024 squared or 1024 cubed of them.
+std::string setMaxMemory(VerimarkOptions& options, std::string_view value) {
+    constexpr std::string_view kUnits = "KMG";
+    constexpr std::size_t kMost = std::size_t{1} << 62;
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, options.max_memory);
+    const std::string_view unit(read.ptr, end);
+    const std::size_t place = unit.empty() ? kUnits.size() : kUnits.find(toUpper(unit.front()));
+    const std::size_t scale = unit.empty() ? 1 : std::size_t{1024} << (10 * std::min(place, kUnits.size()));
+    const bool right = read.ec == std::errc{} && unit.size() <= 1 && place <= kUnits.size() && options.max_memory > 0 &&
+                       options.max_memory <= kMost / scale;
+    options.max_memory *= scale;
+    options.max_memory_shown = value;
+    return right ? std::string() : "it takes a size such as 512K, 500M or 2G";
+}
+
 std::string setTolerance(VerimarkOptions& options, std::string_view value) {
     constexpr double kMost = 100;
     double& tolerance = options.compare.tolerance;
@@ -125,6 +141,7 @@ constexpr OptionRow kOptions[] = {
     {0, "baseline", "FILE", G::findings, "leaves out the findings that it lists", {}, keepPath<&V::baseline>},
     {0, "write-baseline", "FILE", G::findings, "lists the findings there", {}, keepPath<&V::write_baseline>},
     {'j', "jobs", "N", G::files, "checks N files at a time; as many as processors", {}, setJobs},
+    {0, "max-memory", "SIZE", G::files, "a file that needs more fails; such as 500M or 2G", {}, setMaxMemory},
     {0, "progress", "WHEN", G::files, "auto, always or never: shows how far it is", kWhen, setProgress},
     {0, "compare", "", G::compare, "compares two files or folders: --compare OLD NEW", {}, setTask<Task::compare>},
     {0, "tolerance", "PERCENT", G::compare, "changes up to so much are none; 1", {}, setTolerance},

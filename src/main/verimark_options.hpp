@@ -46,8 +46,10 @@ struct VerimarkOptions {
     bool quiet = false;
     unsigned jobs = 0; ///< files to check at the same time; 0 for as many as there are processors
     When progress = When::automatic;
-    std::string_view explained; ///< a code or a text about which somebody asks
-    std::string_view shell;     ///< for which completions are wanted
+    std::size_t max_memory = 0;        ///< bytes that the checks may take; 0 for any
+    std::string_view max_memory_shown; ///< as it was given
+    std::string_view explained;        ///< a code or a text about which somebody asks
+    std::string_view shell;            ///< for which completions are wanted
 };
 
 /// True when advice is wanted, which it is where it may fail a file.

@@ -15,9 +15,9 @@ namespace {
 
 /// Opens the text that a caller gave under this path, or the file.
 std::optional<ByteSource> openBytes(const Context& context, const std::string& path) {
-    const auto& texts = context.sources.texts;
-    if (const auto given = texts.find(path); given != texts.end()) return ByteSource(given->second);
-    return ByteSource::open(path);
+    const std::optional<SourceText> given = context.sources.find(path);
+    if (!given) return ByteSource::open(path);
+    return *given == nullptr ? std::nullopt : std::optional(ByteSource(*given));
 }
 
 void reportExtension(Diagnostics& diagnostics, FileKind kind) {

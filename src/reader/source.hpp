@@ -7,11 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace kestrel {
 
@@ -28,9 +30,21 @@ inline constexpr std::size_t kNoCapacity = static_cast<std::size_t>(-1);
 /// The bytes of a source file that a caller has in memory; shared by whoever reads it, never changed.
 using SourceText = std::shared_ptr<const std::string>;
 
-/// Source texts in memory, put in by a caller, by path; found like files.
+/// Where source files are found, by path: texts in memory that a caller has put in, then whatever is in place of the
+/// disk.
 struct SourceStore {
     TextMap<SourceText> texts;
+    /// Gives the text under a path, null for none; without a value the disk is asked. It is called as often as somebody
+    /// looks.
+    std::function<std::optional<SourceText>(const std::string& path)> give;
+    /// Lists the bare names of the files in a folder in place of the disk; the prefix ends with its separator.
+    std::function<std::vector<std::string>(const std::string& prefix)> list;
+
+    /// Nothing where the disk is to be asked, null where there is no such text.
+    [[nodiscard]] std::optional<SourceText> find(const std::string& path) const {
+        if (const auto given = texts.find(path); given != texts.end()) return given->second;
+        return give ? give(path) : std::nullopt;
+    }
 };
 
 /// The bytes of an opened source, from the disk or from memory, handed out once from the first to the last.

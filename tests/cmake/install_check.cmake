@@ -1,22 +1,21 @@
-# Installs the BUILD tree into an empty prefix and runs what is there: each of the PROGRAMS, installed in BINARIES, has
-# to do the same with the SAMPLE as the one in BUILT at its place. Its manual page comes along, in MANUALS.
+# Installs the BUILD tree into the empty PREFIX, where all FILES and no others have to be then, and runs what is there:
+# each of the PROGRAMS, installed in BINARIES, has to do the same with the SAMPLE as the one in BUILT at its place.
 
-set(prefix "${BUILD}/tests/installed")
-file(REMOVE_RECURSE "${prefix}")
-execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}"
+file(REMOVE_RECURSE "${PREFIX}")
+execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${PREFIX}"
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
 if(NOT status EQUAL 0)
     message(FATAL_ERROR "The installation failed:\n${output}")
 endif()
+file(GLOB_RECURSE files RELATIVE "${PREFIX}" "${PREFIX}/*")
+list(SORT files)
+list(SORT FILES)
+if(NOT files STREQUAL FILES)
+    message(FATAL_ERROR "installed: ${files}\nexpected:  ${FILES}")
+endif()
 
 foreach(program built IN ZIP_LISTS PROGRAMS BUILT)
-    set(installed "${prefix}/${BINARIES}/${program}")
-    foreach(file IN ITEMS "${installed}" "${prefix}/${MANUALS}/${program}.1")
-        if(NOT EXISTS "${file}")
-            message(FATAL_ERROR "Not installed: ${file}\n${output}")
-        endif()
-    endforeach()
-
+    set(installed "${PREFIX}/${BINARIES}/${program}")
     execute_process(COMMAND "${built}" "${SAMPLE}"
         RESULT_VARIABLE built_status OUTPUT_VARIABLE built_output ERROR_VARIABLE built_errors)
     execute_process(COMMAND "${installed}" "${SAMPLE}"

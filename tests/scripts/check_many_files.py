@@ -176,6 +176,62 @@ def contained():
            (result.returncode, [file["verdict"] for file in files]))
 
 
+def usage(*arguments):
+    """The peak memory of a call in bytes."""
+    process = subprocess.Popen([PROGRAM, *arguments], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    return os.wait4(process.pid, 0)[2].ru_maxrss << 10
+
+
+def memory():
+    pins = "".join(f"P{i} net{i} GND\n" for i in range(100000))
+    for name in ("big1", "big2", "big3", "big4"):
+        write(f"memory/{name}.ibs", GOOD.format(name + ".ibs", "").replace("1 VCC POWER\n", pins))
+    write("memory/faults.ibs", GOOD.format("faults.ibs", "[Fault]\n" * 30000))
+    write("memory/small.ibs", GOOD.format("small.ibs", "[Fault]\n"))
+    names = [f"memory/{name}.ibs" for name in ("big1", "big2", "big3", "big4", "faults", "small")]
+    text = "More memory than --max-memory={} is needed; the check ends here."
+    # Too little for a large file.
+    for form in ("text", "json"):
+        alone = run("-j1", "-f", form, "--max-memory=1m", *names)
+        for jobs in ("-j2", "-j16"):
+            many = run(jobs, "-f", form, "--max-memory=1m", *names)
+            expect(f"too little memory, {form} {jobs}", (alone.stdout, alone.stderr, 1),
+                   (many.stdout, many.stderr, many.returncode))
+    files = json.loads(alone.stdout)["files"]
+    expect("which of them fail", [(1, text.format("1m"))] * 4 + [(30000, "Invalid Keyword: Fault"), (1, "Invalid Keyword: Fault")],
+           [(len(file["findings"]), file["findings"][-1]["message"]) for file in files])
+    expect("a limit in which nothing can be read", [text.format("1")] * 6,
+           [file["findings"][-1]["message"] for file in json.loads(run("-fjson", "--max-memory=1", *names).stdout)["files"]])
+    old, new = "memory/small.ibs", "memory/big1.ibs"
+    result = run("--compare", "--max-memory=1M", old, new)
+    expect("too little memory to compare", (2, f"verimark: {new}: more memory than --max-memory=1M is needed; not compared\n"),
+           (result.returncode, result.stderr.decode()))
+    # Enough for one at a time.
+    need = (usage("-j1", new) - usage("-j1", old)) if not SANITIZED else 40 << 20
+    limit = need * 3 // 2
+    for more in ([], ["--report=memory.html"], ["--report=memory.html", "--baseline=memory.txt"]):
+        run("--write-baseline=memory.txt", "memory/small.ibs")
+        alone = run("-j1", *more, *names)
+        page = read("memory.html") if more else b""
+        many = run("-j8", f"--max-memory={limit}", *more, *names)
+        expect(f"one at a time {more}", (alone.stdout, alone.stderr, page),
+               (many.stdout, many.stderr, read("memory.html") if more else b""))
+    expect("compared", 1, run("--compare", f"--max-memory={limit}", old, new).returncode)
+    if SANITIZED:
+        return
+    most = limit + usage("-j1", old) + (10 << 20)
+    for call in (["-j1", *names[:4]], ["-j8", *names[:4]], ["--report=memory.html", *names[:4]], ["--compare", *names[:2]]):
+        expect(f"what {call[:2]} takes is bounded", True, usage(f"--max-memory={limit}", *call) <= most)
+    # Without a limit of our own the system has one.
+    least = 30 << 20
+    little = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_AS, (least, least))}
+    result = run("-j1", "-fjson", "--report=memory.html", *names, **little)
+    expect("a report with little memory", (1, 6, True), (result.returncode, len(json.loads(result.stdout)["files"]),
+                                                         read("memory.html").endswith(b"</html>\n")))
+    result = run("-j1", "--compare", new, "memory/big2.ibs", **little)
+    expect("a comparison with little memory", (2, True), (result.returncode, b"out of memory; not compared" in result.stderr))
+
+
 def packages():
     """Many files beside many .pkg files list and scan the folder once."""
     for i in range(30):
@@ -365,7 +421,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
         names = library()
-        for check in (lambda: in_order(names), lists, contained, packages, signals, pipes, progress):
+        for check in (lambda: in_order(names), lists, contained, memory, packages, signals, pipes, progress):
             check()
         os.chdir("/")
     print("all is well")

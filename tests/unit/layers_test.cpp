@@ -40,12 +40,16 @@ const std::map<std::string, Names>& allowed() {
         {"board", kWith(kReading, {"package"})},
         {"ibis", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board"})},
         {"quality", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis"})},
+        {"check", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                   "quality"})},
+        {"api", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
+                                 "quality", "check"})},
         {"compare", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
                                      "findings", "quality"})},
         {"report", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
                                     "findings", "quality", "topics"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                  "findings", "quality", "report", "compare", "topics"})},
+                                  "findings", "quality", "check", "report", "compare", "topics"})},
     };
     return kAllowed;
 }

@@ -5,7 +5,7 @@
 #include "findings/message_classes.hpp"
 #include "main/advice_page.hpp"
 #include "main/messages_page.hpp"
-#include "main/version.hpp"
+#include "check/version.hpp"
 #include "quality/advised.hpp"
 #include "quality/checks.hpp"
 #include "topic_example.hpp"

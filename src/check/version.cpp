@@ -1,4 +1,4 @@
-#include "main/version.hpp"
+#include "check/version.hpp"
 
 #include "ibis/run.hpp"
 

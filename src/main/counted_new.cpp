@@ -1,0 +1,52 @@
+#include "main/counted_new.hpp"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+#include <malloc.h>
+
+// The operators of verimark, by which a limit holds for all that is allocated. The other forms call these.
+
+namespace kestrel {
+
+namespace {
+
+// The one variable outside of records: these operators get nothing but a size.
+constinit thread_local MemoryAccount* charged = nullptr;
+
+void* counted(void* memory) {
+    if (memory == nullptr) throw std::bad_alloc();
+    if (charged != nullptr && !charged->take(malloc_usable_size(memory))) {
+        std::free(memory);
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void release(void* memory) {
+    if (charged != nullptr && memory != nullptr) charged->giveBack(malloc_usable_size(memory));
+    std::free(memory);
+}
+
+} // namespace
+
+MemoryAccount* chargeTo(MemoryAccount* account) { return std::exchange(charged, account); }
+
+} // namespace kestrel
+
+void* operator new(std::size_t size) { return kestrel::counted(std::malloc(size != 0 ? size : 1)); }
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    const auto step = static_cast<std::size_t>(alignment);
+    if (size > SIZE_MAX - step) throw std::bad_alloc();
+    return kestrel::counted(std::aligned_alloc(step, (size + step - 1) / step * step));
+}
+
+void operator delete(void* memory) noexcept { kestrel::release(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { kestrel::release(memory); }
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { kestrel::release(memory); }
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+    kestrel::release(memory);
+}
