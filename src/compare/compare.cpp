@@ -11,6 +11,7 @@
 #include "ibis/run.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -50,7 +51,8 @@ public:
                                                  });
         compareAll<SubjectKind::testLoad>(&Ibis::test_loads, compareTestLoads);
         compareAll<SubjectKind::testData>(&Ibis::test_data, compareTestData);
-        result_.groups = changes_.takeSorted();
+        result_.groups = changes_->sorted();
+        result_.list = std::move(changes_);
         return std::move(result_);
     }
 
@@ -66,15 +68,15 @@ private:
 
     /// Compares two records of the same name and counts them.
     template <class Compare> void compareTwo(const ComparedRecord& record, Compare compare) {
-        const std::size_t before = changes_.additions();
+        const std::size_t before = changes_->additions();
         comparison_.record = record;
         comparison_.models = modelsOf(record);
         compare(comparison_);
-        if (changes_.additions() != before) ++counts(record.kind).changed;
+        if (changes_->additions() != before) ++counts(record.kind).changed;
     }
 
     void addWhole(const ComparedRecord& record, ChangeKind kind) {
-        changes_.add(record, {.kind = kind}, modelsOf(record));
+        changes_->add(record, {.kind = kind}, modelsOf(record));
         ++(kind == ChangeKind::added ? counts(record.kind).added : counts(record.kind).removed);
     }
 
@@ -124,10 +126,10 @@ private:
                 continue;
             }
             ChangeDetail detail;
-            detail.was = std::string(old_model->second->name);
-            detail.is = std::string(model->name);
-            changes_.add({.kind = kKind, .name = model->name},
-                         {.kind = ChangeKind::renamed, .details = {std::move(detail)}}, 1);
+            detail.was = old_model->second->name.view();
+            detail.is = model->name.view();
+            changes_->add({.kind = kKind, .name = model->name},
+                         {.kind = ChangeKind::renamed, .details = detail}, 1);
             ++counts(kKind).renamed;
             compareTwoModels(*old_model->second, *model);
         }
@@ -169,12 +171,12 @@ private:
     const ComparedFile& was_;
     const ComparedFile& is_;
     const CompareSettings& settings_;
-    ChangeList changes_;
+    std::unique_ptr<ChangeList> changes_ = std::make_unique<ChangeList>();
     ViewMap<std::string_view> renamed_;                         // names in NEW by those in OLD
     std::unordered_map<const Mdl*, const Mdl*> renamed_models_; // models of OLD by those of NEW
     ViewMap<std::size_t> submodel_users_;                       // how many models of NEW add it
     FileChanges result_;
-    Comparison comparison_{.settings = settings_, .changes = changes_, .renamed = renamed_, .record = {}};
+    Comparison comparison_{.settings = settings_, .changes = *changes_, .renamed = renamed_, .record = {}};
 };
 
 } // namespace

@@ -23,7 +23,7 @@ void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvf
 void compareOnlyWaveform(Comparison& comparison, std::string_view keyword, const OnDemand<Wvfrm>& was,
                          const OnDemand<Wvfrm>& is);
 
-/// The rates of a ramp, by their slew.
+/// The rates of a ramp, by their slew; the step and the time of a rate where the slew does not say it.
 void compareRamp(Comparison& comparison, const OnDemand<Ramp>& was, const OnDemand<Ramp>& is);
 
 /// The tables that models and submodels have alike.

@@ -30,8 +30,8 @@ struct Compared {
 
     [[nodiscard]] std::vector<std::string> lines() const {
         std::vector<std::string> lines;
-        for (const ChangeGroup& group : changes.groups)
-            lines.push_back(lineOf(group, 20));
+        for (const ChangeGroup* const group : changes.groups)
+            lines.push_back(lineOf(*group, 20));
         return lines;
     }
     [[nodiscard]] std::string summary() const { return summaryOf(changes); }
@@ -71,7 +71,7 @@ TEST(Compare, tellsOfNumbersByTheLargerOfBoth) {
     EXPECT_THAT(lines("[Rgnd] 50 50 50", "[Rgnd] 100 100 100"),
                 ElementsAre("Model m: [Rgnd] typ, min and max: 100 ohm, was 50 ohm (+100 %)"));
     EXPECT_THAT(lines("[Temperature Range] 25 85 0", "[Temperature Range] 25 100 0"),
-                ElementsAre("Model m: [Temperature Range] min: 100 C, was 85 C (+17.6 %)"));
+                ElementsAre("Model m: [Temperature Range] min: 100 C, was 85 C (+15 C)"));
     EXPECT_THAT(
         lines("Polarity Inverting", "Enable Active-Low"),
         ElementsAre("Model m: Polarity: not given, was Inverting", "Model m: Enable: Active-Low, was not given"));
@@ -100,7 +100,7 @@ TEST(Compare, tablesAreComparedOverWhatBothHave) {
     EXPECT_THAT(lines(kLine, "0 0 0 0\n2 40m 36m 44m\n3 90m 90m 90m"),
                 ElementsAre("Model m: [Pulldown] typ, min and max: covers 0 V to 3 V, was 0 V to 2 V"));
     EXPECT_THAT(lines("0 0 0 0\n1 20m NA NA", "0 0 0 0\n1 -20m NA NA"),
-                ElementsAre("Model m: [Pulldown] typ: up to 200 % current the other way (at 1 V: -20 mA, was 20 mA)"));
+                ElementsAre("Model m: [Pulldown] typ: current the other way, by up to 200 % (at 1 V: -20 mA, was 20 mA)"));
     EXPECT_THAT(lines(kLine, "0 0 NA 0\n1 20m NA 22m\n2 40m NA 44m"),
                 ElementsAre("Model m: [Pulldown] min: not given, was 3 rows"));
     // 9 uA of 100 uA are nothing, 11 uA are something.
@@ -185,7 +185,7 @@ TEST(Compare, equalChangesAreOneAndThoseOfManyModelsComeFirst) {
                                               "Model d: Rref: 100 ohm, was 50 ohm (+100 %)"));
     EXPECT_EQ(compared.summary(), "4 models changed; largest change 100 % in d Rref");
     ASSERT_EQ(compared.changes.groups.size(), 2U);
-    EXPECT_EQ(lineOf(compared.changes.groups[0], 1), "Models a and 2 more: C_comp typ: 4 pF, was 5 pF (-20 %)");
+    EXPECT_EQ(lineOf(*compared.changes.groups[0], 1), "Models a and 2 more: C_comp typ: 4 pF, was 5 pF (-20 %)");
     EXPECT_EQ(Compared(file("5p", "50"), file("5p", "50")).summary(), "No difference");
 }
 
@@ -335,8 +335,8 @@ TEST(Compare, headersCountOnlyWhenAskedFor) {
     EXPECT_THAT(compareFiles(before, now, {}).groups, IsEmpty());
     const FileChanges changes = compareFiles(before, now, {.header_texts = true});
     ASSERT_EQ(changes.groups.size(), 2U);
-    EXPECT_EQ(lineOf(changes.groups[0], 20), "Header: [IBIS Ver]: 4.2, was 3.2");
-    EXPECT_EQ(lineOf(changes.groups[1], 20), "Header: [Notes]: another text");
+    EXPECT_EQ(lineOf(*changes.groups[0], 20), "Header: [IBIS Ver]: 4.2, was 3.2");
+    EXPECT_EQ(lineOf(*changes.groups[1], 20), "Header: [Notes]: another text");
     EXPECT_EQ(summaryOf(changes), "1 header changed");
 }
 
