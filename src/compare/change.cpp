@@ -40,7 +40,8 @@ private:
 bool isSame(GivenValue a, GivenValue b) { return a.has_value() == b.has_value() && a.value_or(0.0) == b.value_or(0.0); }
 
 bool isSame(const ChangeDetail& a, const ChangeDetail& b) {
-    return std::ranges::all_of(kCorners, [&](Corner corner) { return a.corners.has(corner) == b.corners.has(corner); }) &&
+    return std::ranges::all_of(kCorners,
+                               [&](Corner corner) { return a.corners.has(corner) == b.corners.has(corner); }) &&
            a.was == b.was && a.is == b.is && isSame(a.at, b.at) && isSame(a.shift, b.shift) &&
            isSame(a.percent, b.percent);
 }
@@ -70,8 +71,7 @@ Rank rankOf(const ChangeGroup& group) {
     GivenValue percent = group.percent();
     if (!isToldInPercent(group.unit))
         for (const ChangeDetail& detail : group.details)
-            if (const GivenValue size = sizeOf(detail, group.unit))
-                percent = std::max(percent.value_or(0.0), *size);
+            if (const GivenValue size = sizeOf(detail, group.unit)) percent = std::max(percent.value_or(0.0), *size);
     return {&group, percent.value_or(std::numeric_limits<double>::infinity())};
 }
 

@@ -193,11 +193,23 @@ private:
     std::string field_; ///< kept for its room
 };
 
+/// A record of OLD and that of NEW that belongs to it; null where there is none.
+template <class Record> struct RecordPair {
+    const Record* was = nullptr;
+    const Record* is = nullptr;
+    bool differs = false; ///< both are there, and some change is about them
+};
+
+struct Mdl;
+struct SubMdl;
+
 /// What is different between two files.
 struct FileChanges {
     std::unique_ptr<const ChangeList> list;           ///< keeps the groups
     std::vector<const ChangeGroup*> groups;           ///< in the order in which they are written
     std::array<RecordCounts, kSubjectKinds> counts{}; ///< by SubjectKind
+    std::vector<RecordPair<Mdl>> models;              ///< as NEW has them, then what only OLD has
+    std::vector<RecordPair<SubMdl>> submodels;        ///< as they were matched
 
     /// The group with the largest change of a value; null where nothing can be said.
     [[nodiscard]] const ChangeGroup* largest() const;

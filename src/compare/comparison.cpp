@@ -35,8 +35,7 @@ std::optional<ChangeDetail> detailOf(const Comparison& comparison, Unit unit, co
 }
 
 void addValue(Comparison& comparison, const FieldName& field, Unit unit, const ChangeDetails& details) {
-    if (!details.empty())
-        comparison.add({.kind = ChangeKind::value, .field = field, .unit = unit, .details = details});
+    if (!details.empty()) comparison.add({.kind = ChangeKind::value, .field = field, .unit = unit, .details = details});
 }
 
 } // namespace

@@ -213,18 +213,10 @@ void compareBlocks(Comparison& comparison, std::string_view label, const SeriesB
     if (!comparePresence(comparison, label, was != nullptr, is != nullptr)) return;
     compareFields(comparison, label, kElements, *was, *is);
     compareCurve(comparison, {label, "[Series Current]"}, was->series_current, is->series_current);
-    const auto name_of = [](const SMos& mosfet) {
-        return mosfet.vds ? std::string("[Series MOSFET] with Vds of ").append(volts(*mosfet.vds))
-                          : std::string("[Series MOSFET]");
-    };
-    matchRows(
-        was->mosfets, is->mosfets, name_of, name_of,
-        [&](const SMos& before, const SMos& now) {
-            compareCurve(comparison, {label, name_of(now)}, before.table, now.table);
-        },
-        [&](const SMos& mosfet, bool is_new) {
-            comparePresence(comparison, {label, name_of(mosfet)}, !is_new, is_new);
-        });
+    eachMosfetPair(*was, *is, [&](const std::string& field, const SMos* before, const SMos* now) {
+        if (comparePresence(comparison, {label, field}, before != nullptr, now != nullptr))
+            compareCurve(comparison, {label, field}, before->table, now->table);
+    });
 }
 
 void compareAddedSubmodels(Comparison& comparison, const Rows<AddSubmodel>& was, const Rows<AddSubmodel>& is) {
@@ -319,7 +311,8 @@ void compareParameters(Comparison& comparison, const FieldName& field, const Ext
         if (!was.has(name) || !is.has(name)) return;
         double old_number = 0.0;
         double new_number = 0.0;
-        if (readScaled(before, old_number) != ReadResult::noNumber && readScaled(now, new_number) != ReadResult::noNumber)
+        if (readScaled(before, old_number) != ReadResult::noNumber &&
+            readScaled(now, new_number) != ReadResult::noNumber)
             return compareValue(comparison, {group, name}, Unit::none, old_number, new_number);
         compareText(comparison, {group, name}, before, now);
     };
@@ -332,6 +325,20 @@ void compareParameters(Comparison& comparison, const FieldName& field, const Ext
 }
 
 } // namespace
+
+void eachMosfetPair(const SeriesBlock& was, const SeriesBlock& is,
+                    const std::function<void(const std::string& field, const SMos* was, const SMos* is)>& use) {
+    const auto name_of = [](const SMos& mosfet) {
+        return mosfet.vds ? std::string("[Series MOSFET] with Vds of ").append(volts(*mosfet.vds))
+                          : std::string("[Series MOSFET]");
+    };
+    matchRows(
+        was.mosfets, is.mosfets, name_of, name_of,
+        [&](const SMos& before, const SMos& now) { use(name_of(now), &before, &now); },
+        [&](const SMos& mosfet, bool is_new) {
+            use(name_of(mosfet), is_new ? nullptr : &mosfet, is_new ? &mosfet : nullptr);
+        });
+}
 
 void compareExternals(Comparison& comparison, std::string_view group, const ExtCkt& was, const ExtCkt& is) {
     compareText(comparison, {group, "Language"}, extLanguageText(was.language), extLanguageText(is.language));
@@ -353,8 +360,8 @@ void compareExternals(Comparison& comparison, std::string_view group, const ExtC
             const std::string name = FieldName(group, nameOf(now)).text();
             for (std::size_t i = 0; i < std::size(kConverterValues); ++i) {
                 const auto& row = kConverterValues[i];
-                compareNumberOrName(comparison, {name, row.name}, row.unit,
-                                    {before.*row.field, before.value_names[i]}, {now.*row.field, now.value_names[i]});
+                compareNumberOrName(comparison, {name, row.name}, row.unit, {before.*row.field, before.value_names[i]},
+                                    {now.*row.field, now.value_names[i]});
             }
             compareText(comparison, {name, "polarity"}, before.polarity, now.polarity);
         },

@@ -74,6 +74,8 @@ public:
 /// 20.1 mA)". No more than `most_names` records are named; the others are counted.
 void appendLine(std::string& text, const ChangeGroup& group, std::size_t most_names);
 [[nodiscard]] std::string lineOf(const ChangeGroup& group, std::size_t most_names);
+/// Whom a change is about: "Models a, b and 3 more".
+void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names);
 /// The same without the records: "[Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was 20.1 mA)".
 void appendBody(std::string& text, const ChangeGroup& group);
 

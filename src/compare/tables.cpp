@@ -177,8 +177,7 @@ void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& fi
     if (details.empty()) return;
     const bool is_extent = kind == ChangeKind::extent;
     const Unit unit = is_extent || kind == ChangeKind::shift ? axes.along : axes.value;
-    comparison.add(
-        {.kind = kind, .field = field, .unit = unit, .axis = axes.along, .details = details});
+    comparison.add({.kind = kind, .field = field, .unit = unit, .axis = axes.along, .details = details});
 }
 
 void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, const TableRows& was,
@@ -222,22 +221,6 @@ FixtureKey keyOf(const Wvfrm& waveform) {
     return key;
 }
 
-/// How a waveform is called: by its keyword and its fixture.
-std::string nameOf(std::string_view keyword, const Wvfrm& waveform) {
-    std::string name(keyword);
-    if (waveform.r_fixture || waveform.v_fixture) name.append(" with ").append(fixtureText(waveform));
-    for (const GivenValue capacity : {waveform.c_fixture, waveform.c_dut})
-        if (capacity && *capacity != 0.0) name.append(" and ").append(farads(*capacity));
-    return name;
-}
-
-/// Waveforms of both files that belong together, and those that are left.
-struct WaveformPairs {
-    std::vector<std::pair<const Wvfrm*, const Wvfrm*>> pairs;
-    std::vector<const Wvfrm*> gone;
-    std::vector<const Wvfrm*> fresh;
-};
-
 /// In the order of their fixtures, equal ones as they come.
 std::vector<std::pair<FixtureKey, const Wvfrm*>> sortedByFixture(const Rows<Wvfrm>& waveforms) {
     std::vector<std::pair<FixtureKey, const Wvfrm*>> sorted;
@@ -259,14 +242,14 @@ std::size_t differingFields(const FixtureKey& a, const FixtureKey& b) {
 }
 
 /// How far the typical voltages are apart at most.
-double distanceOf(Comparison& comparison, const Wvfrm& was, const Wvfrm& is) {
+double distanceOf(std::array<PointRoom, 2>& points, const Wvfrm& was, const Wvfrm& is) {
     constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false};
     if (isSame(was.rows, is.rows)) return 0.0;
-    comparison.points[0].empty(was.rows.size());
-    comparison.points[1].empty(is.rows.size());
+    points[0].empty(was.rows.size());
+    points[1].empty(is.rows.size());
     const std::optional<CurveDifference> difference =
-        differenceOf(orderedPoints(was.rows, Corner::typ, EqualRows::keepLast, comparison.points[0]),
-                     orderedPoints(is.rows, Corner::typ, EqualRows::keepLast, comparison.points[1]), kNone);
+        differenceOf(orderedPoints(was.rows, Corner::typ, EqualRows::keepLast, points[0]),
+                     orderedPoints(is.rows, Corner::typ, EqualRows::keepLast, points[1]), kNone);
     return difference ? std::abs(difference->is - difference->was) : 0.0;
 }
 
@@ -281,7 +264,7 @@ struct WaveformPairing {
 };
 
 /// Pairs what is most alike, by the fixtures first, until nothing is left of one side.
-void matchByLikeness(Comparison& comparison, WaveformPairs& matched, std::vector<const Wvfrm*>& gone,
+void matchByLikeness(std::array<PointRoom, 2>& points, WaveformPairs& matched, std::vector<const Wvfrm*>& gone,
                      std::vector<const Wvfrm*>& fresh) {
     constexpr std::size_t kMost = 4096; // pairings to be tried
     if (gone.empty() || fresh.empty()) return;
@@ -290,7 +273,7 @@ void matchByLikeness(Comparison& comparison, WaveformPairs& matched, std::vector
     const bool is_clear = gone.size() == 1 && fresh.size() == 1;
     for (std::size_t i = 0; i < gone.size(); ++i) {
         for (std::size_t j = tries_all ? 0 : i; j < (tries_all ? fresh.size() : std::min(i + 1, fresh.size())); ++j) {
-            const double distance = is_clear || !tries_all ? 0.0 : distanceOf(comparison, *gone[i], *fresh[j]);
+            const double distance = is_clear || !tries_all ? 0.0 : distanceOf(points, *gone[i], *fresh[j]);
             pairings.push_back({differingFields(keyOf(*gone[i]), keyOf(*fresh[j])), distance, i, j});
         }
     }
@@ -302,34 +285,6 @@ void matchByLikeness(Comparison& comparison, WaveformPairs& matched, std::vector
     }
     std::erase(gone, nullptr);
     std::erase(fresh, nullptr);
-}
-
-/// Pairs waveforms of equal fixtures, and then what is left.
-WaveformPairs matchWaveforms(Comparison& comparison, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
-    WaveformPairs matched;
-    const auto before = sortedByFixture(was);
-    const auto now = sortedByFixture(is);
-    auto left = before.begin();
-    auto right = now.begin();
-    while (left != before.end() || right != now.end()) {
-        const FixtureKey key =
-            right == now.end() || (left != before.end() && left->first < right->first) ? left->first : right->first;
-        std::vector<const Wvfrm*> gone;
-        std::vector<const Wvfrm*> fresh;
-        for (; left != before.end() && left->first == key; ++left)
-            gone.push_back(left->second);
-        for (; right != now.end() && right->first == key; ++right)
-            fresh.push_back(right->second);
-        matchByLikeness(comparison, matched, gone, fresh);
-        matched.gone.insert(matched.gone.end(), gone.begin(), gone.end());
-        matched.fresh.insert(matched.fresh.end(), fresh.begin(), fresh.end());
-    }
-    // As they come in the files.
-    std::ranges::sort(matched.gone, std::less<>());
-    std::ranges::sort(matched.fresh, std::less<>());
-    matchByLikeness(comparison, matched, matched.gone, matched.fresh);
-    std::ranges::sort(matched.pairs, std::less<>(), &std::pair<const Wvfrm*, const Wvfrm*>::second);
-    return matched;
 }
 
 bool isSame(const Wvfrm& a, const Wvfrm& b) {
@@ -391,7 +346,7 @@ void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, con
 
 void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvfrm& was, const Wvfrm& is) {
     if (keyOf(was) == keyOf(is) && isSame(was, is)) return;
-    const std::string name = nameOf(keyword, was);
+    const std::string name = waveformField(keyword, was);
     compareFields(comparison, name, kFixture, was, is);
     compareTimes(comparison, name, Unit::volts, was.rows, is.rows);
     const FieldName current(name, "[Composite Current]");
@@ -399,16 +354,52 @@ void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvf
         compareTimes(comparison, current, Unit::amperes, was.composite_current->rows, is.composite_current->rows);
 }
 
+WaveformPairs matchWaveforms(std::array<PointRoom, 2>& points, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
+    WaveformPairs matched;
+    const auto before = sortedByFixture(was);
+    const auto now = sortedByFixture(is);
+    auto left = before.begin();
+    auto right = now.begin();
+    while (left != before.end() || right != now.end()) {
+        const FixtureKey key =
+            right == now.end() || (left != before.end() && left->first < right->first) ? left->first : right->first;
+        std::vector<const Wvfrm*> gone;
+        std::vector<const Wvfrm*> fresh;
+        for (; left != before.end() && left->first == key; ++left)
+            gone.push_back(left->second);
+        for (; right != now.end() && right->first == key; ++right)
+            fresh.push_back(right->second);
+        matchByLikeness(points, matched, gone, fresh);
+        matched.gone.insert(matched.gone.end(), gone.begin(), gone.end());
+        matched.fresh.insert(matched.fresh.end(), fresh.begin(), fresh.end());
+    }
+    // As they come in the files.
+    std::ranges::sort(matched.gone, std::less<>());
+    std::ranges::sort(matched.fresh, std::less<>());
+    matchByLikeness(points, matched, matched.gone, matched.fresh);
+    std::ranges::sort(matched.pairs, std::less<>(), &std::pair<const Wvfrm*, const Wvfrm*>::second);
+    return matched;
+}
+
+std::string waveformField(std::string_view keyword, const Wvfrm& waveform) {
+    std::string name(keyword);
+    if (waveform.r_fixture || waveform.v_fixture) name.append(" with ").append(fixtureText(waveform));
+    for (const GivenValue capacity : {waveform.c_fixture, waveform.c_dut})
+        if (capacity && *capacity != 0.0) name.append(" and ").append(farads(*capacity));
+    return name;
+}
+
 void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
-    if (std::ranges::equal(was, is, [](const Wvfrm& a, const Wvfrm& b) { return keyOf(a) == keyOf(b) && isSame(a, b); }))
+    if (std::ranges::equal(was, is,
+                           [](const Wvfrm& a, const Wvfrm& b) { return keyOf(a) == keyOf(b) && isSame(a, b); }))
         return;
-    const WaveformPairs matched = matchWaveforms(comparison, was, is);
+    const WaveformPairs matched = matchWaveforms(comparison.points, was, is);
     for (const auto& [before, now] : matched.pairs)
         compareWaveform(comparison, keyword, *before, *now);
     for (const Wvfrm* const waveform : matched.fresh)
-        comparePresence(comparison, nameOf(keyword, *waveform), false, true);
+        comparePresence(comparison, waveformField(keyword, *waveform), false, true);
     for (const Wvfrm* const waveform : matched.gone)
-        comparePresence(comparison, nameOf(keyword, *waveform), true, false);
+        comparePresence(comparison, waveformField(keyword, *waveform), true, false);
 }
 
 void compareOnlyWaveform(Comparison& comparison, std::string_view keyword, const OnDemand<Wvfrm>& was,

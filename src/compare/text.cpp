@@ -210,25 +210,6 @@ void appendCapital(std::string& text, std::string_view word) {
     text.append(word.substr(1));
 }
 
-/// Appends whom a change is about.
-void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names) {
-    const std::size_t count = group.names.size();
-    const bool several = count > 1;
-    const KindWords& words = wordsOf(group.record);
-    appendCapital(text, several && group.component.empty() ? words.many : words.one);
-    if (!group.component.empty()) text.append(" ").append(group.component).append(several ? ", pins" : ", pin");
-    const std::size_t named = count > most_names + 1 ? most_names : count;
-    for (std::size_t i = 0; i < named; ++i) {
-        const bool is_last = i + 1 == count;
-        if (i > 0) text.append(is_last ? " and" : ",");
-        if (!group.names[i].empty()) text.append(" ").append(group.names[i]);
-    }
-    if (named == count) return;
-    text.append(" and ");
-    appendInteger(text, static_cast<std::int64_t>(count - named));
-    text.append(" more");
-}
-
 void appendPassedOver(std::string& text, const std::vector<std::string_view>& keywords) {
     text.append("Not compared, since keywords of later versions are passed over: ");
     for (std::size_t i = 0; i < keywords.size(); ++i)
@@ -336,6 +317,24 @@ bool isWhole(const ComparedPair& pair) {
     return pair.was.errors == 0 && pair.is.errors == 0 && pair.passed_over.empty();
 }
 
+void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names) {
+    const std::size_t count = group.names.size();
+    const bool several = count > 1;
+    const KindWords& words = wordsOf(group.record);
+    appendCapital(text, several && group.component.empty() ? words.many : words.one);
+    if (!group.component.empty()) text.append(" ").append(group.component).append(several ? ", pins" : ", pin");
+    const std::size_t named = count > most_names + 1 ? most_names : count;
+    for (std::size_t i = 0; i < named; ++i) {
+        const bool is_last = i + 1 == count;
+        if (i > 0) text.append(is_last ? " and" : ",");
+        if (!group.names[i].empty()) text.append(" ").append(group.names[i]);
+    }
+    if (named == count) return;
+    text.append(" and ");
+    appendInteger(text, static_cast<std::int64_t>(count - named));
+    text.append(" more");
+}
+
 void appendBody(std::string& text, const ChangeGroup& group) {
     const std::size_t begin = text.size();
     text.append(group.field);
@@ -404,7 +403,8 @@ std::string summaryOf(const FileChanges& changes) {
 
 std::string summaryOf(const ComparedPair& pair) {
     if (pair.changes == nullptr) return "Not compared";
-    if (pair.changes->groups.empty() && !isWhole(pair)) return "No difference in what was compared; the files were not compared whole";
+    if (pair.changes->groups.empty() && !isWhole(pair))
+        return "No difference in what was compared; the files were not compared whole";
     return summaryOf(*pair.changes);
 }
 

@@ -99,7 +99,8 @@ void pairWithoutCase(std::vector<FilePair>& pairs, const Folder& was, const Fold
         pairs[lonely.is.front()].was = gone.was;
         gone.was = FilePair::kNone;
     }
-    std::erase_if(pairs, [](const FilePair& pair) { return pair.was == FilePair::kNone && pair.is == FilePair::kNone; });
+    std::erase_if(pairs,
+                  [](const FilePair& pair) { return pair.was == FilePair::kNone && pair.is == FilePair::kNone; });
 }
 
 /// A file that is read to be compared.
@@ -163,10 +164,8 @@ void readBoth(ReadFile& was, ReadFile& is, bool together) {
 }
 
 ComparedPath pathOf(const ReadFile& file) {
-    return {.path = file.name,
-            .version = file.outcome.version,
-            .errors = errorCount(file),
-            .read = file.problem.empty()};
+    return {
+        .path = file.name, .version = file.outcome.version, .errors = errorCount(file), .read = file.problem.empty()};
 }
 
 /// The keywords of later versions that one of the files has.
@@ -174,10 +173,16 @@ std::vector<std::string_view> passedOver(const ReadFile& was, const ReadFile& is
     std::vector<std::string_view> names;
     for (std::size_t i = 0; i < kLaterKeywordCount; ++i) {
         const auto keyword = static_cast<LaterKeyword>(i);
-        if (wasPassedOver(was.run->parse, keyword) || wasPassedOver(is.run->parse, keyword))
-            names.push_back(laterKeywordName(keyword));
+        const std::string_view name = laterKeywordName(keyword);
+        if (name.starts_with("End_")) continue; // of a block that is named
+        if (wasPassedOver(was.run->parse, keyword) || wasPassedOver(is.run->parse, keyword)) names.push_back(name);
     }
     return names;
+}
+
+/// The root of a file; null where nothing is left of it.
+const Ibis* rootOf(const ReadFile& file) {
+    return file.run == nullptr || file.run->roots.empty() ? nullptr : &currentRoot(*file.run);
 }
 
 ComparedFile comparedFile(const ReadFile& file) {
@@ -207,6 +212,7 @@ public:
             }
         }
         outputs_.format.pair(pair);
+        if (outputs_.page != nullptr) outputs_.page->pair(pair, rootOf(was), rootOf(is));
         for (const ReadFile* const file : {&was, &is})
             if (!file->problem.empty()) tell(outputs_.out, outputs_.errors, file->name, file->problem);
         if (pair.changes == nullptr) {
@@ -221,6 +227,7 @@ public:
     void lonely(std::string_view name, bool is_new) {
         ++(is_new ? totals_.only_new : totals_.only_old);
         outputs_.format.lonely(name, is_new);
+        if (outputs_.page != nullptr) outputs_.page->lonely(name, is_new);
         status_ = std::max(status_, kSomeFailed);
     }
 

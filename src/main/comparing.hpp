@@ -3,6 +3,7 @@
 #include "compare/output.hpp"
 #include "main/file_list.hpp"
 #include "main/verimark.hpp"
+#include "report/compared_page.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -28,11 +29,12 @@ struct FilePairs {
 [[nodiscard]] bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::string_view is,
                              const Complaint& complain);
 
-/// Where a comparison writes: what changed, and what is said beside that.
+/// Where a comparison writes: what changed, what is said beside that, and a page with pictures.
 struct ComparedOutputs {
     Output& out;
     Output& errors;
     CompareFormat& format;
+    ComparedPage* page = nullptr; ///< null when none is wanted
 };
 
 /// Compares the pairs one after the other, the two files of each read at the same time unless `jobs` is 1. As of diff:
