@@ -23,8 +23,8 @@ using ::testing::IsEmpty;
 struct Compared {
     Compared(std::string_view old_text, std::string_view new_text, const CompareSettings& settings = {},
              const std::string& name = "a.ibs") {
-        was.add(name, old_text).check(name);
-        is.add(name, new_text).check(name);
+        was.add(name, old_text, "5.1").check(name);
+        is.add(name, new_text, "5.1").check(name);
         changes = compareFiles({was.root(), was.run.diagnostics.file}, {is.root(), is.run.diagnostics.file}, settings);
     }
 
