@@ -110,6 +110,7 @@ struct ReadFile {
     std::unique_ptr<Run> run{};
     FileOutcome outcome{};
     std::int64_t more_errors = 0; ///< what broke the check off
+    bool is_cut_off = false;      ///< it has no end
     std::string problem{};        ///< why it cannot be compared; empty when it can
 };
 
@@ -130,7 +131,10 @@ void readFile(ReadFile& file) {
         Run& run = *file.run;
         run.parse.takes_later = true;
         run.diagnostics.on_assertion = OnAssertion::raise;
-        run.diagnostics.sink = [](const Finding&) {};
+        constexpr MessageCode kNoEnd = 903;
+        run.diagnostics.sink = [&file](const Finding& finding) {
+            if (finding.code && finding.code->number == kNoEnd) file.is_cut_off = true;
+        };
         try {
             checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
         } catch (const AssertionFailed&) {
@@ -140,7 +144,7 @@ void readFile(ReadFile& file) {
             file.problem = ": cannot be read, or is empty; not compared";
         } else if (!file.outcome.checked || run.roots.empty() || currentRoot(run).headers.empty()) {
             file.problem = ": its version is not checked; not compared";
-        } else if (hasNoRecord(currentRoot(run)) && errorCount(file) > 0) {
+        } else if (file.is_cut_off && hasNoRecord(currentRoot(run))) {
             file.problem = ": nothing but its header could be read; not compared";
         }
     } catch (const std::bad_alloc&) {
