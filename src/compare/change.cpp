@@ -4,114 +4,203 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace kestrel {
 
 namespace {
 
-void appendBits(std::string& key, std::uint64_t bits) {
-    for (int shift = 0; shift < 64; shift += 8)
-        key.push_back(static_cast<char>((bits >> static_cast<unsigned>(shift)) & 0xFFU));
-}
+/// Gathers the parts of a change into a number that depends on the seed.
+class ChangeHash {
+public:
+    explicit ChangeHash(const HashSeed& seed) : seed_(seed), state_(seed.value()) {}
 
-void appendText(std::string& key, std::string_view text) {
-    appendBits(key, text.size());
-    key.append(text);
-}
-
-void appendNumber(std::string& key, const std::optional<double>& number) {
-    appendBits(key, number.has_value() ? 1 : 0);
-    if (number) appendBits(key, std::bit_cast<std::uint64_t>(*number));
-}
-
-void appendThing(std::string& key, const GivenThing& thing) {
-    appendBits(key, thing.index());
-    if (const double* const number = std::get_if<double>(&thing)) {
-        appendNumber(key, *number);
-    } else if (const std::string* const text = std::get_if<std::string>(&thing)) {
-        appendText(key, *text);
-    } else if (const Extent* const extent = std::get_if<Extent>(&thing)) {
-        appendNumber(key, extent->low);
-        appendNumber(key, extent->high);
+    void add(std::uint64_t bits) {
+        constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
+        state_ = (state_ ^ bits) * (seed_.value() ^ (kOdd & ~std::uint64_t{1}));
+        state_ ^= state_ >> 29U;
     }
-}
-
-/// Appends all of a change, so that equal texts mean equal changes.
-void appendChange(std::string& key, const Change& change) {
-    appendBits(key, static_cast<std::uint64_t>(change.kind));
-    appendText(key, change.field);
-    appendBits(key, static_cast<std::uint64_t>(change.unit));
-    for (const ChangeDetail& detail : change.details) {
-        for (const Corner corner : kCorners)
-            key.push_back(detail.corners.has(corner) ? '1' : '0');
-        appendThing(key, detail.was);
-        appendThing(key, detail.is);
-        appendNumber(key, detail.at);
-        appendNumber(key, detail.shift);
-        appendNumber(key, detail.percent);
+    void add(std::string_view text) { add(seed_.hashOf(text)); }
+    void add(GivenValue value) { add(value ? std::bit_cast<std::uint64_t>(*value) : std::uint64_t{1}); }
+    void add(const GivenThing& thing) {
+        if (const double* const number = std::get_if<double>(&thing)) return add(GivenValue(*number));
+        if (const std::string_view* const text = std::get_if<std::string_view>(&thing)) return add(*text);
+        const Extent* const extent = std::get_if<Extent>(&thing);
+        if (extent == nullptr) return add(std::uint64_t{2});
+        add(GivenValue(extent->low));
+        add(GivenValue(extent->high));
     }
-    appendBits(key, change.count);
-    appendText(key, change.place);
+
+    [[nodiscard]] std::uint32_t value() const { return static_cast<std::uint32_t>(state_ ^ state_ >> 32U); }
+
+private:
+    const HashSeed& seed_;
+    std::uint64_t state_;
+};
+
+bool isSame(GivenValue a, GivenValue b) { return a.has_value() == b.has_value() && a.value_or(0.0) == b.value_or(0.0); }
+
+bool isSame(const ChangeDetail& a, const ChangeDetail& b) {
+    return std::ranges::all_of(kCorners,
+                               [&](Corner corner) { return a.corners.has(corner) == b.corners.has(corner); }) &&
+           a.was == b.was && a.is == b.is && isSame(a.at, b.at) && isSame(a.shift, b.shift) &&
+           isSame(a.percent, b.percent);
 }
 
-/// Puts what cannot be measured, such as a record that is new, ahead of what can.
-double rank(const ChangeGroup& group) { return group.percent().value_or(std::numeric_limits<double>::infinity()); }
+/// Whose pins are named; empty where records are.
+std::string_view componentOf(const ComparedRecord& record) {
+    return record.pin.empty() ? std::string_view() : record.name;
+}
+
+/// What the groups are sorted by.
+struct Rank {
+    const ChangeGroup* group;
+    double percent;
+};
+
+/// How large a change in degrees or of a count is, in per cent.
+GivenValue sizeOf(const ChangeDetail& detail, Unit unit) {
+    constexpr double kRoom = 298.15; // kelvin
+    const double* const was = std::get_if<double>(&detail.was);
+    const double* const is = std::get_if<double>(&detail.is);
+    if (was == nullptr || is == nullptr) return {};
+    return percentOf(*is - *was, unit == Unit::celsius ? kRoom : std::abs(*was));
+}
+
+/// What cannot be measured, such as a record that is new, comes ahead of what can.
+Rank rankOf(const ChangeGroup& group) {
+    GivenValue percent = group.percent();
+    if (!isToldInPercent(group.unit))
+        for (const ChangeDetail& detail : group.details)
+            if (const GivenValue size = sizeOf(detail, group.unit)) percent = std::max(percent.value_or(0.0), *size);
+    return {&group, percent.value_or(std::numeric_limits<double>::infinity())};
+}
 
 } // namespace
 
+std::string FieldName::text() const {
+    std::string text;
+    for (const std::string_view word : words) {
+        if (word.empty()) continue;
+        text.append(text.empty() ? "" : " ").append(word);
+    }
+    return text;
+}
+
 std::string_view unitName(Unit unit) {
-    constexpr std::array<std::string_view, 10> kNames{"", "V", "A", "ohm", "F", "H", "s", "C", "V/s", "Vs"};
+    constexpr std::array<std::string_view, 11> kNames{"", "", "V", "A", "ohm", "F", "H", "s", "C", "V/s", "Vs"};
     return kNames[static_cast<std::size_t>(unit)];
 }
 
-std::optional<double> percentOf(double difference, double scale) {
+GivenValue percentOf(double difference, double scale) {
     constexpr double kSteps = 1e9; // of one per cent
     const double percent = std::abs(difference) / scale * 100;
-    if (scale == 0.0 || !std::isfinite(percent * kSteps)) return std::nullopt;
+    if (scale == 0.0 || !std::isfinite(percent * kSteps)) return {};
     return std::round(percent * kSteps) / kSteps;
 }
 
-std::optional<double> ChangeGroup::percent() const {
-    std::optional<double> most;
-    for (const ChangeDetail& detail : change.details)
+GivenValue ChangeGroup::percent() const {
+    GivenValue most;
+    for (const ChangeDetail& detail : details)
         if (detail.percent) most = std::max(most.value_or(0.0), *detail.percent);
     return most;
 }
 
-void ChangeList::add(const ComparedRecord& record, Change change, std::size_t models) {
-    ++additions_;
-    key_.clear();
-    key_.push_back(static_cast<char>(record.kind));
-    const bool is_pin = !record.pin.empty();
-    appendText(key_, is_pin ? record.name : std::string_view());
-    appendChange(key_, change);
-    const auto [at, is_new] = places_.try_emplace(key_, groups_.size());
-    if (is_new) {
-        groups_.push_back(
-            {.change = std::move(change), .kind = record.kind, .component = is_pin ? record.name : std::string_view()});
+GivenThing ChangeList::kept(const GivenThing& thing) {
+    const std::string_view* const text = std::get_if<std::string_view>(&thing);
+    return text == nullptr ? thing : GivenThing(texts_.add(*text).view());
+}
+
+std::uint32_t ChangeList::hashOf(const ComparedRecord& record, const Change& change, Name field) const {
+    ChangeHash hash(seed_);
+    hash.add(std::uint64_t{field.number()} << 32U | static_cast<std::uint64_t>(change.kind) << 16U |
+             static_cast<std::uint64_t>(record.kind) << 8U | static_cast<std::uint64_t>(change.unit));
+    if (!record.pin.empty()) hash.add(record.name);
+    for (const ChangeDetail& detail : change.details) {
+        hash.add(detail.was);
+        hash.add(detail.is);
+        if (detail.at) hash.add(detail.at);
+        if (detail.shift) hash.add(detail.shift);
     }
-    ChangeGroup& group = groups_[at->second];
-    group.names.push_back(is_pin ? record.pin : record.name);
+    if (change.count != 0) hash.add(change.count);
+    return hash.value();
+}
+
+ChangeGroup& ChangeList::groupOf(const ComparedRecord& record, const Change& change) {
+    field_.clear();
+    for (const std::string_view word : change.field.words) {
+        if (word.empty()) continue;
+        if (!field_.empty()) field_.push_back(' ');
+        field_.append(word);
+    }
+    const Name field = fields_.enter(field_);
+    const std::uint32_t hash = hashOf(record, change, field);
+    slots_.makeRoom(groups_.size(), [](const Slot& slot) { return slot.hash; });
+    Slot& slot = slots_.at(hash, [&](const Slot& other) {
+        if (other.hash != hash) return false;
+        const ChangeGroup& group = groups_[other.number - 1];
+        return group.kind == change.kind && group.record == record.kind && group.unit == change.unit &&
+               group.field == field.view() && group.component == componentOf(record) && group.count == change.count &&
+               group.place == change.place &&
+               std::ranges::equal(group.details, change.details,
+                                  [](const ChangeDetail& a, const ChangeDetail& b) { return isSame(a, b); });
+    });
+    if (!slot.isFree()) return groups_[slot.number - 1];
+    if (groups_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+    ChangeGroup& group = groups_.emplace_back(ChangeGroup{.kind = change.kind,
+                                                          .record = record.kind,
+                                                          .unit = change.unit,
+                                                          .axis = change.axis,
+                                                          .field = field.view(),
+                                                          .count = change.count,
+                                                          .place = texts_.add(change.place).view(),
+                                                          .component = componentOf(record)});
+    for (ChangeDetail detail : change.details) {
+        detail.was = kept(detail.was);
+        detail.is = kept(detail.is);
+        rows_.add(group.details, detail);
+    }
+    slot = {static_cast<std::uint32_t>(groups_.size()), hash};
+    return group;
+}
+
+void ChangeList::add(const ComparedRecord& record, const Change& change, std::size_t models) {
+    ++additions_;
+    ChangeGroup& group = groupOf(record, change);
+    rows_.add(group.names, record.pin.empty() ? record.name : record.pin);
     group.models += models;
 }
 
-std::vector<ChangeGroup> ChangeList::takeSorted() {
-    places_.clear();
-    std::ranges::stable_sort(groups_, [](const ChangeGroup& a, const ChangeGroup& b) {
-        return a.models != b.models ? a.models > b.models : rank(a) > rank(b);
+std::vector<const ChangeGroup*> ChangeList::sorted() const {
+    std::vector<Rank> ranks;
+    ranks.reserve(groups_.size());
+    std::ranges::transform(groups_, std::back_inserter(ranks), rankOf);
+    std::ranges::stable_sort(ranks, [](const Rank& a, const Rank& b) {
+        return a.group->models != b.group->models ? a.group->models > b.group->models : a.percent > b.percent;
     });
-    return std::exchange(groups_, {});
+    std::vector<const ChangeGroup*> groups;
+    groups.reserve(ranks.size());
+    std::ranges::transform(ranks, std::back_inserter(groups), &Rank::group);
+    return groups;
 }
 
 const ChangeGroup* FileChanges::largest() const {
     const ChangeGroup* largest = nullptr;
-    for (const ChangeGroup& group : groups) {
-        const ChangeKind kind = group.change.kind;
-        if (kind == ChangeKind::shift || kind == ChangeKind::extent) continue;
-        const std::optional<double> percent = group.percent();
-        if (percent && (largest == nullptr || *percent > *largest->percent())) largest = &group;
+    double most = 0.0;
+    for (const ChangeGroup* const group : groups) {
+        if (group->kind == ChangeKind::shift || group->kind == ChangeKind::extent) continue;
+        const GivenValue percent = group->percent();
+        if (!percent || (largest != nullptr && *percent <= most)) continue;
+        largest = group;
+        most = *percent;
     }
+    return largest;
+}
+
+FileChanges::Shift FileChanges::largestShift() const {
+    Shift largest;
+    for (const ChangeGroup* const group : groups)
+        for (const ChangeDetail& detail : group->details)
+            if (detail.shift && std::abs(*detail.shift) > std::abs(largest.seconds)) largest = {group, *detail.shift};
     return largest;
 }
 

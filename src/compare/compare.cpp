@@ -11,6 +11,7 @@
 #include "ibis/run.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -50,7 +51,8 @@ public:
                                                  });
         compareAll<SubjectKind::testLoad>(&Ibis::test_loads, compareTestLoads);
         compareAll<SubjectKind::testData>(&Ibis::test_data, compareTestData);
-        result_.groups = changes_.takeSorted();
+        result_.groups = changes_->sorted();
+        result_.list = std::move(changes_);
         return std::move(result_);
     }
 
@@ -64,17 +66,19 @@ private:
         return users == submodel_users_.end() ? 0 : users->second;
     }
 
-    /// Compares two records of the same name and counts them.
-    template <class Compare> void compareTwo(const ComparedRecord& record, Compare compare) {
-        const std::size_t before = changes_.additions();
+    /// Compares two records that belong together, and counts them; true when they differ.
+    template <class Compare> bool compareTwo(const ComparedRecord& record, Compare compare) {
+        const std::size_t before = changes_->additions();
         comparison_.record = record;
         comparison_.models = modelsOf(record);
         compare(comparison_);
-        if (changes_.additions() != before) ++counts(record.kind).changed;
+        const bool differ = changes_->additions() != before;
+        if (differ) ++counts(record.kind).changed;
+        return differ;
     }
 
     void addWhole(const ComparedRecord& record, ChangeKind kind) {
-        changes_.add(record, {.kind = kind}, modelsOf(record));
+        changes_->add(record, {.kind = kind}, modelsOf(record));
         ++(kind == ChangeKind::added ? counts(record.kind).added : counts(record.kind).removed);
     }
 
@@ -86,10 +90,15 @@ private:
             before, now, nameOf<std::remove_pointer_t<std::decay_t<Record>>>,
             nameOf<std::remove_pointer_t<std::decay_t<Record>>>,
             [&](Record old_record, Record new_record) {
-                compareTwo({.kind = Kind, .name = new_record->name},
-                           [&](Comparison& comparison) { compare(comparison, *old_record, *new_record); });
+                const bool differ = compareTwo({.kind = Kind, .name = new_record->name}, [&](Comparison& comparison) {
+                    compare(comparison, *old_record, *new_record);
+                });
+                if constexpr (Kind == SubjectKind::submodel)
+                    result_.submodels.push_back({.was = old_record, .is = new_record, .differs = differ});
             },
             [&](Record record, bool is_new) {
+                if constexpr (Kind == SubjectKind::submodel)
+                    is_new ? result_.submodels.push_back({.is = record}) : result_.submodels.push_back({.was = record});
                 addWhole({.kind = Kind, .name = record->name}, is_new ? ChangeKind::added : ChangeKind::removed);
             });
     }
@@ -97,49 +106,48 @@ private:
     void compareModels() {
         const auto before = recordsOf(was_.root.models, was_);
         const auto now = recordsOf(is_.root.models, is_);
-        std::vector<std::pair<const Mdl*, const Mdl*>> pairs;
+        std::vector<RecordPair<Mdl>>& models = result_.models;
         std::vector<const Mdl*> gone;
         std::vector<const Mdl*> fresh;
         matchRows(
             before, now, nameOf<Mdl>, nameOf<Mdl>,
-            [&](const Mdl* old_model, const Mdl* new_model) { pairs.emplace_back(old_model, new_model); },
-            [&](const Mdl* model, bool is_new) { (is_new ? fresh : gone).push_back(model); });
+            [&](const Mdl* old_model, const Mdl* new_model) { models.push_back({.was = old_model, .is = new_model}); },
+            [&](const Mdl* model, bool is_new) {
+                if (is_new) models.push_back({.is = model});
+                (is_new ? fresh : gone).push_back(model);
+            });
+        std::unordered_map<const Mdl*, const Mdl*> partners; // of OLD by those of NEW
         for (const auto& [old_model, new_model] : findRenamed(gone, fresh, settings_)) {
             renamed_.emplace(old_model->name.view(), new_model->name.view());
-            renamed_models_.emplace(new_model, old_model);
+            partners.emplace(new_model, old_model);
         }
         std::erase_if(gone, [this](const Mdl* model) { return renamed_.contains(model->name.view()); });
-        addModels(pairs, fresh, gone);
-    }
-
-    void addModels(const std::vector<std::pair<const Mdl*, const Mdl*>>& pairs, const std::vector<const Mdl*>& fresh,
-                   const std::vector<const Mdl*>& gone) {
-        constexpr SubjectKind kKind = SubjectKind::model;
-        for (const auto& [old_model, new_model] : pairs)
-            compareTwoModels(*old_model, *new_model);
-        for (const Mdl* const model : fresh) {
-            const auto old_model = renamed_models_.find(model);
-            if (old_model == renamed_models_.end()) {
-                addWhole({.kind = kKind, .name = model->name}, ChangeKind::added);
-                continue;
-            }
-            ChangeDetail detail;
-            detail.was = std::string(old_model->second->name);
-            detail.is = std::string(model->name);
-            changes_.add({.kind = kKind, .name = model->name},
-                         {.kind = ChangeKind::renamed, .details = {std::move(detail)}}, 1);
-            ++counts(kKind).renamed;
-            compareTwoModels(*old_model->second, *model);
+        for (RecordPair<Mdl>& pair : models) {
+            if (pair.was == nullptr)
+                if (const auto partner = partners.find(pair.is); partner != partners.end()) pair.was = partner->second;
         }
         for (const Mdl* const model : gone)
-            addWhole({.kind = kKind, .name = model->name}, ChangeKind::removed);
+            models.push_back({.was = model});
+        for (RecordPair<Mdl>& pair : models)
+            addModel(pair);
     }
 
-    void compareTwoModels(const Mdl& was, const Mdl& is) {
-        compareTwo({.kind = SubjectKind::model, .name = is.name}, [&](Comparison& comparison) {
-            compareModelFields(comparison, was, is);
-            compareModelTables(comparison, was, is);
+    void addModel(RecordPair<Mdl>& pair) {
+        const ComparedRecord record{.kind = SubjectKind::model,
+                                    .name = (pair.is != nullptr ? pair.is : pair.was)->name};
+        if (pair.was == nullptr || pair.is == nullptr)
+            return addWhole(record, pair.is != nullptr ? ChangeKind::added : ChangeKind::removed);
+        const bool is_renamed = pair.was->name.view() != pair.is->name.view();
+        if (is_renamed) {
+            const ChangeDetail detail{.was = pair.was->name.view(), .is = pair.is->name.view()};
+            changes_->add(record, {.kind = ChangeKind::renamed, .details = detail}, 1);
+            ++counts(record.kind).renamed;
+        }
+        const bool has_changed = compareTwo(record, [&](Comparison& comparison) {
+            compareModelFields(comparison, *pair.was, *pair.is);
+            compareModelTables(comparison, *pair.was, *pair.is);
         });
+        pair.differs = has_changed || is_renamed;
     }
 
     void countSubmodelUsers() {
@@ -169,12 +177,11 @@ private:
     const ComparedFile& was_;
     const ComparedFile& is_;
     const CompareSettings& settings_;
-    ChangeList changes_;
-    ViewMap<std::string_view> renamed_;                         // names in NEW by those in OLD
-    std::unordered_map<const Mdl*, const Mdl*> renamed_models_; // models of OLD by those of NEW
-    ViewMap<std::size_t> submodel_users_;                       // how many models of NEW add it
+    std::unique_ptr<ChangeList> changes_ = std::make_unique<ChangeList>();
+    ViewMap<std::string_view> renamed_;   // names in NEW by those in OLD
+    ViewMap<std::size_t> submodel_users_; // how many models of NEW add it
     FileChanges result_;
-    Comparison comparison_{.settings = settings_, .changes = changes_, .renamed = renamed_, .record = {}};
+    Comparison comparison_{.settings = settings_, .changes = *changes_, .renamed = renamed_, .record = {}};
 };
 
 } // namespace

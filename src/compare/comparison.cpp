@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace kestrel {
 
@@ -12,19 +11,15 @@ namespace {
 constexpr double kRounding = 1e-12;
 
 bool isSame(const ChangeDetail& a, const ChangeDetail& b) {
-    const auto same_thing = [](const GivenThing& x, const GivenThing& y) {
-        if (x.index() != y.index()) return false;
-        if (const Extent* const extent = std::get_if<Extent>(&x))
-            return extent->low == std::get<Extent>(y).low && extent->high == std::get<Extent>(y).high;
-        if (const double* const number = std::get_if<double>(&x)) return *number == std::get<double>(y);
-        if (const std::string* const text = std::get_if<std::string>(&x)) return *text == std::get<std::string>(y);
-        return true;
+    const auto same_place = [](GivenValue x, GivenValue y) {
+        return x.has_value() == y.has_value() && x.value_or(0.0) == y.value_or(0.0);
     };
-    return same_thing(a.was, b.was) && same_thing(a.is, b.is) && a.at == b.at && a.shift == b.shift;
+    return a.was == b.was && a.is == b.is && same_place(a.at, b.at) && same_place(a.shift, b.shift);
 }
 
 /// The change of a number; nothing when there is none.
-std::optional<ChangeDetail> detailOf(const Comparison& comparison, const GivenThing& was, const GivenThing& is) {
+std::optional<ChangeDetail> detailOf(const Comparison& comparison, Unit unit, const GivenThing& was,
+                                     const GivenThing& is) {
     const double* const before = std::get_if<double>(&was);
     const double* const now = std::get_if<double>(&is);
     if (before == nullptr && now == nullptr) return std::nullopt;
@@ -32,30 +27,20 @@ std::optional<ChangeDetail> detailOf(const Comparison& comparison, const GivenTh
     if (before != nullptr && now != nullptr) {
         const std::optional<NumberChange> change = changeOf(*before, *now, comparison.share());
         if (!change) return std::nullopt;
-        detail.percent = change->percent;
+        if (isToldInPercent(unit)) detail.percent = change->percent;
     }
     detail.was = was;
     detail.is = is;
     return detail;
 }
 
-void addValue(Comparison& comparison, const FieldName& field, Unit unit, std::vector<ChangeDetail> details) {
-    if (details.empty()) return;
-    comparison.add({.kind = ChangeKind::value, .field = field.text(), .unit = unit, .details = std::move(details)});
+void addValue(Comparison& comparison, const FieldName& field, Unit unit, const ChangeDetails& details) {
+    if (!details.empty()) comparison.add({.kind = ChangeKind::value, .field = field, .unit = unit, .details = details});
 }
 
 } // namespace
 
-std::string FieldName::text() const {
-    std::string text;
-    for (const std::string_view word : words) {
-        if (word.empty()) continue;
-        text.append(text.empty() ? "" : " ").append(word);
-    }
-    return text;
-}
-
-GivenThing thingOf(std::string_view text) { return text.empty() ? GivenThing() : GivenThing(std::string(text)); }
+GivenThing thingOf(std::string_view text) { return text.empty() ? GivenThing() : GivenThing(text); }
 
 std::optional<NumberChange> changeOf(double was, double is, double share) {
     if (was == is) return std::nullopt;
@@ -66,10 +51,10 @@ std::optional<NumberChange> changeOf(double was, double is, double share) {
     return NumberChange{percentOf(difference, std::abs(was))};
 }
 
-void addDetail(std::vector<ChangeDetail>& details, ChangeDetail detail) {
+void addDetail(ChangeDetails& details, const ChangeDetail& detail) {
     const auto same = std::ranges::find_if(details, [&](const ChangeDetail& other) { return isSame(other, detail); });
     if (same == details.end()) {
-        details.push_back(std::move(detail));
+        details.push_back(detail);
         return;
     }
     for (const Corner corner : kCorners)
@@ -78,8 +63,8 @@ void addDetail(std::vector<ChangeDetail>& details, ChangeDetail detail) {
 
 void compareNumber(Comparison& comparison, const FieldName& field, Unit unit, const GivenThing& was,
                    const GivenThing& is) {
-    if (std::optional<ChangeDetail> detail = detailOf(comparison, was, is))
-        addValue(comparison, field, unit, {std::move(*detail)});
+    if (std::optional<ChangeDetail> detail = detailOf(comparison, unit, was, is))
+        addValue(comparison, field, unit, *detail);
 }
 
 void compareValue(Comparison& comparison, const FieldName& field, Unit unit, GivenValue was, GivenValue is) {
@@ -94,14 +79,14 @@ void compareCell(Comparison& comparison, const FieldName& field, Unit unit, cons
 
 void compareRange(Comparison& comparison, const FieldName& field, Unit unit, const Rng& was, const Rng& is) {
     if (was.values == is.values) return;
-    std::vector<ChangeDetail> details;
+    ChangeDetails details;
     for (const Corner corner : kCorners) {
-        std::optional<ChangeDetail> detail = detailOf(comparison, thingOf(was[corner]), thingOf(is[corner]));
+        std::optional<ChangeDetail> detail = detailOf(comparison, unit, thingOf(was[corner]), thingOf(is[corner]));
         if (!detail) continue;
         detail->corners = {corner};
-        addDetail(details, std::move(*detail));
+        addDetail(details, *detail);
     }
-    addValue(comparison, field, unit, std::move(details));
+    addValue(comparison, field, unit, details);
 }
 
 void compareRange(Comparison& comparison, const FieldName& field, Unit unit, const GivenRange& was,
@@ -115,7 +100,7 @@ void compareText(Comparison& comparison, const FieldName& field, std::string_vie
     ChangeDetail detail;
     detail.was = thingOf(was);
     detail.is = thingOf(is);
-    addValue(comparison, field, Unit::none, {std::move(detail)});
+    addValue(comparison, field, Unit::none, detail);
 }
 
 std::string_view nameInNew(const Comparison& comparison, std::string_view was) {
@@ -128,7 +113,7 @@ void compareModelName(Comparison& comparison, const FieldName& field, std::strin
 }
 
 bool comparePresence(Comparison& comparison, const FieldName& field, bool was, bool is) {
-    if (was != is) comparison.add({.kind = is ? ChangeKind::added : ChangeKind::removed, .field = field.text()});
+    if (was != is) comparison.add({.kind = is ? ChangeKind::added : ChangeKind::removed, .field = field});
     return was && is;
 }
 
@@ -154,7 +139,7 @@ void compareNames(Comparison& comparison, const FieldName& field, std::span<cons
             comparePresence(comparison, {name, text}, true, false);
         }
     }
-    if (order == Order::means && kept_before != kept_now) comparison.add({.kind = ChangeKind::order, .field = name});
+    if (order == Order::means && kept_before != kept_now) comparison.add({.kind = ChangeKind::order, .field = field});
 }
 
 } // namespace kestrel

@@ -26,20 +26,10 @@ struct Comparison {
     ComparedRecord record;
     std::size_t models = 0;            ///< how many models a change affects
     std::array<PointRoom, 2> points{}; ///< for the points of two tables
+    std::vector<Point> levelled{};     ///< for those of a waveform that is brought to the levels of another
 
     [[nodiscard]] double share() const { return settings.tolerance / 100; }
-    void add(Change change) { changes.add(record, std::move(change), models); }
-};
-
-/// The name of a field in up to three words, joined only where there is something to say.
-struct FieldName {
-    FieldName(std::string_view first, std::string_view second = {}, std::string_view third = {})
-        : words{first, second, third} {}
-    FieldName(const char* only) : FieldName(std::string_view(only)) {}
-    FieldName(const std::string& only) : FieldName(std::string_view(only)) {}
-    [[nodiscard]] std::string text() const;
-
-    std::array<std::string_view, 3> words;
+    void add(const Change& change) { changes.add(record, change, models); }
 };
 
 /// A number as a record keeps it, or none.
@@ -77,11 +67,11 @@ void compareNames(Comparison& comparison, const FieldName& field, std::span<cons
                   std::span<const std::string> is, Order order = Order::meansNothing);
 
 /// Adds the difference of a corner to those of a field; those that are equal become one.
-void addDetail(std::vector<ChangeDetail>& details, ChangeDetail detail);
+void addDetail(ChangeDetails& details, const ChangeDetail& detail);
 
-/// The change from one number to another in per cent of the larger one; nothing when it is within the share.
+/// The change from one number to another in per cent of the old one; nothing when it is within the share of the larger.
 struct NumberChange {
-    std::optional<double> percent; ///< none from 0, and where one of them is not finite
+    GivenValue percent; ///< none from 0, and where one of them is not finite
 };
 [[nodiscard]] std::optional<NumberChange> changeOf(double was, double is, double share);
 

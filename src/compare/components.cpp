@@ -17,7 +17,6 @@ constexpr FieldRow<Pkg, GivenRange> kPackage[] = {
 };
 
 constexpr FieldRow<CmpntEmi, GivenValue> kEmi[] = {
-    {"Cpd", Unit::farads, &CmpntEmi::cpd},
     {"C_Heatsink_gnd", Unit::farads, &CmpntEmi::c_heatsink_gnd},
     {"C_Heatsink_float", Unit::farads, &CmpntEmi::c_heatsink_float},
 };
@@ -187,6 +186,10 @@ void compareCircuitCalls(Comparison& comparison, const std::vector<CircuitCall>&
 void compareEmi(Comparison& comparison, const CmpntEmi& was, const CmpntEmi& is) {
     constexpr std::string_view kGroup = "[Begin EMI Component]";
     compareText(comparison, {kGroup, "Domain"}, domainWord(was.domain), domainWord(is.domain));
+    const auto cpd_of = [](const CmpntEmi& emi) {
+        return emi.cpd_range || !emi.cpd ? emi.cpd_range : GivenRange(Rng{{Cell(*emi.cpd)}});
+    };
+    compareRange(comparison, {kGroup, "Cpd"}, Unit::farads, cpd_of(was), cpd_of(is));
     compareFields(comparison, kGroup, kEmi, was, is);
     comparePinRows(
         comparison, "[Pin EMI]", was.pins.rows.rows(), is.pins.rows.rows(),

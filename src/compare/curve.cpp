@@ -111,6 +111,13 @@ std::optional<double> firstCrossing(Curve curve, double level) {
 
 bool haveSameRows(Curve was, Curve is) { return std::ranges::equal(was, is, {}, &Point::x, &Point::x); }
 
+double largestMagnitude(Curve curve) {
+    double most = 0.0;
+    for (const Point& point : curve)
+        most = std::max(most, std::abs(point.y));
+    return most;
+}
+
 /// The largest difference of curves that have rows at the same places, of which there is one.
 CurveDifference differenceOfRows(Curve was, Curve is) {
     std::size_t largest = 0;
@@ -123,8 +130,17 @@ CurveDifference differenceOfRows(Curve was, Curve is) {
     return {was[largest].x, was[largest].y, is[largest].y, scale};
 }
 
-double allowedOf(const CurveTolerance& tolerance, double scale) {
-    return std::max({tolerance.share * scale, tolerance.nothing, kRounding * scale});
+/// In curves that are small what is nothing is this part of the largest magnitude of both,
+constexpr double kNothingOfLargest = 0.1;
+/// but not less than this part of what is nothing in others.
+constexpr double kLeastNothing = 1e-4;
+
+/// By how much two curves may differ; `other` gives the largest magnitude of the new one, `scale` is that of the old.
+template <class ScaleOf> double allowedOf(const CurveTolerance& tolerance, double scale, ScaleOf other) {
+    const double allowed = std::max(tolerance.share, kRounding) * scale;
+    if (tolerance.nothing <= allowed) return allowed;
+    const double part = kNothingOfLargest * std::max(scale, other());
+    return std::max(allowed, std::clamp(part, kLeastNothing * tolerance.nothing, tolerance.nothing));
 }
 
 /// Calls `use` with both curves at every row of either, and at the ends of what they have in common, until it returns
@@ -158,12 +174,16 @@ std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTole
     if (!range) return std::nullopt;
     if (later == 0.0 && haveSameRows(was, is)) {
         const CurveDifference largest = differenceOfRows(was, is);
-        const bool is_one = std::abs(largest.is - largest.was) > allowedOf(tolerance, largest.scale);
+        const double allowed = allowedOf(tolerance, largest.scale, [is] { return largestMagnitude(is); });
+        const bool is_one = std::abs(largest.is - largest.was) > allowed;
         return is_one ? std::optional(largest) : std::nullopt;
     }
     const double scale = largestMagnitude(was, range->low, range->high, range->snap);
-    double least = allowedOf(tolerance, scale); // that the next one has to be beyond
-    const double allowed = least;
+    const double allowed = allowedOf(tolerance, scale, [&] {
+        return largestMagnitude(is, std::max(range->low + later, is.front().x),
+                                std::min(range->high + later, is.back().x), range->snap);
+    });
+    double least = allowed; // that the next one has to be beyond
     std::optional<CurveDifference> largest;
     walkBoth(was, is, later, *range, [&](double x, const Walker& before, const Walker& now) {
         const CurveDifference here{x, before.value(), now.value(), scale};
@@ -184,31 +204,49 @@ double levelDifference(Curve was, Curve is) {
     return std::max(std::abs(now.low - before.low), std::abs(now.high - before.high));
 }
 
+Curve atLevelsOf(Curve was, Curve is, std::vector<Point>& room) {
+    if (was.empty() || is.empty()) return {};
+    const Levels before = levelsOf(was);
+    const Levels now = levelsOf(is);
+    const double scale = (before.high - before.low) / (now.high - now.low);
+    if (!std::isfinite(scale) || scale == 0.0) return {};
+    room.assign(is.begin(), is.end());
+    for (Point& point : room)
+        point.y = before.low + scale * (point.y - now.low);
+    return room;
+}
+
 std::optional<double> shiftOf(Curve was, Curve is) {
     if (was.empty() || is.empty()) return std::nullopt;
     const Levels old_levels = levelsOf(was);
     const Levels new_levels = levelsOf(is);
+    // When both are at the same part of their swings, which need not be the same, and when at the same level; the best
+    // offset lies between those of the levels.
+    constexpr std::array<double, 3> kParts{0.5, 0.1, 0.9};
+    std::array<double, 2 * kParts.size() + 1> offsets{};
+    std::size_t count = 0;
+    const auto add = [&](double old_level, double new_level) {
+        const std::optional<double> before = firstCrossing(was, old_level);
+        const std::optional<double> now = firstCrossing(is, new_level);
+        if (before && now) offsets[count++] = *now - *before;
+    };
+    for (const double part : kParts)
+        add(old_levels.low + part * (old_levels.high - old_levels.low),
+            new_levels.low + part * (new_levels.high - new_levels.low));
     const double low = std::max(old_levels.low, new_levels.low);
     const double high = std::min(old_levels.high, new_levels.high);
     if (!(low < high)) return std::nullopt;
-    // When both are at the same level; the best offset lies between those of the levels.
-    constexpr std::array<double, 3> kParts{0.5, 0.1, 0.9};
-    std::array<double, kParts.size() + 1> offsets{};
-    std::size_t count = 0;
-    for (const double part : kParts) {
-        const double level = low + part * (high - low);
-        const std::optional<double> before = firstCrossing(was, level);
-        const std::optional<double> now = firstCrossing(is, level);
-        if (before && now) offsets[count++] = *now - *before;
-    }
+    for (const double part : kParts)
+        add(low + part * (high - low), low + part * (high - low));
     if (count == 0) return std::nullopt;
     const auto [first, last] = std::minmax_element(offsets.begin(), offsets.begin() + count);
     offsets[count++] = std::midpoint(*first, *last);
+    constexpr double kClearlyLess = 1 - 1e-6;
     std::optional<double> best;
     double least = HUGE_VAL;
     for (std::size_t i = 0; i < count; ++i) {
         const double size = misfit(was, is, offsets[i], least);
-        if (best && size >= least) continue;
+        if (best && !(size < kClearlyLess * least)) continue;
         least = size;
         best = offsets[i];
     }

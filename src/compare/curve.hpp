@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 /// Tables of a corner as lines over voltage or time, and how two of them differ.
 namespace kestrel {
@@ -14,7 +15,7 @@ using Curve = std::span<const Point>;
 /// Up to where two curves are the same.
 struct CurveTolerance {
     double share;   ///< of the largest magnitude of the old one
-    double nothing; ///< differences up to this are none, in the unit of y
+    double nothing; ///< differences up to this are none, in the unit of y; of small curves only less is
     /// Whether what lies between two rows is only known as far as their neighbours show how the curve bends: at a knee
     /// other rows give other lines.
     bool between_rows;
@@ -35,6 +36,10 @@ struct CurveDifference {
 
 /// How far the lowest values of two curves are apart, or the highest: no shift makes them differ by less.
 [[nodiscard]] double levelDifference(Curve was, Curve is);
+
+/// The new curve drawn out or in to go from the lowest to the highest value of the old one; empty where one of them
+/// stays at one level. `room` holds it.
+[[nodiscard]] Curve atLevelsOf(Curve was, Curve is, std::vector<Point>& room);
 
 /// By how much later the new curve comes, so that both fit best; nothing when no level is crossed by both.
 [[nodiscard]] std::optional<double> shiftOf(Curve was, Curve is);

@@ -19,17 +19,17 @@ std::string_view kindName(ChangeKind kind) {
 }
 
 void writeUnit(JsonObject& object, std::string_view key, Unit unit) {
-    unit == Unit::none ? object.null(key) : object.text(key, unitName(unit));
+    unitName(unit).empty() ? object.null(key) : object.text(key, unitName(unit));
 }
 
-void writeReal(JsonObject& object, std::string_view key, const std::optional<double>& value) {
+void writeReal(JsonObject& object, std::string_view key, GivenValue value) {
     value ? object.real(key, *value) : object.null(key);
 }
 
 void writeThing(JsonObject& object, std::string_view key, const GivenThing& thing) {
     if (const double* const number = std::get_if<double>(&thing)) {
         object.real(key, *number);
-    } else if (const std::string* const text = std::get_if<std::string>(&thing)) {
+    } else if (const std::string_view* const text = std::get_if<std::string_view>(&thing)) {
         object.text(key, *text);
     } else if (const Extent* const extent = std::get_if<Extent>(&thing)) {
         JsonObject ends(object, key);
@@ -55,32 +55,33 @@ void writeDetail(JsonArray& details, const ChangeDetail& detail) {
     writeReal(object, "percent", detail.percent);
 }
 
-void writeGroup(JsonArray& changes, const ChangeGroup& group) {
-    const Change& change = group.change;
+void writeGroup(JsonArray& changes, const ChangeGroup& group, std::string& line) {
     JsonObject object(changes);
-    object.text("change", kindName(change.kind));
+    object.text("change", kindName(group.kind));
     {
         JsonObject subject(object, "subject");
-        subject.text("kind", subjectKindName(group.kind));
+        subject.text("kind", subjectKindName(group.record));
         const bool is_pin = !group.component.empty();
         is_pin ? subject.text("pins_of", group.component) : subject.null("pins_of");
         JsonArray names(subject, "names");
         for (const std::string_view name : group.names)
             names.text(name);
     }
-    change.field.empty() ? object.null("field") : object.text("field", change.field);
-    writeUnit(object, "unit", change.unit);
-    writeUnit(object, "axis", change.axis);
+    group.field.empty() ? object.null("field") : object.text("field", group.field);
+    writeUnit(object, "unit", group.unit);
+    writeUnit(object, "axis", group.axis);
     {
         JsonArray details(object, "details");
-        for (const ChangeDetail& detail : change.details)
+        for (const ChangeDetail& detail : group.details)
             writeDetail(details, detail);
     }
-    if (change.kind == ChangeKind::matrix) {
-        object.number("entries", static_cast<std::int64_t>(change.count));
-        object.text("place", change.place);
+    if (group.kind == ChangeKind::matrix) {
+        object.number("entries", static_cast<std::int64_t>(group.count));
+        object.text("place", group.place);
     }
-    object.text("text", lineOf(group, kAllNames));
+    line.clear();
+    appendLine(line, group, kAllNames);
+    object.text("text", line);
 }
 
 void writePath(JsonObject& pair, std::string_view key, const ComparedPath& file) {
@@ -123,11 +124,18 @@ public:
         const FileChanges& changes = pair.changes != nullptr ? *pair.changes : none;
         const bool same = changes.groups.empty();
         object.text("verdict", pair.changes == nullptr ? "not compared" : same ? "same" : "different");
+        object.flag("whole", pair.changes != nullptr && isWhole(pair));
+        {
+            JsonArray passed_over(object, "passed_over");
+            for (const std::string_view keyword : pair.passed_over)
+                passed_over.text(keyword);
+        }
         writeCounts(object, changes);
-        object.text("summary", pair.changes == nullptr ? "Not compared" : summaryOf(changes));
+        object.text("summary", summaryOf(pair));
         JsonArray array(object, "changes", true);
-        for (const ChangeGroup& group : changes.groups)
-            writeGroup(array, group);
+        std::string line;
+        for (const ChangeGroup* const group : changes.groups)
+            writeGroup(array, *group, line);
     }
 
     void lonely(std::string_view path, bool is_new) override {
@@ -136,6 +144,8 @@ public:
         is_new ? object.null("old") : writePath(object, "old", file);
         is_new ? writePath(object, "new", file) : object.null("new");
         object.text("verdict", is_new ? "only new" : "only old");
+        object.flag("whole", false);
+        JsonArray(object, "passed_over");
         writeCounts(object, {});
         object.text("summary", is_new ? "Only new" : "Only old");
         JsonArray(object, "changes", true);

@@ -213,18 +213,10 @@ void compareBlocks(Comparison& comparison, std::string_view label, const SeriesB
     if (!comparePresence(comparison, label, was != nullptr, is != nullptr)) return;
     compareFields(comparison, label, kElements, *was, *is);
     compareCurve(comparison, {label, "[Series Current]"}, was->series_current, is->series_current);
-    const auto name_of = [](const SMos& mosfet) {
-        return mosfet.vds ? std::string("[Series MOSFET] with Vds of ").append(volts(*mosfet.vds))
-                          : std::string("[Series MOSFET]");
-    };
-    matchRows(
-        was->mosfets, is->mosfets, name_of, name_of,
-        [&](const SMos& before, const SMos& now) {
-            compareCurve(comparison, {label, name_of(now)}, before.table, now.table);
-        },
-        [&](const SMos& mosfet, bool is_new) {
-            comparePresence(comparison, {label, name_of(mosfet)}, !is_new, is_new);
-        });
+    eachMosfetPair(*was, *is, [&](const std::string& field, const SMos* before, const SMos* now) {
+        if (comparePresence(comparison, {label, field}, before != nullptr, now != nullptr))
+            compareCurve(comparison, {label, field}, before->table, now->table);
+    });
 }
 
 void compareAddedSubmodels(Comparison& comparison, const Rows<AddSubmodel>& was, const Rows<AddSubmodel>& is) {
@@ -281,7 +273,7 @@ void compareEmi(Comparison& comparison, const MdlEmi* was, const MdlEmi* is) {
     compareText(comparison, "Model_Domain", wordOf(kEmiDomains, was->domain), wordOf(kEmiDomains, is->domain));
 }
 
-/// A converter by all but its values.
+/// A converter by all but its values and its polarity.
 std::string nameOf(const Converter& converter) {
     std::string name(converter.to_analog ? "D_to_A" : "A_to_D");
     for (const std::string* const port : {&converter.d_port, &converter.port1, &converter.port2})
@@ -290,7 +282,63 @@ std::string nameOf(const Converter& converter) {
     return name;
 }
 
+/// A value of a converter: a number, or the name of a parameter.
+struct NumberOrName {
+    GivenValue number;
+    std::string_view name;
+};
+
+void compareNumberOrName(Comparison& comparison, const FieldName& field, Unit unit, const NumberOrName& was,
+                         const NumberOrName& is) {
+    if (was.name.empty() && is.name.empty()) return compareValue(comparison, field, unit, was.number, is.number);
+    if (was.name == is.name) return;
+    const auto thing = [](const NumberOrName& value) {
+        return value.name.empty() ? thingOf(value.number) : GivenThing(value.name);
+    };
+    comparison.add({.kind = ChangeKind::value,
+                    .field = field,
+                    .unit = unit,
+                    .details = ChangeDetail{.was = thing(was), .is = thing(is)}});
+}
+
+/// Compares the names of parameters, and of those that both have the values: as numbers where they are.
+void compareParameters(Comparison& comparison, const FieldName& field, const ExtParameters& was,
+                       const ExtParameters& is) {
+    compareNames(comparison, field, was.names, is.names);
+    const auto name_of = [](const NamedText& parameter) { return parameter.name.view(); };
+    const std::string group = field.text();
+    const auto compare = [&](std::string_view name, std::string_view before, std::string_view now) {
+        if (!was.has(name) || !is.has(name)) return;
+        double old_number = 0.0;
+        double new_number = 0.0;
+        if (readScaled(before, old_number) != ReadResult::noNumber &&
+            readScaled(now, new_number) != ReadResult::noNumber)
+            return compareValue(comparison, {group, name}, Unit::none, old_number, new_number);
+        compareText(comparison, {group, name}, before, now);
+    };
+    matchRows(
+        was.values, is.values, name_of, name_of,
+        [&](const NamedText& before, const NamedText& now) { compare(now.name, before.value, now.value); },
+        [&](const NamedText& parameter, bool is_new) {
+            is_new ? compare(parameter.name, {}, parameter.value) : compare(parameter.name, parameter.value, {});
+        });
+}
+
 } // namespace
+
+void eachMosfetPair(const SeriesBlock& was, const SeriesBlock& is,
+                    const std::function<void(const std::string& field, const SMos* was, const SMos* is)>& use) {
+    const auto name_of = [](const SMos& mosfet) {
+        return mosfet.vds ? std::string("[Series MOSFET] with Vds of ").append(volts(*mosfet.vds))
+                          : std::string("[Series MOSFET]");
+    };
+    matchRows(
+        was.mosfets, is.mosfets, name_of, name_of,
+        [&](const SMos& before, const SMos& now) { use(name_of(now), &before, &now); },
+        [&](const SMos& mosfet, bool is_new) {
+            use(name_of(mosfet), is_new ? nullptr : &mosfet, is_new ? &mosfet : nullptr);
+        });
+}
 
 void compareExternals(Comparison& comparison, std::string_view group, const ExtCkt& was, const ExtCkt& is) {
     compareText(comparison, {group, "Language"}, extLanguageText(was.language), extLanguageText(is.language));
@@ -303,15 +351,19 @@ void compareExternals(Comparison& comparison, std::string_view group, const ExtC
         compareText(comparison, {group, name, "file"}, before->file, now->file);
         compareText(comparison, {group, name, "circuit"}, before->circuit, now->circuit);
     }
-    compareNames(comparison, {group, "Parameters"}, was.parameters.names, is.parameters.names);
-    compareNames(comparison, {group, "Converter_Parameters"}, was.converter_parameters.names,
-                 is.converter_parameters.names);
+    compareParameters(comparison, {group, "Parameters"}, was.parameters, is.parameters);
+    compareParameters(comparison, {group, "Converter_Parameters"}, was.converter_parameters, is.converter_parameters);
     compareNames(comparison, {group, "Ports"}, was.ports.names, is.ports.names, Order::means);
     matchRows(
         was.converters, is.converters, nameOf, nameOf,
         [&](const Converter& before, const Converter& now) {
-            for (const auto& row : kConverterValues)
-                compareValue(comparison, {group, nameOf(now), row.name}, row.unit, before.*row.field, now.*row.field);
+            const std::string name = FieldName(group, nameOf(now)).text();
+            for (std::size_t i = 0; i < std::size(kConverterValues); ++i) {
+                const auto& row = kConverterValues[i];
+                compareNumberOrName(comparison, {name, row.name}, row.unit, {before.*row.field, before.value_names[i]},
+                                    {now.*row.field, now.value_names[i]});
+            }
+            compareText(comparison, {name, "polarity"}, before.polarity, now.polarity);
         },
         [&](const Converter& converter, bool is_new) {
             comparePresence(comparison, {group, nameOf(converter)}, !is_new, is_new);
@@ -387,8 +439,8 @@ void compareSelectors(Comparison& comparison, const MSel& was, const MSel& is) {
     Change change{.kind = ChangeKind::order, .field = "entries"};
     const std::string_view before = was.entries.front().model_name;
     const std::string_view now = is.entries.front().model_name;
-    if (before != now) change.details.push_back({.was = std::string(before), .is = std::string(now)});
-    comparison.add(std::move(change));
+    if (before != now) change.details.push_back({.was = before, .is = now});
+    comparison.add(change);
 }
 
 void compareTestLoads(Comparison& comparison, const TestLoad& was, const TestLoad& is) {

@@ -2,11 +2,16 @@
 
 #include "compare/comparison.hpp"
 
+#include <functional>
+#include <string>
+
 namespace kestrel {
 
 struct ExtCkt;
 struct Mdl;
 struct MSel;
+struct SMos;
+struct SeriesBlock;
 struct SubMdl;
 struct TestData;
 struct TestLoad;
@@ -16,6 +21,11 @@ void compareModelTables(Comparison& comparison, const Mdl& was, const Mdl& is);
 
 /// All else of two models.
 void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is);
+
+/// Calls `use` with the name of the field, the table of OLD and that of NEW for all MOSFETs; null where a block lacks
+/// one.
+void eachMosfetPair(const SeriesBlock& was, const SeriesBlock& is,
+                    const std::function<void(const std::string& field, const SMos* was, const SMos* is)>& use);
 
 /// Other records.
 void compareSubmodels(Comparison& comparison, const SubMdl& was, const SubMdl& is);

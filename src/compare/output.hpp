@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The forms in which comparisons are written.
 namespace kestrel {
@@ -27,7 +28,12 @@ struct ComparedPair {
     ComparedPath was;
     ComparedPath is;
     const FileChanges* changes = nullptr; ///< null when they were not compared
+    /// Keywords of later versions that one of them has, such as "Repeater_pin": what is under them is not compared.
+    std::vector<std::string_view> passed_over{};
 };
+
+/// True when all that both files hold was compared.
+[[nodiscard]] bool isWhole(const ComparedPair& pair);
 
 /// How many pairs of files there were.
 struct CompareTotals {
@@ -64,11 +70,18 @@ public:
 [[nodiscard]] std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings);
 [[nodiscard]] std::unique_ptr<CompareFormat> makeCompareJson(Output& out, const CompareFormatSettings& settings);
 
-/// A change as one line: "Model dq_34: [Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was 20.1 mA)".
-/// No more than `most_names` records are named; the others are counted.
+/// Appends a change as one line: "Model dq_34: [Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was
+/// 20.1 mA)". No more than `most_names` records are named; the others are counted.
+void appendLine(std::string& text, const ChangeGroup& group, std::size_t most_names);
 [[nodiscard]] std::string lineOf(const ChangeGroup& group, std::size_t most_names);
+/// Whom a change is about: "Models a, b and 3 more".
+void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names);
+/// The same without the records: "[Pulldown] typ: up to 6.2 % more current (at 0.9 V: 21.4 mA, was 20.1 mA)".
+void appendBody(std::string& text, const ChangeGroup& group);
 
 /// What all changes come to: "12 models changed, 2 added, 1 removed; largest change 6.2 % in dq_34 [Pulldown]".
 [[nodiscard]] std::string summaryOf(const FileChanges& changes);
+/// The same of a pair, which may not have been compared, or not as a whole.
+[[nodiscard]] std::string summaryOf(const ComparedPair& pair);
 
 } // namespace kestrel

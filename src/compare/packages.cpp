@@ -54,18 +54,18 @@ public:
         place.append(pins[row_].view());
         if (row_ != column_) place.append(" to ").append(pins[column_].view());
         comparison.add({.kind = ChangeKind::matrix,
-                        .field = field.text(),
+                        .field = field,
                         .unit = unit,
-                        .details = {std::move(detail)},
+                        .details = detail,
                         .count = count_,
-                        .place = std::move(place)});
+                        .place = place});
     }
 
 private:
     double share_;
     std::uint64_t count_ = 0;
     double most_ = 0.0;
-    std::optional<double> percent_;
+    GivenValue percent_;
     std::uint32_t row_ = 0;
     std::uint32_t column_ = 0;
     double was_ = 0.0;
@@ -201,9 +201,10 @@ constexpr MatrixOf kMatrices[] = {
 
 void compareMatrices(Comparison& comparison, const PkgMdl& was, const PkgMdl& is) {
     const MovedPins moved = movedPins(was.pin_names, is.pin_names);
-    std::vector<std::optional<std::uint32_t>> unmoved(is.pin_names.size());
-    for (std::size_t i = 0; i < unmoved.size(); ++i)
-        unmoved[i] = static_cast<std::uint32_t>(i);
+    // Entries of pins that only one of the files has are no changes of their own.
+    std::vector<std::optional<std::uint32_t>> kept(is.pin_names.size());
+    for (const std::optional<std::uint32_t> place : moved.places)
+        if (place) kept[*place] = place;
     for (const MatrixOf& row : kMatrices) {
         const Mtx* const before = (was.*row.matrix).get();
         const Mtx* const now = (is.*row.matrix).get();
@@ -215,7 +216,7 @@ void compareMatrices(Comparison& comparison, const PkgMdl& was, const PkgMdl& is
             compareSlots(difference, *before, *now);
         } else {
             compareEntries(difference, entriesOf(*before, was.pin_names, moved.places),
-                           entriesOf(*now, is.pin_names, unmoved));
+                           entriesOf(*now, is.pin_names, kept));
         }
         difference.addTo(comparison, row.name, row.unit, is.pin_names);
     }
@@ -277,7 +278,7 @@ void comparePackageModels(Comparison& comparison, const PkgMdl& was, const PkgMd
     compareText(comparison, "[Manufacturer]", was.manufacturer, is.manufacturer);
     compareText(comparison, "[OEM]", was.oem, is.oem);
     compareText(comparison, "[Description]", was.description, is.description);
-    compareValue(comparison, "[Number Of Pins]", Unit::none, GivenValue(was.number_of_pins),
+    compareValue(comparison, "[Number Of Pins]", Unit::count, GivenValue(was.number_of_pins),
                  GivenValue(is.number_of_pins));
     comparePinsOfPackage(comparison, was, is);
     compareMatrices(comparison, was, is);

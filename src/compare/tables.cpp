@@ -13,7 +13,7 @@ namespace kestrel {
 
 namespace {
 
-/// Currents that differ by less are the same: tables are made to no more.
+/// Of currents, differences up to so many amperes are none: tables are made to no more. In small tables it is less.
 constexpr double kNoCurrent = 1e-5;
 
 /// Of a change that is no mere shift the rest is reported beside the shift when it is at most this part of the whole.
@@ -43,9 +43,11 @@ double lengthOf(Curve curve) { return curve.back().x - curve.front().x; }
 
 /// What is said of a table by corners.
 struct TableChanges {
-    std::vector<ChangeDetail> forms;
-    std::vector<ChangeDetail> shifts;
-    std::vector<ChangeDetail> extents;
+    ChangeDetails forms{};
+    ChangeDetails shifts{};
+    ChangeDetails extents{};
+    PerCorner<std::string> row_counts{}; ///< of corners that only one file has
+    GivenValue shift{};                  ///< the first one, which others may have, too
 };
 
 ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
@@ -58,21 +60,66 @@ ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
     return detail;
 }
 
-/// Looks for a shift in time that makes all or most of a difference.
-std::optional<double> findShift(Curve was, Curve is, const CurveTolerance& tolerance,
-                                std::optional<CurveDifference>& difference) {
-    const auto sizeOf = [](const CurveDifference& of) { return std::abs(of.is - of.was); };
-    const double most_rest = kMostRest * sizeOf(*difference);
-    if (levelDifference(was, is) > std::max(most_rest, tolerance.share * difference->scale)) return std::nullopt;
+/// The shift with few digits where that fits as well, so that shifts that are meant to be equal are.
+double roundedShift(Curve was, Curve is, const CurveTolerance& tolerance, double shift) {
+    constexpr double kDigits = 100;
+    const double step = std::pow(10.0, std::floor(std::log10(std::abs(shift)))) / kDigits;
+    const double rounded = std::round(shift / step) * step;
+    return std::isfinite(rounded) && !differenceOf(was, is, tolerance, rounded) ? rounded : shift;
+}
+
+bool overlapsEnough(Curve was, Curve is, double shift) {
+    constexpr double kSlack = 1e-9;
+    const double low = std::max(was.front().x, is.front().x - shift);
+    const double high = std::min(was.back().x, is.back().x - shift);
+    return high - low >= (kLeastOverlap - kSlack) * lengthOf(was);
+}
+
+double sizeOf(const CurveDifference& difference) { return std::abs(difference.is - difference.was); }
+
+/// A shift and what of a difference is left with it.
+struct FoundShift {
+    double seconds;
+    std::optional<CurveDifference> rest;
+};
+
+/// Looks for a shift that makes all or most of a difference.
+std::optional<FoundShift> findShift(Curve was, Curve is, const CurveTolerance& tolerance,
+                                    const CurveDifference& difference) {
+    const double most_rest = kMostRest * sizeOf(difference);
+    if (levelDifference(was, is) > std::max(most_rest, tolerance.share * difference.scale)) return std::nullopt;
     const std::optional<double> shift = shiftOf(was, is);
-    if (!shift || *shift == 0.0) return std::nullopt;
-    const double low = std::max(was.front().x, is.front().x - *shift);
-    const double high = std::min(was.back().x, is.back().x - *shift);
-    if (!(high - low >= kLeastOverlap * lengthOf(was))) return std::nullopt;
+    if (!shift || *shift == 0.0 || !overlapsEnough(was, is, *shift)) return std::nullopt;
     const std::optional<CurveDifference> rest = differenceOf(was, is, tolerance, *shift);
-    if (rest && sizeOf(*rest) > most_rest) return std::nullopt;
-    difference = rest;
-    return shift;
+    if (!rest) return FoundShift{roundedShift(was, is, tolerance, *shift), rest};
+    return sizeOf(*rest) <= most_rest ? std::optional(FoundShift{*shift, rest}) : std::nullopt;
+}
+
+/// The same of waveforms that go from and to other levels: one that fits when both go through the same ones.
+std::optional<FoundShift> findShiftAmongLevels(Comparison& comparison, Curve was, Curve is,
+                                               const CurveTolerance& tolerance, const CurveDifference& difference) {
+    const Curve levelled = atLevelsOf(was, is, comparison.levelled);
+    if (levelled.empty()) return std::nullopt;
+    const std::optional<CurveDifference> of_form = differenceOf(was, levelled, tolerance);
+    if (!of_form) return std::nullopt;
+    std::optional<FoundShift> shift = findShift(was, levelled, tolerance, *of_form);
+    if (!shift) return std::nullopt;
+    shift->rest = differenceOf(was, is, tolerance, shift->seconds);
+    return !shift->rest || sizeOf(*shift->rest) < sizeOf(difference) ? shift : std::nullopt;
+}
+
+/// The shift of a waveform, at first the one that is likely; what it leaves of the difference remains.
+GivenValue takeShift(Comparison& comparison, Curve was, Curve is, const CurveTolerance& tolerance, GivenValue likely,
+                     std::optional<CurveDifference>& difference) {
+    if (likely && overlapsEnough(was, is, *likely) && !differenceOf(was, is, tolerance, *likely)) {
+        difference.reset();
+        return likely;
+    }
+    std::optional<FoundShift> shift = findShift(was, is, tolerance, *difference);
+    if (!shift) shift = findShiftAmongLevels(comparison, was, is, tolerance, *difference);
+    if (!shift) return {};
+    difference = shift->rest;
+    return shift->seconds;
 }
 
 /// Reports a table that begins or ends elsewhere, but for a shift of all of it.
@@ -89,47 +136,48 @@ void compareExtent(const Comparison& comparison, TableChanges& changes, Corner c
     detail.was = Extent{was.front().x, was.back().x};
     detail.is = Extent{is.front().x, is.back().x};
     detail.percent = percentOf(std::max(std::abs(low), std::abs(high)), length);
-    addDetail(changes.extents, std::move(detail));
+    addDetail(changes.extents, detail);
 }
 
 std::string rowCount(std::size_t rows) { return std::to_string(rows) + (rows == 1 ? " row" : " rows"); }
 
-void compareCorner(const Comparison& comparison, TableChanges& changes, const Axes& axes, Corner corner, Curve was,
+void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& axes, Corner corner, Curve was,
                    Curve is) {
     if (was.empty() && is.empty()) return;
     if (was.empty() || is.empty()) {
         ChangeDetail detail;
         detail.corners = {corner};
-        if (!was.empty()) detail.was = rowCount(was.size());
-        if (!is.empty()) detail.is = rowCount(is.size());
-        addDetail(changes.extents, std::move(detail));
+        changes.row_counts[corner] = rowCount(std::max(was.size(), is.size()));
+        (was.empty() ? detail.is : detail.was) = std::string_view(changes.row_counts[corner]);
+        addDetail(changes.extents, detail);
         return;
     }
     const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
     std::optional<CurveDifference> difference = differenceOf(was, is, tolerance);
-    std::optional<double> shift;
-    if (difference && axes.along == Unit::seconds) shift = findShift(was, is, tolerance, difference);
+    GivenValue shift;
+    if (difference && axes.along == Unit::seconds)
+        shift = takeShift(comparison, was, is, tolerance, changes.shift, difference);
     if (difference) {
         ChangeDetail detail = formDetail(corner, *difference);
         detail.shift = shift;
-        addDetail(changes.forms, std::move(detail));
+        addDetail(changes.forms, detail);
     } else if (shift) {
+        changes.shift = shift;
         ChangeDetail detail;
         detail.corners = {corner};
         detail.shift = shift;
         detail.percent = percentOf(*shift, lengthOf(was));
-        addDetail(changes.shifts, std::move(detail));
+        addDetail(changes.shifts, detail);
     }
     compareExtent(comparison, changes, corner, was, is, shift.value_or(0.0));
 }
 
 void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& field, const Axes& axes,
-                    std::vector<ChangeDetail> details) {
+                    const ChangeDetails& details) {
     if (details.empty()) return;
     const bool is_extent = kind == ChangeKind::extent;
     const Unit unit = is_extent || kind == ChangeKind::shift ? axes.along : axes.value;
-    comparison.add(
-        {.kind = kind, .field = field.text(), .unit = unit, .axis = axes.along, .details = std::move(details)});
+    comparison.add({.kind = kind, .field = field, .unit = unit, .axis = axes.along, .details = details});
 }
 
 void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, const TableRows& was,
@@ -143,9 +191,9 @@ void compareRows(Comparison& comparison, const FieldName& field, const Axes& axe
                       orderedPoints(was, corner, EqualRows::keepLast, comparison.points[0]),
                       orderedPoints(is, corner, EqualRows::keepLast, comparison.points[1]));
     }
-    addTableChange(comparison, ChangeKind::table, field, axes, std::move(changes.forms));
-    addTableChange(comparison, ChangeKind::shift, field, axes, std::move(changes.shifts));
-    addTableChange(comparison, ChangeKind::extent, field, axes, std::move(changes.extents));
+    addTableChange(comparison, ChangeKind::table, field, axes, changes.forms);
+    addTableChange(comparison, ChangeKind::shift, field, axes, changes.shifts);
+    addTableChange(comparison, ChangeKind::extent, field, axes, changes.extents);
 }
 
 using Fixture = FieldRow<Wvfrm, GivenValue>;
@@ -173,23 +221,7 @@ FixtureKey keyOf(const Wvfrm& waveform) {
     return key;
 }
 
-/// How a waveform is called: by its keyword and its fixture.
-std::string nameOf(std::string_view keyword, const Wvfrm& waveform) {
-    std::string name(keyword);
-    if (waveform.r_fixture || waveform.v_fixture) name.append(" with ").append(fixtureText(waveform));
-    for (const GivenValue capacity : {waveform.c_fixture, waveform.c_dut})
-        if (capacity && *capacity != 0.0) name.append(" and ").append(farads(*capacity));
-    return name;
-}
-
-/// Waveforms of both files that belong together, and those that are left.
-struct WaveformPairs {
-    std::vector<std::pair<const Wvfrm*, const Wvfrm*>> pairs;
-    std::vector<const Wvfrm*> gone;
-    std::vector<const Wvfrm*> fresh;
-};
-
-/// In the order of their fixtures; of equal ones the first belongs to the first.
+/// In the order of their fixtures, equal ones as they come.
 std::vector<std::pair<FixtureKey, const Wvfrm*>> sortedByFixture(const Rows<Wvfrm>& waveforms) {
     std::vector<std::pair<FixtureKey, const Wvfrm*>> sorted;
     sorted.reserve(waveforms.size());
@@ -197,28 +229,6 @@ std::vector<std::pair<FixtureKey, const Wvfrm*>> sortedByFixture(const Rows<Wvfr
         sorted.emplace_back(keyOf(waveform), &waveform);
     std::ranges::stable_sort(sorted, {}, &std::pair<FixtureKey, const Wvfrm*>::first);
     return sorted;
-}
-
-WaveformPairs matchByFixture(const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
-    WaveformPairs matched;
-    const auto before = sortedByFixture(was);
-    const auto now = sortedByFixture(is);
-    auto left = before.begin();
-    auto right = now.begin();
-    while (left != before.end() || right != now.end()) {
-        if (right == now.end() || (left != before.end() && left->first < right->first)) {
-            matched.gone.push_back((left++)->second);
-        } else if (left == before.end() || right->first < left->first) {
-            matched.fresh.push_back((right++)->second);
-        } else {
-            matched.pairs.emplace_back((left++)->second, (right++)->second);
-        }
-    }
-    // As they come in the files.
-    std::ranges::sort(matched.gone, std::less<>());
-    std::ranges::sort(matched.fresh, std::less<>());
-    std::ranges::sort(matched.pairs, std::less<>(), &std::pair<const Wvfrm*, const Wvfrm*>::second);
-    return matched;
 }
 
 /// How many fields of two fixtures differ; the voltages of the corners count with the typical one.
@@ -231,37 +241,94 @@ std::size_t differingFields(const FixtureKey& a, const FixtureKey& b) {
     return count;
 }
 
-/// Of the waveforms that are left, those whose fixtures differ in one field belong together.
-void matchByLikeness(WaveformPairs& matched) {
-    constexpr std::size_t kMost = 64; // so many, and pairing them all is no work
-    if (matched.gone.size() > kMost || matched.fresh.size() > kMost) return;
-    for (const Wvfrm*& old : matched.gone) {
-        const auto alike = std::ranges::find_if(matched.fresh, [&](const Wvfrm* waveform) {
-            return waveform != nullptr && differingFields(keyOf(*old), keyOf(*waveform)) == 1;
-        });
-        if (alike == matched.fresh.end()) continue;
-        matched.pairs.emplace_back(std::exchange(old, nullptr), std::exchange(*alike, nullptr));
+/// How far the typical voltages are apart at most.
+double distanceOf(std::array<PointRoom, 2>& points, const Wvfrm& was, const Wvfrm& is) {
+    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false};
+    if (isSame(was.rows, is.rows)) return 0.0;
+    points[0].empty(was.rows.size());
+    points[1].empty(is.rows.size());
+    const std::optional<CurveDifference> difference =
+        differenceOf(orderedPoints(was.rows, Corner::typ, EqualRows::keepLast, points[0]),
+                     orderedPoints(is.rows, Corner::typ, EqualRows::keepLast, points[1]), kNone);
+    return difference ? std::abs(difference->is - difference->was) : 0.0;
+}
+
+/// A waveform of OLD and one of NEW, by their places among those that are left, and how much they differ.
+struct WaveformPairing {
+    std::size_t fields;
+    double distance;
+    std::size_t was;
+    std::size_t is;
+
+    auto operator<=>(const WaveformPairing& other) const = default;
+};
+
+/// Pairs what is most alike, by the fixtures first, until nothing is left of one side.
+void matchByLikeness(std::array<PointRoom, 2>& points, WaveformPairs& matched, std::vector<const Wvfrm*>& gone,
+                     std::vector<const Wvfrm*>& fresh) {
+    constexpr std::size_t kMost = 4096; // pairings to be tried
+    if (gone.empty() || fresh.empty()) return;
+    std::vector<WaveformPairing> pairings;
+    const bool tries_all = gone.size() * fresh.size() <= kMost;
+    const bool is_clear = gone.size() == 1 && fresh.size() == 1;
+    for (std::size_t i = 0; i < gone.size(); ++i) {
+        for (std::size_t j = tries_all ? 0 : i; j < (tries_all ? fresh.size() : std::min(i + 1, fresh.size())); ++j) {
+            const double distance = is_clear || !tries_all ? 0.0 : distanceOf(points, *gone[i], *fresh[j]);
+            pairings.push_back({differingFields(keyOf(*gone[i]), keyOf(*fresh[j])), distance, i, j});
+        }
     }
-    std::erase(matched.gone, nullptr);
-    std::erase(matched.fresh, nullptr);
+    std::ranges::sort(pairings);
+    for (const WaveformPairing& pairing : pairings) {
+        if (gone[pairing.was] == nullptr || fresh[pairing.is] == nullptr) continue;
+        matched.pairs.emplace_back(std::exchange(gone[pairing.was], nullptr),
+                                   std::exchange(fresh[pairing.is], nullptr));
+    }
+    std::erase(gone, nullptr);
+    std::erase(fresh, nullptr);
 }
 
 bool isSame(const Wvfrm& a, const Wvfrm& b) {
     return isSame(a.rows, b.rows) && isSame(a.composite_current->rows, b.composite_current->rows);
 }
 
+/// What a rate of a ramp is made of, and what it comes to.
+struct RateRanges {
+    Rng step;
+    Rng time;
+    Rng slew;
+};
+RateRanges rangesOf(const std::optional<RampRate>& rate) {
+    RateRanges ranges;
+    if (!rate) return ranges;
+    for (const Corner corner : kCorners) {
+        const RampCorner& of = (*rate)[corner];
+        if (!of.dv.isNumber() || of.dt == 0.0) continue;
+        ranges.step[corner] = of.dv;
+        ranges.time[corner] = Cell(of.dt);
+        ranges.slew[corner] = Cell(of.dv.value() / of.dt);
+    }
+    return ranges;
+}
+
+/// The slew tells of a change of the step or of the time; where both change, they are told as well.
 void compareRate(Comparison& comparison, std::string_view name, const std::optional<RampRate>& was,
                  const std::optional<RampRate>& is) {
-    const auto slewsOf = [](const std::optional<RampRate>& rate) {
-        Rng slews;
-        if (!rate) return slews;
-        for (const Corner corner : kCorners) {
-            const RampCorner& of = (*rate)[corner];
-            if (of.dv.isNumber() && of.dt != 0.0) slews[corner] = Cell(of.dv.value() / of.dt);
-        }
-        return slews;
+    RateRanges before = rangesOf(was);
+    RateRanges now = rangesOf(is);
+    compareRange(comparison, {"[Ramp]", name}, Unit::voltsPerSecond, before.slew, now.slew);
+    const auto changes = [&](const Cell& a, const Cell& b) {
+        return a.isNumber() && b.isNumber() && changeOf(a.value(), b.value(), comparison.share()).has_value();
     };
-    compareRange(comparison, {"[Ramp]", name}, Unit::voltsPerSecond, slewsOf(was), slewsOf(is));
+    for (const Corner corner : kCorners) {
+        const int changed = (changes(before.step[corner], now.step[corner]) ? 1 : 0) +
+                            (changes(before.time[corner], now.time[corner]) ? 1 : 0);
+        const bool is_told = changed < 2 && changes(before.slew[corner], now.slew[corner]);
+        if (before.slew[corner].isNumber() && now.slew[corner].isNumber() && !is_told) continue;
+        now.step[corner] = before.step[corner];
+        now.time[corner] = before.time[corner];
+    }
+    compareRange(comparison, {"[Ramp]", name, "dV"}, Unit::volts, before.step, now.step);
+    compareRange(comparison, {"[Ramp]", name, "dt"}, Unit::seconds, before.time, now.time);
 }
 
 } // namespace
@@ -279,7 +346,7 @@ void compareTimes(Comparison& comparison, const FieldName& field, Unit unit, con
 
 void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvfrm& was, const Wvfrm& is) {
     if (keyOf(was) == keyOf(is) && isSame(was, is)) return;
-    const std::string name = nameOf(keyword, was);
+    const std::string name = waveformField(keyword, was);
     compareFields(comparison, name, kFixture, was, is);
     compareTimes(comparison, name, Unit::volts, was.rows, is.rows);
     const FieldName current(name, "[Composite Current]");
@@ -287,21 +354,52 @@ void compareWaveform(Comparison& comparison, std::string_view keyword, const Wvf
         compareTimes(comparison, current, Unit::amperes, was.composite_current->rows, is.composite_current->rows);
 }
 
-void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
-    const auto has_key_of = [](const Wvfrm& a, const Wvfrm& b) { return keyOf(a) == keyOf(b); };
-    if (std::ranges::equal(was, is, has_key_of)) {
-        for (std::size_t i = 0; i < was.size(); ++i)
-            compareWaveform(comparison, keyword, was[i], is[i]);
-        return;
+WaveformPairs matchWaveforms(std::array<PointRoom, 2>& points, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
+    WaveformPairs matched;
+    const auto before = sortedByFixture(was);
+    const auto now = sortedByFixture(is);
+    auto left = before.begin();
+    auto right = now.begin();
+    while (left != before.end() || right != now.end()) {
+        const FixtureKey key =
+            right == now.end() || (left != before.end() && left->first < right->first) ? left->first : right->first;
+        std::vector<const Wvfrm*> gone;
+        std::vector<const Wvfrm*> fresh;
+        for (; left != before.end() && left->first == key; ++left)
+            gone.push_back(left->second);
+        for (; right != now.end() && right->first == key; ++right)
+            fresh.push_back(right->second);
+        matchByLikeness(points, matched, gone, fresh);
+        matched.gone.insert(matched.gone.end(), gone.begin(), gone.end());
+        matched.fresh.insert(matched.fresh.end(), fresh.begin(), fresh.end());
     }
-    WaveformPairs matched = matchByFixture(was, is);
-    matchByLikeness(matched);
+    // As they come in the files.
+    std::ranges::sort(matched.gone, std::less<>());
+    std::ranges::sort(matched.fresh, std::less<>());
+    matchByLikeness(points, matched, matched.gone, matched.fresh);
+    std::ranges::sort(matched.pairs, std::less<>(), &std::pair<const Wvfrm*, const Wvfrm*>::second);
+    return matched;
+}
+
+std::string waveformField(std::string_view keyword, const Wvfrm& waveform) {
+    std::string name(keyword);
+    if (waveform.r_fixture || waveform.v_fixture) name.append(" with ").append(fixtureText(waveform));
+    for (const GivenValue capacity : {waveform.c_fixture, waveform.c_dut})
+        if (capacity && *capacity != 0.0) name.append(" and ").append(farads(*capacity));
+    return name;
+}
+
+void compareWaveforms(Comparison& comparison, std::string_view keyword, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
+    if (std::ranges::equal(was, is,
+                           [](const Wvfrm& a, const Wvfrm& b) { return keyOf(a) == keyOf(b) && isSame(a, b); }))
+        return;
+    const WaveformPairs matched = matchWaveforms(comparison.points, was, is);
     for (const auto& [before, now] : matched.pairs)
         compareWaveform(comparison, keyword, *before, *now);
     for (const Wvfrm* const waveform : matched.fresh)
-        comparePresence(comparison, nameOf(keyword, *waveform), false, true);
+        comparePresence(comparison, waveformField(keyword, *waveform), false, true);
     for (const Wvfrm* const waveform : matched.gone)
-        comparePresence(comparison, nameOf(keyword, *waveform), true, false);
+        comparePresence(comparison, waveformField(keyword, *waveform), true, false);
 }
 
 void compareOnlyWaveform(Comparison& comparison, std::string_view keyword, const OnDemand<Wvfrm>& was,

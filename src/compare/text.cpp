@@ -10,182 +10,181 @@ namespace kestrel {
 
 namespace {
 
-std::string numberText(double value, Unit unit, int digits) {
-    if (unit == Unit::voltsPerSecond) return std::string(NumberText(value * 1e-9, "V/ns", digits));
-    const bool has_letters = unit != Unit::none && unit != Unit::celsius;
-    std::string text(NumberText(value, has_letters ? unitName(unit) : "", digits));
+void appendNumber(std::string& text, double value, Unit unit, int digits) {
+    if (unit == Unit::voltsPerSecond) {
+        text.append(NumberText(value * 1e-9, "V/ns", digits));
+        return;
+    }
+    const bool has_letters = unit != Unit::celsius;
+    text.append(NumberText(value, has_letters ? unitName(unit) : "", digits));
     if (unit == Unit::celsius) text.append(" C");
-    return text;
 }
 
 /// A place in a table: volts as they are, as tables have them.
-std::string placeText(double value, Unit axis, int digits) {
-    if (axis != Unit::volts) return numberText(value, axis, digits);
-    return std::string(NumberText(value, "", digits)).append(" V");
+void appendPlace(std::string& text, double value, Unit axis, int digits) {
+    if (axis != Unit::volts) return appendNumber(text, value, axis, digits);
+    text.append(NumberText(value, "", digits)).append(" V");
 }
 
-std::string extentText(const Extent& extent, Unit unit, int digits) {
-    return placeText(extent.low, unit, digits).append(" to ").append(placeText(extent.high, unit, digits));
-}
-
-struct TwoTexts {
-    std::string was;
-    std::string is;
-};
-
-/// Two texts with as many digits as it takes that they do not look the same.
-template <class Thing>
-TwoTexts textsApart(const Thing& was, const Thing& is, Unit unit,
-                    std::string (*write)(const Thing& thing, Unit unit, int digits)) {
-    TwoTexts texts;
-    for (int digits = NumberText::kFewDigits; digits <= NumberText::kAllDigits && texts.was == texts.is; ++digits)
-        texts = {write(was, unit, digits), write(is, unit, digits)};
-    return texts;
+void appendExtent(std::string& text, const Extent& extent, Unit unit, int digits) {
+    appendPlace(text, extent.low, unit, digits);
+    text.append(" to ");
+    appendPlace(text, extent.high, unit, digits);
 }
 
 /// True for a text of one line that is not long.
-bool isShown(const std::string& text) {
+bool isShown(std::string_view text) {
     constexpr std::size_t kMost = 60;
-    return text.size() <= kMost && text.find('\n') == std::string::npos;
+    return text.size() <= kMost && text.find('\n') == std::string_view::npos;
 }
 
-std::string textOf(const GivenThing& thing, Unit unit) {
-    if (const double* const number = std::get_if<double>(&thing))
-        return numberText(*number, unit, NumberText::kFewDigits);
-    if (const std::string* const text = std::get_if<std::string>(&thing)) return isShown(*text) ? *text : "a long text";
-    if (const Extent* const extent = std::get_if<Extent>(&thing))
-        return extentText(*extent, unit, NumberText::kFewDigits);
-    return "not given";
+void appendThing(std::string& text, const GivenThing& thing, Unit unit, int digits) {
+    if (const double* const number = std::get_if<double>(&thing)) {
+        appendNumber(text, *number, unit, digits);
+    } else if (const std::string_view* const word = std::get_if<std::string_view>(&thing)) {
+        text.append(isShown(*word) ? *word : "a long text");
+    } else if (const Extent* const extent = std::get_if<Extent>(&thing)) {
+        appendExtent(text, *extent, unit, digits);
+    } else {
+        text.append("not given");
+    }
 }
 
-std::string percentText(double percent) {
+void appendPercent(std::string& text, double percent) {
     constexpr double kWhole = 999.5;
-    if (percent < kWhole) return std::string(plainNumber(percent)).append(" %");
     constexpr double kMost = 1e15;
-    std::string text;
-    if (percent >= kMost) {
+    if (percent < kWhole) {
+        text.append(plainNumber(percent));
+    } else if (percent >= kMost) {
         appendGeneral(text, percent);
     } else {
         appendInteger(text, std::llround(percent));
     }
-    return text.append(" %");
+    text.append(" %");
 }
 
-TwoTexts textsOf(const ChangeDetail& detail, Unit unit) {
+/// "5 pF, was 4 pF" with as many digits as it takes that both do not look the same, or that it is another text where
+/// neither can be shown.
+void appendWasAndIs(std::string& text, const ChangeDetail& detail, Unit unit) {
+    const std::string_view* const was = std::get_if<std::string_view>(&detail.was);
+    const std::string_view* const is = std::get_if<std::string_view>(&detail.is);
+    if (was != nullptr && is != nullptr && (!isShown(*was) || !isShown(*is))) {
+        text.append("another text");
+        return;
+    }
+    constexpr std::string_view kWas = ", was ";
+    const std::size_t begin = text.size();
+    for (int digits = NumberText::kFewDigits; digits <= NumberText::kAllDigits; ++digits) {
+        text.resize(begin);
+        appendThing(text, detail.is, unit, digits);
+        const std::size_t end = text.size();
+        text.append(kWas);
+        appendThing(text, detail.was, unit, digits);
+        const std::string_view both = text;
+        if (both.substr(begin, end - begin) != both.substr(end + kWas.size())) return;
+    }
+}
+
+void appendValue(std::string& text, const ChangeDetail& detail, Unit unit) {
+    appendWasAndIs(text, detail, unit);
     const double* const was = std::get_if<double>(&detail.was);
     const double* const is = std::get_if<double>(&detail.is);
-    if (was != nullptr && is != nullptr)
-        return textsApart<double>(
-            *was, *is, unit, [](const double& value, Unit of, int digits) { return numberText(value, of, digits); });
-    const Extent* const old_extent = std::get_if<Extent>(&detail.was);
-    const Extent* const new_extent = std::get_if<Extent>(&detail.is);
-    if (old_extent != nullptr && new_extent != nullptr)
-        return textsApart<Extent>(*old_extent, *new_extent, unit, extentText);
-    return {textOf(detail.was, unit), textOf(detail.is, unit)};
+    if (was == nullptr || is == nullptr) return;
+    const std::string_view sign = *is > *was ? " (+" : " (-";
+    if (detail.percent) {
+        text.append(sign);
+        appendPercent(text, *detail.percent);
+    } else if (!isToldInPercent(unit)) {
+        text.append(sign);
+        appendNumber(text, std::abs(*is - *was), unit, NumberText::kFewDigits);
+    } else {
+        return;
+    }
+    text.push_back(')');
 }
 
-/// "5 pF, was 4 pF", or that it is another text where neither can be shown.
-std::string wasAndIs(const ChangeDetail& detail, Unit unit) {
-    const std::string* const was = std::get_if<std::string>(&detail.was);
-    const std::string* const is = std::get_if<std::string>(&detail.is);
-    if (was != nullptr && is != nullptr && (!isShown(*was) || !isShown(*is))) return "another text";
-    TwoTexts texts = textsOf(detail, unit);
-    return texts.is.append(", was ").append(texts.was);
+void appendShift(std::string& text, double shift) {
+    text.append(seconds(std::abs(shift))).append(shift > 0 ? " later" : " earlier");
 }
 
-std::string valueText(const ChangeDetail& detail, Unit unit) {
-    std::string text = wasAndIs(detail, unit);
-    if (!detail.percent) return text;
-    const bool is_more = std::get<double>(detail.is) > std::get<double>(detail.was);
-    return text.append(is_more ? " (+" : " (-").append(percentText(*detail.percent)).append(")");
-}
-
-std::string shiftText(double shift) {
-    return std::string(seconds(std::abs(shift))).append(shift > 0 ? " later" : " earlier");
-}
-
-/// How a value of a table differs: in words that go with a percentage.
-std::string_view differenceWord(double was, double is, Unit unit) {
-    if (unit != Unit::amperes) return is > was ? "higher" : "lower";
-    if ((was < 0) != (is < 0) && was != 0 && is != 0) return "current the other way";
-    return std::abs(is) > std::abs(was) ? "more current" : "less current";
-}
-
-std::string tableText(const ChangeDetail& detail, const Change& change) {
+/// How much a value of a table differs: "up to 5 % more current".
+void appendDifference(std::string& text, const ChangeDetail& detail, Unit unit) {
     const double was = std::get<double>(detail.was);
     const double is = std::get<double>(detail.is);
-    std::string text;
-    if (detail.shift) text.append(shiftText(*detail.shift)).append(", and ");
-    if (detail.percent) text.append("up to ").append(percentText(*detail.percent)).append(" ");
-    text.append(differenceWord(was, is, change.unit)).append(" (at ");
-    text.append(placeText(detail.at.value_or(0.0), change.axis, NumberText::kFewDigits)).append(": ");
-    return text.append(wasAndIs(detail, change.unit)).append(")");
+    const bool is_current = unit == Unit::amperes;
+    const bool turns = is_current && (was < 0) != (is < 0) && was != 0 && is != 0;
+    if (turns) text.append("current the other way");
+    if (detail.percent) {
+        text.append(turns ? ", by up to " : "up to ");
+        appendPercent(text, *detail.percent);
+        text.push_back(' ');
+    }
+    if (turns) {
+        if (detail.percent) text.pop_back();
+    } else if (is_current) {
+        text.append(std::abs(is) > std::abs(was) ? "more current" : "less current");
+    } else {
+        text.append(is > was ? "higher" : "lower");
+    }
 }
 
-std::string extentChangeText(const ChangeDetail& detail, Unit unit) {
-    const bool is_extent = std::holds_alternative<Extent>(detail.was) && std::holds_alternative<Extent>(detail.is);
-    return std::string(is_extent ? "covers " : "").append(wasAndIs(detail, unit));
+void appendTable(std::string& text, const ChangeDetail& detail, const ChangeGroup& group) {
+    if (detail.shift) {
+        appendShift(text, *detail.shift);
+        text.append(", and ");
+    }
+    appendDifference(text, detail, group.unit);
+    text.append(" (at ");
+    appendPlace(text, detail.at.value_or(0.0), group.axis, NumberText::kFewDigits);
+    text.append(": ");
+    appendWasAndIs(text, detail, group.unit);
+    text.push_back(')');
 }
 
-std::string matrixText(const ChangeDetail& detail, const Change& change) {
-    std::string text;
-    appendInteger(text, static_cast<std::int64_t>(change.count));
-    text.append(change.count == 1 ? " entry changed" : " entries changed");
-    if (detail.percent && change.count > 1) text.append(", at most");
-    if (detail.percent) text.append(" by ").append(percentText(*detail.percent));
-    return text.append(" (").append(change.place).append(": ").append(wasAndIs(detail, change.unit)).append(")");
+void appendCoverage(std::string& text, const ChangeDetail& detail, Unit unit) {
+    if (std::holds_alternative<Extent>(detail.was) && std::holds_alternative<Extent>(detail.is)) text.append("covers ");
+    appendWasAndIs(text, detail, unit);
 }
 
-std::string detailText(const ChangeDetail& detail, const Change& change) {
-    switch (change.kind) {
-    case ChangeKind::value: return valueText(detail, change.unit);
-    case ChangeKind::table: return tableText(detail, change);
-    case ChangeKind::shift: return shiftText(detail.shift.value_or(0.0));
-    case ChangeKind::extent: return extentChangeText(detail, change.unit);
-    case ChangeKind::matrix: return matrixText(detail, change);
-    case ChangeKind::renamed: return std::string("renamed, was ").append(textOf(detail.was, Unit::none));
-    case ChangeKind::order: return std::string("in another order; the first is ").append(wasAndIs(detail, Unit::none));
+void appendMatrix(std::string& text, const ChangeDetail& detail, const ChangeGroup& group) {
+    appendInteger(text, static_cast<std::int64_t>(group.count));
+    text.append(group.count == 1 ? " entry changed" : " entries changed");
+    if (detail.percent) {
+        text.append(group.count > 1 ? ", at most by " : " by ");
+        appendPercent(text, *detail.percent);
+    }
+    text.append(" (").append(group.place).append(": ");
+    appendWasAndIs(text, detail, group.unit);
+    text.push_back(')');
+}
+
+void appendDetail(std::string& text, const ChangeDetail& detail, const ChangeGroup& group) {
+    switch (group.kind) {
+    case ChangeKind::value: return appendValue(text, detail, group.unit);
+    case ChangeKind::table: return appendTable(text, detail, group);
+    case ChangeKind::shift: return appendShift(text, detail.shift.value_or(0.0));
+    case ChangeKind::extent: return appendCoverage(text, detail, group.unit);
+    case ChangeKind::matrix: return appendMatrix(text, detail, group);
+    case ChangeKind::renamed:
+        text.append("renamed, was ");
+        return appendThing(text, detail.was, Unit::none, NumberText::kFewDigits);
+    case ChangeKind::order:
+        text.append("in another order; the first is ");
+        return appendWasAndIs(text, detail, Unit::none);
     case ChangeKind::added:
     case ChangeKind::removed: break;
     }
-    return {};
 }
 
-/// "typ, min and max"; empty without a corner.
-std::string cornersText(const EnumSet<Corner>& corners) {
+/// Appends "typ, min and max"; nothing without a corner.
+void appendCorners(std::string& text, const EnumSet<Corner>& corners) {
     constexpr std::array<std::string_view, kCornerCount> kWords{"typ", "min", "max"};
-    std::vector<std::string_view> words;
+    std::array<std::string_view, kCornerCount> words;
+    std::size_t count = 0;
     for (const Corner corner : kCorners)
-        if (corners.has(corner)) words.push_back(kWords[placeOf(corner)]);
-    std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i)
-        text.append(i == 0 ? "" : i + 1 == words.size() ? " and " : ", ").append(words[i]);
-    return text;
-}
-
-/// What changed, without the records.
-std::string bodyOf(const Change& change) {
-    std::string text = change.field;
-    if (change.kind == ChangeKind::added || change.kind == ChangeKind::removed) {
-        text.append(text.empty() ? "" : " ").append(change.kind == ChangeKind::added ? "added" : "removed");
-        return text;
-    }
-    if (change.details.empty()) return text.append(" in another order");
-    bool is_first = true;
-    for (const ChangeDetail& detail : change.details) {
-        if (!is_first) text.append("; ");
-        const std::string corners = cornersText(detail.corners);
-        if (is_first && !text.empty() && !corners.empty()) text.push_back(' ');
-        text.append(corners);
-        if (change.kind == ChangeKind::order) {
-            text.push_back(' ');
-        } else if (!text.empty()) {
-            text.append(": ");
-        }
-        text.append(detailText(detail, change));
-        is_first = false;
-    }
-    return text;
+        if (corners.has(corner)) words[count++] = kWords[placeOf(corner)];
+    for (std::size_t i = 0; i < count; ++i)
+        text.append(i == 0 ? "" : i + 1 == count ? " and " : ", ").append(words[i]);
 }
 
 struct KindWords {
@@ -206,28 +205,15 @@ constexpr std::array<KindWords, kSubjectKinds> kKindWords{{
 }};
 const KindWords& wordsOf(SubjectKind kind) { return kKindWords[static_cast<std::size_t>(kind)]; }
 
-std::string capital(std::string_view word) {
-    std::string text(word);
-    text.front() = static_cast<char>(text.front() - 'a' + 'A');
-    return text;
+void appendCapital(std::string& text, std::string_view word) {
+    text.push_back(static_cast<char>(word.front() - 'a' + 'A'));
+    text.append(word.substr(1));
 }
 
-/// Whom a change is about.
-std::string recordsOf(const ChangeGroup& group, std::size_t most_names) {
-    const bool several = group.names.size() > 1;
-    const KindWords& words = wordsOf(group.kind);
-    std::string text = capital(several && group.component.empty() ? words.many : words.one);
-    if (!group.component.empty()) text.append(" ").append(group.component).append(several ? ", pins" : ", pin");
-    const std::size_t named = group.names.size() > most_names + 1 ? most_names : group.names.size();
-    for (std::size_t i = 0; i < named; ++i) {
-        const bool is_last = i + 1 == group.names.size();
-        if (i > 0) text.append(is_last ? " and" : ",");
-        if (!group.names[i].empty()) text.append(" ").append(group.names[i]);
-    }
-    if (named == group.names.size()) return text;
-    text.append(" and ");
-    appendInteger(text, static_cast<std::int64_t>(group.names.size() - named));
-    return text.append(" more");
+void appendPassedOver(std::string& text, const std::vector<std::string_view>& keywords) {
+    text.append("Not compared, since keywords of later versions are passed over: ");
+    for (std::size_t i = 0; i < keywords.size(); ++i)
+        text.append(i == 0 ? "[" : ", [").append(keywords[i]).append("]");
 }
 
 /// For people.
@@ -240,42 +226,64 @@ public:
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
         if (same && settings_.quiet) return;
-        writeLine(std::string("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n"));
+        line_.assign("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n");
+        writeLine();
         writeErrors(pair.was);
         writeErrors(pair.is);
-        for (const ChangeGroup& group : pair.changes->groups)
-            writeLine(lineOf(group, kMostNames));
-        writeLine(std::string(same ? "" : "\n").append(summaryOf(*pair.changes)).append("\n"));
+        if (!pair.passed_over.empty()) {
+            appendPassedOver(line_, pair.passed_over);
+            writeLine();
+        }
+        for (const ChangeGroup* const group : pair.changes->groups) {
+            appendLine(line_, *group, kMostNames);
+            writeLine();
+        }
+        line_.assign(same ? "" : "\n").append(summaryOf(pair)).append("\n");
+        writeLine();
     }
 
     void lonely(std::string_view path, bool is_new) override {
-        writeLine(std::string(is_new ? "Only new: " : "Only old: ").append(path));
+        line_.assign(is_new ? "Only new: " : "Only old: ").append(path);
+        writeLine();
     }
 
     void ends(const CompareTotals& totals) override {
         if (totals.pairs + totals.only_old + totals.only_new <= 1 || settings_.quiet) return;
-        std::string text;
-        appendInteger(text, totals.pairs);
-        text.append(totals.pairs == 1 ? " file compared, " : " files compared, ");
-        appendInteger(text, totals.different);
-        writeLine(text.append(" different"));
+        appendInteger(line_, totals.pairs);
+        line_.append(totals.pairs == 1 ? " file compared" : " files compared");
+        const auto append = [this](std::int64_t count, std::string_view what) {
+            if (count == 0) return;
+            line_.append(", ");
+            appendInteger(line_, count);
+            line_.append(" ").append(what);
+        };
+        line_.append(", ");
+        appendInteger(line_, totals.different);
+        line_.append(" different");
+        append(totals.not_compared, "not compared");
+        append(totals.only_old, "only old");
+        append(totals.only_new, "only new");
+        writeLine();
     }
 
 private:
-    void writeLine(std::string_view line) {
-        out_.write(line);
-        out_.write("\n");
+    /// Writes the line and begins the next one.
+    void writeLine() {
+        line_.push_back('\n');
+        out_.write(line_);
+        line_.clear();
     }
 
     void writeErrors(const ComparedPath& file) {
         if (file.errors == 0) return;
-        std::string text(file.path);
-        text.append(" fails with ");
-        appendInteger(text, file.errors);
-        writeLine(text.append(file.errors == 1 ? " error; compared as far as it was read"
-                                               : " errors; compared as far as it was read"));
+        line_.append(file.path).append(" fails with ");
+        appendInteger(line_, file.errors);
+        line_.append(file.errors == 1 ? " error; compared as far as it was read"
+                                      : " errors; compared as far as it was read");
+        writeLine();
     }
 
+    std::string line_;
     Output& out_;
     CompareFormatSettings settings_;
 };
@@ -305,8 +313,67 @@ std::string countsText(SubjectKind kind, const RecordCounts& counts) {
 
 } // namespace
 
+bool isWhole(const ComparedPair& pair) {
+    return pair.was.errors == 0 && pair.is.errors == 0 && pair.passed_over.empty();
+}
+
+void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names) {
+    const std::size_t count = group.names.size();
+    const bool several = count > 1;
+    const KindWords& words = wordsOf(group.record);
+    appendCapital(text, several && group.component.empty() ? words.many : words.one);
+    if (!group.component.empty()) text.append(" ").append(group.component).append(several ? ", pins" : ", pin");
+    const std::size_t named = count > most_names + 1 ? most_names : count;
+    for (std::size_t i = 0; i < named; ++i) {
+        const bool is_last = i + 1 == count;
+        if (i > 0) text.append(is_last ? " and" : ",");
+        if (!group.names[i].empty()) text.append(" ").append(group.names[i]);
+    }
+    if (named == count) return;
+    text.append(" and ");
+    appendInteger(text, static_cast<std::int64_t>(count - named));
+    text.append(" more");
+}
+
+void appendBody(std::string& text, const ChangeGroup& group) {
+    const std::size_t begin = text.size();
+    text.append(group.field);
+    if (group.kind == ChangeKind::added || group.kind == ChangeKind::removed) {
+        text.append(group.field.empty() ? "" : " ").append(group.kind == ChangeKind::added ? "added" : "removed");
+        return;
+    }
+    if (group.details.empty()) {
+        text.append(" in another order");
+        return;
+    }
+    bool is_first = true;
+    for (const ChangeDetail& detail : group.details) {
+        if (!is_first) text.append("; ");
+        const std::size_t before = text.size();
+        if (is_first && before > begin) text.push_back(' ');
+        const std::size_t corners = text.size();
+        appendCorners(text, detail.corners);
+        if (text.size() == corners) text.resize(before);
+        if (group.kind == ChangeKind::order) {
+            text.push_back(' ');
+        } else if (text.size() > begin) {
+            text.append(": ");
+        }
+        appendDetail(text, detail, group);
+        is_first = false;
+    }
+}
+
+void appendLine(std::string& text, const ChangeGroup& group, std::size_t most_names) {
+    appendRecords(text, group, most_names);
+    text.append(": ");
+    appendBody(text, group);
+}
+
 std::string lineOf(const ChangeGroup& group, std::size_t most_names) {
-    return recordsOf(group, most_names).append(": ").append(bodyOf(group.change));
+    std::string line;
+    appendLine(line, group, most_names);
+    return line;
 }
 
 std::string summaryOf(const FileChanges& changes) {
@@ -316,12 +383,29 @@ std::string summaryOf(const FileChanges& changes) {
         const RecordCounts& counts = changes.counts[static_cast<std::size_t>(kind)];
         if (counts.all() != 0) text.append(text.empty() ? "" : "; ").append(countsText(kind, counts));
     }
+    const auto append_field = [&text](const ChangeGroup& group) {
+        text.append(" in ");
+        if (!group.component.empty()) text.append(group.component).append(" pin ");
+        text.append(group.names.front()).append(" ").append(group.field);
+    };
     if (const ChangeGroup* const largest = changes.largest()) {
-        text.append("; largest change ").append(percentText(*largest->percent())).append(" in ");
-        if (!largest->component.empty()) text.append(largest->component).append(" pin ");
-        text.append(largest->names.front()).append(" ").append(largest->change.field);
+        text.append("; largest change ");
+        appendPercent(text, *largest->percent());
+        append_field(*largest);
+    }
+    if (const FileChanges::Shift shift = changes.largestShift(); shift.group != nullptr) {
+        text.append("; largest shift ");
+        appendShift(text, shift.seconds);
+        append_field(*shift.group);
     }
     return text;
+}
+
+std::string summaryOf(const ComparedPair& pair) {
+    if (pair.changes == nullptr) return "Not compared";
+    if (pair.changes->groups.empty() && !isWhole(pair))
+        return "No difference in what was compared; the files were not compared whole";
+    return summaryOf(*pair.changes);
 }
 
 std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings) {

@@ -45,6 +45,7 @@ bool readCpd(Context& context, CmpntEmi& emi, const SubparameterLine& line) {
     if (!readRange(context, text, line.name, range, OrderCheck::off)) return false;
     if (range.typ().isNumber()) {
         emi.cpd = range.typ().value();
+        emi.cpd_range = range;
     } else {
         errorAtLine(context.diagnostics, 4708, line.name, items[0]);
     }

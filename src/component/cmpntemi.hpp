@@ -3,6 +3,7 @@
 #include "component/pin.hpp"
 #include "component/pinemi.hpp"
 #include "reader/emi_domain.hpp"
+#include "reader/rng.hpp"
 #include "reader/sections.hpp"
 
 #include <memory>
@@ -14,7 +15,8 @@ namespace kestrel {
 /// What "[Begin EMI Component]" gives. Farads.
 struct CmpntEmi {
     EmiDomain domain = EmiDomain::notGiven;
-    GivenValue cpd; ///< the typical one of a range
+    GivenValue cpd;       ///< the typical one of a range
+    GivenRange cpd_range; ///< where all corners have one
     GivenValue c_heatsink_gnd;
     GivenValue c_heatsink_float;
     PinEmiTable pins;

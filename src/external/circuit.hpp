@@ -2,6 +2,7 @@
 
 #include "base/name_list.hpp"
 #include "base/text_hash.hpp"
+#include "base/text_store.hpp"
 #include "diagnostics/subject.hpp"
 #include "external/circuit_call.hpp"
 #include "reader/corner.hpp"
@@ -43,6 +44,9 @@ struct Converter {
     GivenValue trise;
     GivenValue tfall;
     std::optional<Corner> corner; ///< absent: all corners
+    std::string_view polarity;    ///< "Inverting" or "Non-Inverting", where the line has one
+    /// Names of parameters that give values, in the order of the line; empty for what is a number.
+    std::array<StoredText, 4> value_names{};
 };
 
 /// A value of a converter that is no number, to be found among the block's parameters, which may follow.
@@ -53,13 +57,24 @@ struct NamedValue {
     std::uint32_t line;
 };
 
+/// A parameter and the text of its value.
+struct NamedText {
+    StoredText name;
+    StoredText value;
+};
+
+/// Names of parameters in file order, each once, and the values that lines give.
+struct ExtParameters : NameList {
+    std::vector<NamedText> values;
+};
+
 /// One "[External Circuit]", whose name has at most 40 characters, or the "[External Model]" of a model, which has
 /// none.
 struct ExtCkt : RecordOf<SubjectKind::externalCircuit> {
     ExtLanguage language = ExtLanguage::notGiven;
     PerCorner<std::optional<ExtFile>> corners;
-    NameList parameters;
-    NameList converter_parameters;
+    ExtParameters parameters;
+    ExtParameters converter_parameters;
     NameList ports;
     std::vector<Converter> converters; ///< in file order
     TextSet converter_keys;            ///< kind, d_port, corner and polarity of each, for the test of repeated ones

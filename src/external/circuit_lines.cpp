@@ -4,6 +4,7 @@
 #include "reader/items.hpp"
 #include "reader/values.hpp"
 
+#include <algorithm>
 #include <span>
 
 namespace kestrel {
@@ -128,58 +129,60 @@ void cornerLine(const Reading& reading, std::string_view text) {
     stored = ExtFile{std::string(file), std::string(circuit)};
 }
 
-/// Whether names may have values, which are passed over.
-enum class NameValues : bool { none, passedOver };
-
-/// Reads names and calls `each` with them. Reports a line without any.
+/// Reads names and calls `each` with them; their values go to a list, without one they cannot have any. Reports a line
+/// without any name.
 template <class Each>
-void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, NameValues values, Each each) {
-    const Context& context = reading.context;
+void nameLine(const Reading& reading, std::string_view line_name, std::string_view text, std::vector<NamedText>* values,
+              Each each) {
+    Context& context = reading.context;
     // Values came with version 5; before it only an "=" by itself is no part of a name, nor what follows it.
-    const bool splits = values == NameValues::passedOver && context.parse.version >= IbisVersion::v5;
+    const bool splits = values != nullptr && context.parse.version >= IbisVersion::v5;
     const char split = splits ? '=' : '\0';
-    bool found = false;
+    std::string_view last;
     for (std::string_view name = takeItem(context, text, split); !name.empty(); name = takeItem(context, text, split)) {
-        if (name == "=" && values == NameValues::passedOver) {
-            // One ahead of all names, as in "Parameters = low high", has no value.
-            if (found) static_cast<void>(takeItem(context, text));
+        if (name == "=" && values != nullptr) {
+            if (last.empty()) continue; // one ahead of all names, as in "Parameters = low high", has no value
+            const std::string_view value = takeItem(context, text);
+            if (!value.empty()) values->push_back({context.texts.add(last), context.texts.add(value)});
             continue;
         }
         each(name);
-        found = true;
+        last = name;
     }
-    if (!found) errorAtLine(reading.context.diagnostics, 1814, line_name);
+    if (last.empty()) errorAtLine(reading.context.diagnostics, 1814, line_name);
 }
 
 void parametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Parameters", text, NameValues::passedOver, [&reading](std::string_view name) {
+    nameLine(reading, "Parameters", text, &reading.circuit.parameters.values, [&reading](std::string_view name) {
         if (reading.circuit.parameters.add(name)) return;
         warningAtLine(reading.context.diagnostics, 1818, name, reading.owner.kind, reading.owner.name);
     });
 }
 
 void converterParametersLine(const Reading& reading, std::string_view text) {
-    nameLine(reading, "Converter_Parameters", text, NameValues::passedOver,
+    nameLine(reading, "Converter_Parameters", text, &reading.circuit.converter_parameters.values,
              [&reading](std::string_view name) { reading.circuit.converter_parameters.add(name); });
 }
 
 void portsLine(const Reading& reading, std::string_view text) {
     reading.circuit.ports_seen = true;
-    nameLine(reading, "Ports", text, NameValues::none, [&reading](std::string_view name) {
+    nameLine(reading, "Ports", text, nullptr, [&reading](std::string_view name) {
         if (reading.circuit.ports.add(name)) return;
         errorAtLine(reading.context.diagnostics, 1815, name, reading.owner.kind, reading.owner.name);
     });
 }
 
-void readValue(const Reading& reading, const ConverterForm& form, Converter& converter, const ConverterValue& value,
+void readValue(const Reading& reading, const ConverterForm& form, Converter& converter, std::size_t place,
                std::string_view text) {
     Context& context = reading.context;
+    const ConverterValue& value = kValues[place];
     double number = 0.0;
     if (readScaled(text, number) == ReadResult::noNumber) {
         if (context.parse.version < IbisVersion::v5) {
             errorAtLine(context.diagnostics, 1819, value.label, text, form.name);
         } else {
             reading.circuit.named_values.push_back({value.label, form.name, std::string(text), context.parse.line});
+            converter.value_names[place] = context.texts.add(text);
         }
         return;
     }
@@ -190,11 +193,13 @@ void readValue(const Reading& reading, const ConverterForm& form, Converter& con
 /// Takes the polarity off the end of a line of version 5; a line may be there once for each.
 std::string_view takePolarity(const Reading& reading, const ConverterForm& form, ItemList& items) {
     if (!form.to_analog || reading.context.parse.version < IbisVersion::v5 || items.count != items.kept) return {};
+    constexpr std::array<std::string_view, 2> kPolarities{"Inverting", "Non-Inverting"};
     const std::string_view last = items.kept == 0 ? std::string_view() : items[items.kept - 1];
-    if (last != "Inverting" && last != "Non-Inverting") return {};
+    const auto* const polarity = std::ranges::find(kPolarities, last);
+    if (polarity == kPolarities.end()) return {};
     --items.kept;
     --items.count;
-    return last;
+    return *polarity;
 }
 
 /// Of a line that was reported: unless it plainly served another port, the required one is not missed.
@@ -209,7 +214,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     converter.to_analog = form.to_analog;
     converter.d_port = takeItem(reading.context, text);
     ItemList items = splitItems(reading.context, text, kMaxItems); // behind the name and the digital port
-    const std::string_view polarity = takePolarity(reading, form, items);
+    converter.polarity = takePolarity(reading, form, items);
     // The numbers that are expected leave a polarity out.
     const int count = items.count + (converter.d_port.empty() ? 1 : 2);
     constexpr int kPorts = 2;
@@ -230,7 +235,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
         noteReported(reading, form, converter);
     }
     for (std::size_t i = 0; i < form.values; ++i) {
-        readValue(reading, form, converter, kValues[i], items[kPorts + static_cast<int>(i)]);
+        readValue(reading, form, converter, i, items[kPorts + static_cast<int>(i)]);
     }
     bool corner_reads = true;
     if (items.has(without_corner)) {
@@ -241,7 +246,7 @@ void converterLine(const Reading& reading, const ConverterForm& form, std::strin
     }
     const std::string_view corner = cornerText(converter.corner.value_or(Corner::typ));
     std::string key(form.name);
-    key.append(" ").append(converter.d_port).append(" ").append(corner).append(" ").append(polarity);
+    key.append(" ").append(converter.d_port).append(" ").append(corner).append(" ").append(converter.polarity);
     if (corner_reads && !reading.circuit.converter_keys.insert(std::move(key)).second) {
         warningAtLine(diagnostics, 1832, form.name, converter.d_port, corner);
     }

@@ -1,5 +1,7 @@
 #include "main/comparing.hpp"
 
+#include "base/text.hpp"
+#include "base/text_hash.hpp"
 #include "compare/compare.hpp"
 #include "ibis/run.hpp"
 #include "main/checking.hpp"
@@ -15,6 +17,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace kestrel {
 
@@ -53,7 +56,9 @@ Folder listFolder(FileList& files, std::string_view path, const Complaint& compl
     return folder;
 }
 
-void pairFolders(std::vector<FilePair>& pairs, const Folder& was, const Folder& is) {
+/// Files of equal names, and those that only one folder has, by their names.
+std::vector<FilePair> pairByName(const Folder& was, const Folder& is) {
+    std::vector<FilePair> pairs;
     auto before = was.files.begin();
     auto now = is.files.begin();
     while (before != was.files.end() || now != is.files.end()) {
@@ -64,6 +69,40 @@ void pairFolders(std::vector<FilePair>& pairs, const Folder& was, const Folder& 
         if (takes_new) pair.is = (now++)->second;
         pairs.push_back(pair);
     }
+    return pairs;
+}
+
+/// What is left of both folders and only differs in the case of letters belongs together, where that is clear: names of
+/// files are often put into lower case from one edition to the next.
+void pairWithoutCase(std::vector<FilePair>& pairs, const Folder& was, const Folder& is) {
+    struct Lonely {
+        std::vector<std::size_t> was; ///< places of pairs
+        std::vector<std::size_t> is;
+    };
+    TextMap<Lonely> by_name;
+    const auto lonely_of = [&by_name](std::string name) -> Lonely& {
+        lowerCase(name);
+        return by_name[std::move(name)];
+    };
+    std::size_t old_file = 0;
+    std::size_t new_file = 0;
+    for (std::size_t place = 0; place < pairs.size(); ++place) {
+        const FilePair& pair = pairs[place];
+        const bool has_old = pair.was != FilePair::kNone;
+        const bool has_new = pair.is != FilePair::kNone;
+        if (has_old && !has_new) lonely_of(was.files[old_file].first).was.push_back(place);
+        if (has_new && !has_old) lonely_of(is.files[new_file].first).is.push_back(place);
+        if (has_old) ++old_file;
+        if (has_new) ++new_file;
+    }
+    for (const auto& [name, lonely] : by_name) {
+        if (lonely.was.size() != 1 || lonely.is.size() != 1) continue;
+        FilePair& gone = pairs[lonely.was.front()];
+        pairs[lonely.is.front()].was = gone.was;
+        gone.was = FilePair::kNone;
+    }
+    std::erase_if(pairs,
+                  [](const FilePair& pair) { return pair.was == FilePair::kNone && pair.is == FilePair::kNone; });
 }
 
 /// The memory of a pair: what is read of both files, and what the comparison takes beside that.
@@ -102,15 +141,31 @@ struct ReadFile {
     std::unique_ptr<Run> run{};
     FileOutcome outcome{};
     std::int64_t more_errors = 0; ///< what broke the check off
+    bool is_cut_off = false;      ///< it has no end
     std::string problem{};        ///< why it cannot be compared; empty when it can
 };
+
+std::int64_t errorCount(const ReadFile& file) {
+    return file.run == nullptr ? 0 : failureCount(diagnosticCounts(file.run->diagnostics)) + file.more_errors;
+}
+
+/// True when there is nothing to be compared but the header.
+bool hasNoRecord(const Ibis& root) {
+    return root.components.empty() && root.models.empty() && root.model_selectors.empty() && root.submodels.empty() &&
+           root.package_models.empty() && root.external_circuits.empty() && root.test_loads.empty() &&
+           root.test_data.empty();
+}
 
 void readInRun(ReadFile& file) {
     file.run = std::make_unique<Run>(file.nowhere);
     Run& run = *file.run;
     run.parse.takes_later = true;
+    run.ami_files.stay_in_folder = true;
     run.diagnostics.on_assertion = OnAssertion::raise;
-    run.diagnostics.sink = [](const Finding&) {};
+    constexpr MessageCode kNoEnd = 903;
+    run.diagnostics.sink = [&file](const Finding& finding) {
+        if (finding.code && finding.code->number == kNoEnd) file.is_cut_off = true;
+    };
     try {
         checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
     } catch (const AssertionFailed&) {
@@ -128,6 +183,8 @@ void readFile(ReadFile& file, PairMemory& memory) {
         file.problem = ": cannot be read, or is empty; not compared";
     } else if (!file.outcome.checked || file.run->roots.empty() || currentRoot(*file.run).headers.empty()) {
         file.problem = ": its version is not checked; not compared";
+    } else if (file.is_cut_off && hasNoRecord(currentRoot(*file.run))) {
+        file.problem = ": nothing but its header could be read; not compared";
     }
 }
 
@@ -145,9 +202,25 @@ void readBoth(ReadFile& was, ReadFile& is, PairMemory& memory, bool together) {
 }
 
 ComparedPath pathOf(const ReadFile& file) {
-    ComparedPath path{.path = file.name, .version = file.outcome.version, .read = file.problem.empty()};
-    if (file.run != nullptr) path.errors = failureCount(diagnosticCounts(file.run->diagnostics)) + file.more_errors;
-    return path;
+    return {
+        .path = file.name, .version = file.outcome.version, .errors = errorCount(file), .read = file.problem.empty()};
+}
+
+/// The keywords of later versions that one of the files has.
+std::vector<std::string_view> passedOver(const ReadFile& was, const ReadFile& is) {
+    std::vector<std::string_view> names;
+    for (std::size_t i = 0; i < kLaterKeywordCount; ++i) {
+        const auto keyword = static_cast<LaterKeyword>(i);
+        const std::string_view name = laterKeywordName(keyword);
+        if (name.starts_with("End_")) continue; // of a block that is named
+        if (wasPassedOver(was.run->parse, keyword) || wasPassedOver(is.run->parse, keyword)) names.push_back(name);
+    }
+    return names;
+}
+
+/// The root of a file; null where nothing is left of it.
+const Ibis* rootOf(const ReadFile& file) {
+    return file.run == nullptr || file.run->roots.empty() ? nullptr : &currentRoot(*file.run);
 }
 
 ComparedFile comparedFile(const ReadFile& file) {
@@ -171,11 +244,14 @@ public:
         if (was.problem.empty() && is.problem.empty()) {
             std::optional<MemoryAccount> account;
             memory.open(account);
-            is.problem = problemOf(memory.limit, account,
-                                   [&] { changes = compareFiles(comparedFile(was), comparedFile(is), settings_); });
+            is.problem = problemOf(memory.limit, account, [&] {
+                changes = compareFiles(comparedFile(was), comparedFile(is), settings_);
+                pair.passed_over = passedOver(was, is);
+            });
             if (is.problem.empty()) pair.changes = &changes;
         }
         outputs_.format.pair(pair);
+        if (outputs_.page != nullptr) outputs_.page->pair(pair, rootOf(was), rootOf(is));
         for (const ReadFile* const file : {&was, &is})
             if (!file->problem.empty()) tell(outputs_.out, outputs_.errors, file->name, file->problem);
         if (pair.changes == nullptr) {
@@ -190,6 +266,7 @@ public:
     void lonely(std::string_view name, bool is_new) {
         ++(is_new ? totals_.only_new : totals_.only_old);
         outputs_.format.lonely(name, is_new);
+        if (outputs_.page != nullptr) outputs_.page->lonely(name, is_new);
         status_ = std::max(status_, kSomeFailed);
     }
 
@@ -218,7 +295,8 @@ bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::str
     if (old_is_folder && new_is_folder) {
         const Folder before = listFolder(files, was, complain, all_well);
         const Folder now = listFolder(files, is, complain, all_well);
-        pairFolders(pairs.pairs, before, now);
+        pairs.pairs = pairByName(before, now);
+        pairWithoutCase(pairs.pairs, before, now);
         if (const std::size_t count = std::max(before.passed_over, now.passed_over); count > 0)
             complain(std::to_string(count), " .ebd and .ami files are not compared");
         return all_well;

@@ -4,6 +4,7 @@
 #include "main/file_list.hpp"
 #include "main/memory_limit.hpp"
 #include "main/verimark.hpp"
+#include "report/compared_page.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -29,12 +30,13 @@ struct FilePairs {
 [[nodiscard]] bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::string_view is,
                              const Complaint& complain);
 
-/// Where a comparison writes: what changed, and what is said beside that.
+/// Where a comparison writes: what changed, what is said beside that, and a page with pictures.
 struct ComparedOutputs {
     Output& out;
     Output& errors;
     CompareFormat& format;
     const MemoryLimit* memory; ///< null for none; holds for what is read of a pair and its comparison
+    ComparedPage* page = nullptr; ///< null when none is wanted
 };
 
 /// Compares the pairs one after the other, the two files of each read at the same time unless `jobs` is 1 or memory is

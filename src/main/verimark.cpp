@@ -54,7 +54,8 @@ void printHelp(Output& out) {
         "no option, also when it begins with a hyphen.\n"
         "\n"
         "--compare reads OLD and NEW and prints what has changed in what they mean; of two\n"
-        "folders it compares the .ibs and .pkg files of equal names.\n"
+        "folders it compares the .ibs and .pkg files of equal names. With --report the\n"
+        "page shows the curves of both on each other.\n"
         "\n"
         "Exit status: 0 when every file passed, 1 when one failed, 2 when the command\n"
         "line is wrong, a file could not be read or an output not be written. Of a\n"
@@ -290,9 +291,20 @@ std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
         .version = kCheckerVersion, .settings = options.compare, .quiet = options.quiet};
     const auto format =
         options.format == FormatKind::json ? makeCompareJson(out, settings) : makeCompareText(out, settings);
-    const ComparedOutputs outputs{.out = out, .errors = call.errors, .format = *format, .memory = call.memory};
+    const Trouble trouble(out, call.errors);
+    OutputFile pages(call.temporaries);
+    std::optional<ComparedPage> page;
+    if (!options.report.empty()) {
+        if (!openOutput(trouble, call, pages, options.report)) return std::nullopt;
+        const std::string title = std::string(options.files[1]).append(" compared with ").append(options.files[0]);
+        page.emplace(pages.out(), title, std::string("Verimark ").append(kCheckerVersion));
+    }
+    const ComparedOutputs outputs{
+        .out = out, .errors = call.errors, .format = *format, .memory = call.memory, .page = page ? &*page : nullptr};
     const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, options.jobs);
     if (out.failed()) return std::nullopt;
+    if (page) page->end();
+    if (page && !commit(trouble, pages, options.report)) return kTrouble;
     return call.all_listed ? status : kTrouble;
 }
 

@@ -296,8 +296,6 @@ Problem wrongFiles(const VerimarkOptions& options) {
     constexpr std::size_t kOperands = 2;
     if (options.files.size() != kOperands || contains(options.files, "-"))
         return WrongCall{"--compare", ": needs two files or two folders, as in --compare OLD NEW"};
-    if (!options.report.empty())
-        return WrongCall{"--report=" + std::string(options.report), ": what changed is written as text or json"};
     if (options.format != FormatKind::text && options.format != FormatKind::json)
         return WrongCall{"--format=" + std::string(kFormatNames[static_cast<std::size_t>(options.format)]),
                          ": what changed is written as text or json"};

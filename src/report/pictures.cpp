@@ -166,4 +166,14 @@ void writeLegend(Html& html) {
            "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
 }
 
+void writeComparedLegend(Html& html) {
+    html << "<p class=\"legend\">New: <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 "
+            "4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 "
+            "4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 "
+            "4h28\"/></svg> max <span>Old, in grey:</span> <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
+            "class=\"w-t\" d=\"M1 4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
+            "class=\"w-n\" d=\"M1 4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
+            "class=\"w-x\" d=\"M1 4h28\"/></svg> max</p>\n";
+}
+
 } // namespace kestrel

@@ -51,5 +51,7 @@ private:
 
 /// Writes what lines and dashes mean.
 void writeLegend(Html& html);
+/// The same of pictures that compare two files.
+void writeComparedLegend(Html& html);
 
 } // namespace kestrel

@@ -107,7 +107,7 @@ private:
             } else {
                 appendPath(place_, line.points, frame_);
             }
-            if (!place_.empty()) html_.path(line.thin ? thinClassOf(line.corner) : classOf(line.corner), place_);
+            if (!place_.empty()) html_.path(classOf(line), place_);
         }
         for (const Dots& dots : plot_.dots) {
             place_.clear();
@@ -125,7 +125,13 @@ private:
         }
         return rule.corner == Corner::typ ? MarkupName("e-t") : rule.corner == Corner::min ? MarkupName("e-n") : "e-x";
     }
-    static MarkupName classOf(Corner corner) { return kestrel::classOf(corner); }
+    static MarkupName classOf(const PlotLine& line) {
+        if (line.is_old) return oldClassOf(line.corner);
+        return line.thin ? thinClassOf(line.corner) : kestrel::classOf(line.corner);
+    }
+    static MarkupName oldClassOf(Corner corner) {
+        return corner == Corner::typ ? MarkupName("w-t") : corner == Corner::min ? MarkupName("w-n") : "w-x";
+    }
     static MarkupName thinClassOf(Corner corner) {
         return corner == Corner::typ ? MarkupName("s-t") : corner == Corner::min ? MarkupName("s-n") : "s-x";
     }

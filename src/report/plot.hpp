@@ -25,6 +25,7 @@ struct PlotLine {
     Corner corner;
     std::vector<Point> points; ///< that can be drawn; x does not fall
     bool thin = false;         ///< it helps to read the others
+    bool is_old = false;       ///< of the file with which another is compared
 };
 
 /// A straight line across the picture.

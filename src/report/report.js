@@ -173,7 +173,7 @@
 
   const BOX = { left: 50, top: 20, width: 420, height: 240 };
   const FRAME = { width: 6000, height: 4000 };
-  const CORNERS = [["t", "typ"], ["n", "min"], ["x", "max"]];
+  const CORNERS = [["t", "typ"], ["n", "min"], ["x", "max"], ["w-t", "old typ"], ["w-n", "old min"], ["w-x", "old max"]];
   const states = new WeakMap();
 
   const readSpan = (text) => {

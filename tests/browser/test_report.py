@@ -184,6 +184,46 @@ class Report(unittest.TestCase):
         text = library(["m"]).encode().replace(b"Ours", names[:40]).replace(b"[File Rev] 1", b"[File Rev] " + names)
         self.opened(self.page("bytes", text, bytes(range(256)) * 20, b"", library(["m"]).encode()[:300]))
 
+    def test_a_comparison_shows_both_curves(self):
+        old = library(["a", "b", "gone"])
+        new = library(["a", "b", "come"]).replace("6.6 132mA 120mA 144mA", "6.6 198mA 120mA 144mA", 1)
+        new = new.replace("Ours", "Theirs")
+        browser = self.opened(self.page("changes", old, new, options=["--compare"]))
+        self.assertEqual(browser.texts(".outcome .verdict"), ["Different"])
+        # The model that changed has a section, with the line of its table from the rail up in both files: at 6.6 V
+        # the new typ one is half as high again, while that of min is where it was.
+        self.assertEqual(browser.texts(".model h4"), ["a", "come"])
+        self.assertEqual(browser.texts(".model li"),
+                         ["[Pulldown] typ: up to 50 % more current (at 6.6 V: 198 mA, was 132 mA)", "renamed, was gone"])
+        self.assertEqual(browser.texts("p.names"), ["Unchanged: b"])
+        self.assertIn("Model come", browser.texts(".long td:first-child"))
+        self.assertEqual(browser.texts(".model figcaption"),
+                         ["Pulldown typ: up to 50 % more current (at 6.6 V: 198 mA, was 132 mA)"])
+        ends = browser.run("""
+            const end = name => document.querySelector('.d > path.' + name).getPointAtLength(1e6).y;
+            return Object.fromEntries(['t', 'n', 'x', 'w-t', 'w-n', 'w-x'].map(name => [name, end(name)]))""")
+        self.assertLess(ends["t"], ends["w-t"])
+        self.assertEqual(ends["n"], ends["w-n"])
+        self.assertEqual(ends["x"], ends["w-x"])
+        # They are told apart by more than their color, and the old ones lie below.
+        style = "return getComputedStyle(document.querySelector('.d > path.' + arguments[0]))[arguments[1]]"
+        self.assertNotEqual(browser.run(style, "t", "strokeWidth"), browser.run(style, "w-t", "strokeWidth"))
+        self.assertEqual(browser.run("return Array.from(document.querySelectorAll('.d > path'), p => p.classList[0])"),
+                         ["w-x", "w-n", "w-t", "x", "n", "t"])
+        plot = browser.driver.find_element(By.CSS_SELECTOR, ".model svg.plot")
+        ActionChains(browser.driver).move_to_element(plot).perform()
+        rows = browser.texts(".model .cursor text")
+        self.assertTrue(any(row.startswith("old typ ") for row in rows), rows)
+        if SHOTS:
+            browser.screenshot(SHOTS / "changes.png")
+
+    def test_a_comparison_of_hostile_files(self):
+        old = hostile()
+        new = old.replace(b"132mA", b"99mA").replace(b"s1", b"s9")
+        browser = self.opened(self.page("compared", old, new, options=["--compare", "--all"]))
+        self.assertIsNone(browser.run("return window.pwned ?? null"))
+        self.assertEqual(browser.texts(".model h4")[:len(ATTACKS)], [attack[:40] for attack in ATTACKS])
+
     def test_findings_are_filtered_and_sorted(self):
         bad = library(["a", "b"]).replace("Vinl = 0.8", "Vinl = x").replace("[Ramp]", "[Ramp]\nbad line")
         browser = self.opened(self.page("findings", bad))

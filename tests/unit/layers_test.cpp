@@ -47,7 +47,7 @@ const std::map<std::string, Names>& allowed() {
         {"compare", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
                                      "findings", "quality"})},
         {"report", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
-                                    "findings", "quality", "topics"})},
+                                    "findings", "quality", "compare", "topics"})},
         {"main", kWith(kReading, {"header", "external", "ami", "model", "component", "package", "board", "ibis",
                                   "findings", "quality", "check", "report", "compare", "topics"})},
     };

@@ -290,6 +290,9 @@ TEST_F(Verimark, comparesOrSaysWhyNot) {
         EXPECT_NE(out_.find("\"verdict\":\"not compared\""), std::string::npos) << out_;
         EXPECT_EQ(errors_, "verimark: " + path(name) + ": its version is not checked; not compared\n");
     }
+    write("cut.ibs", "[IBIS Ver] 4.2\n[File Name] cut.ibs\n[Modell] m\n");
+    EXPECT_EQ(run({"--compare", "cut.ibs", "a.ibs"}), 2);
+    EXPECT_EQ(errors_, "verimark: " + path("cut.ibs") + ": nothing but its header could be read; not compared\n");
     EXPECT_EQ(run({"--compare", "a.ibs", "good.ami"}), 2);
     EXPECT_EQ(errors_, "verimark: " + path("good.ami") + ": only .ibs and .pkg files are compared\n");
     const std::map<std::vector<std::string>, std::string> wrong{

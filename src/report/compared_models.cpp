@@ -1,0 +1,244 @@
+#include "report/compared_models.hpp"
+
+#include "compare/models.hpp"
+#include "compare/output.hpp"
+#include "compare/tables.hpp"
+#include "model/mdl.hpp"
+#include "model/submdl.hpp"
+#include "report/pictures.hpp"
+
+#include <iterator>
+#include <span>
+#include <string>
+#include <utility>
+
+namespace kestrel {
+
+namespace {
+
+constexpr Axis kTableAxis{"Table voltage", "V"};
+
+using Groups = std::vector<const ChangeGroup*>;
+
+/// The changes of the records of a kind by the names of these.
+ViewMap<Groups> changesOf(const FileChanges& changes, SubjectKind kind) {
+    ViewMap<Groups> by_name;
+    for (const ChangeGroup* const group : changes.groups) {
+        if (group->record != kind) continue;
+        for (const std::string_view name : group->names)
+            by_name[name].push_back(group);
+    }
+    return by_name;
+}
+
+/// What a change says behind the name of its field.
+std::string bodyBehind(const ChangeGroup& group, std::string_view field) {
+    std::string text;
+    appendBody(text, group);
+    text.erase(0, std::min(text.size(), field.size() + 1));
+    return text;
+}
+
+/// The pictures of a record that changed.
+class ComparedPictures {
+public:
+    ComparedPictures(Html& html, std::string_view owner, const Groups& groups)
+        : html_(html), owner_(owner), groups_(groups) {}
+    ComparedPictures(const ComparedPictures&) = delete;
+    ComparedPictures& operator=(const ComparedPictures&) = delete;
+    ~ComparedPictures() {
+        if (begun_) html_ << "</div>\n";
+    }
+
+    /// The curves of an I-V table; null where a file lacks it.
+    void curve(std::string_view field, std::string_view title, const Crv* was, const Crv* is) {
+        const auto rows = [](const Crv* table) { return table != nullptr && *table ? &table->rows : nullptr; };
+        draw(field, std::string(title), rows(was), rows(is), {kTableAxis, kCurrentAxis});
+    }
+
+    void waveforms(std::string_view keyword, std::string_view word, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
+        const WaveformPairs matched = matchWaveforms(points_, was, is);
+        for (const auto& [before, now] : matched.pairs)
+            waveform(keyword, word, before, now);
+        for (const Wvfrm* const fresh : matched.fresh)
+            waveform(keyword, word, nullptr, fresh);
+        for (const Wvfrm* const gone : matched.gone)
+            waveform(keyword, word, gone, nullptr);
+    }
+
+    /// A waveform and its composite current; one of them may be null.
+    void waveform(std::string_view keyword, std::string_view word, const Wvfrm* was, const Wvfrm* is) {
+        const auto rows = [](const Wvfrm* table) { return table != nullptr ? &table->rows : nullptr; };
+        const auto current = [&](const Wvfrm* table) {
+            return table != nullptr && table->composite_current ? rows(&*table->composite_current) : nullptr;
+        };
+        const std::string field = waveformField(keyword, was != nullptr ? *was : *is);
+        const std::string title = waveformTitle(word, is != nullptr ? *is : *was);
+        draw(field, title, rows(was), rows(is), {kTimeAxis, kVoltageAxis});
+        draw(field + " [Composite Current]", "Supply current, " + title, current(was), current(is),
+             {kTimeAxis, kCurrentAxis});
+    }
+
+    void onlyWaveform(std::string_view keyword, std::string_view word, const OnDemand<Wvfrm>& was,
+                      const OnDemand<Wvfrm>& is) {
+        if (was || is) waveform(keyword, word, was ? &*was : nullptr, is ? &*is : nullptr);
+    }
+
+    void tables(const Tables& was, const Tables& is) {
+        curve("[Pulldown]", "Pulldown", &was.pulldown, &is.pulldown);
+        curve("[Pullup]", "Pullup", &was.pullup, &is.pullup);
+        curve("[GND Clamp]", "GND Clamp", &was.gnd_clamp, &is.gnd_clamp);
+        curve("[POWER Clamp]", "POWER Clamp", &was.power_clamp, &is.power_clamp);
+    }
+
+    void edges(const Tables& was, const Tables& is) {
+        waveforms("[Rising Waveform]", "Rising", was.rising_waveforms, is.rising_waveforms);
+        waveforms("[Falling Waveform]", "Falling", was.falling_waveforms, is.falling_waveforms);
+    }
+
+private:
+    struct Axes {
+        Axis x;
+        Axis y;
+    };
+
+    /// Draws a table in which something changed.
+    void draw(std::string_view field, std::string title, const Rows<TableRow>* was, const Rows<TableRow>* is,
+              const Axes& axes) {
+        std::string note;
+        for (const ChangeGroup* const group : groups_) {
+            if (group->field != field) continue;
+            note.append(note.empty() ? "" : "; ").append(bodyBehind(*group, field));
+        }
+        if (note.empty() || (was == nullptr && is == nullptr)) return;
+        Plot plot = plotOf(is != nullptr ? *is : Rows<TableRow>(), std::move(title), owner_, axes.x, axes.y);
+        plot.note = std::move(note);
+        if (was != nullptr) {
+            // Below those of the new file.
+            std::vector<PlotLine> old_lines = plotOf(*was, {}, {}, axes.x, axes.y).lines;
+            for (PlotLine& line : old_lines)
+                line.is_old = true;
+            plot.lines.insert(plot.lines.begin(), std::make_move_iterator(old_lines.begin()),
+                              std::make_move_iterator(old_lines.end()));
+        }
+        begin();
+        writePlot(html_, plot);
+    }
+
+    void begin() {
+        if (std::exchange(begun_, true)) return;
+        writeComparedLegend(html_);
+        html_ << "<div class=\"plots\">\n";
+    }
+
+    Html& html_;
+    std::string_view owner_;
+    const Groups& groups_;
+    std::array<PointRoom, 2> points_;
+    bool begun_ = false;
+};
+
+void writeSeries(ComparedPictures& pictures, std::string_view label, const SeriesBlock* was, const SeriesBlock* is) {
+    if (was == nullptr || is == nullptr) return;
+    pictures.curve(FieldName(label, "[Series Current]").text(), std::string("Series Current ").append(label),
+                   &was->series_current, &is->series_current);
+    eachMosfetPair(*was, *is, [&](const std::string& field, const SMos* before, const SMos* now) {
+        pictures.curve(FieldName(label, field).text(), std::string("Series MOSFET ").append(label),
+                       before != nullptr ? &before->table : nullptr, now != nullptr ? &now->table : nullptr);
+    });
+}
+
+void writePictures(ComparedPictures& pictures, const Mdl& was, const Mdl& is) {
+    pictures.tables(*was.tables, *is.tables);
+    pictures.curve("[ISSO_PD]", "ISSO PD", &was.tables->isso_pd, &is.tables->isso_pd);
+    pictures.curve("[ISSO_PU]", "ISSO PU", &was.tables->isso_pu, &is.tables->isso_pu);
+    writeSeries(pictures, kOnLabel, was.on_block.get(), is.on_block.get());
+    writeSeries(pictures, kOffLabel, was.off_block.get(), is.off_block.get());
+    pictures.edges(*was.tables, *is.tables);
+}
+
+void writePictures(ComparedPictures& pictures, const SubMdl& was, const SubMdl& is) {
+    pictures.tables(*was.tables, *is.tables);
+    pictures.edges(*was.tables, *is.tables);
+    pictures.onlyWaveform("[GND Pulse Table]", "GND pulse", was.gnd_pulse, is.gnd_pulse);
+    pictures.onlyWaveform("[POWER Pulse Table]", "POWER pulse", was.power_pulse, is.power_pulse);
+}
+
+void writeNames(Html& html, Markup heading, const std::vector<std::string_view>& names) {
+    constexpr std::size_t kShort = 20;
+    if (names.empty()) return;
+    if (names.size() > kShort) {
+        html << "<details class=\"fold\"><summary>" << heading << " (" << names.size()
+             << ")</summary><p class=\"names\">";
+    } else {
+        html << "<p class=\"names\">" << heading << ": ";
+    }
+    bool is_first = true;
+    for (const std::string_view name : names) {
+        html << (is_first ? Markup("") : Markup(", ")) << "<bdi>" << Text(name) << "</bdi>";
+        is_first = false;
+    }
+    html << (names.size() > kShort ? Markup("</p></details>\n") : Markup("</p>\n"));
+}
+
+template <class Record>
+void writeChanged(Html& html, Anchor anchor, const RecordPair<Record>& pair, const Groups& groups) {
+    html.begin("section", {{"class", Literal("model")}, Attribute::id(anchor)});
+    html << "<h4>" << Text(pair.is->name) << "</h4><div class=\"values\"><ul>";
+    for (const ChangeGroup* const group : groups) {
+        std::string text;
+        appendBody(text, *group);
+        html << "<li>" << Text(text);
+        if (const std::size_t others = group->names.size() - 1; others > 0)
+            html << " <small>as " << others << (others == 1 ? Markup(" other") : Markup(" others")) << "</small>";
+        html << "</li>\n";
+    }
+    html << "</ul></div>\n";
+    {
+        ComparedPictures pictures(html, pair.is->name, groups);
+        writePictures(pictures, *pair.was, *pair.is);
+    }
+    html << "</section>\n";
+}
+
+template <class Record>
+void writeRecords(Html& html, Anchor (*anchor_of)(std::uint32_t pair, std::size_t place), std::uint32_t pair,
+                  const std::vector<RecordPair<Record>>& records, const ViewMap<Groups>& changes) {
+    std::vector<std::string_view> added;
+    std::vector<std::string_view> removed;
+    std::vector<std::string_view> unchanged;
+    for (const RecordPair<Record>& record : records) {
+        if (record.was == nullptr) {
+            added.push_back(record.is->name);
+        } else if (record.is == nullptr) {
+            removed.push_back(record.was->name);
+        } else if (!record.differs) {
+            unchanged.push_back(record.is->name);
+        }
+    }
+    writeNames(html, "Added", added);
+    writeNames(html, "Removed", removed);
+    writeNames(html, "Unchanged", unchanged);
+    for (std::size_t place = 0; place < records.size(); ++place) {
+        const RecordPair<Record>& record = records[place];
+        if (record.was == nullptr || record.is == nullptr || !record.differs) continue;
+        const auto groups = changes.find(record.is->name.view());
+        if (groups != changes.end()) writeChanged(html, anchor_of(pair, place), record, groups->second);
+    }
+}
+
+} // namespace
+
+void writeComparedModels(Html& html, std::uint32_t pair, const FileChanges& changes) {
+    if (changes.models.empty()) return;
+    html.begin("h3", {Attribute::id(anchorOf(pair, ComparedSection::models))}) << "Models</h3>\n";
+    writeRecords(html, anchorOfModel, pair, changes.models, changesOf(changes, SubjectKind::model));
+}
+
+void writeComparedSubmodels(Html& html, std::uint32_t pair, const FileChanges& changes) {
+    if (changes.submodels.empty()) return;
+    html.begin("h3", {Attribute::id(anchorOf(pair, ComparedSection::submodels))}) << "Submodels</h3>\n";
+    writeRecords(html, anchorOfSubmodel, pair, changes.submodels, changesOf(changes, SubjectKind::submodel));
+}
+
+} // namespace kestrel
