@@ -19,22 +19,17 @@ struct Place {
 /// Writes the moves of one line. The last place waits to see whether the next lies in its direction.
 class Pen {
 public:
-    /// `points` are the most places that it goes to.
-    Pen(Coordinates& path, std::size_t points) : path_(path, 4 * points + 4) {}
-    Pen(const Pen&) = delete;
-    Pen& operator=(const Pen&) = delete;
-    ~Pen() { lift(); }
+    explicit Pen(const Coordinates::Steps& path) : path_(path) {}
 
     void moveTo(Place place) {
         if (is_down_ && end() == place) return;
         lift();
-        path_.letter("M");
-        path_.step(place.x);
+        path_.begin("M", place.x);
         path_.step(place.y);
         last_ = place;
         is_down_ = true;
         is_dot_ = true;
-        letter_ = false;
+        has_letter_ = false;
     }
 
     void lineTo(Place place) {
@@ -52,28 +47,30 @@ public:
         step_ = {x, y};
     }
 
+    /// Ends the line; one of a single place is a dot, which round ends make visible.
+    void lift() {
+        if (!is_down_) return;
+        writeStep();
+        if (is_dot_) path_.begin("h", 0);
+        is_dot_ = false;
+    }
+
+    [[nodiscard]] const Coordinates::Steps& path() const { return path_; }
+
 private:
     [[nodiscard]] Place end() const { return {last_.x + step_.x, last_.y + step_.y}; }
 
     void writeStep() {
         if (step_.x == 0 && step_.y == 0) return;
-        if (!letter_) path_.letter("l");
-        letter_ = true;
-        path_.step(step_.x);
+        if (has_letter_) {
+            path_.step(step_.x);
+        } else {
+            path_.begin("l", step_.x);
+        }
         path_.step(step_.y);
+        has_letter_ = true;
         last_ = end();
         step_ = {0, 0};
-        is_dot_ = false;
-    }
-
-    /// A line of one place is a dot, which round ends make visible.
-    void lift() {
-        if (!is_down_) return;
-        writeStep();
-        if (is_dot_) {
-            path_.letter("h");
-            path_.step(0);
-        }
         is_dot_ = false;
     }
 
@@ -82,7 +79,7 @@ private:
     Place step_{0, 0}; ///< from there to where the line is
     bool is_down_ = false;
     bool is_dot_ = false;
-    bool letter_ = false;
+    bool has_letter_ = false;
 };
 
 /// What is left of a piece of a line between two bounds of one coordinate, as parts of the piece.
@@ -146,25 +143,40 @@ std::vector<Point> thinned(std::span<const Point> points, const Span& x) {
 }
 
 void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame) {
-    Pen pen(path, points.size());
     const double across = kFrameWidth / frame.x.length();
     const double down = kFrameHeight / frame.y.length();
+    const auto in_frame = [&](const Point& point) {
+        return Point{(point.x - frame.x.low) * across, (frame.y.high - point.y) * down};
+    };
+    Pen pen(path.beginSteps(4 * points.size()));
     Point before{};
     enum class Before : std::uint8_t { none, inside, outside } state = Before::none;
-    for (const Point& point : points) {
-        if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
-        const Point at{(point.x - frame.x.low) * across, (frame.y.high - point.y) * down};
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const Point at = in_frame(points[i]);
         const bool is_inside = isInside(at);
-        if (is_inside && state == Before::inside) {
+        if (!is_inside && !(canBeDrawn(points[i].x) && canBeDrawn(points[i].y))) continue;
+        if (state == Before::none) {
+            if (is_inside) pen.moveTo(placeOf(at));
+        } else if (is_inside && state == Before::inside) {
             pen.lineTo(placeOf(at));
-        } else if (state != Before::none) {
+        } else {
             drawCut(pen, before, at);
-        } else if (is_inside) {
-            pen.moveTo(placeOf(at));
         }
         before = at;
         state = is_inside ? Before::inside : Before::outside;
+        if (!is_inside) continue;
+        // Most lines are inside as a whole. A pen that nobody else sees is kept in registers.
+        Pen quick = pen;
+        for (; i + 1 < points.size(); ++i) {
+            const Point next = in_frame(points[i + 1]);
+            if (!isInside(next)) break;
+            quick.lineTo(placeOf(next));
+            before = next;
+        }
+        pen = quick;
     }
+    pen.lift();
+    path.endSteps(pen.path());
 }
 
 } // namespace kestrel

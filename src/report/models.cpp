@@ -273,6 +273,7 @@ Piece makePiece(const PartContext& part, std::span<const Mdl* const> models) {
     const PartContext apart{piece->html(), part.run, part.root, part.path, part.kind, part.anchors, part.findings};
     for (const Mdl* const model : models)
         writeModel(apart, *model);
+    piece->html().flush();
     return piece;
 }
 

@@ -39,8 +39,8 @@ private:
 /// none.
 [[nodiscard]] std::optional<double> valueBehind(std::string_view lead, std::string_view text, std::string_view unit);
 
-/// The points of a column, by the first one.
-[[nodiscard]] std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column);
+/// The points of the corners that can be drawn, by the first column.
+[[nodiscard]] PerCorner<std::vector<Point>> pointsOf(const Rows<TableRow>& rows);
 
 /// A picture with the lines of a table's corners.
 [[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);

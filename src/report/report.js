@@ -485,7 +485,7 @@
 
   let opened = [];
   window.addEventListener("beforeprint", () => {
-    opened = all(document, "details:not([open])");
+    opened = all(document, "details.fold:not(.explanation):not([open])");
     opened.forEach((fold) => { fold.open = true; });
   });
   window.addEventListener("afterprint", () => opened.forEach((fold) => { fold.open = false; }));

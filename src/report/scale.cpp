@@ -48,18 +48,6 @@ std::string tickText(double value, int decimals) {
 
 } // namespace
 
-bool canBeDrawn(double value) {
-    constexpr double kMost = 1e30;
-    return value >= -kMost && value <= kMost;
-}
-
-void Span::include(double value) {
-    if (!canBeDrawn(value)) return;
-    low = given ? std::min(low, value) : value;
-    high = given ? std::max(high, value) : value;
-    given = true;
-}
-
 void Span::include(const Span& other) {
     if (!other.given) return;
     include(other.low);
