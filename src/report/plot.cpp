@@ -86,7 +86,7 @@ private:
     }
 
     Html& axisLabel(const Axis& axis, const Ticks& ticks) {
-        return html_ << Text(axis.word) << " (" << Text(ticks.prefix->letter) << Text(axis.unit) << ")";
+        return html_ << Text(axis.word) << " (" << Text(ticks.prefix.letter) << Text(axis.unit) << ")";
     }
 
     void lines() {

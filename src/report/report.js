@@ -25,10 +25,10 @@
   // ---- numbers with units
 
   const PREFIXES = [[1e12, "T"], [1e9, "G"], [1e6, "M"], [1e3, "k"], [1, ""], [1e-3, "m"], [1e-6, "\u00b5"],
-    [1e-9, "n"], [1e-12, "p"], [1e-15, "f"]];
+    [1e-9, "n"], [1e-12, "p"], [1e-15, "f"], [1e-18, "a"]];
   const prefixOf = (value) => {
     const size = Math.abs(value) * (1 + 1e-9);
-    return size >= 1e15 || size < 1e-15 ? [1, ""] : PREFIXES.find(([factor]) => size >= factor) ?? [1, ""];
+    return size >= 1e15 || size < 1e-18 ? [1, ""] : PREFIXES.find(([factor]) => size >= factor) ?? [1, ""];
   };
   const minus = (text) => text.replace("-", "\u2212");
   const quantity = (value, unit) => {
@@ -37,9 +37,9 @@
   };
   /** What a cell's text is sorted by: a number with its prefix, or the text. */
   const rankOf = (text) => {
-    const match = /^([\u2212-]?[\d.,]+(?:e[+-]?\d+)?)\u00a0?([fpn\u00b5mkMGT]?)/.exec(text.trim());
+    const match = /^([\u2212-]?[\d.,]+(?:e[+-]?\d+)?)(?:\u00a0([afpn\u00b5mkMGT]?))?/.exec(text.trim());
     if (!match) return text.trim() === "" || text === "NA" || text === "\u2013" ? -Infinity : text.toLowerCase();
-    const factor = PREFIXES.find(([, letter]) => letter === match[2])[0];
+    const factor = PREFIXES.find(([, letter]) => letter === (match[2] ?? ""))[0];
     return Number(match[1].replace("\u2212", "-").replaceAll(",", "")) * factor;
   };
   const compare = (a, b) => {

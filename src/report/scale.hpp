@@ -43,7 +43,7 @@ struct Tick {
 /// The ticks of an axis, at 1, 2 or 5 times a power of ten, with an engineering prefix that they share.
 struct Ticks {
     std::vector<Tick> ticks;
-    const Prefix* prefix; ///< by which the numbers are divided
+    UnitPrefix prefix; ///< by which the numbers are divided
 };
 [[nodiscard]] Ticks ticksOf(const Span& span, int most);
 
