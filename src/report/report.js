@@ -483,10 +483,17 @@
   window.addEventListener("hashchange", reach);
   reach();
 
+  // On paper folds are open, and heads are plain text: a head with a button in it is not repeated on each page.
   let opened = [];
+  let heads = [];
   window.addEventListener("beforeprint", () => {
     opened = all(document, "details.fold:not(.explanation):not([open])");
     opened.forEach((fold) => { fold.open = true; });
+    heads = all(document, "th > button").map((head) => [head, document.createTextNode(head.textContent)]);
+    heads.forEach(([head, text]) => head.replaceWith(text));
   });
-  window.addEventListener("afterprint", () => opened.forEach((fold) => { fold.open = false; }));
+  window.addEventListener("afterprint", () => {
+    opened.forEach((fold) => { fold.open = false; });
+    heads.forEach(([head, text]) => text.replaceWith(head));
+  });
 })();
