@@ -1,5 +1,7 @@
 #include "quality/number_text.hpp"
 
+#include "base/general_form.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -21,6 +23,14 @@ struct Rounded {
 };
 
 Rounded roundedTo(double value, int digits) {
+    constexpr int kMostOfShortWay = 6;
+    RoundedDigits rounded;
+    if (digits <= kMostOfShortWay && roundToDigits(std::fabs(value), digits, rounded)) {
+        Rounded result{{}, rounded.exponent};
+        for (auto place = static_cast<std::size_t>(digits); place-- > 0; rounded.digits /= 10)
+            result.digits[place] = static_cast<char>('0' + rounded.digits % 10);
+        return result;
+    }
     std::array<char, 32> text;
     const auto end = std::to_chars(text.data(), text.data() + text.size(), std::fabs(value),
                                    std::chars_format::scientific, digits - 1);

@@ -13,7 +13,7 @@ namespace kestrel {
 /// no line ends.
 enum class NumberStyle : std::uint8_t { plain, printed };
 
-inline constexpr std::string_view kMinus = "\u2212";   ///< of printed numbers
+inline constexpr std::string_view kMinus = "\u2212";    ///< of printed numbers
 inline constexpr std::string_view kCelsius = "\u00b0C"; ///< takes no letters, as "%"
 
 /// The letter of a unit that leaves one to three digits ahead of the point, from atto to tera, and the power of ten for

@@ -104,7 +104,7 @@ Coordinates& Coordinates::general(double number) {
     return *this;
 }
 
-void Coordinates::Steps::longDigits(std::uint32_t number) { at_ = std::to_chars(at_, at_ + 10, number).ptr; }
+char* Coordinates::Steps::longDigits(char* at, std::uint32_t number) { return std::to_chars(at, at + 10, number).ptr; }
 
 Html::~Html() {
     try {

@@ -145,12 +145,15 @@ public:
         explicit Steps(char* at) : at_(at) {}
 
         void digits(std::uint32_t number) {
-            if (number >= kShortNumberCount) return longDigits(number);
+            if (number >= kShortNumberCount) {
+                at_ = longDigits(at_, number);
+                return;
+            }
             const ShortNumber& text = kShortNumbers[number];
             std::memcpy(at_, &text, sizeof text);
             at_ += text.size;
         }
-        void longDigits(std::uint32_t number);
+        static char* longDigits(char* at, std::uint32_t number);
 
         char* at_;
     };
