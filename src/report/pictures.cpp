@@ -96,17 +96,20 @@ std::optional<double> FindingMarks::firstCellOf(const ShownFinding& finding) con
     return readScaled(item, value) == ReadResult::noNumber ? std::nullopt : std::optional(value);
 }
 
+bool FindingMarks::isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const {
+    const auto next = std::ranges::upper_bound(begins_, finding.line);
+    return next == begins_.begin() ? names(finding.text, label) : *std::prev(next) == line;
+}
+
 void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) const {
     constexpr std::size_t kMost = 20;
-    if (findings_.empty()) return;
-    const auto next = std::ranges::upper_bound(begins_, line);
-    const std::uint32_t end = next == begins_.end() ? static_cast<std::uint32_t>(-1) : *next;
     for (const ShownFinding* const finding : findings_) {
         if (plot.marks.size() == kMost) return;
-        const bool is_inside = finding->line >= line && finding->line < end;
+        if (!isAboutTable(*finding, line, label)) continue;
         std::optional<double> x;
-        if (is_inside && finding->exact && finding->line > line) x = firstCellOf(*finding);
-        if (!x && (is_inside || names(finding->text, label))) x = valueBehind(kAt, finding->text, plot.x.unit);
+        if (finding->exact && finding->line > line) x = firstCellOf(*finding);
+        if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
+        if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
         if (x) addMark(plot, *finding, *x);
     }
 }

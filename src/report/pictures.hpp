@@ -11,6 +11,7 @@ namespace kestrel {
 
 /// What goes ahead of a value in the texts of findings.
 inline constexpr std::string_view kAt = " at ";
+inline constexpr std::string_view kFrom = " from ";
 inline constexpr std::string_view kAtPinVoltage = " at the pin voltage ";
 
 /// Marks findings of one record in the pictures of its tables.
@@ -28,6 +29,8 @@ public:
     void markByWords(Plot& plot, std::string_view words, std::string_view lead = kAt) const;
 
 private:
+    /// By its line; one ahead of all tables is about that which it names.
+    [[nodiscard]] bool isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const;
     [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
 
     std::vector<const ShownFinding*> findings_;

@@ -62,7 +62,7 @@ private:
 
     void axes() {
         const Ticks across = ticksOf(frame_.x, 8);
-        const Ticks down = ticksOf(frame_.y, 6);
+        const Ticks down = ticksOf(frame_.y, 8);
         place_.clear();
         for (const Tick& tick : across.ticks)
             place_.add("M").tenths(acrossOf(tick.value)).add(" 20v240");

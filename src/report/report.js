@@ -242,7 +242,7 @@
   const show = (state) => {
     const { plot, view, x, y } = state;
     const horizontal = ticksOf(view.x, 8);
-    const vertical = ticksOf(view.y, 6);
+    const vertical = ticksOf(view.y, 8);
     plot.querySelector(".tx").replaceChildren(
       ...horizontal.ticks.map(([value, text]) => draw("text", { x: across(state, value) }, text)));
     plot.querySelector(".ty").replaceChildren(
