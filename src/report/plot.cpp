@@ -190,11 +190,11 @@ private:
     Coordinates data_;
 };
 
-/// The span of all points, of which x does not fall.
+/// The span of all points, of which x does not fall; lines that help to read others are cut off at it.
 Frame frameOf(const Plot& plot) {
     Frame frame;
     for (const PlotLine& line : plot.lines) {
-        if (line.points.empty()) continue;
+        if (line.thin || line.points.empty()) continue;
         frame.x.include(line.points.front().x);
         frame.x.include(line.points.back().x);
         double low = line.points.front().y;
