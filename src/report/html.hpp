@@ -276,6 +276,11 @@ public:
         html_.flush();
         return out_.text();
     }
+    /// Forgets it, so that the next piece has its memory.
+    void clear() {
+        html_.flush();
+        out_.clear();
+    }
 
 private:
     Output out_;
