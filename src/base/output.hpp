@@ -50,9 +50,6 @@ public:
     /// Hands what is pending to the stream; nothing happens without one.
     void flush();
 
-    /// Forgets what is pending or kept; its memory is used again.
-    void clear() { text_.clear(); }
-
     /// From here on somebody hears when text goes to the stream; nobody with null.
     void setListener(FlushListener* listener) { listener_ = listener; }
 

@@ -116,7 +116,7 @@ Html::~Html() {
 
 void Html::putLong(std::string_view text) {
     flush();
-    if (text.size() > buffer_.size() / 4) return out_.write(text);
+    if (text.size() > buffer_.size() / 4) return writeOn(text);
     put(text);
 }
 
@@ -172,6 +172,17 @@ Html& Html::begin(MarkupName element, std::initializer_list<Attribute> attribute
         put("\"");
     }
     put(">");
+    return *this;
+}
+
+Html& Html::tick(MarkupName axis, const Coordinates& place, Text text) {
+    put("<text ");
+    put(axis.text());
+    put("=\"");
+    put(place.text());
+    put("\">");
+    writeText(text.text(), false);
+    put("</text>");
     return *this;
 }
 

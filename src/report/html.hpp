@@ -207,22 +207,28 @@ private:
 
 class HtmlPiece;
 
-/// Writes HTML. What is pending goes to the output when there is much of it, when it is flushed, and at the end.
+/// Writes HTML to an output or a text. What is pending goes there when there is much of it, when it is flushed, and at
+/// the end.
 class Html {
 public:
-    explicit Html(Output& out) : out_(out) {}
+    explicit Html(Output& out) : out_(&out) {}
+    explicit Html(std::string& text) : text_(&text) {}
     Html(const Html&) = delete;
     Html& operator=(const Html&) = delete;
     /// Whoever can do something about memory that is missing flushes before.
     ~Html();
 
-    void flush() {
-        const std::size_t size = std::exchange(used_, 0);
-        out_.write({buffer_.data(), size});
-    }
+    void flush() { writeOn({buffer_.data(), std::exchange(used_, 0)}); }
 
-    Html& operator<<(Markup markup) {
-        put(markup.text());
+    /// In line, where the size is known, so that it is copied without a call.
+    [[gnu::always_inline]] Html& operator<<(Markup markup) {
+        const std::string_view text = markup.text();
+        if (buffer_.size() - used_ < text.size()) {
+            putLong(text);
+        } else {
+            std::memcpy(buffer_.data() + used_, text.data(), text.size());
+            used_ += text.size();
+        }
         return *this;
     }
     Html& operator<<(Text text) {
@@ -251,6 +257,8 @@ public:
 
     /// A path of a picture.
     Html& path(MarkupName class_name, const Coordinates& data);
+    /// A text of a picture at a place along one axis, "x" or "y".
+    Html& tick(MarkupName axis, const Coordinates& place, Text text);
 
 private:
     void put(std::string_view text) {
@@ -259,10 +267,18 @@ private:
         used_ += text.size();
     }
     void putLong(std::string_view text);
+    void writeOn(std::string_view text) {
+        if (out_ != nullptr) {
+            out_->write(text);
+        } else {
+            text_->append(text);
+        }
+    }
     void writeText(std::string_view text, bool one_line);
     void writeNumber(std::int64_t number);
 
-    Output& out_;
+    Output* out_ = nullptr; ///< where it goes, or
+    std::string* text_ = nullptr;
     std::size_t used_ = 0;
     std::array<char, 4096> buffer_;
 };
@@ -274,17 +290,17 @@ public:
     /// What was written so far.
     [[nodiscard]] std::string_view text() {
         html_.flush();
-        return out_.text();
+        return text_;
     }
     /// Forgets it, so that the next piece has its memory.
     void clear() {
         html_.flush();
-        out_.clear();
+        text_.clear();
     }
 
 private:
-    Output out_;
-    Html html_{out_};
+    std::string text_;
+    Html html_{text_};
 };
 
 inline Html& Html::append(HtmlPiece& piece) {

@@ -80,9 +80,9 @@ private:
         axisLabel(plot_.y, down) << "</text>";
     }
 
-    void tickText(TextAttribute name, double at, const Tick& tick) {
+    void tickText(MarkupName axis, double at, const Tick& tick) {
         place_.clear();
-        html_.begin("text", {{name, place_.tenths(at)}}) << Text(tick.text) << "</text>";
+        html_.tick(axis, place_.tenths(at), Text(tick.text));
     }
 
     Html& axisLabel(const Axis& axis, const Ticks& ticks) {
