@@ -226,7 +226,7 @@ public:
         if (buffer_.size() - used_ < text.size()) {
             putLong(text);
         } else {
-            std::memcpy(buffer_.data() + used_, text.data(), text.size());
+            text.copy(buffer_.data() + used_, text.size());
             used_ += text.size();
         }
         return *this;
@@ -263,7 +263,7 @@ public:
 private:
     void put(std::string_view text) {
         if (buffer_.size() - used_ < text.size()) return putLong(text);
-        std::memcpy(buffer_.data() + used_, text.data(), text.size());
+        text.copy(buffer_.data() + used_, text.size());
         used_ += text.size();
     }
     void putLong(std::string_view text);
