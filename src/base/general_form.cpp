@@ -14,37 +14,30 @@ namespace kestrel {
 namespace {
 
 constexpr int kDigits = 6;
-constexpr double kLeast = 1e5; // of a number of six digits
-constexpr std::uint32_t kBeyond = 1000000;
 
-/// A number as six digits, of which the first is not 0, and the power of ten of that one.
-struct Rounded {
-    std::uint32_t digits = 0;
-    int exponent = 0;
-};
-
-/// `magnitude` with the decimal point behind its sixth digit, if `exponent` is that of its first.
-double scaled(double magnitude, int exponent) {
-    const int power = kDigits - 1 - exponent;
+/// `magnitude` with the decimal point behind its last digit of `count`, if `exponent` is that of its first.
+double scaled(double magnitude, int count, int exponent) {
+    const int power = count - 1 - exponent;
     return power < 0 ? magnitude / kExactPowers[static_cast<std::size_t>(-power)]
                      : magnitude * kExactPowers[static_cast<std::size_t>(power)];
 }
 
-/// False for a number that is too near the middle of two roundings, or has a power of ten that is not exact.
-bool round(double magnitude, Rounded& rounded) {
-    constexpr double kSafe = 0.5 - 1e-9;                       // scaling errs by 2^-53 of a million at the most
-    constexpr int kHighest = kLargestExactPower + kDigits - 2; // one less than there are, for the step below
-    constexpr int kLowest = kDigits - 1 - kLargestExactPower + 1;
+/// Powers of ten that are not exact are refused.
+inline bool roundShort(double magnitude, int count, RoundedDigits& rounded) {
+    constexpr double kSafe = 0.5 - 1e-9; // scaling errs by 2^-53 of a million at the most
+    const double beyond = kExactPowers[static_cast<std::size_t>(count)];
+    const int highest = kLargestExactPower + count - 2; // one less than there are, for the step below
+    const int lowest = count - 1 - kLargestExactPower + 1;
     // The binary exponent tells the decimal one, or one below.
     const int binary = static_cast<int>(std::bit_cast<std::uint64_t>(magnitude) >> 52) - 1023;
     int exponent = (binary * 1233) >> 12;
-    if (exponent < kLowest || exponent >= kHighest) return false;
-    double number = scaled(magnitude, exponent);
-    if (number >= kBeyond) number = scaled(magnitude, ++exponent);
+    if (exponent < lowest || exponent >= highest) return false;
+    double number = scaled(magnitude, count, exponent);
+    if (number >= beyond) number = scaled(magnitude, count, ++exponent);
     const double whole = std::nearbyint(number);
-    if (number < kLeast || std::abs(number - whole) > kSafe) return false;
+    if (number < kExactPowers[static_cast<std::size_t>(count - 1)] || std::abs(number - whole) > kSafe) return false;
     rounded = {static_cast<std::uint32_t>(whole), exponent};
-    if (rounded.digits == kBeyond) rounded = {kBeyond / 10, exponent + 1};
+    if (whole == beyond) rounded = {rounded.digits / 10, exponent + 1};
     return true;
 }
 
@@ -69,14 +62,18 @@ char* appendZeros(char* to, int count) {
 
 } // namespace
 
+bool roundToDigits(double magnitude, int count, RoundedDigits& rounded) {
+    return roundShort(magnitude, count, rounded);
+}
+
 char* writeShortGeneralForm(char* to, double value) {
     if (std::signbit(value)) *to++ = '-';
     if (value == 0.0) {
         *to = '0';
         return to + 1;
     }
-    Rounded rounded;
-    if (!round(std::abs(value), rounded)) return nullptr;
+    RoundedDigits rounded;
+    if (!roundShort(std::abs(value), kDigits, rounded)) return nullptr;
     std::array<char, kDigits> digits{};
     for (std::size_t i = kDigits; i > 0; --i, rounded.digits /= 10) {
         digits[i - 1] = static_cast<char>('0' + rounded.digits % 10);

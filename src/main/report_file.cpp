@@ -20,6 +20,7 @@ void writeTo(Output& out, const ReportPart& part, Run* run) {
     Html html(out);
     try {
         writePart(html, part.file, part.findings, run);
+        html.flush();
     } catch (const std::bad_alloc&) { // the check had memory, its report has not
         html << "</div></section><p class=\"none\">Out of memory: the rest of this file is missing.</p></article>\n";
     }

@@ -26,18 +26,6 @@ constexpr auto kData = subparameters<Subparameter<TestData, TestType>>(
         .name = ReferredNameMessages{2316, 2317},
     });
 
-constexpr WaveformLabel golden(std::string_view label) { return {label, label, WaveformForm::golden}; }
-
-constexpr auto kTables = std::to_array({
-    golden("Rising Waveform Near"),
-    golden("Rising Waveform Far"),
-    golden("Falling Waveform Near"),
-    golden("Falling Waveform Far"),
-    golden("Diff Rising Waveform Near"),
-    golden("Diff Rising Waveform Far"),
-    golden("Diff Falling Waveform Near"),
-    golden("Diff Falling Waveform Far"),
-});
 constexpr std::size_t kFirstDiff = 4;
 
 void dataLine(Context& context, TestData& data, std::string_view text) {
@@ -45,8 +33,8 @@ void dataLine(Context& context, TestData& data, std::string_view text) {
 }
 
 template <std::size_t Table> void openTable(Context& context, TestData& data, std::string_view text) {
-    if (data.tables[Table]) errorAtLine(context.diagnostics, 2320, kTables[Table].open, data.name);
-    openSingleWvfrm(context, data.tables[Table], kTables[Table], text);
+    if (data.tables[Table]) errorAtLine(context.diagnostics, 2320, kGoldenWaveforms[Table].open, data.name);
+    openSingleWvfrm(context, data.tables[Table], kGoldenWaveforms[Table], text);
 }
 
 /// A line under the keyword of a table: a row, or a subparameter that comes late.
@@ -54,7 +42,7 @@ template <std::size_t Table> void tableLine(Context& context, TestData& data, st
     std::string_view rest = text;
     const auto* const row = kData.find(takeItem(context, rest, '='));
     if (row == nullptr) {
-        wvfrmLine(context, data.tables[Table].made(context.rows), kTables[Table], text);
+        wvfrmLine(context, data.tables[Table].made(context.rows), kGoldenWaveforms[Table], text);
         return;
     }
     warningAtLine(context.diagnostics, 2318, row->name, data.name);
@@ -62,7 +50,7 @@ template <std::size_t Table> void tableLine(Context& context, TestData& data, st
 }
 
 template <std::size_t Table> void closeTable(Context& context, const TestData& data) {
-    closeWvfrm(context, *data.tables[Table], kTables[Table]);
+    closeWvfrm(context, *data.tables[Table], kGoldenWaveforms[Table]);
 }
 
 template <std::size_t Table> constexpr Section<State> table(K key) {
@@ -93,8 +81,8 @@ void closeTestData(Context& context, State& /*state*/, TestData& data) {
         error(diagnostics, 2322, data.name);
     }
     if (data.type != TestType::singleEnded) return;
-    for (std::size_t i = kFirstDiff; i < kTables.size(); ++i) {
-        if (data.tables[i]) error(diagnostics, 2323, data.name, kTables[i].open);
+    for (std::size_t i = kFirstDiff; i < kGoldenWaveforms.size(); ++i) {
+        if (data.tables[i]) error(diagnostics, 2323, data.name, kGoldenWaveforms[i].open);
     }
     if (!data.driver_model_inv.empty()) error(diagnostics, 2324, data.name);
 }

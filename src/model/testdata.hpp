@@ -8,6 +8,15 @@
 
 namespace kestrel {
 
+/// The tables of test data, in the order of their keywords.
+inline constexpr WaveformLabel goldenWaveform(std::string_view label) { return {label, label, WaveformForm::golden}; }
+inline constexpr std::array<WaveformLabel, 8> kGoldenWaveforms{
+    goldenWaveform("Rising Waveform Near"),       goldenWaveform("Rising Waveform Far"),
+    goldenWaveform("Falling Waveform Near"),      goldenWaveform("Falling Waveform Far"),
+    goldenWaveform("Diff Rising Waveform Near"),  goldenWaveform("Diff Rising Waveform Far"),
+    goldenWaveform("Diff Falling Waveform Near"), goldenWaveform("Diff Falling Waveform Far"),
+};
+
 /// One "[Test Data]": the waveforms that a driver makes at a test load, to compare simulations with.
 /// The name has at most 40 characters.
 struct TestData : RecordOf<SubjectKind::testData> {
@@ -15,7 +24,7 @@ struct TestData : RecordOf<SubjectKind::testData> {
     std::string driver_model;
     std::string driver_model_inv;
     std::string test_load;
-    std::array<OnDemand<Wvfrm>, 8> tables; ///< in the order of their keywords
+    std::array<OnDemand<Wvfrm>, kGoldenWaveforms.size()> tables;
     RefusedLines refused;
 };
 

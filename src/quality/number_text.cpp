@@ -1,38 +1,65 @@
 #include "quality/number_text.hpp"
 
+#include "base/general_form.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <optional>
 
 namespace kestrel {
 
 namespace {
 
-constexpr std::string_view kLetters = "afpnum kMGT";
-constexpr int kUnity = 6; // place of the blank, which is no letter
+constexpr std::array<std::string_view, 11> kLetters{"a", "f", "p", "n", "u", "m", "", "k", "M", "G", "T"};
+constexpr int kUnity = 6; // place of the one without a letter
+constexpr int kMicro = 4;
 
-/// A number rounded to some significant digits: sign, digits, and the power of ten of the first one.
+/// A number that is neither 0 nor infinite, rounded to some significant digits: the digits, and the power of ten of the
+/// first one.
 struct Rounded {
-    bool negative;
     std::array<char, NumberText::kAllDigits> digits;
     int power;
 };
 
-/// To three digits at least.
 Rounded roundedTo(double value, int digits) {
-    std::array<char, 32> text{};
+    constexpr int kMostOfShortWay = 6;
+    RoundedDigits rounded;
+    if (digits <= kMostOfShortWay && roundToDigits(std::fabs(value), digits, rounded)) {
+        Rounded result{{}, rounded.exponent};
+        for (auto place = static_cast<std::size_t>(digits); place-- > 0; rounded.digits /= 10)
+            result.digits[place] = static_cast<char>('0' + rounded.digits % 10);
+        return result;
+    }
+    std::array<char, 32> text;
     const auto end = std::to_chars(text.data(), text.data() + text.size(), std::fabs(value),
                                    std::chars_format::scientific, digits - 1);
-    // As "1.79e-03".
-    Rounded result{std::signbit(value), {text[0]}, 0};
-    std::copy_n(text.begin() + 2, digits - 1, result.digits.begin() + 1);
-    const char* from = text.data() + digits + 2;
+    // As "1.79e-03", or "2e-03".
+    Rounded result{{text[0]}, 0};
+    if (digits > 1) std::copy_n(text.begin() + 2, digits - 1, result.digits.begin() + 1);
+    const char* from = text.data() + (digits > 1 ? digits + 2 : 2);
     if (*from == '+') ++from;
     std::from_chars(from, end.ptr, result.power);
     return result;
 }
 
+bool takesLetters(std::string_view unit) { return !unit.empty() && unit != kCelsius && unit != "%"; }
+
+/// The letter for a number whose first digit has this power of ten; null where there is none.
+std::optional<UnitPrefix> prefixOfPower(int power, NumberStyle style) {
+    const int thousands = power >= 0 ? power / 3 : -((2 - power) / 3);
+    const int place = kUnity + thousands;
+    if (place < 0 || place >= static_cast<int>(kLetters.size())) return std::nullopt;
+    const bool is_micro = place == kMicro && style == NumberStyle::printed;
+    return UnitPrefix{3 * thousands, is_micro ? "\u00b5" : kLetters[static_cast<std::size_t>(place)]};
+}
+
 } // namespace
+
+UnitPrefix prefixOf(double value, NumberStyle style, int digits) {
+    if (!std::isfinite(value) || value == 0.0) return {};
+    return prefixOfPower(roundedTo(value, digits).power, style).value_or(UnitPrefix{});
+}
 
 void NumberText::append(std::string_view text) {
     const std::size_t count = std::min(text.size(), letters_.size() - length_);
@@ -40,33 +67,39 @@ void NumberText::append(std::string_view text) {
     length_ += count;
 }
 
-NumberText::NumberText(double value, std::string_view unit, int digits) {
-    const bool written = std::isfinite(value) && value != 0.0;
-    const Rounded number = written ? roundedTo(value, digits) : Rounded{};
-    // Thousands, counted from unity; the first digit has one to three digits ahead of the point.
-    const int thousands = written ? (number.power >= 0 ? number.power / 3 : -((2 - number.power) / 3)) : 0;
-    const int letter = kUnity + thousands;
-    const bool has_letter = letter >= 0 && letter < static_cast<int>(kLetters.size());
-    if (!written || !has_letter || unit.empty()) {
-        std::array<char, 32> text{};
-        const auto end = std::to_chars(text.data(), text.data() + text.size(), value == 0.0 ? 0.0 : value,
-                                       std::chars_format::general, digits);
-        append({text.data(), end.ptr});
-    } else {
-        if (number.negative) append("-");
-        const auto ahead = static_cast<std::size_t>(number.power - 3 * thousands + 1);
-        auto used = static_cast<std::size_t>(digits);
-        while (used > ahead && number.digits[used - 1] == '0')
-            --used;
-        append({number.digits.data(), ahead});
-        if (used > ahead) {
-            append(".");
-            append({number.digits.data() + ahead, used - ahead});
+NumberText::NumberText(double value, std::string_view unit, int digits, NumberStyle style) {
+    const bool printed = style == NumberStyle::printed;
+    if (value < 0.0) append(printed ? kMinus : "-");
+    const double size = std::fabs(value);
+    std::optional<UnitPrefix> prefix;
+    if (std::isfinite(value) && value != 0.0 && takesLetters(unit)) {
+        const Rounded number = roundedTo(size, digits);
+        prefix = prefixOfPower(number.power, style);
+        if (prefix) {
+            const auto ahead = static_cast<std::size_t>(number.power - prefix->power + 1);
+            auto used = static_cast<std::size_t>(digits);
+            while (used > ahead && number.digits[used - 1] == '0')
+                --used;
+            append({number.digits.data(), std::min(ahead, used)});
+            for (std::size_t i = used; i < ahead; ++i)
+                append("0");
+            if (used > ahead) {
+                append(".");
+                append({number.digits.data() + ahead, used - ahead});
+            }
         }
     }
+    if (!prefix && printed && !std::isfinite(value)) {
+        append(std::isnan(value) ? "?" : "\u221e");
+    } else if (!prefix) {
+        std::array<char, 32> text;
+        const auto end =
+            std::to_chars(text.data(), text.data() + text.size(), size, std::chars_format::general, digits);
+        append({text.data(), end.ptr});
+    }
     if (unit.empty()) return;
-    append(" ");
-    if (written && has_letter && letter != kUnity) append(kLetters.substr(static_cast<std::size_t>(letter), 1));
+    append(printed ? "\u00a0" : " ");
+    if (prefix) append(prefix->letter);
     append(unit);
 }
 

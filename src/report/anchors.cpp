@@ -19,6 +19,8 @@ void Anchors::enter(const Ibis& root) {
     enterList(root.model_selectors, 's');
     enterList(root.models, 'm');
     enterList(root.submodels, 'u');
+    enterList(root.test_data, 't');
+    enterList(root.test_loads, 'l');
     enterList(root.package_models, 'p');
     enterList(root.board_descriptions, 'b');
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace kestrel {
 
@@ -12,77 +13,119 @@ namespace {
 struct Place {
     std::int32_t x;
     std::int32_t y;
-
-    friend bool operator==(const Place&, const Place&) = default;
 };
 
-/// Writes the moves of one line. The last place waits to see whether the next lies in its direction.
-class Pen {
+/// Values as places, not yet rounded.
+class Scale {
 public:
-    /// `points` are the most places that it goes to.
-    Pen(Coordinates& path, std::size_t points) : path_(path, 4 * points + 4) {}
-    Pen(const Pen&) = delete;
-    Pen& operator=(const Pen&) = delete;
-    ~Pen() { lift(); }
+    explicit Scale(const Frame& frame)
+        : across_(kFrameWidth / frame.x.length()),
+          down_(-kFrameHeight / frame.y.length()),
+          left_(-frame.x.low * across_),
+          top_(-frame.y.high * down_) {}
 
-    void moveTo(Place place) {
-        if (is_down_ && end() == place) return;
-        lift();
-        path_.letter("M");
-        path_.step(place.x);
-        path_.step(place.y);
-        last_ = place;
-        is_down_ = true;
-        is_dot_ = true;
-        letter_ = false;
-    }
-
-    void lineTo(Place place) {
-        const Place from = end();
-        const std::int32_t x = place.x - from.x;
-        const std::int32_t y = place.y - from.y;
-        if (x == 0 && y == 0) return;
-        // Both are at most as large as the frame, and so their products fit.
-        if (step_.x * y == step_.y * x && step_.x * x + step_.y * y > 0) {
-            step_.x += x;
-            step_.y += y;
-            return;
-        }
-        writeStep();
-        step_ = {x, y};
+    [[nodiscard]] Point operator()(const Point& point) const {
+        return {point.x * across_ + left_, point.y * down_ + top_};
     }
 
 private:
-    [[nodiscard]] Place end() const { return {last_.x + step_.x, last_.y + step_.y}; }
+    double across_;
+    double down_;
+    double left_;
+    double top_;
+};
 
-    void writeStep() {
-        if (step_.x == 0 && step_.y == 0) return;
-        if (!letter_) path_.letter("l");
-        letter_ = true;
-        path_.step(step_.x);
-        path_.step(step_.y);
-        last_ = end();
-        step_ = {0, 0};
-        is_dot_ = false;
+Place placeOf(const Point& at) { return {rounded(at.x), rounded(at.y)}; }
+
+/// The nearest place, or one beside the frame for what is outside, and for what is no number.
+std::int32_t nearest(double at, std::int32_t size) {
+    const double below = at < size + 1.0 ? at : size + 1.0;
+    const double between = below > -1.0 ? below : -1.0;
+    return static_cast<std::int32_t>(between + 1.5) - 1;
+}
+Place nearestPlace(const Point& at) { return {nearest(at.x, kFrameWidth), nearest(at.y, kFrameHeight)}; }
+
+bool isInside(const Place& place) {
+    return static_cast<std::uint32_t>(place.x) <= kFrameWidth && static_cast<std::uint32_t>(place.y) <= kFrameHeight;
+}
+
+/// Writes the moves of one line. The last step waits to see whether the next goes on in its direction.
+class Pen {
+public:
+    explicit Pen(const Coordinates::Steps& path) : path_(path) {}
+
+    void moveTo(Place place) {
+        if (is_down_ && x_ == place.x && y_ == place.y) return;
+        lift();
+        path_.begin("M", place.x);
+        path_.step(place.y);
+        x_ = place.x;
+        y_ = place.y;
+        is_down_ = true;
+        has_letter_ = false;
     }
 
-    /// A line of one place is a dot, which round ends make visible.
+    void lineTo(Place place) {
+        const std::int32_t across = place.x - x_;
+        const std::int32_t down = place.y - y_;
+        if ((across | down) == 0) return;
+        x_ = place.x;
+        y_ = place.y;
+        // Steps are at most as long as the frame, and so their products fit.
+        if (across_ * down == down_ * across && across_ * across + down_ * down > 0) {
+            across_ += across;
+            down_ += down;
+            return;
+        }
+        writeStep();
+        across_ = across;
+        down_ = down;
+    }
+
+    /// Draws on through the points as long as they are in the frame; returns how many were.
+    std::size_t lineThrough(std::span<const Point> points, const Scale& scale) {
+        Pen pen = *this; // which nobody else sees, and so is kept in registers
+        const Scale places = scale;
+        std::size_t count = 0;
+        for (; count < points.size(); ++count) {
+            const Place place = nearestPlace(places(points[count]));
+            if (!isInside(place)) break;
+            pen.lineTo(place);
+        }
+        *this = pen;
+        return count;
+    }
+
+    /// Ends the line; one of a single place is a dot, which round ends make visible.
     void lift() {
         if (!is_down_) return;
         writeStep();
-        if (is_dot_) {
-            path_.letter("h");
-            path_.step(0);
+        if (!has_letter_) path_.begin("h", 0);
+        across_ = down_ = 0;
+        is_down_ = false;
+    }
+
+    [[nodiscard]] const Coordinates::Steps& path() const { return path_; }
+
+private:
+    void writeStep() {
+        if ((across_ | down_) == 0) return;
+        if (has_letter_) {
+            path_.step(across_);
+        } else {
+            path_.begin("l", across_);
         }
-        is_dot_ = false;
+        path_.step(down_);
+        has_letter_ = true;
     }
 
     Coordinates::Steps path_;
-    Place last_{0, 0}; ///< up to where it is written
-    Place step_{0, 0}; ///< from there to where the line is
+    std::int32_t x_ = 0; ///< where the line is
+    std::int32_t y_ = 0;
+    std::int32_t across_ = 0; ///< the step that waits
+    std::int32_t down_ = 0;
     bool is_down_ = false;
-    bool is_dot_ = false;
-    bool letter_ = false;
+    bool has_letter_ = false;
 };
 
 /// What is left of a piece of a line between two bounds of one coordinate, as parts of the piece.
@@ -95,10 +138,6 @@ bool cutPiece(double from, double to, double bound, double& begin, double& end) 
     }
     return true;
 }
-
-Place placeOf(const Point& at) { return {rounded(at.x), rounded(at.y)}; }
-
-bool isInside(const Point& at) { return at.x >= 0 && at.x <= kFrameWidth && at.y >= 0 && at.y <= kFrameHeight; }
 
 /// Draws what is inside the frame of a piece of a line that is not inside as a whole.
 void drawCut(Pen& pen, const Point& from, const Point& to) {
@@ -146,25 +185,24 @@ std::vector<Point> thinned(std::span<const Point> points, const Span& x) {
 }
 
 void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame) {
-    Pen pen(path, points.size());
-    const double across = kFrameWidth / frame.x.length();
-    const double down = kFrameHeight / frame.y.length();
-    Point before{};
-    enum class Before : std::uint8_t { none, inside, outside } state = Before::none;
-    for (const Point& point : points) {
-        if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
-        const Point at{(point.x - frame.x.low) * across, (frame.y.high - point.y) * down};
-        const bool is_inside = isInside(at);
-        if (is_inside && state == Before::inside) {
-            pen.lineTo(placeOf(at));
-        } else if (state != Before::none) {
-            drawCut(pen, before, at);
+    const Scale scale(frame);
+    Pen pen(path.beginSteps(4 * points.size()));
+    std::optional<Point> before;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (!canBeDrawn(points[i].x) || !canBeDrawn(points[i].y)) continue;
+        const Point at = scale(points[i]);
+        const bool is_inside = isInside(nearestPlace(at));
+        if (before) {
+            drawCut(pen, *before, at);
         } else if (is_inside) {
             pen.moveTo(placeOf(at));
         }
-        before = at;
-        state = is_inside ? Before::inside : Before::outside;
+        // Most lines are inside as a whole.
+        if (is_inside) i += pen.lineThrough(points.subspan(i + 1), scale);
+        before = scale(points[i]);
     }
+    pen.lift();
+    path.endSteps(pen.path());
 }
 
 } // namespace kestrel

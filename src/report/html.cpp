@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
+#include <new>
 
 namespace kestrel {
 
@@ -41,52 +41,83 @@ constexpr std::string_view standInFor(const Character& character) {
 
 } // namespace
 
-namespace {
+constinit const std::array<ShortNumber, kShortNumberCount> kShortNumbers = [] {
+    std::array<ShortNumber, kShortNumberCount> numbers{};
+    for (unsigned number = 0; number < kShortNumberCount; ++number) {
+        ShortNumber& text = numbers[number];
+        text.size = number < 10 ? 1 : number < 100 ? 2 : 3;
+        unsigned rest = number;
+        for (unsigned place = text.size; place-- > 0; rest /= 10)
+            text.digits[place] = static_cast<char>('0' + rest % 10);
+    }
+    return numbers;
+}();
 
-/// Writes the digits of a number; those of a picture have at most four.
-char* writeDigits(char* at, std::uint32_t number) {
-    if (number >= 10000) return std::to_chars(at, at + 10, number).ptr;
-    char* const end = at + (number < 10 ? 1 : number < 100 ? 2 : number < 1000 ? 3 : 4);
-    for (char* digit = end; digit != at; number /= 10)
-        *--digit = static_cast<char>('0' + number % 10);
-    return end;
+void Coordinates::grow(std::size_t more) {
+    constexpr std::size_t kLeast = 1024;
+    const std::size_t capacity = std::max({size_ + more, 2 * capacity_, kLeast});
+    auto room = std::make_unique_for_overwrite<char[]>(capacity);
+    std::copy_n(room_.get(), size_, room.get());
+    room_ = std::move(room);
+    capacity_ = capacity;
 }
 
-bool isDigit(char c) { return '0' <= c && c <= '9'; }
-
-} // namespace
+Coordinates& Coordinates::add(Literal text) {
+    std::ranges::copy(text.text(), makeRoom(text.text().size()));
+    size_ += text.text().size();
+    return *this;
+}
 
 Coordinates& Coordinates::step(std::int32_t number) {
-    if (number >= 0 && !text_.empty() && isDigit(text_.back())) text_.push_back(' ');
-    appendInteger(text_, number);
+    Steps steps = beginSteps(1);
+    const bool is_digit = size_ != 0 && '0' <= room_[size_ - 1] && room_[size_ - 1] <= '9';
+    if (number < 0 || is_digit) {
+        steps.step(number);
+    } else {
+        steps.digits(static_cast<std::uint32_t>(number));
+    }
+    endSteps(steps);
     return *this;
 }
 
 Coordinates& Coordinates::tenths(double number) {
     constexpr double kMost = 1e6;
-    const auto count = static_cast<std::int64_t>(std::floor(std::clamp(number, -kMost, kMost) * 10.0 + 0.5));
-    if (count < 0) text_.push_back('-');
-    const std::int64_t size = count < 0 ? -count : count;
-    appendInteger(text_, size / 10);
-    if (size % 10 != 0) text_.append(1, '.').push_back(static_cast<char>('0' + size % 10));
+    const double tenths = std::clamp(number, -kMost, kMost) * 10.0;
+    const auto count = static_cast<std::int32_t>(tenths < 0.0 ? tenths - 0.5 : tenths + 0.5);
+    const auto size = static_cast<std::uint32_t>(count < 0 ? -count : count);
+    Steps steps = beginSteps(2);
+    if (count < 0) *steps.at_++ = '-';
+    steps.digits(size / 10);
+    if (size % 10 != 0) {
+        *steps.at_++ = '.';
+        steps.digits(size % 10);
+    }
+    endSteps(steps);
     return *this;
 }
 
-Coordinates::Steps::Steps(Coordinates& to, std::size_t steps) : text_(to.text_) {
-    constexpr std::size_t kRoom = 13; // a letter, a sign or blank, digits
-    const std::size_t size = text_.size();
-    text_.resize(size + steps * kRoom);
-    at_ = text_.data() + size;
+Coordinates& Coordinates::general(double number) {
+    std::string text;
+    appendGeneral(text, number);
+    std::ranges::copy(text, makeRoom(text.size()));
+    size_ += text.size();
+    return *this;
 }
 
-void Coordinates::Steps::step(std::int32_t number) {
-    if (number < 0) {
-        *at_++ = '-';
-        number = -number;
-    } else if (at_ != text_.data() && isDigit(at_[-1])) {
-        *at_++ = ' ';
+char* Coordinates::Steps::longDigits(char* at, std::uint32_t number) { return std::to_chars(at, at + 10, number).ptr; }
+
+Html::~Html() {
+    try {
+        flush();
+    } catch (const std::bad_alloc&) {
+        return;
     }
-    at_ = writeDigits(at_, static_cast<std::uint32_t>(number));
+}
+
+void Html::putLong(std::string_view text) {
+    flush();
+    if (text.size() > buffer_.size() / 4) return writeOn(text);
+    put(text);
 }
 
 void Html::writeText(std::string_view text, bool one_line) {
@@ -94,23 +125,23 @@ void Html::writeText(std::string_view text, bool one_line) {
         std::size_t plain = 0;
         while (plain < text.size() && !isSpecial(text[plain]) && !(one_line && text[plain] == '\n'))
             ++plain;
-        out_.write(text.substr(0, plain));
+        put(text.substr(0, plain));
         text.remove_prefix(plain);
         if (text.empty()) return;
         const Character character = takeCharacter(text);
         if (one_line && (character.code == '\n' || character.code == '\t')) {
-            out_.write(" ");
+            put(" ");
             continue;
         }
         const std::string_view stand_in = standInFor(character);
-        out_.write(stand_in.empty() ? character.bytes : stand_in);
+        put(stand_in.empty() ? character.bytes : stand_in);
     }
 }
 
 void Html::writeNumber(std::int64_t number) {
     std::string digits;
     appendInteger(digits, number);
-    out_.write(digits);
+    put(digits);
 }
 
 Html& Html::operator<<(Anchor anchor) {
@@ -120,36 +151,47 @@ Html& Html::operator<<(Anchor anchor) {
         id.push_back(anchor.kind);
         appendInteger(id, anchor.number);
     }
-    out_.write(id);
+    put(id);
     return *this;
 }
 
 Html& Html::begin(MarkupName element, std::initializer_list<Attribute> attributes) {
-    out_.write("<");
-    out_.write(element.text());
+    put("<");
+    put(element.text());
     for (const Attribute& attribute : attributes) {
-        out_.write(" ");
-        out_.write(attribute.name_);
-        out_.write("=\"");
+        put(" ");
+        put(attribute.name_);
+        put("=\"");
         switch (attribute.kind_) {
-        case Attribute::Kind::literal: out_.write(attribute.text_); break;
+        case Attribute::Kind::literal: put(attribute.text_); break;
         case Attribute::Kind::text: writeText(attribute.text_, false); break;
         case Attribute::Kind::number: writeNumber(attribute.number_); break;
-        case Attribute::Kind::link: out_.write("#"); [[fallthrough]];
+        case Attribute::Kind::link: put("#"); [[fallthrough]];
         case Attribute::Kind::id: *this << attribute.anchor_; break;
         }
-        out_.write("\"");
+        put("\"");
     }
-    out_.write(">");
+    put(">");
+    return *this;
+}
+
+Html& Html::tick(MarkupName axis, const Coordinates& place, Text text) {
+    put("<text ");
+    put(axis.text());
+    put("=\"");
+    put(place.text());
+    put("\">");
+    writeText(text.text(), false);
+    put("</text>");
     return *this;
 }
 
 Html& Html::path(MarkupName class_name, const Coordinates& data) {
-    out_.write("<path class=\"");
-    out_.write(class_name.text());
-    out_.write("\" d=\"");
-    out_.write(data.text());
-    out_.write("\"/>");
+    put("<path class=\"");
+    put(class_name.text());
+    put("\" d=\"");
+    put(data.text());
+    put("\"/>");
     return *this;
 }
 

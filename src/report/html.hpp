@@ -2,12 +2,16 @@
 
 #include "base/output.hpp"
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// HTML that escapes by construction: what is not one of these types does not compile, and what comes from a file can
 /// only be a text or the value of an attribute that takes texts.
@@ -96,46 +100,81 @@ private:
     std::string_view text_;
 };
 
+/// The digits of a number below 1000, how many they are, and anything behind them.
+struct ShortNumber {
+    std::array<char, 3> digits;
+    std::uint8_t size;
+};
+inline constexpr std::size_t kShortNumberCount = 1000;
+extern const std::array<ShortNumber, kShortNumberCount> kShortNumbers;
+
 /// Coordinates of a path or of another attribute of a picture: numbers and letters only, which need no escaping.
 class Coordinates {
 public:
-    void clear() { text_.clear(); }
-    [[nodiscard]] bool empty() const { return text_.empty(); }
-    [[nodiscard]] std::string_view text() const { return text_; }
+    void clear() { size_ = 0; }
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+    [[nodiscard]] std::string_view text() const { return {room_.get(), size_}; }
 
     /// Our own letters and signs between numbers.
-    Coordinates& add(Literal text) {
-        text_.append(text.text());
-        return *this;
-    }
+    Coordinates& add(Literal text);
     /// A number that follows others: behind a digit with its sign or a blank ahead.
     Coordinates& step(std::int32_t number);
     /// A number with at most one decimal.
     Coordinates& tenths(double number);
     /// A number in its general form with six digits.
-    Coordinates& general(double number) {
-        appendGeneral(text_, number);
-        return *this;
-    }
+    Coordinates& general(double number);
 
-    /// Writes steps without a look at the room for each, of which `steps` is the most; for the lines of pictures.
+    /// Writes into room that is there, without a look at it for each number; for the lines of pictures.
     class Steps {
     public:
-        Steps(Coordinates& to, std::size_t steps);
-        Steps(const Steps&) = delete;
-        Steps& operator=(const Steps&) = delete;
-        ~Steps() { text_.resize(static_cast<std::size_t>(at_ - text_.data())); }
-
-        void letter(Literal letter) { *at_++ = letter.text().front(); }
-        void step(std::int32_t number);
+        /// A letter and the number behind it.
+        void begin(Literal letter, std::int32_t number) {
+            *at_++ = letter.text().front();
+            *at_ = '-';
+            at_ += number < 0 ? 1 : 0;
+            digits(static_cast<std::uint32_t>(number < 0 ? -number : number));
+        }
+        /// A number behind another one.
+        void step(std::int32_t number) {
+            *at_++ = number < 0 ? '-' : ' ';
+            digits(static_cast<std::uint32_t>(number < 0 ? -number : number));
+        }
 
     private:
-        std::string& text_;
+        friend class Coordinates;
+        explicit Steps(char* at) : at_(at) {}
+
+        void digits(std::uint32_t number) {
+            if (number >= kShortNumberCount) {
+                at_ = longDigits(at_, number);
+                return;
+            }
+            const ShortNumber& text = kShortNumbers[number];
+            std::memcpy(at_, &text, sizeof text);
+            at_ += text.size;
+        }
+        static char* longDigits(char* at, std::uint32_t number);
+
         char* at_;
     };
+    /// Begins steps, with room for so many numbers; nothing else may be added until they end.
+    [[nodiscard]] Steps beginSteps(std::size_t numbers) {
+        constexpr std::size_t kRoom = 12; // a letter, a sign or blank, digits
+        return Steps(makeRoom((numbers + 1) * kRoom));
+    }
+    void endSteps(const Steps& steps) { size_ = static_cast<std::size_t>(steps.at_ - room_.get()); }
 
 private:
-    std::string text_;
+    /// Where the next letters go, with room for so many.
+    char* makeRoom(std::size_t more) {
+        if (capacity_ - size_ < more) grow(more);
+        return room_.get() + size_;
+    }
+    void grow(std::size_t more);
+
+    std::unique_ptr<char[]> room_;
+    std::size_t capacity_ = 0;
+    std::size_t size_ = 0;
 };
 
 /// An attribute of an element.
@@ -168,16 +207,28 @@ private:
 
 class HtmlPiece;
 
-/// Writes HTML.
+/// Writes HTML to an output or a text. What is pending goes there when there is much of it, when it is flushed, and at
+/// the end.
 class Html {
 public:
-    explicit Html(Output& out) : out_(out) {}
+    explicit Html(Output& out) : out_(&out) {}
+    explicit Html(std::string& text) : text_(&text) {}
     Html(const Html&) = delete;
     Html& operator=(const Html&) = delete;
-    ~Html() = default;
+    /// Whoever can do something about memory that is missing flushes before.
+    ~Html();
 
-    Html& operator<<(Markup markup) {
-        out_.write(markup.text());
+    void flush() { writeOn({buffer_.data(), std::exchange(used_, 0)}); }
+
+    /// In line, where the size is known, so that it is copied without a call.
+    [[gnu::always_inline]] Html& operator<<(Markup markup) {
+        const std::string_view text = markup.text();
+        if (buffer_.size() - used_ < text.size()) {
+            putLong(text);
+        } else {
+            text.copy(buffer_.data() + used_, text.size());
+            used_ += text.size();
+        }
         return *this;
     }
     Html& operator<<(Text text) {
@@ -202,32 +253,58 @@ public:
     }
 
     /// What another one has written into a memory of its own, which is whole markup as all that is written.
-    Html& append(const HtmlPiece& piece);
+    Html& append(HtmlPiece& piece);
 
     /// A path of a picture.
     Html& path(MarkupName class_name, const Coordinates& data);
+    /// A text of a picture at a place along one axis, "x" or "y".
+    Html& tick(MarkupName axis, const Coordinates& place, Text text);
 
 private:
+    void put(std::string_view text) {
+        if (buffer_.size() - used_ < text.size()) return putLong(text);
+        text.copy(buffer_.data() + used_, text.size());
+        used_ += text.size();
+    }
+    void putLong(std::string_view text);
+    void writeOn(std::string_view text) {
+        if (out_ != nullptr) {
+            out_->write(text);
+        } else {
+            text_->append(text);
+        }
+    }
     void writeText(std::string_view text, bool one_line);
     void writeNumber(std::int64_t number);
 
-    Output& out_;
+    Output* out_ = nullptr; ///< where it goes, or
+    std::string* text_ = nullptr;
+    std::size_t used_ = 0;
+    std::array<char, 4096> buffer_;
 };
 
 /// A piece of a page that is written apart from the others.
 class HtmlPiece {
 public:
     [[nodiscard]] Html& html() { return html_; }
-    [[nodiscard]] bool empty() const { return out_.text().empty(); }
+    /// What was written so far.
+    [[nodiscard]] std::string_view text() {
+        html_.flush();
+        return text_;
+    }
+    /// Forgets it, so that the next piece has its memory.
+    void clear() {
+        html_.flush();
+        text_.clear();
+    }
 
 private:
-    friend class Html;
-    Output out_;
-    Html html_{out_};
+    std::string text_;
+    Html html_{text_};
 };
 
-inline Html& Html::append(const HtmlPiece& piece) {
-    out_.write(piece.out_.text());
+inline Html& Html::append(HtmlPiece& piece) {
+    put(piece.text());
     return *this;
 }
 

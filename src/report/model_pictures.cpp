@@ -111,7 +111,7 @@ public:
         HtmlPiece figures;
         writeResistances(figures.html());
         writeEdges(figures.html());
-        if (!figures.empty()) (part_.html << "<div>").append(figures) << "</div>";
+        if (!figures.text().empty()) (part_.html << "<div>").append(figures) << "</div>";
     }
 
 private:
@@ -141,6 +141,14 @@ private:
         return state != DriveState::off || has_clamps;
     }
 
+    /// The rows of all tables of a corner.
+    [[nodiscard]] std::size_t rowsOf(Corner corner) const {
+        std::size_t rows = 0;
+        for (const TableKind kind : kAllTables)
+            rows += physics_.table(kind, corner).points().size();
+        return rows;
+    }
+
     void writeState(DriveState state) {
         constexpr std::array<std::string_view, kDriveStates> kNames{"Low state", "High state", "Off state"};
         Plot plot;
@@ -155,6 +163,7 @@ private:
             const References& given = physics_.references(corner);
             if (current == nullptr || !given.vcc) continue;
             std::vector<Point> points;
+            points.reserve(rowsOf(corner) + 2);
             current->sweep(*given.pulldown - *given.vcc, *given.pulldown + 2.0 * *given.vcc,
                            [&](double pin, double amperes) {
                                if (!canBeDrawn(pin) || !canBeDrawn(amperes)) return;
@@ -420,6 +429,24 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
     if (submodel.gnd_pulse) writePlot(part.html, pictures.waveform(*submodel.gnd_pulse, "GND pulse", kGndPulse.open));
     if (submodel.power_pulse)
         writePlot(part.html, pictures.waveform(*submodel.power_pulse, "POWER pulse", kPowerPulse.open));
+    part.html << "</div>\n";
+}
+
+void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
+    Pictures pictures{part, data.name, FindingMarks(part, data)};
+    for (const OnDemand<Wvfrm>& table : data.tables)
+        if (table) pictures.marks.enterTable(table->line);
+    pictures.marks.ready();
+    if (std::ranges::none_of(data.tables, [](const OnDemand<Wvfrm>& table) { return bool(table); })) return;
+    writeLegend(part.html);
+    part.html << "<div class=\"plots\">\n";
+    for (std::size_t i = 0; i < kGoldenWaveforms.size(); ++i) {
+        if (!data.tables[i]) continue;
+        const std::string_view label = kGoldenWaveforms[i].open;
+        Plot plot = pictures.waveform(*data.tables[i], label, label);
+        if (!data.test_load.empty()) plot.note.assign("into ").append(data.test_load);
+        writePlot(part.html, plot);
+    }
     part.html << "</div>\n";
 }
 

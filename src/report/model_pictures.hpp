@@ -7,6 +7,7 @@ namespace kestrel {
 
 struct Mdl;
 struct SubMdl;
+struct TestData;
 
 /// Writes the rows of a ramp.
 void writeRamp(CornerTable& table, const Ramp& ramp);
@@ -17,5 +18,8 @@ void writeModelTables(const PartContext& part, const Mdl& model);
 
 /// Writes the pictures of a submodel.
 void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel);
+
+/// Writes the pictures of the waveforms of test data.
+void writeGoldenWaveforms(const PartContext& part, const TestData& data);
 
 } // namespace kestrel

@@ -4,7 +4,6 @@
 #include "report/sections.hpp"
 #include "report/tables.hpp"
 
-#include <deque>
 #include <future>
 #include <span>
 #include <system_error>
@@ -266,44 +265,47 @@ void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) 
     }
 }
 
-using Piece = std::unique_ptr<HtmlPiece>;
-
-Piece makePiece(const PartContext& part, std::span<const Mdl* const> models) {
-    auto piece = std::make_unique<HtmlPiece>();
-    const PartContext apart{piece->html(), part.run, part.root, part.path, part.kind, part.anchors, part.findings};
+void writePiece(const PartContext& part, std::span<const Mdl* const> models, HtmlPiece& piece) {
+    const PartContext apart{piece.html(), part.run, part.root, part.path, part.kind, part.anchors, part.findings};
     for (const Mdl* const model : models)
         writeModel(apart, *model);
-    return piece;
+    piece.html().flush();
 }
 
-/// Begins a piece in a thread of its own; where there is none, it is made when it is asked for.
-std::future<Piece> beginPiece(const PartContext& part, std::span<const Mdl* const> models) {
-    const auto make = [&part, models] { return makePiece(part, models); };
+/// Begins a piece in a thread of its own; where there is none, it is written when it is waited for.
+std::future<void> beginPiece(const PartContext& part, std::span<const Mdl* const> models, HtmlPiece& piece) {
+    const auto write = [&part, models, &piece] { writePiece(part, models, piece); };
     try {
-        return std::async(std::launch::async, make);
+        return std::async(std::launch::async, write);
     } catch (const std::system_error&) {
-        return std::async(std::launch::deferred, make);
+        return std::async(std::launch::deferred, write);
     }
 }
 
 /// Writes the models of a library in pieces, as many at a time as there are processors, and in their order.
 void writeInPieces(const PartContext& part, std::span<const Mdl* const> models) {
-    constexpr std::size_t kModelsOfPiece = 32;
+    constexpr std::size_t kModelsOfPiece = 16;
     const std::size_t most = std::thread::hardware_concurrency();
     if (most < 2 || models.size() <= 2 * kModelsOfPiece) {
         for (const Mdl* const model : models)
             writeModel(part, *model);
         return;
     }
-    std::deque<std::future<Piece>> pieces;
-    while (!models.empty() || !pieces.empty()) {
-        while (!models.empty() && pieces.size() < most) {
-            const std::size_t size = std::min(kModelsOfPiece, models.size());
-            pieces.push_back(beginPiece(part, models.first(size)));
-            models = models.subspan(size);
-        }
-        part.html.append(*pieces.front().get());
-        pieces.pop_front();
+    const auto pieces = std::make_unique<HtmlPiece[]>(most); // used again and again, with their memory
+    std::vector<std::future<void>> written(most);
+    const auto begin_next = [&](std::size_t place) {
+        const std::size_t size = std::min(kModelsOfPiece, models.size());
+        if (size == 0) return;
+        written[place] = beginPiece(part, models.first(size), pieces[place]);
+        models = models.subspan(size);
+    };
+    for (std::size_t place = 0; place < most; ++place)
+        begin_next(place);
+    for (std::size_t place = 0; written[place].valid(); place = (place + 1) % most) {
+        written[place].get();
+        part.html.append(pieces[place]);
+        pieces[place].clear();
+        begin_next(place);
     }
 }
 

@@ -39,10 +39,12 @@ Page::Page(Output& out, std::string_view title, std::string_view program) : out_
     out_.write(base64OfHex(kReportScriptSha256));
     out_.write("'; img-src data:\">\n<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n");
     html_ << "<title>" << Text(title) << "</title>\n";
+    html_.flush();
     out_.write("<style>\n");
     out_.write(kReportStyle);
     out_.write("</style>\n");
     html_ << "</head>\n<body>\n<main>\n<h1 class=\"unseen\">" << Text(title) << "</h1>\n";
+    html_.flush();
 }
 
 void Page::fileEnds(std::uint32_t number, std::string_view path, Verdict verdict, const FindingCounts& counts) {
@@ -67,6 +69,7 @@ void Page::end() {
         html_ << "</tbody></table></div></section>\n";
     }
     html_ << "</main>\n<footer><p>Made by " << Text(program_) << ".</p></footer>\n";
+    html_.flush();
     out_.write("<script>");
     out_.write(kReportScript);
     out_.write("</script>\n</body>\n</html>\n");

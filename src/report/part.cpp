@@ -39,6 +39,8 @@ constexpr auto kSections = std::to_array<SectionRow>({
     {PageSection::models, "Models", [](const PartContext& part) { return !part.root.models.empty(); }, writeModels},
     {PageSection::submodels, "Submodels", [](const PartContext& part) { return !part.root.submodels.empty(); },
      writeSubmodels},
+    {PageSection::tests, "Test data",
+     [](const PartContext& part) { return !part.root.test_data.empty() || !part.root.test_loads.empty(); }, writeTests},
     {PageSection::packages, "Package models", [](const PartContext& part) { return !part.root.package_models.empty(); },
      writePackageModels},
     {PageSection::boards, "Boards", [](const PartContext& part) { return !part.root.board_descriptions.empty(); },

@@ -3,6 +3,7 @@
 #include "reader/values.hpp"
 
 #include <charconv>
+#include <limits>
 #include <utility>
 
 namespace kestrel {
@@ -20,15 +21,28 @@ std::optional<double> valueAt(const std::vector<Point>& points, double x) {
     return length > 0 ? below.y + (above->y - below.y) * ((x - below.x) / length) : above->y;
 }
 
+/// The corner that a text is about; the typical one where it names none.
+Corner cornerOf(std::string_view text) {
+    constexpr std::array<std::string_view, kCornerCount> kInBrackets{"(typ)", "(min)", "(max)"};
+    for (const Corner corner : {Corner::min, Corner::max})
+        if (text.find(kCornerWords[placeOf(corner)]) != std::string_view::npos ||
+            text.find(kInBrackets[placeOf(corner)]) != std::string_view::npos)
+            return corner;
+    return Corner::typ;
+}
+
+/// Adds a mark on the line of the corner that the finding is about, else on the last one that is there.
 void addMark(Plot& plot, const ShownFinding& finding, double x) {
     if (!canBeDrawn(x)) return;
+    const Corner corner = cornerOf(finding.text);
+    std::optional<double> y;
     for (const PlotLine& line : plot.lines) {
         if (line.thin) continue;
-        if (const std::optional<double> y = valueAt(line.points, x)) {
-            plot.marks.push_back({{x, *y}, finding.anchor, finding.text});
-            return;
-        }
+        const std::optional<double> found = valueAt(line.points, x);
+        if (found) y = found;
+        if (found && line.corner == corner) break;
     }
+    if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.text});
 }
 
 /// Findings about a table name it so, or in brackets.
@@ -82,17 +96,20 @@ std::optional<double> FindingMarks::firstCellOf(const ShownFinding& finding) con
     return readScaled(item, value) == ReadResult::noNumber ? std::nullopt : std::optional(value);
 }
 
+bool FindingMarks::isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const {
+    const auto next = std::ranges::upper_bound(begins_, finding.line);
+    return next == begins_.begin() ? names(finding.text, label) : *std::prev(next) == line;
+}
+
 void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) const {
     constexpr std::size_t kMost = 20;
-    if (findings_.empty()) return;
-    const auto next = std::ranges::upper_bound(begins_, line);
-    const std::uint32_t end = next == begins_.end() ? static_cast<std::uint32_t>(-1) : *next;
     for (const ShownFinding* const finding : findings_) {
         if (plot.marks.size() == kMost) return;
-        const bool is_inside = finding->line >= line && finding->line < end;
+        if (!isAboutTable(*finding, line, label)) continue;
         std::optional<double> x;
-        if (is_inside && finding->exact && finding->line > line) x = firstCellOf(*finding);
-        if (!x && (is_inside || names(finding->text, label))) x = valueBehind(kAt, finding->text, plot.x.unit);
+        if (finding->exact && finding->line > line) x = firstCellOf(*finding);
+        if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
+        if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
         if (x) addMark(plot, *finding, *x);
     }
 }
@@ -104,18 +121,25 @@ void FindingMarks::markByWords(Plot& plot, std::string_view words, std::string_v
     }
 }
 
-std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column) {
-    std::vector<Point> points;
-    points.reserve(rows.size());
+PerCorner<std::vector<Point>> pointsOf(const Rows<TableRow>& rows) {
+    PerCorner<std::vector<Point>> points;
+    for (const Corner corner : kCorners)
+        points[corner].reserve(rows.size());
     bool in_order = true;
+    double before = std::numeric_limits<double>::lowest();
     for (const TableRow& row : rows) {
-        if (!row[kFirst].isNumber() || !row[column].isNumber()) continue;
-        const Point point{row[kFirst].value(), row[column].value()};
-        if (!canBeDrawn(point.x) || !canBeDrawn(point.y)) continue;
-        in_order = in_order && (points.empty() || points.back().x <= point.x);
-        points.push_back(point);
+        if (!row[kFirst].isNumber()) continue;
+        const double x = row[kFirst].value();
+        if (!canBeDrawn(x)) continue;
+        in_order = in_order && before <= x;
+        before = x;
+        for (const Corner corner : kCorners) {
+            const Cell& cell = row[columnOf(corner)];
+            if (cell.isNumber() && canBeDrawn(cell.value())) points[corner].push_back({x, cell.value()});
+        }
     }
-    if (!in_order) std::ranges::stable_sort(points, {}, &Point::x);
+    for (std::vector<Point>& line : points.values)
+        if (!in_order) std::ranges::stable_sort(line, {}, &Point::x);
     return points;
 }
 
@@ -125,11 +149,10 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     plot.owner = owner;
     plot.x = x;
     plot.y = y;
+    PerCorner<std::vector<Point>> points = pointsOf(rows);
     // The typical line is drawn last, above the others.
-    for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
-        std::vector<Point> points = pointsOf(rows, columnOf(corner));
-        if (!points.empty()) plot.lines.push_back({corner, std::move(points)});
-    }
+    for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
+        if (!points[corner].empty()) plot.lines.push_back({corner, std::move(points[corner])});
     return plot;
 }
 

@@ -11,6 +11,7 @@ namespace kestrel {
 
 /// What goes ahead of a value in the texts of findings.
 inline constexpr std::string_view kAt = " at ";
+inline constexpr std::string_view kFrom = " from ";
 inline constexpr std::string_view kAtPinVoltage = " at the pin voltage ";
 
 /// Marks findings of one record in the pictures of its tables.
@@ -28,6 +29,8 @@ public:
     void markByWords(Plot& plot, std::string_view words, std::string_view lead = kAt) const;
 
 private:
+    /// By its line; one ahead of all tables is about that which it names.
+    [[nodiscard]] bool isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const;
     [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
 
     std::vector<const ShownFinding*> findings_;
@@ -39,8 +42,8 @@ private:
 /// none.
 [[nodiscard]] std::optional<double> valueBehind(std::string_view lead, std::string_view text, std::string_view unit);
 
-/// The points of a column, by the first one.
-[[nodiscard]] std::vector<Point> pointsOf(const Rows<TableRow>& rows, Column column);
+/// The points of the corners that can be drawn, by the first column.
+[[nodiscard]] PerCorner<std::vector<Point>> pointsOf(const Rows<TableRow>& rows);
 
 /// A picture with the lines of a table's corners.
 [[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);

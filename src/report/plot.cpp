@@ -62,7 +62,7 @@ private:
 
     void axes() {
         const Ticks across = ticksOf(frame_.x, 8);
-        const Ticks down = ticksOf(frame_.y, 6);
+        const Ticks down = ticksOf(frame_.y, 8);
         place_.clear();
         for (const Tick& tick : across.ticks)
             place_.add("M").tenths(acrossOf(tick.value)).add(" 20v240");
@@ -80,13 +80,13 @@ private:
         axisLabel(plot_.y, down) << "</text>";
     }
 
-    void tickText(TextAttribute name, double at, const Tick& tick) {
+    void tickText(MarkupName axis, double at, const Tick& tick) {
         place_.clear();
-        html_.begin("text", {{name, place_.tenths(at)}}) << Text(tick.text) << "</text>";
+        html_.tick(axis, place_.tenths(at), Text(tick.text));
     }
 
     Html& axisLabel(const Axis& axis, const Ticks& ticks) {
-        return html_ << Text(axis.word) << " (" << Text(ticks.prefix->letter) << Text(axis.unit) << ")";
+        return html_ << Text(axis.word) << " (" << Text(ticks.prefix.letter) << Text(axis.unit) << ")";
     }
 
     void lines() {
@@ -196,11 +196,11 @@ private:
     Coordinates data_;
 };
 
-/// The span of all points, of which x does not fall.
+/// The span of all points, of which x does not fall; lines that help to read others are cut off at it.
 Frame frameOf(const Plot& plot) {
     Frame frame;
     for (const PlotLine& line : plot.lines) {
-        if (line.points.empty()) continue;
+        if (line.thin || line.points.empty()) continue;
         frame.x.include(line.points.front().x);
         frame.x.include(line.points.back().x);
         double low = line.points.front().y;

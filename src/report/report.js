@@ -25,10 +25,10 @@
   // ---- numbers with units
 
   const PREFIXES = [[1e12, "T"], [1e9, "G"], [1e6, "M"], [1e3, "k"], [1, ""], [1e-3, "m"], [1e-6, "\u00b5"],
-    [1e-9, "n"], [1e-12, "p"], [1e-15, "f"]];
+    [1e-9, "n"], [1e-12, "p"], [1e-15, "f"], [1e-18, "a"]];
   const prefixOf = (value) => {
     const size = Math.abs(value) * (1 + 1e-9);
-    return size >= 1e15 || size < 1e-15 ? [1, ""] : PREFIXES.find(([factor]) => size >= factor) ?? [1, ""];
+    return size >= 1e15 || size < 1e-18 ? [1, ""] : PREFIXES.find(([factor]) => size >= factor) ?? [1, ""];
   };
   const minus = (text) => text.replace("-", "\u2212");
   const quantity = (value, unit) => {
@@ -37,9 +37,9 @@
   };
   /** What a cell's text is sorted by: a number with its prefix, or the text. */
   const rankOf = (text) => {
-    const match = /^([\u2212-]?[\d.,]+(?:e[+-]?\d+)?)\u00a0?([fpn\u00b5mkMGT]?)/.exec(text.trim());
+    const match = /^([\u2212-]?[\d.,]+(?:e[+-]?\d+)?)(?:\u00a0([afpn\u00b5mkMGT]?))?/.exec(text.trim());
     if (!match) return text.trim() === "" || text === "NA" || text === "\u2013" ? -Infinity : text.toLowerCase();
-    const factor = PREFIXES.find(([, letter]) => letter === match[2])[0];
+    const factor = PREFIXES.find(([, letter]) => letter === (match[2] ?? ""))[0];
     return Number(match[1].replace("\u2212", "-").replaceAll(",", "")) * factor;
   };
   const compare = (a, b) => {
@@ -242,7 +242,7 @@
   const show = (state) => {
     const { plot, view, x, y } = state;
     const horizontal = ticksOf(view.x, 8);
-    const vertical = ticksOf(view.y, 6);
+    const vertical = ticksOf(view.y, 8);
     plot.querySelector(".tx").replaceChildren(
       ...horizontal.ticks.map(([value, text]) => draw("text", { x: across(state, value) }, text)));
     plot.querySelector(".ty").replaceChildren(
@@ -483,10 +483,17 @@
   window.addEventListener("hashchange", reach);
   reach();
 
+  // On paper folds are open, and heads are plain text: a head with a button in it is not repeated on each page.
   let opened = [];
+  let heads = [];
   window.addEventListener("beforeprint", () => {
-    opened = all(document, "details:not([open])");
+    opened = all(document, "details.fold:not(.explanation):not([open])");
     opened.forEach((fold) => { fold.open = true; });
+    heads = all(document, "th > button").map((head) => [head, document.createTextNode(head.textContent)]);
+    heads.forEach(([head, text]) => head.replaceWith(text));
   });
-  window.addEventListener("afterprint", () => opened.forEach((fold) => { fold.open = false; }));
+  window.addEventListener("afterprint", () => {
+    opened.forEach((fold) => { fold.open = false; });
+    heads.forEach(([head, text]) => text.replaceWith(head));
+  });
 })();

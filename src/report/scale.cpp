@@ -1,6 +1,7 @@
 #include "report/scale.hpp"
 
 #include "base/output.hpp"
+#include "base/powers.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +27,7 @@ Step stepOfAtLeast(double least) {
 /// A number with so many decimals; what is too large for any prefix has a power of ten.
 std::string tickText(double value, int decimals) {
     const double size = std::abs(value);
-    const double power = std::pow(10.0, decimals);
+    const double power = kExactPowers[static_cast<std::size_t>(decimals)];
     std::string digits;
     if (size < 1e6 && size * power < 1e15) {
         const auto count = static_cast<std::int64_t>(size * power + 0.5);
@@ -48,18 +49,6 @@ std::string tickText(double value, int decimals) {
 
 } // namespace
 
-bool canBeDrawn(double value) {
-    constexpr double kMost = 1e30;
-    return value >= -kMost && value <= kMost;
-}
-
-void Span::include(double value) {
-    if (!canBeDrawn(value)) return;
-    low = given ? std::min(low, value) : value;
-    high = given ? std::max(high, value) : value;
-    given = true;
-}
-
 void Span::include(const Span& other) {
     if (!other.given) return;
     include(other.low);
@@ -76,16 +65,16 @@ Span Span::widened(double part) const {
 
 Ticks ticksOf(const Span& span, int most) {
     const double size = std::max(std::abs(span.low), std::abs(span.high));
-    Ticks result{{}, &prefixOf(size)};
+    Ticks result{{}, prefixOf(size, NumberStyle::printed)};
     if (!(span.length() > 0.0)) return result;
     const Step step = stepOfAtLeast(span.length() / most);
-    const double factor = result.prefix->factor;
-    const int prefix_power = static_cast<int>(std::lround(std::log10(factor)));
-    const int decimals = std::clamp(prefix_power - step.power, 0, 12);
+    const int power = result.prefix.power;
+    const double factor = kExactPowers[static_cast<std::size_t>(std::abs(power))];
+    const int decimals = std::clamp(power - step.power, 0, 12);
     const double slack = step.size * 1e-6;
     for (double i = std::ceil((span.low - slack) / step.size); i * step.size <= span.high + slack; i += 1.0) {
         const double value = i * step.size;
-        result.ticks.push_back({value, tickText(value / factor, decimals)});
+        result.ticks.push_back({value, tickText(power < 0 ? value * factor : value / factor, decimals)});
         if (result.ticks.size() > 50) break; // the steps are lost in the size of the values
     }
     return result;

@@ -30,6 +30,7 @@ enum class PageSection : std::uint8_t {
     selectors,
     models,
     submodels,
+    tests,
     packages,
     boards,
     parameters
@@ -49,6 +50,7 @@ void writeComponents(const PartContext& part);
 void writeSelectors(const PartContext& part);
 void writeModels(const PartContext& part);
 void writeSubmodels(const PartContext& part);
+void writeTests(const PartContext& part);
 void writePackageModels(const PartContext& part);
 void writeBoards(const PartContext& part);
 void writeParameterFiles(const PartContext& part);

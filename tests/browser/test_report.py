@@ -147,7 +147,8 @@ class Report(unittest.TestCase):
 
     def test_cases(self):
         """Whatever the cases of the checks hold, the pages of all of them are right."""
-        files = sorted(file for folder in ("verimark", "model", "component", "board", "package", "algmod", "reader")
+        files = sorted(file for folder in ("verimark", "model", "component", "board", "package", "algmod", "reader",
+                                                          "testdata")
                        for file in (SOURCE / "tests" / "cases" / folder).rglob("*.*")
                        if file.suffix in (".ibs", ".ebd", ".pkg", ".ami"))
         self.assertGreater(len(files), 50)
@@ -361,6 +362,30 @@ class Report(unittest.TestCase):
         self.assertLessEqual(pages, 3 * len(names))
         if SHOTS:
             (SHOTS / "print.pdf").write_bytes(printed)
+
+    def test_nothing_is_cut_off_in_print(self):
+        name = "a_model_whose_name_is_as_long_as_names_may_be"[:40]
+        pins = [("1", "a_signal_whose_name_is_as_long_as_it_may_be"[:40], name)]
+        bad = library([name], pins).replace("Vinl = 0.8", "Vinl = x").replace("[Ramp]", "[Ramp]\nbad line")
+        browser = self.opened(self.page("wide", bad))
+        try:
+            browser.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": "print"})
+            browser.size(680, 900)  # what the margins leave of a sheet
+            browser.run("window.dispatchEvent(new Event('beforeprint'))")
+            self.assertEqual(browser.run("""
+                return Array.from(document.querySelectorAll('main *')).filter((e) => {
+                    const box = e.getBoundingClientRect();
+                    return box.width > 0 && box.right > 681 && getComputedStyle(e).clipPath === 'none';
+                }).map((e) => e.outerHTML.slice(0, 80))"""), [])
+            self.assertEqual(browser.count("th > button"), 0)  # heads with buttons would not be repeated
+            self.assertEqual(browser.run("""
+                return Array.from(document.querySelectorAll('input, button, nav, .tools'))
+                    .filter((e) => e.getClientRects().length > 0).length"""), 0)
+            browser.run("window.dispatchEvent(new Event('afterprint'))")
+            self.assertGreater(browser.count("th > button"), 0)
+        finally:
+            browser.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": ""})
+            browser.driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
 
     def test_models_of_a_library_open_soon(self):
         names = [f"m{i}" for i in range(200)]

@@ -85,6 +85,69 @@ def findings_left_out(folder):
         expect(heads[:2] == ["p: Passed no findings", "p: Passed no findings"], f"a baseline: {heads}")
 
 
+def marks(folder):
+    """A finding is marked in the picture of its own table, on the line of its corner, or in the state that it is about."""
+    (folder / "marks.ibs").write_text("""[IBIS Ver] 4.2
+[File Name] marks.ibs
+[File Rev] 1
+[Model] m
+Model_type 3-state
+Vmeas = 1.5
+C_comp 2pF 1pF 3pF
+[Voltage Range] 3.3 3.3 3.3
+[Pulldown]
+-3.3 -66mA -60mA -72mA
+0 0 0 0
+1 20mA 20mA 20mA
+2 30mA 10mA 40mA
+6.6 40mA 40mA 50mA
+[Pullup]
+-3.3 33mA 30mA 36mA
+0 0 0 0
+6.6 -66mA -60mA -72mA
+[GND Clamp]
+-3.3 -66mA -33mA -99mA
+0 0 0 0
+6.6 0 0 0
+[POWER Clamp]
+-3.3 0 0 0
+3.3 0 0 0
+6.6 -66mA -33mA -99mA
+[Ramp]
+dV/dt_r 0.66/1n 0.6/1n 0.72/1n
+dV/dt_f 0.99/1n 0.9/1n 1.08/1n
+[Rising Waveform]
+R_fixture = 50
+V_fixture = 0
+0n 0 0 0
+1n 0.5 0.5 0.5
+2n 1 1 1
+[Rising Waveform]
+R_fixture = 50
+V_fixture = 3.3
+0n 1 1 1
+1n 3 2 2
+2n 2 3 3
+3n 3.3 3.3 3.3
+[End]
+""")
+    page = folder / "marks.html"
+    run("--quiet", "--advice", f"--report={page}", "marks.ibs", folder=folder)
+    found = {}
+    picture = ""
+    for line in lines_of(page):
+        if line.startswith("picture: "):
+            picture = line.split(": ")[1]
+        elif line.startswith("  mark: "):
+            found.setdefault(picture, []).append(line.split(" at ", 1)[1].split(": ")[0])
+    # At four fifths of the supply below ground both clamps carry 80 % of 66 mA.
+    expect("-2.64 -0.1056" in found.get("Off state", []), f"clamps that are counted twice: {found}")
+    expect("2 0.01" in found.get("Pulldown from the pulldown's rail up", []), f"a row that falls in min: {found}")
+    expect(found.get("Rising, 50 \u03a9 to 3.3 V") == ["1e-09 3"], f"a waveform that goes back: {found}")
+    for other in ("Rising, 50 \u03a9 to 0 V", "GND Clamp from the clamp's rail up", "POWER Clamp from the clamp's rail down"):
+        expect(other not in found, f"marks of others: {found}")
+
+
 def outputs(folder):
     """Where the page goes, and where it cannot go."""
     (folder / "good.ibs").write_text((CASES / "straight.ibs").read_text().replace("straight.ibs", "good.ibs"))
@@ -156,7 +219,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)

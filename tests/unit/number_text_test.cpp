@@ -35,6 +35,16 @@ TEST(NumberText, roundsIntoTheNextLetter) {
     EXPECT_EQ(text(farads(999.9e-12)), "1 nF");
 }
 
+TEST(NumberText, hasAsManyDigitsAsAreAskedFor) {
+    EXPECT_EQ(text({1.23456e-3, "V", 4}), "1.235 mV");
+    EXPECT_EQ(text({123e-6, "A", 2}), "120 uA");
+    EXPECT_EQ(text({4.5e-9, "s", 1}), "4 ns"); // below the middle, in binary
+    EXPECT_EQ(text({0.5, "V", 6}), "500 mV");
+    EXPECT_EQ(text({0.1 + 0.2, "V", NumberText::kAllDigits}), "300.00000000000004 mV");
+    EXPECT_EQ(text({-850e-6, "A", 3, NumberStyle::printed}), "\u2212850\u00a0\u00b5A");
+    EXPECT_EQ(text({85.0, kCelsius, 6, NumberStyle::printed}), "85\u00a0\u00b0C");
+}
+
 TEST(NumberText, readsWhateverTheValueIs) {
     EXPECT_EQ(text(volts(0.0)), "0 V");
     EXPECT_EQ(text(volts(-0.0)), "0 V");

@@ -79,7 +79,7 @@ TEST(Quantity, hasAnEngineeringPrefix) {
 
 std::string ticksText(double low, double high, int most) {
     const Ticks ticks = ticksOf({low, high, true}, most);
-    std::string text(ticks.prefix->letter);
+    std::string text(ticks.prefix.letter);
     for (const Tick& tick : ticks.ticks)
         text.append(" ").append(tick.text);
     return text;
