@@ -44,7 +44,7 @@ bool hasLongGap(std::string_view text) {
     return false;
 }
 
-/// The folder that calls work in, empty but for its folders. It goes with the process.
+/// The folder that calls work in. It goes with the process.
 class WorkFolder {
 public:
     WorkFolder() {
@@ -60,7 +60,8 @@ public:
         fs::remove_all(path_, failure);
     }
 
-    void clear() const {
+    /// Empties the folder but for the folders in it, and goes there.
+    void enter() const {
         fs::current_path(path_);
         for (const fs::directory_entry& entry : fs::directory_iterator(path_))
             fs::remove_all(entry.path());
@@ -90,7 +91,7 @@ void tryCalls(std::string_view input) {
     const std::vector<std::string_view> lines = linesOf(files.front().text);
     if (lines.empty() || !staysInside(files.front().text)) return;
     static const WorkFolder kWorkFolder;
-    kWorkFolder.clear();
+    kWorkFolder.enter();
     std::string names;
     bool long_gap = hasLongGap(files.front().text);
     for (std::size_t i = 1; i < files.size(); ++i) {

@@ -19,7 +19,7 @@ std::span<const Entry> entries() {
 }
 
 void fault(std::string_view what, std::string_view text) {
-    const std::string message = std::string("Wrong: ").append(what).append("\n").append(text).append("\n");
+    const std::string message = std::string(text).append("\nWrong: ").append(what).append("\n");
     std::fwrite(message.data(), 1, message.size(), stderr);
     std::abort();
 }

@@ -15,7 +15,11 @@ namespace {
 
 /// UTF-8 throughout, without control characters but white space.
 void demandCharacters(std::string_view text) {
+    const auto is_plain = [](char c) { return (c >= ' ' && c < '\x7f') || c == '\n'; };
     for (std::string_view left = text; !left.empty();) {
+        const auto odd = std::ranges::find_if_not(left, is_plain);
+        left.remove_prefix(static_cast<std::size_t>(odd - left.begin()));
+        if (left.empty()) return;
         const Character character = takeCharacter(left);
         const bool is_space = character.code == '\n' || character.code == '\t' || character.code == '\r';
         if (!character.valid || (character.code < 0x20 && !is_space)) fault("characters", text);
@@ -61,9 +65,14 @@ private:
 
     void string() {
         demand('"');
-        while (!left_.empty() && left_.front() != '"') {
+        const auto is_plain = [](char c) { return c != '"' && c != '\\' && static_cast<unsigned char>(c) >= 0x20; };
+        for (;;) {
+            const auto odd = std::ranges::find_if_not(left_, is_plain);
+            left_.remove_prefix(static_cast<std::size_t>(odd - left_.begin()));
+            if (left_.empty() || left_.front() == '"') break;
             if (static_cast<unsigned char>(left_.front()) < 0x20) fault("JSON has a control character", whole_);
-            if (take('\\')) {
+            if (left_.front() == '\\') {
+                left_.remove_prefix(1);
                 if (left_.empty() || std::string_view("\"\\/bfnrtu").find(left_.front()) == std::string_view::npos)
                     fault("JSON has a wrong escape", whole_);
                 if (left_.front() == 'u' && (left_.size() < 5 || !std::all_of(&left_[1], &left_[1] + 4, isHexDigit)))
@@ -116,10 +125,7 @@ private:
         return true;
     }
     void demand(char c) {
-        if (!left_.starts_with(c) && !take(c))
-            fault(std::string("JSON lacks ").append(1, c), whole_);
-        else if (left_.starts_with(c))
-            left_.remove_prefix(1);
+        if (!take(c)) fault(std::string("JSON lacks ").append(1, c), whole_);
     }
 
     std::string_view whole_;
@@ -147,7 +153,7 @@ public:
                 left_.remove_prefix(1);
                 beginTag();
             } else {
-                character('>');
+                text('>');
             }
         }
         if (!open_.empty()) wrong("an element does not end");
@@ -164,8 +170,7 @@ private:
                 continue;
             }
             demand("=\"");
-            while (!left_.empty() && left_.front() != '"')
-                character('"');
+            text('"');
             demand("\"");
         }
         constexpr std::array<std::string_view, 8> kVoid{"br", "hr", "img", "input", "link", "meta", "col", "wbr"};
@@ -189,15 +194,23 @@ private:
         return name;
     }
 
-    /// A character of a text or a value, other than those that mean something.
-    void character(char forbidden) {
-        if (left_.front() == '<' || left_.front() == forbidden) wrong("a character that is not escaped");
-        if (left_.front() == '&') {
-            const std::string_view entity = left_.substr(1, std::min<std::size_t>(left_.find(';'), 12) - 1);
-            constexpr std::array<std::string_view, 6> kKnown{"amp", "lt", "gt", "quot", "apos", "nbsp"};
-            if (!entity.starts_with('#') && std::ranges::find(kKnown, entity) == kKnown.end()) wrong("an entity");
+    /// A text up to a tag, or a value up to its quotation mark: what means something is escaped.
+    void text(char end) {
+        const auto means = [](char c) { return c == '<' || c == '>' || c == '"' || c == '&'; };
+        for (;;) {
+            const auto at = std::ranges::find_if(left_, means);
+            left_.remove_prefix(static_cast<std::size_t>(at - left_.begin()));
+            if (left_.empty() || left_.front() == '<' || left_.front() == end) break;
+            if (left_.front() == '&') entity();
+            left_.remove_prefix(1);
         }
-        left_.remove_prefix(1);
+        if (!left_.empty() && (left_.front() == '<') == (end == '"')) wrong("a character that is not escaped");
+    }
+
+    void entity() const {
+        const std::string_view entity = left_.substr(1, std::min<std::size_t>(left_.find(';'), 12) - 1);
+        constexpr std::array<std::string_view, 6> kKnown{"amp", "lt", "gt", "quot", "apos", "nbsp"};
+        if (!entity.starts_with('#') && std::ranges::find(kKnown, entity) == kKnown.end()) wrong("an entity");
     }
 
     void demand(std::string_view text) {

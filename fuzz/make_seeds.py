@@ -45,14 +45,14 @@ CALLS = (
 
 
 def read(path):
-    return path.read_text(encoding="latin-1")
+    return path.read_bytes().decode("latin-1")
 
 
 def companions(path, text):
     """The files beside one that its text names, and the package models beside it."""
     found = []
     for other in sorted(path.parent.iterdir()):
-        if other == path or other.suffix.lower()[1:] not in KINDS:
+        if other == path or other.suffix.lower()[1:] not in KINDS or not other.is_file():
             continue
         if other.name in text or (other.suffix.lower() == ".pkg" and "[package model]" in text.lower()):
             found.append(other)
@@ -126,7 +126,7 @@ def main():
         folder.mkdir(parents=True, exist_ok=True)
         for number, text in enumerate(inputs):
             if len(text) <= LARGEST:
-                (folder / f"seed_{number:03}").write_text(text, encoding="latin-1")
+                (folder / f"seed_{number:03}").write_bytes(text.encode("latin-1"))
         dictionaries.mkdir(parents=True, exist_ok=True)
         tables = subprocess.run([sys.argv[4], entry], check=True, capture_output=True, text=True).stdout
         words = "".join(f'"{word}"\n' for word in words_of(inputs))

@@ -67,8 +67,9 @@ std::string_view unitName(Unit unit) {
 
 std::optional<double> percentOf(double difference, double scale) {
     constexpr double kSteps = 1e9; // of one per cent
+    if (scale == 0.0) return std::nullopt;
     const double percent = std::abs(difference) / scale * 100;
-    if (scale == 0.0 || !std::isfinite(percent * kSteps)) return std::nullopt;
+    if (!std::isfinite(percent * kSteps)) return std::nullopt;
     return std::round(percent * kSteps) / kSteps;
 }
 

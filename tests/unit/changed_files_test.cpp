@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -205,6 +207,49 @@ TEST_F(SameMeaning, ofKeywordsInOtherLetters) {
             result.push_back(line);
         });
         EXPECT_EQ(tell(file.name, file.lines), tell(file.name, other)) << file.name;
+    }
+}
+
+/// The keyword of a line in lower case; empty on any other.
+std::string keywordOf(const std::string& line) {
+    if (!line.starts_with('[')) return {};
+    std::string keyword = line.substr(1, line.find(']') - 1);
+    lowerCase(keyword);
+    std::ranges::replace(keyword, '_', ' ');
+    return keyword;
+}
+
+/// The lines with the models in the opposite order, each where another was.
+Lines withModelsReversed(const Lines& lines) {
+    const std::set<std::string> kRecords{"component", "model selector",       "submodel",  "external circuit",
+                                         "test data", "define package model", "test load", "end"};
+    std::vector<Lines> pieces(1);
+    std::vector<std::size_t> models;
+    for (const std::string& line : lines) {
+        const std::string keyword = keywordOf(line);
+        if (keyword == "model") models.push_back(pieces.size());
+        if (keyword == "model" || kRecords.contains(keyword)) pieces.emplace_back();
+        pieces.back().push_back(line);
+    }
+    for (std::size_t i = 0; i < models.size() / 2; ++i)
+        std::swap(pieces[models[i]], pieces[models[models.size() - 1 - i]]);
+    Lines result;
+    for (const Lines& piece : pieces)
+        result.insert(result.end(), piece.begin(), piece.end());
+    return result;
+}
+
+TEST_F(SameMeaning, ofModelsInAnotherOrderButForLines) {
+    for (const CaseFile& file : files_) {
+        std::vector<std::string> before;
+        std::vector<std::string> after;
+        for (Told& told : tell(file.name, file.lines))
+            before.push_back(std::move(told.text));
+        for (Told& told : tell(file.name, withModelsReversed(file.lines)))
+            after.push_back(std::move(told.text));
+        std::ranges::sort(before);
+        std::ranges::sort(after);
+        EXPECT_EQ(before, after) << file.name;
     }
 }
 
