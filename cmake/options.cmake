@@ -31,6 +31,10 @@ if(KESTREL_REPRODUCIBLE)
     target_compile_options(kestrel_options INTERFACE
         "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 endif()
+if(KESTREL_FUZZ)
+    # Coverage that the fuzzer is guided by. What it finds has to be found in a minute as well: optimized a little.
+    target_compile_options(kestrel_options INTERFACE -fsanitize=fuzzer-no-link -O1)
+endif()
 
 # Our rules for a target made of our own sources.
 function(kestrel_own_target target)

@@ -93,8 +93,9 @@ std::string_view unitName(Unit unit) {
 
 GivenValue percentOf(double difference, double scale) {
     constexpr double kSteps = 1e9; // of one per cent
+    if (scale == 0.0) return {};
     const double percent = std::abs(difference) / scale * 100;
-    if (scale == 0.0 || !std::isfinite(percent * kSteps)) return {};
+    if (!std::isfinite(percent * kSteps)) return {};
     return std::round(percent * kSteps) / kSteps;
 }
 

@@ -1,0 +1,138 @@
+#!/usr/bin/python3
+"""Makes the first inputs of the fuzzers from the examples, the frames and the cases of the tests.
+
+usage: make_seeds.py SOURCES OUTPUT DICTIONARIES PROGRAM
+For each entry there is a folder of inputs in OUTPUT and a dictionary in DICTIONARIES: what PROGRAM, kestrel_dictionary,
+prints for it, and the words that several of its inputs have.
+"""
+
+import collections
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+
+KINDS = ("ibs", "pkg", "ebd", "ami")
+LARGEST = 60_000
+MOST_WORDS = 500
+
+CALLS = (
+    "verimark\n--help\n",
+    "verimark\n-h\nx.ibs\n",
+    "verimark\n--version\n",
+    "verimark\n--messages\n-f\njson\n",
+    "verimark\n--explain=905\n",
+    "verimark\n--explain\nExceeds 80 chararacters.\n",
+    "verimark\n--explain=C_comp\n-fjson\n",
+    "verimark\n--completions=zsh\n--output=lib/x\n",
+    "verimark\n--messages-page\n",
+    "verimark\n--advice-page\n-o\nx.md\n",
+    "verimark\nlib\n-q\n--jobs=2\n--- lib/a.ibs\n[IBIS Ver] 3.2\n[End]\n--- lib/lib/b.ami\n(b)\n",
+    "verimark\n-\n--fail-on=warning\n--- -\nlib\r\na.ibs\n\nmissing.ibs\n--- a.ibs\n[IBIS Ver] 3.2\n--- lib/c.pkg\n[x]\n",
+    "verimark\n--baseline=known.txt\na.ibs\n--- known.txt\n# verimark baseline 1: path, code, message\n"
+    "a.ibs, -, gone\n\"a,b.ibs\", 905, \\x01\n--- a.ibs\n[IBIS Ver] 3.2\n[Component]\n[End]\n",
+    "verimark\n--write-baseline=known.txt\n--advice\n--ignore=905,E1104\na.ibs\n--- a.ibs\n[IBIS Ver] 4.2\n[Model] m\n",
+    "verimark\n--report=lib/page.html\n--color=always\n-j1\na.ibs\nb.ami\n--- a.ibs\n[IBIS Ver] 4.2\n[Model] m\n"
+    "Model_type I/O\n[End]\n--- b.ami\n(b (Reserved_Parameters (Ignore_Bits (Usage Info) (Type Integer) (Value 2))))\n",
+    "verimark\n--compare\n--tolerance=0.5\n--all\na.ibs\nlib\n--- a.ibs\n[IBIS Ver] 4.2\n--- lib/a.ibs\n[IBIS Ver] 5.1\n",
+    "verimark\n--compare\nlib\nlib/lib\n-f\njson\n--- lib/a.ibs\n[IBIS Ver] 4.2\n--- lib/lib/b.ibs\n[IBIS Ver] 5.1\n",
+    "verimark\n--output=lib/out.json\n-fjson\n--progress=never\n--\n-a.ibs\n--- -a.ibs\n[IBIS Ver] 4.2\n",
+    "kestrel\na.ibs\n-m\nm,n\n-t\n-d\n;\n-c\nc\n--- a.ibs\n[IBIS Ver] 4.2\n[Component] c\n[Model] m\n[End]\n",
+    "kestrel\n-i\n",
+    "kestrel\n",
+)
+
+
+def read(path):
+    return path.read_bytes().decode("latin-1")
+
+
+def companions(path, text):
+    """The files beside one that its text names, and the package models beside it."""
+    found = []
+    for other in sorted(path.parent.iterdir()):
+        if other == path or other.suffix.lower()[1:] not in KINDS or not other.is_file():
+            continue
+        if other.name in text or (other.suffix.lower() == ".pkg" and "[package model]" in text.lower()):
+            found.append(other)
+    return found[:4]
+
+
+def bundle(path):
+    """A file and what it names as one input."""
+    text = read(path)
+    parts = [f"--- {path.name}\n{text}"]
+    for other in companions(path, text):
+        parts.append(f"--- {other.name}\n{read(other)}")
+    return "\n".join(parts) if len(parts) > 1 else parts[0]
+
+
+def call_of(case):
+    """The call of a case with its files; none where it needs a folder."""
+    head = read(case).split("\n---\n")[0]
+    fields = dict(re.findall(r"^(args|program): (.*)$", head, re.M))
+    arguments = shlex.split(fields.get("args", ""))
+    if any("/" in word for word in arguments):
+        return None
+    parts = ["\n".join([fields.get("program", "kestrel"), *arguments]) + "\n"]
+    for word in arguments:
+        path = case.parent / word.split("=")[-1]
+        if path.is_file() and path.stat().st_size < 8000:
+            parts.append(f"--- {path.name}\n{read(path)}\n")
+    return "".join(parts)
+
+
+def collect(sources):
+    """The inputs of each entry."""
+    inputs = collections.defaultdict(list)
+    files = []
+    for folder in ("examples", "tests/frames", "tests/cases", "tests/report"):
+        files += sorted(path for path in (sources / folder).rglob("*") if path.is_file())
+    before = None
+    for path in files:
+        kind = path.suffix.lower()[1:]
+        if kind not in KINDS or path.stat().st_size == 0:
+            continue
+        inputs[kind].append(bundle(path))
+        if kind in ("ibs", "pkg"):
+            if before is not None and before.parent == path.parent and before.suffix == path.suffix:
+                inputs["compare"].append(f"--- {before.name}\n{read(before)}\n--- {path.name}\n{read(path)}")
+            before = path
+    inputs["calls"] += CALLS
+    for path in files:
+        if path.suffix == ".case" and (call := call_of(path)) is not None:
+            inputs["calls"].append(call)
+        if path.suffix == ".txt" and read(path).startswith("# verimark baseline"):
+            inputs["texts"].append(read(path))
+    for path in sorted((sources / "docs/messages").glob("*.txt")):
+        text = read(path)
+        inputs["texts"] += [text, text[:text.index("\n")]]
+    inputs["texts"] += ["905,E1104,W921,Q304", "Exceeds 80 chararacters.", "E905", "c-comp-corners", "Q201"]
+    return inputs
+
+
+def words_of(inputs):
+    """Words that occur in several inputs, the most frequent first."""
+    counts = collections.Counter()
+    for text in inputs:
+        counts.update(set(re.findall(r"[A-Za-z_][A-Za-z0-9_/-]{2,30}", text)))
+    return [word for word, count in counts.most_common(MOST_WORDS) if count > 1]
+
+
+def main():
+    sources, output, dictionaries = (pathlib.Path(word) for word in sys.argv[1:4])
+    for entry, inputs in collect(sources).items():
+        folder = output / entry
+        folder.mkdir(parents=True, exist_ok=True)
+        for number, text in enumerate(inputs):
+            if len(text) <= LARGEST:
+                (folder / f"seed_{number:03}").write_bytes(text.encode("latin-1"))
+        dictionaries.mkdir(parents=True, exist_ok=True)
+        tables = subprocess.run([sys.argv[4], entry], check=True, capture_output=True, text=True).stdout
+        words = "".join(f'"{word}"\n' for word in words_of(inputs))
+        (dictionaries / f"{entry}.dict").write_text(tables + words)
+
+
+if __name__ == "__main__":
+    main()

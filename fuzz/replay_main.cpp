@@ -1,0 +1,47 @@
+// Runs entries over files of inputs, each in a folder that has the name of its entry: what once was a fault.
+
+#include "entry.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Runs the input of a file; false when its folder names no entry.
+bool replay(const fs::path& path) {
+    const auto entries = kestrel::fuzz::entries();
+    const std::string name = path.parent_path().filename().string();
+    const auto entry = std::ranges::find(entries, name, &kestrel::fuzz::Entry::name);
+    if (entry == entries.end()) {
+        std::fprintf(stderr, "%s: there is no entry %s\n", path.c_str(), name.c_str());
+        return false;
+    }
+    std::ifstream file(path, std::ios::binary);
+    const std::string input{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::printf("%s\n", path.c_str());
+    std::fflush(stdout);
+    entry->run(input);
+    return true;
+}
+
+} // namespace
+
+int main(int count, char** values) {
+    int inputs = 0;
+    bool all_known = count > 1;
+    for (int i = 1; i < count; ++i) {
+        for (const fs::directory_entry& found : fs::recursive_directory_iterator(fs::absolute(values[i]))) {
+            if (!found.is_regular_file()) continue;
+            all_known = replay(found.path()) && all_known;
+            ++inputs;
+        }
+    }
+    std::printf("%d inputs\n", inputs);
+    return all_known && inputs > 0 ? 0 : 1;
+}
