@@ -33,7 +33,7 @@ void preferLargePages(const void* /*memory*/, std::size_t /*size*/) {}
 
 Memory allocateLarge(std::size_t& size) {
     constexpr std::size_t kSmallPage = 4096;
-    const std::size_t page = size >= kLargePage ? kLargePage : kSmallPage;
+    const std::size_t page = isLarge(size) ? kLargePage : kSmallPage;
     if (size > SIZE_MAX - page) throw std::bad_alloc();
     size = (size + page - 1) / page * page;
     const std::align_val_t alignment{page == kLargePage ? page : alignof(std::max_align_t)};
@@ -42,5 +42,9 @@ Memory allocateLarge(std::size_t& size) {
     preferLargePages(memory.get(), size);
     return memory;
 }
+
+bool isLarge(std::size_t size) { return size >= kLargePage; }
+
+void freeLarge(std::byte* memory) { FreeMemory{std::align_val_t{kLargePage}}(memory); }
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/large_memory.hpp"
 #include "base/open_slots.hpp"
 #include "base/text_hash.hpp"
 #include "base/text_store.hpp"
@@ -73,8 +74,8 @@ private:
     HashSeed seed_;
     TextStore texts_;
     OpenSlots<Slot> slots_;
-    std::vector<StoredText> texts_by_number_; // from that of number 1 on
-    std::size_t guess_ = 0;                   // place in the list behind the name that was entered last
+    std::vector<StoredText, LargeAllocator<StoredText>> texts_by_number_; // from that of number 1 on
+    std::size_t guess_ = 0; // place in the list behind the name that was entered last
 };
 
 } // namespace kestrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/large_memory.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -31,14 +33,16 @@ public:
     template <class HashOf> void makeRoom(std::size_t entries, HashOf hash_of) {
         constexpr std::size_t kSmallest = 16;
         if (2 * (entries + 1) <= slots_.size()) return;
-        const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kSmallest, 2 * slots_.size())));
+        const Slots old = std::exchange(slots_, Slots(std::max(kSmallest, 2 * slots_.size())));
         for (const Slot& slot : old) {
             if (!slot.isFree()) at(hash_of(slot), [](const Slot& /*other*/) { return false; }) = slot;
         }
     }
 
 private:
-    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    using Slots = std::vector<Slot, LargeAllocator<Slot>>;
+
+    Slots slots_; // a power of two, at most half of them taken
 };
 
 } // namespace kestrel
