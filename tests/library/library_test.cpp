@@ -379,6 +379,15 @@ TEST(Library, otherCompanions) {
     EXPECT_EQ(companions.asked["sub/a.ibs"], 1);
     companions.files.clear();
     EXPECT_FALSE(readText("sub/b.ebd", board, companions.options()).hasPassed());
+
+    // The named file comes from the disk, and what it leads to does not: examples/module.ebd has its parts beside it.
+    const std::string examples = KESTREL_EXAMPLES_DIR;
+    EXPECT_TRUE(read(examples + "/module.ebd").hasPassed());
+    const File alone = read(examples + "/module.ebd", companions.options());
+    EXPECT_TRUE(alone.isChecked());
+    EXPECT_FALSE(alone.hasPassed());
+    EXPECT_EQ(companions.asked[examples + "/board.ibs"], 1);
+    EXPECT_FALSE(companions.asked.contains(examples + "/module.ebd"));
 }
 
 TEST(Library, callersThatThrow) {
