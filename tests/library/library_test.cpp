@@ -31,6 +31,7 @@ void* operator new(std::size_t size) {
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept { return std::malloc(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
