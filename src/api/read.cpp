@@ -25,7 +25,9 @@ template <class Call> auto callOut(std::exception_ptr& thrown, const Call& call)
 /// Looks for companions where the caller has them.
 class Companions {
 public:
-    Companions(const Options& options, std::string_view name) : options_(options), name_(name) {}
+    /// The file of this name is on the disk, whatever spelling it is looked for under; an empty name means that none
+    /// is.
+    Companions(const Options& options, std::string_view on_disk) : options_(options), on_disk_(on_disk) {}
     Companions(const Companions&) = delete;
     Companions& operator=(const Companions&) = delete;
     ~Companions() = default;
@@ -40,7 +42,7 @@ public:
 
 private:
     std::optional<SourceText> give(const std::string& path) {
-        if (isNamedFile(path)) return std::nullopt;
+        if (isOnDisk(path)) return std::nullopt;
         if (const auto known = given_.find(path); known != given_.end()) return known->second;
         std::optional<std::string> text = callOut(thrown_, [&] { return options_.companion(path); });
         SourceText given = text ? std::make_shared<const std::string>(std::move(*text)) : nullptr;
@@ -52,15 +54,14 @@ private:
         return callOut(thrown_, [&] { return options_.list(folder); });
     }
 
-    /// True for the file that is checked, under any spelling that it is looked for.
-    [[nodiscard]] bool isNamedFile(std::string_view path) const {
-        if (!equalsNoCase(path.substr(0, name_.size()), name_)) return false;
-        const std::string_view rest = path.substr(name_.size());
-        return rest.empty() || equalsNoCase(rest, extensionOf(kindOrIbs(name_)));
+    [[nodiscard]] bool isOnDisk(std::string_view path) const {
+        if (on_disk_.empty() || !equalsNoCase(path.substr(0, on_disk_.size()), on_disk_)) return false;
+        const std::string_view rest = path.substr(on_disk_.size());
+        return rest.empty() || equalsNoCase(rest, extensionOf(kindOrIbs(on_disk_)));
     }
 
     const Options& options_;
-    std::string_view name_;
+    std::string_view on_disk_;
     TextMap<SourceText> given_;
     std::exception_ptr thrown_;
 };
@@ -68,7 +69,7 @@ private:
 File check(std::string_view name, const SourceText& text, const Options& options) {
     const auto file = std::make_shared<ReadFile>(name);
     Run& run = file->run;
-    Companions companions(options, file->name);
+    Companions companions(options, text == nullptr ? std::string_view(file->name) : std::string_view());
     if (options.companion) companions.provide(run.sources);
     if (text != nullptr) {
         for (const std::string_view extension : {std::string_view(), extensionOf(kindOrIbs(name))})

@@ -31,6 +31,7 @@ void* operator new(std::size_t size) {
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept { return std::malloc(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
@@ -379,6 +380,15 @@ TEST(Library, otherCompanions) {
     EXPECT_EQ(companions.asked["sub/a.ibs"], 1);
     companions.files.clear();
     EXPECT_FALSE(readText("sub/b.ebd", board, companions.options()).hasPassed());
+
+    // The named file comes from the disk, and what it leads to does not: examples/module.ebd has its parts beside it.
+    const std::string examples = KESTREL_EXAMPLES_DIR;
+    EXPECT_TRUE(read(examples + "/module.ebd").hasPassed());
+    const File alone = read(examples + "/module.ebd", companions.options());
+    EXPECT_TRUE(alone.isChecked());
+    EXPECT_FALSE(alone.hasPassed());
+    EXPECT_EQ(companions.asked[examples + "/board.ibs"], 1);
+    EXPECT_FALSE(companions.asked.contains(examples + "/module.ebd"));
 }
 
 TEST(Library, callersThatThrow) {
