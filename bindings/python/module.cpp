@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <kestrel/kestrel.hpp>
 #include <pybind11/functional.h>
@@ -315,21 +316,30 @@ void addFile(py::module_& module) {
         .def("__repr__", [](const File& file) { return py::str("<kestrel.File {!r}>").format(textOf(file.name())); });
 }
 
+/// What a function of the caller has returned, as a C++ value.
+template <class Value> Value returned(const py::object& value, const char* wanted) {
+    try {
+        return value.cast<Value>();
+    } catch (const py::cast_error&) {
+        throw py::type_error(wanted);
+    }
+}
+
 /// Options whose functions are those of Python, which are called with the lock of the interpreter.
 api::Options optionsOf(bool later_versions, bool advice, bool cautions, const py::object& companion,
                        const py::object& list) {
     api::Options options{.later_versions = later_versions, .advice = advice, .cautions = cautions};
     if (!companion.is_none()) {
-        options.companion = [&companion](std::string_view path) -> std::optional<std::string> {
+        options.companion = [&companion](std::string_view path) {
             const py::gil_scoped_acquire lock;
-            const py::object text = companion(textOf(path));
-            return text.is_none() ? std::nullopt : std::optional(text.cast<std::string>());
+            return returned<std::optional<std::string>>(companion(textOf(path)),
+                                                        "companion() gives bytes, str or None");
         };
     }
     if (!list.is_none()) {
         options.list = [&list](std::string_view folder) {
             const py::gil_scoped_acquire lock;
-            return list(textOf(folder)).cast<std::vector<std::string>>();
+            return returned<std::vector<std::string>>(list(textOf(folder)), "list_folder() gives a list of names");
         };
     }
     return options;
