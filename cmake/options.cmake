@@ -39,6 +39,15 @@ endif()
 # Our rules for a target made of our own sources.
 function(kestrel_own_target target)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:kestrel_options>)
+    if(KESTREL_REPRODUCIBLE)
+        # Sections for the optimization across files have random names otherwise.
+        get_target_property(sources ${target} SOURCES)
+        foreach(source IN LISTS sources)
+            cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${PROJECT_SOURCE_DIR}" OUTPUT_VARIABLE path)
+            cmake_path(RELATIVE_PATH path BASE_DIRECTORY "${PROJECT_SOURCE_DIR}")
+            set_property(SOURCE "${source}" APPEND PROPERTY COMPILE_OPTIONS "-frandom-seed=${path}")
+        endforeach()
+    endif()
     if(kestrel_ipo)
         # Objects that carry machine code as well: tests link them quickly, and their symbols can be listed. That is why
         # the flags are spelled here instead of INTERPROCEDURAL_OPTIMIZATION, which would leave the machine code out.

@@ -118,9 +118,15 @@ private:
             return text;
         };
         run.diagnostics.sink = [&](const Finding& finding) { give(job, take_printed(), finding); };
-        checkContained(run, name, {.advises = outputs_.advises, .empty_is_found = outputs_.empty_is_found},
-                       job.outcome);
-        requireMemory(account);
+        try {
+            checkContained(run, name, {.advises = outputs_.advises, .empty_is_found = outputs_.empty_is_found},
+                           job.outcome);
+            requireMemory(account);
+        } catch (const std::bad_alloc&) {
+            const Charged not_charged(charge_to_, nullptr);
+            job.last_printed = take_printed();
+            throw;
+        }
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)
             job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
@@ -156,7 +162,7 @@ private:
         job.outcome.failed = true;
         try {
             const std::string text = std::string(problem).append("; the check ends here.");
-            give(job, {},
+            give(job, std::exchange(job.last_printed, {}),
                  {.severity = Severity::error,
                   .code = std::nullopt,
                   .file = files_[job.place],

@@ -4,7 +4,8 @@
 
 namespace kestrel {
 
-/// Has the program's operator new count; see `ChargeTo`.
+/// What a MemoryCounting wants, of the program's operator new.
 MemoryAccount* chargeTo(MemoryAccount* account);
+void beginCounting();
 
 } // namespace kestrel

@@ -49,8 +49,13 @@ private:
 };
 
 /// Has the memory that the calling thread takes from now on counted by an account, or by none; returns the one before.
-/// It is the program's: only its operator new sees all memory.
 using ChargeTo = MemoryAccount* (*)(MemoryAccount* account);
+
+/// How memory is counted. It is the program's: only its operator new sees all of it.
+struct MemoryCounting {
+    ChargeTo charge_to;
+    void (*begin)(); ///< ahead of the first account
+};
 
 /// Where nothing is counted.
 inline MemoryAccount* chargeNone(MemoryAccount* /*account*/) { return nullptr; }

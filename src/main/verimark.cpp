@@ -341,19 +341,23 @@ VerimarkStatus performTo(const Call& call, std::string_view output) {
 
 /// Does what the arguments ask for.
 VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in,
-                    ChargeTo charge_to) {
+                    const MemoryCounting* counting) {
     const auto read = readVerimarkOptions(arguments);
     const Trouble trouble(out, errors);
     if (const WrongCall* const wrong = std::get_if<WrongCall>(&read)) return trouble(wrong->argument, wrong->text);
     const auto& options = std::get<VerimarkOptions>(read);
     Temporaries temporaries;
-    const MemoryLimit memory{.bytes = options.max_memory, .shown = options.max_memory_shown, .charge_to = charge_to};
+    std::optional<MemoryLimit> memory;
+    if (options.max_memory != 0 && counting != nullptr) {
+        counting->begin();
+        memory = {.bytes = options.max_memory, .shown = options.max_memory_shown, .charge_to = counting->charge_to};
+    }
     Call call{.out = out,
               .errors = errors,
               .in = in,
               .options = options,
               .temporaries = temporaries,
-              .memory = options.max_memory != 0 && charge_to != nullptr ? &memory : nullptr};
+              .memory = memory ? &*memory : nullptr};
     std::unique_ptr<Progress> progress;
     if (options.task == Task::check) {
         call.all_listed = listFiles(call.files, options.files, in, trouble);
@@ -382,10 +386,10 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
 } // namespace
 
 int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in,
-                ChargeTo charge_to) {
+                const MemoryCounting* counting) {
     VerimarkStatus status = kTrouble;
     try {
-        status = obey(out, errors, arguments, in, charge_to);
+        status = obey(out, errors, arguments, in, counting);
     } catch (const std::bad_alloc&) { // outside of the check of any file
         out.flush();
         errors.write("verimark: out of memory\n");

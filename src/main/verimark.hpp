@@ -19,8 +19,8 @@ enum VerimarkStatus : int {
 
 /// Checks the files of the command line, each in a run of its own, from the arguments (without the program's name) to
 /// the exit status. Names of files may come from `in`. What is wrong with the command line, and which files were not
-/// checked, is reported on `errors`. Memory can be limited where `charge_to` has it counted.
+/// checked, is reported on `errors`. Memory can be limited where it is counted.
 int runVerimark(Output& out, Output& errors, std::span<const std::string_view> arguments, std::FILE* in = stdin,
-                ChargeTo charge_to = nullptr);
+                const MemoryCounting* counting = nullptr);
 
 } // namespace kestrel

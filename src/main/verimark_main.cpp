@@ -14,5 +14,6 @@ int main(int count, char** values) {
     std::signal(SIGXFSZ, SIG_IGN);
     kestrel::Output out(stdout);
     kestrel::Output errors(stderr);
-    return kestrel::runVerimark(out, errors, arguments, stdin, kestrel::chargeTo);
+    const kestrel::MemoryCounting counting{kestrel::chargeTo, kestrel::beginCounting};
+    return kestrel::runVerimark(out, errors, arguments, stdin, &counting);
 }
