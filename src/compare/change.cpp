@@ -53,8 +53,9 @@ std::string_view componentOf(const ComparedRecord& record) {
 
 /// What the groups are sorted by.
 struct Rank {
-    const ChangeGroup* group;
+    std::size_t models;
     double percent;
+    const ChangeGroup* group;
 };
 
 /// How large a change in degrees or of a count is, in per cent.
@@ -72,7 +73,7 @@ Rank rankOf(const ChangeGroup& group) {
     if (!isToldInPercent(group.unit))
         for (const ChangeDetail& detail : group.details)
             if (const GivenValue size = sizeOf(detail, group.unit)) percent = std::max(percent.value_or(0.0), *size);
-    return {&group, percent.value_or(std::numeric_limits<double>::infinity())};
+    return {group.models, percent.value_or(std::numeric_limits<double>::infinity()), &group};
 }
 
 } // namespace
@@ -87,7 +88,7 @@ std::string FieldName::text() const {
 }
 
 std::string_view unitName(Unit unit) {
-    constexpr std::array<std::string_view, 11> kNames{"", "", "V", "A", "ohm", "F", "H", "s", "C", "V/s", "Vs"};
+    static constexpr std::array<std::string_view, 11> kNames{"", "", "V", "A", "ohm", "F", "H", "s", "C", "V/s", "Vs"};
     return kNames[static_cast<std::size_t>(unit)];
 }
 
@@ -138,23 +139,25 @@ ChangeGroup& ChangeList::groupOf(const ComparedRecord& record, const Change& cha
     slots_.makeRoom(groups_.size(), [](const Slot& slot) { return slot.hash; });
     Slot& slot = slots_.at(hash, [&](const Slot& other) {
         if (other.hash != hash) return false;
-        const ChangeGroup& group = groups_[other.number - 1];
+        const ChangeGroup& group = *groups_[other.number - 1];
         return group.kind == change.kind && group.record == record.kind && group.unit == change.unit &&
                group.field == field.view() && group.component == componentOf(record) && group.count == change.count &&
                group.place == change.place &&
                std::ranges::equal(group.details, change.details,
                                   [](const ChangeDetail& a, const ChangeDetail& b) { return isSame(a, b); });
     });
-    if (!slot.isFree()) return groups_[slot.number - 1];
+    if (!slot.isFree()) return *groups_[slot.number - 1];
     if (groups_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    ChangeGroup& group = groups_.emplace_back(ChangeGroup{.kind = change.kind,
-                                                          .record = record.kind,
-                                                          .unit = change.unit,
-                                                          .axis = change.axis,
-                                                          .field = field.view(),
-                                                          .count = change.count,
-                                                          .place = texts_.add(change.place).view(),
-                                                          .component = componentOf(record)});
+    Rows<ChangeGroup> only;
+    ChangeGroup& group = rows_.add(only, ChangeGroup{.kind = change.kind,
+                                                     .record = record.kind,
+                                                     .unit = change.unit,
+                                                     .axis = change.axis,
+                                                     .field = field.view(),
+                                                     .count = change.count,
+                                                     .place = texts_.add(change.place).view(),
+                                                     .component = componentOf(record)});
+    groups_.push_back(&group);
     for (ChangeDetail detail : change.details) {
         detail.was = kept(detail.was);
         detail.is = kept(detail.is);
@@ -174,9 +177,10 @@ void ChangeList::add(const ComparedRecord& record, const Change& change, std::si
 std::vector<const ChangeGroup*> ChangeList::sorted() const {
     std::vector<Rank> ranks;
     ranks.reserve(groups_.size());
-    std::ranges::transform(groups_, std::back_inserter(ranks), rankOf);
+    for (const ChangeGroup* const group : groups_)
+        ranks.push_back(rankOf(*group));
     std::ranges::stable_sort(ranks, [](const Rank& a, const Rank& b) {
-        return a.group->models != b.group->models ? a.group->models > b.group->models : a.percent > b.percent;
+        return a.models != b.models ? a.models > b.models : a.percent > b.percent;
     });
     std::vector<const ChangeGroup*> groups;
     groups.reserve(ranks.size());
@@ -199,9 +203,11 @@ const ChangeGroup* FileChanges::largest() const {
 
 FileChanges::Shift FileChanges::largestShift() const {
     Shift largest;
-    for (const ChangeGroup* const group : groups)
+    for (const ChangeGroup* const group : groups) {
+        if (group->kind != ChangeKind::shift && group->kind != ChangeKind::table) continue;
         for (const ChangeDetail& detail : group->details)
             if (detail.shift && std::abs(*detail.shift) > std::abs(largest.seconds)) largest = {group, *detail.shift};
+    }
     return largest;
 }
 

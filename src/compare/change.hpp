@@ -13,7 +13,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -187,7 +186,7 @@ private:
     NameTable fields_;
     TextStore texts_;
     RowStore rows_;
-    std::deque<ChangeGroup> groups_;
+    std::vector<ChangeGroup*> groups_; ///< in the order in which they came
     OpenSlots<Slot> slots_; ///< by all that is equal in a group
     std::size_t additions_ = 0;
     std::string field_; ///< kept for its room

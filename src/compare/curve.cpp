@@ -169,6 +169,10 @@ double misfit(Curve was, Curve is, double later, double limit) {
 
 } // namespace
 
+bool isBeyond(const CurveTolerance& tolerance, double size, double old_scale, double new_scale) {
+    return size > allowedOf(tolerance, old_scale, [new_scale] { return new_scale; });
+}
+
 std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTolerance& tolerance, double later) {
     const std::optional<Overlap> range = overlapOf(was, is, later);
     if (!range) return std::nullopt;

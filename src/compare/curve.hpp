@@ -21,6 +21,9 @@ struct CurveTolerance {
     bool between_rows;
 };
 
+/// Whether a difference is beyond the tolerance; the scales are the largest magnitudes of the old and the new curve.
+[[nodiscard]] bool isBeyond(const CurveTolerance& tolerance, double size, double old_scale, double new_scale);
+
 /// The largest difference.
 struct CurveDifference {
     double x; ///< as the old one counts it

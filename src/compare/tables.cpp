@@ -180,11 +180,65 @@ void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& fi
     comparison.add({.kind = kind, .field = field, .unit = unit, .axis = axes.along, .details = details});
 }
 
+/// The largest difference of a column of two tables that have rows at the same places.
+struct ColumnDifference {
+    CurveDifference largest{}; ///< with the largest magnitude of the old one
+    double size = 0.0;
+    double new_scale = 0.0;
+
+    void add(double x, double was, double is) {
+        largest.scale = std::max(largest.scale, std::abs(was));
+        new_scale = std::max(new_scale, std::abs(is));
+        const double here = std::abs(is - was);
+        if (!(here > size)) return;
+        size = here;
+        largest.x = x;
+        largest.was = was;
+        largest.is = is;
+    }
+};
+
+/// The differences of tables whose rows rise, are at the same places and have the same corners, as those of two
+/// editions mostly are; nothing for others.
+std::optional<PerCorner<ColumnDifference>> differencesOfRows(const TableRows& was, const TableRows& is) {
+    if (was.size() != is.size()) return std::nullopt;
+    PerCorner<ColumnDifference> differences;
+    double last = -HUGE_VAL;
+    for (std::size_t i = 0; i < was.size(); ++i) {
+        const TableRow& before = was[i];
+        const TableRow& now = is[i];
+        const double x = before[kFirst].value();
+        if (!before[kFirst].isNumber() || !(before[kFirst] == now[kFirst]) || !(x > last)) return std::nullopt;
+        last = x;
+        for (const Corner corner : kCorners) {
+            const Cell& a = before[columnOf(corner)];
+            const Cell& b = now[columnOf(corner)];
+            if (a.isNumber() != b.isNumber()) return std::nullopt;
+            if (a.isNumber()) differences[corner].add(x, a.value(), b.value());
+        }
+    }
+    const auto is_finite = [](const ColumnDifference& column) {
+        return std::isfinite(column.size + column.largest.scale + column.new_scale);
+    };
+    if (!std::isfinite(last) || !std::ranges::all_of(differences, is_finite)) return std::nullopt;
+    return differences;
+}
+
 void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, const TableRows& was,
                  const TableRows& is) {
     if (isSame(was, is)) return;
     TableChanges changes;
+    const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
+    const std::optional<PerCorner<ColumnDifference>> of_rows = differencesOfRows(was, is);
     for (const Corner corner : kCorners) {
+        if (of_rows) {
+            const ColumnDifference& column = (*of_rows)[corner];
+            if (!isBeyond(tolerance, column.size, column.largest.scale, column.new_scale)) continue;
+            if (axes.along != Unit::seconds) {
+                addDetail(changes.forms, formDetail(corner, column.largest));
+                continue;
+            }
+        }
         comparison.points[0].empty(was.size());
         comparison.points[1].empty(is.size());
         compareCorner(comparison, changes, axes, corner,
