@@ -25,10 +25,10 @@ using testing::ElementsAre;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 std::string textOf(std::string_view text) {
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html << Text(text);
-    return out.text();
+    return std::string(piece.text());
 }
 
 TEST(Html, textsAreNoMarkupWhateverTheirBytes) {
@@ -39,19 +39,19 @@ TEST(Html, textsAreNoMarkupWhateverTheirBytes) {
     EXPECT_EQ(textOf("\u00e9\u20ac\U0001f600\u0085\ufffe\ufdd0"), "\u00e9\u20ac\U0001f600\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(textOf("\xff<\xe2\x82\xc0\xaf"), "\uFFFD&lt;\uFFFD\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(textOf("\xe2<b>"), "\uFFFD&lt;b&gt;"); // a character that is cut off takes nothing with it
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html.cell(Text("a\tb\nc<")) << "\t";
-    EXPECT_EQ(out.text(), "a b c&lt;\t");
+    EXPECT_EQ(piece.text(), "a b c&lt;\t");
 }
 
 TEST(Html, attributesAreQuotedAndLinksAreNumbers) {
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html.begin("a", {Attribute::href({'m', 3, 12}), {TextAttribute("title"), Text("\" onclick=\"x")}});
     html << Text("x") << "</a>";
     html.begin("section", {Attribute::id({'f', 3, 0}), {"class", Literal("file")}});
-    EXPECT_EQ(out.text(),
+    EXPECT_EQ(piece.text(),
               "<a href=\"#f3m12\" title=\"&quot; onclick=&quot;x\">x</a><section id=\"f3\" class=\"file\">");
 }
 
