@@ -129,6 +129,8 @@ TEST(Path, endsAtTheFrame) {
     EXPECT_EQ(pathOf({{0, 6}, {6, -2}}), "M1500 0l3000 4000");
     EXPECT_EQ(pathOf({{-1, -1}, {-1, 9}, {9, 9}}), "");
     EXPECT_EQ(pathOf({{7, 2}}), "");
+    EXPECT_EQ(pathOf({{0, -1}, {1, -3e-4}, {2, 1}}), "M1000 4000l1000-1000"); // what rounds to the edge is on it
+    EXPECT_EQ(pathOf({{1, 2}, {2, 4.0003}, {3, 9}, {4, 4.0003}, {5, 2}}), "M1000 2000l1000-2000M4000 0l1000 2000");
     EXPECT_EQ(pathOf({{0, 2}, {1, kInfinity}, {std::nan(""), 2}, {2, 1e300}, {6, 2}}), "M0 2000l6000 0");
 }
 
