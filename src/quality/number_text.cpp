@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 namespace kestrel {
@@ -15,18 +16,23 @@ constexpr std::array<std::string_view, 11> kLetters{"a", "f", "p", "n", "u", "m"
 constexpr int kUnity = 6; // place of the one without a letter
 constexpr int kMicro = 4;
 
-/// A number that is neither 0 nor infinite, rounded to some significant digits: the digits, and the power of ten of the
-/// first one.
+constexpr std::size_t kMostAhead = 3; // of the point
+
+/// A number that is neither 0 nor infinite, rounded to some significant digits: the digits, with zeros behind them, and
+/// the power of ten of the first one.
 struct Rounded {
-    std::array<char, NumberText::kAllDigits> digits;
-    int power;
+    std::array<char, kMostAhead + NumberText::kAllDigits> digits;
+    int power = 0;
+
+    Rounded() { digits.fill('0'); }
 };
 
 Rounded roundedTo(double value, int digits) {
     constexpr int kMostOfShortWay = 6;
     RoundedDigits rounded;
     if (digits <= kMostOfShortWay && roundToDigits(std::fabs(value), digits, rounded)) {
-        Rounded result{{}, rounded.exponent};
+        Rounded result;
+        result.power = rounded.exponent;
         for (auto place = static_cast<std::size_t>(digits); place-- > 0; rounded.digits /= 10)
             result.digits[place] = static_cast<char>('0' + rounded.digits % 10);
         return result;
@@ -35,7 +41,8 @@ Rounded roundedTo(double value, int digits) {
     const auto end = std::to_chars(text.data(), text.data() + text.size(), std::fabs(value),
                                    std::chars_format::scientific, digits - 1);
     // As "1.79e-03", or "2e-03".
-    Rounded result{{text[0]}, 0};
+    Rounded result;
+    result.digits.front() = text.front();
     if (digits > 1) std::copy_n(text.begin() + 2, digits - 1, result.digits.begin() + 1);
     const char* from = text.data() + (digits > 1 ? digits + 2 : 2);
     if (*from == '+') ++from;
@@ -80,12 +87,14 @@ NumberText::NumberText(double value, std::string_view unit, int digits, NumberSt
             auto used = static_cast<std::size_t>(digits);
             while (used > ahead && number.digits[used - 1] == '0')
                 --used;
-            append({number.digits.data(), std::min(ahead, used)});
-            for (std::size_t i = used; i < ahead; ++i)
-                append("0");
+            // A size that is known is copied without a call; what is too much is overwritten.
+            char* const to = letters_.data() + length_;
+            std::memcpy(to, number.digits.data(), kMostAhead);
+            length_ += ahead;
             if (used > ahead) {
-                append(".");
-                append({number.digits.data() + ahead, used - ahead});
+                to[ahead] = '.';
+                std::memcpy(to + ahead + 1, number.digits.data() + ahead, kAllDigits);
+                length_ += 1 + used - ahead;
             }
         }
     }

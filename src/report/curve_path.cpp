@@ -191,14 +191,12 @@ void appendPath(Coordinates& path, std::span<const Point> points, const Frame& f
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!canBeDrawn(points[i].x) || !canBeDrawn(points[i].y)) continue;
         const Point at = scale(points[i]);
-        const bool is_inside = isInside(nearestPlace(at));
-        if (before) {
-            drawCut(pen, *before, at);
-        } else if (is_inside) {
-            pen.moveTo(placeOf(at));
+        if (before) drawCut(pen, *before, at);
+        const Place place = nearestPlace(at);
+        if (isInside(place)) {
+            pen.moveTo(place);                                  // unless the line got there
+            i += pen.lineThrough(points.subspan(i + 1), scale); // most lines are inside as a whole
         }
-        // Most lines are inside as a whole.
-        if (is_inside) i += pen.lineThrough(points.subspan(i + 1), scale);
         before = scale(points[i]);
     }
     pen.lift();

@@ -122,12 +122,19 @@ void Html::putLong(std::string_view text) {
 
 void Html::writeText(std::string_view text, bool one_line) {
     while (!text.empty()) {
+        // Most texts are short and plain: they are looked at and copied at once.
+        const std::size_t room = std::min(text.size(), buffer_.size() - used_);
+        char* const to = buffer_.data() + used_;
         std::size_t plain = 0;
-        while (plain < text.size() && !isSpecial(text[plain]) && !(one_line && text[plain] == '\n'))
-            ++plain;
-        put(text.substr(0, plain));
+        for (; plain < room && !isSpecial(text[plain]) && !(one_line && text[plain] == '\n'); ++plain)
+            to[plain] = text[plain];
+        used_ += plain;
         text.remove_prefix(plain);
         if (text.empty()) return;
+        if (plain == room) {
+            flush();
+            continue;
+        }
         const Character character = takeCharacter(text);
         if (one_line && (character.code == '\n' || character.code == '\t')) {
             put(" ");

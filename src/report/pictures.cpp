@@ -149,6 +149,7 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     plot.owner = owner;
     plot.x = x;
     plot.y = y;
+    plot.lines.reserve(kCornerCount);
     PerCorner<std::vector<Point>> points = pointsOf(rows);
     // The typical line is drawn last, above the others.
     for (const Corner corner : {Corner::max, Corner::min, Corner::typ})

@@ -30,7 +30,7 @@ enum class PageSection : std::uint8_t {
     selectors,
     models,
     submodels,
-    tests,
+    testData,
     packages,
     boards,
     parameters
@@ -50,7 +50,7 @@ void writeComponents(const PartContext& part);
 void writeSelectors(const PartContext& part);
 void writeModels(const PartContext& part);
 void writeSubmodels(const PartContext& part);
-void writeTests(const PartContext& part);
+void writeTestData(const PartContext& part);
 void writePackageModels(const PartContext& part);
 void writeBoards(const PartContext& part);
 void writeParameterFiles(const PartContext& part);

@@ -25,10 +25,10 @@ using testing::ElementsAre;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 std::string textOf(std::string_view text) {
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html << Text(text);
-    return out.text();
+    return std::string(piece.text());
 }
 
 TEST(Html, textsAreNoMarkupWhateverTheirBytes) {
@@ -39,19 +39,19 @@ TEST(Html, textsAreNoMarkupWhateverTheirBytes) {
     EXPECT_EQ(textOf("\u00e9\u20ac\U0001f600\u0085\ufffe\ufdd0"), "\u00e9\u20ac\U0001f600\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(textOf("\xff<\xe2\x82\xc0\xaf"), "\uFFFD&lt;\uFFFD\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(textOf("\xe2<b>"), "\uFFFD&lt;b&gt;"); // a character that is cut off takes nothing with it
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html.cell(Text("a\tb\nc<")) << "\t";
-    EXPECT_EQ(out.text(), "a b c&lt;\t");
+    EXPECT_EQ(piece.text(), "a b c&lt;\t");
 }
 
 TEST(Html, attributesAreQuotedAndLinksAreNumbers) {
-    Output out;
-    Html html(out);
+    HtmlPiece piece;
+    Html& html = piece.html();
     html.begin("a", {Attribute::href({'m', 3, 12}), {TextAttribute("title"), Text("\" onclick=\"x")}});
     html << Text("x") << "</a>";
     html.begin("section", {Attribute::id({'f', 3, 0}), {"class", Literal("file")}});
-    EXPECT_EQ(out.text(),
+    EXPECT_EQ(piece.text(),
               "<a href=\"#f3m12\" title=\"&quot; onclick=&quot;x\">x</a><section id=\"f3\" class=\"file\">");
 }
 
@@ -129,6 +129,8 @@ TEST(Path, endsAtTheFrame) {
     EXPECT_EQ(pathOf({{0, 6}, {6, -2}}), "M1500 0l3000 4000");
     EXPECT_EQ(pathOf({{-1, -1}, {-1, 9}, {9, 9}}), "");
     EXPECT_EQ(pathOf({{7, 2}}), "");
+    EXPECT_EQ(pathOf({{0, -1}, {1, -3e-4}, {2, 1}}), "M1000 4000l1000-1000"); // what rounds to the edge is on it
+    EXPECT_EQ(pathOf({{1, 2}, {2, 4.0003}, {3, 9}, {4, 4.0003}, {5, 2}}), "M1000 2000l1000-2000M4000 0l1000 2000");
     EXPECT_EQ(pathOf({{0, 2}, {1, kInfinity}, {std::nan(""), 2}, {2, 1e300}, {6, 2}}), "M0 2000l6000 0");
 }
 

@@ -50,11 +50,11 @@ void writeModelLink(const PartContext& part, Markup lead, std::string_view name)
     writeLink(part.html, part.anchors.find(part.root.models.find(name)), name);
 }
 
-void writeData(const PartContext& part, const TestData& data) {
+/// What drives the load, and which it is.
+void writeDriver(const PartContext& part, const TestData& data) {
+    if (data.driver_model.empty() && data.test_load.empty()) return;
     Html& html = part.html;
-    html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(&data))});
-    writeName(part, data.name);
-    html << "<div class=\"values\"><p class=\"sub\">" << Text(typeText(data.type)) << "</p><p>";
+    html << "<p>";
     writeModelLink(part, "Driver ", data.driver_model);
     writeModelLink(part, ", inverting ", data.driver_model_inv);
     if (!data.test_load.empty()) {
@@ -62,6 +62,16 @@ void writeData(const PartContext& part, const TestData& data) {
         writeLink(html, part.anchors.find(part.root.test_loads.find(data.test_load)), data.test_load);
     }
     html << "</p>";
+}
+
+void writeData(const PartContext& part, const TestData& data) {
+    Html& html = part.html;
+    html.begin("section", {{"class", Literal("model")}, Attribute::id(*part.anchors.find(&data))});
+    writeName(part, data.name);
+    html << "<div class=\"values\">";
+    if (const std::string_view type = typeText(data.type); !type.empty())
+        html << "<p class=\"sub\">" << Text(type) << "</p>";
+    writeDriver(part, data);
     writeFindingLinks(part, data);
     html << "</div>\n";
     writeGoldenWaveforms(part, data);
@@ -120,9 +130,9 @@ void writeLoads(const PartContext& part) {
 
 } // namespace
 
-void writeTests(const PartContext& part) {
+void writeTestData(const PartContext& part) {
     if (part.root.test_data.empty() && part.root.test_loads.empty()) return;
-    writeHeading(part, PageSection::tests);
+    writeHeading(part, PageSection::testData);
     for (const TestData* const data : inFileOrder(part.root.test_data))
         writeData(part, *data);
     writeLoads(part);
