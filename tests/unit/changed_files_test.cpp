@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -137,13 +136,12 @@ struct CaseFile {
     Lines lines;
 };
 
-/// The files of the cases that are made of lines.
+/// The files of the cases.
 std::vector<CaseFile> caseFiles() {
     std::vector<CaseFile> files;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(KESTREL_CASES_DIR)) {
         const std::string name = entry.path().filename().string();
-        const std::optional<FileKind> kind = kindOfName(name);
-        if (!entry.is_regular_file() || !kind || kind == FileKind::ami) continue;
+        if (!entry.is_regular_file() || !kindOfName(name)) continue;
         CaseFile file{.name = name, .lines = {}};
         std::ifstream in(entry.path(), std::ios::binary);
         for (std::string line; std::getline(in, line);)
@@ -167,6 +165,13 @@ std::string keywordOf(const std::string& line) {
     lowerCase(keyword);
     std::ranges::replace(keyword, '_', ' ');
     return keyword;
+}
+
+/// A string of the file goes on in the next line.
+bool hasLongString(const CaseFile& file) {
+    return kindOfName(file.name) == FileKind::ami && std::ranges::any_of(file.lines, [](const std::string& line) {
+               return std::ranges::count(line, '"') % 2 != 0;
+           });
 }
 
 class SameMeaning : public ::testing::Test {
@@ -200,7 +205,7 @@ TEST_F(SameMeaning, ofEmptyAndCommentLinesButForTheirNumbers) {
     for (const std::string_view added : {"", "| a [Comment]"}) {
         for (const CaseFile& file : files_) {
             const bool has_other_comments = std::ranges::count(file.lines, "comment char", keywordOf) != 0;
-            if (has_other_comments && !added.empty()) continue;
+            if ((has_other_comments && !added.empty()) || hasLongString(file)) continue;
             std::vector<Told> expected = tell(file.name, file.lines);
             for (Told& told : expected)
                 told.line = told.line * 2 - 1;
