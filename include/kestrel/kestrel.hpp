@@ -35,7 +35,7 @@ namespace kestrel::api {
 /// The version of the library, such as "1.0.3".
 [[nodiscard]] KESTREL_API std::string_view version() noexcept;
 
-/// What stands for a value that is not given.
+/// The value of what is not given: a NaN.
 inline constexpr double kNotGiven = std::numeric_limits<double>::quiet_NaN();
 
 /// The class of a finding. Bugs and errors fail a file.

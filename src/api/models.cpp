@@ -10,7 +10,7 @@ namespace kestrel::api {
 
 namespace {
 
-/// The word of a code; none for a code that has no row, which stands for nothing that was given.
+/// The word of a code; none for a code without a row: the file gives nothing.
 template <class Rows, class Code> std::string_view wordOf(const Rows& rows, Code code) {
     const auto* const row = rowOf(rows, code, &std::ranges::range_value_t<Rows>::code);
     return row == nullptr ? std::string_view() : row->text;

@@ -13,7 +13,7 @@
 
 namespace kestrel::api {
 
-/// What a File shares with its copies: the run, which keeps all records, and what is made of it once.
+/// What a File shares with its copies: the run, which keeps all records, its findings, and the order of both.
 struct ReadFile {
     explicit ReadFile(std::string_view given_name) : name(given_name) {}
 
