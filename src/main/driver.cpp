@@ -1,11 +1,11 @@
 #include "main/driver.hpp"
 
+#include "check/version.hpp"
 #include "ibis/parse.hpp"
 #include "ibis/run.hpp"
 #include "main/dump.hpp"
 #include "main/options.hpp"
 #include "main/usage.hpp"
-#include "check/version.hpp"
 
 #include <new>
 

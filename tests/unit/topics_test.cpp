@@ -1,11 +1,11 @@
 // The topics under docs/messages: their form, that each code has one, and that their examples do what they say. They
 // are read from the source tree, so that a changed text is tested without a build.
 
+#include "check/version.hpp"
 #include "files.hpp"
 #include "findings/message_classes.hpp"
 #include "main/advice_page.hpp"
 #include "main/messages_page.hpp"
-#include "check/version.hpp"
 #include "quality/advised.hpp"
 #include "quality/checks.hpp"
 #include "topic_example.hpp"
