@@ -38,10 +38,10 @@ function(expect samples name status text)
 endfunction()
 
 list(POP_FRONT SAMPLES examples faulty)
-# The currents are 30 mA and 20 mA at 1 V, so half of them at 0.5 V.
+# Two thirds of the way from 10.9 mA to 20.9 mA, and from 7.1 mA to 13.7 mA.
 expect("${examples}" board.ibs 0
-"dq_io (I/O): 15.0 mA at 0.5 V, 2 waveforms
-irq_od (Open_drain): 10.0 mA at 0.5 V, 0 waveforms
+"dq_io (I/O): 17.6 mA at 0.5 V, 4 waveforms
+irq_od (Open_drain): 11.5 mA at 0.5 V, 2 waveforms
 ")
 # A quarter of 20 mA at 2 V, behind the one line that is wrong.
 expect("${faulty}" faulty.ibs 1
