@@ -189,8 +189,8 @@ std::string_view nearest(const Words& words, std::string_view wanted, Name name 
     if (wanted.empty() || wanted.size() > kLongest) return best;
     for (const auto& word : words) {
         const std::string_view candidate = std::invoke(name, word);
-        const bool begins = wanted.size() > 1 && candidate.starts_with(wanted);
-        const std::size_t steps = begins ? 0 : distance(wanted, candidate);
+        const bool is_part = wanted.size() > 1 && (candidate.starts_with(wanted) || candidate.ends_with(wanted));
+        const std::size_t steps = is_part ? 0 : distance(wanted, candidate);
         if (steps >= least || steps >= candidate.size()) continue;
         least = steps;
         best = candidate;
