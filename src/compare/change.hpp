@@ -187,7 +187,7 @@ private:
     TextStore texts_;
     RowStore rows_;
     std::vector<ChangeGroup*> groups_; ///< in the order in which they came
-    OpenSlots<Slot> slots_; ///< by all that is equal in a group
+    OpenSlots<Slot> slots_;            ///< by all that is equal in a group
     std::size_t additions_ = 0;
     std::string field_; ///< kept for its room
 };
