@@ -35,7 +35,7 @@ struct ComparedOutputs {
     Output& out;
     Output& errors;
     CompareFormat& format;
-    const MemoryLimit* memory; ///< null for none; holds for what is read of a pair and its comparison
+    const MemoryLimit* memory;    ///< null for none; holds for what is read of a pair and its comparison
     ComparedPage* page = nullptr; ///< null when none is wanted
 };
 
