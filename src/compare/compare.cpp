@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -117,11 +118,13 @@ private:
                 (is_new ? fresh : gone).push_back(model);
             });
         std::unordered_map<const Mdl*, const Mdl*> partners; // of OLD by those of NEW
+        std::set<const Mdl*> found;
         for (const auto& [old_model, new_model] : findRenamed(gone, fresh, settings_)) {
             renamed_.emplace(old_model->name.view(), new_model->name.view());
             partners.emplace(new_model, old_model);
+            found.insert(old_model);
         }
-        std::erase_if(gone, [this](const Mdl* model) { return renamed_.contains(model->name.view()); });
+        std::erase_if(gone, [&found](const Mdl* model) { return found.contains(model); });
         for (RecordPair<Mdl>& pair : models) {
             if (pair.was == nullptr)
                 if (const auto partner = partners.find(pair.is); partner != partners.end()) pair.was = partner->second;

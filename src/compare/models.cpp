@@ -437,7 +437,7 @@ void compareSelectors(Comparison& comparison, const MSel& was, const MSel& is) {
                            is.entries.front().model_name);
     }
     Change change{.kind = ChangeKind::order, .field = "entries"};
-    const std::string_view before = was.entries.front().model_name;
+    const std::string_view before = nameInNew(comparison, was.entries.front().model_name);
     const std::string_view now = is.entries.front().model_name;
     if (before != now) change.details.push_back({.was = before, .is = now});
     comparison.add(change);

@@ -165,6 +165,35 @@ std::size_t changesBetween(const Mdl& was, const Mdl& is, bool has_tables, const
     return has_tables || changes.additions() == 0 ? changes.additions() : kNoMatch;
 }
 
+/// The model of OLD that is most alike, and how many other changes it has.
+struct Likest {
+    Candidates::iterator at;
+    std::size_t changes = kNoMatch;
+};
+
+/// Looks for it outwards from where the model itself would be, while there are tries left: the first that is tried is
+/// nearly always the one.
+Likest likest(const Candidates& left, const std::vector<const Mdl*>& gone, const Mdl& model,
+              const CompareSettings& settings, std::size_t& tries) {
+    const Fingerprint print = fingerprintOf(model);
+    const Neighbourhood near(print, settings.tolerance / 100);
+    Likest found{left.end()};
+    auto above = left.lower_bound({print, 0});
+    auto below = above;
+    while (found.changes > 0) {
+        const bool has_above = above != left.end() && near.has(above->print);
+        const bool has_below = below != left.begin() && near.has(std::prev(below)->print);
+        if (!has_above && !has_below) break;
+        const bool takes_above = has_above && (!has_below || !near.isNearer(std::prev(below)->print, above->print));
+        const auto tried = takes_above ? above++ : --below;
+        const std::size_t changes = changesBetween(*gone[tried->place], model, print.hasTables(), settings);
+        if (changes < found.changes) found = {tried, changes};
+        if (tries == 0) break;
+        --tries;
+    }
+    return found;
+}
+
 } // namespace
 
 std::vector<std::pair<const Mdl*, const Mdl*>> findRenamed(const std::vector<const Mdl*>& gone,
@@ -172,36 +201,24 @@ std::vector<std::pair<const Mdl*, const Mdl*>> findRenamed(const std::vector<con
                                                            const CompareSettings& settings) {
     std::vector<std::pair<const Mdl*, const Mdl*>> renamed;
     if (gone.empty() || fresh.empty()) return renamed;
-    // The same model under another name is the nearest one. Others are tried while there are few.
-    std::size_t tries = std::size_t{4096} + 4 * fresh.size();
     Candidates left;
     for (std::size_t place = 0; place < gone.size(); ++place)
         left.insert({fingerprintOf(*gone[place]), place});
-    for (const Mdl* const model : fresh) {
-        const Fingerprint print = fingerprintOf(*model);
-        const Neighbourhood near(print, settings.tolerance / 100);
-        auto best = left.end();
-        std::size_t fewest = kNoMatch;
-        // Outwards from where the model itself would be.
-        auto above = left.lower_bound({print, 0});
-        auto below = above;
-        while (fewest > 0) {
-            const bool has_above = above != left.end() && near.has(above->print);
-            const bool has_below = below != left.begin() && near.has(std::prev(below)->print);
-            if (!has_above && !has_below) break;
-            const bool takes_above = has_above && (!has_below || !near.isNearer(std::prev(below)->print, above->print));
-            const auto tried = takes_above ? above++ : --below;
-            const std::size_t changes = changesBetween(*gone[tried->place], *model, print.hasTables(), settings);
-            if (changes < fewest) {
-                fewest = changes;
-                best = tried;
+    // Whoever is the same comes before whoever is only alike.
+    std::vector<const Mdl*> lonely = fresh;
+    for (const std::size_t most : {std::size_t{0}, kNoMatch - 1}) {
+        std::size_t tries = std::size_t{4096} + 4 * lonely.size();
+        std::vector<const Mdl*> remaining;
+        for (const Mdl* const model : lonely) {
+            const Likest found = likest(left, gone, *model, settings, tries);
+            if (found.at == left.end() || found.changes > most) {
+                remaining.push_back(model);
+                continue;
             }
-            if (tries == 0) break;
-            --tries;
+            renamed.emplace_back(gone[found.at->place], model);
+            left.erase(found.at);
         }
-        if (best == left.end()) continue;
-        renamed.emplace_back(gone[best->place], model);
-        left.erase(best);
+        lonely = std::move(remaining);
     }
     return renamed;
 }

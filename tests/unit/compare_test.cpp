@@ -245,6 +245,8 @@ TEST(Compare, modelsThatHaveOnlyAnotherNameAreRenamed) {
     const std::string other = model("x", "C_comp 9p\n[Pulldown]\n0 0 NA NA\n1 40m NA NA");
     EXPECT_THAT(linesOf(other + model("a", kStrong), model("b", kStrong)),
                 ElementsAre("Model b: renamed, was a", "Model x: removed"));
+    EXPECT_THAT(linesOf(model("a", kStrong), other + model("b", kStrong)),
+                ElementsAre("Model b: renamed, was a", "Model x: added"));
     // However many are alike in most, in whatever order they come: here but for the smallest current of one corner.
     const auto many = [](std::string_view prefix, int first, int step) {
         std::string text;
