@@ -246,7 +246,7 @@ TEST(Compare, modelsThatHaveOnlyAnotherNameAreRenamed) {
     EXPECT_THAT(linesOf(other + model("a", kStrong), model("b", kStrong)),
                 ElementsAre("Model b: renamed, was a", "Model x: removed"));
     EXPECT_THAT(linesOf(model("a", kStrong), other + model("b", kStrong)),
-                ElementsAre("Model b: renamed, was a", "Model x: added"));
+                ElementsAre("Model x: added", "Model b: renamed, was a"));
     // However many are alike in most, in whatever order they come: here but for the smallest current of one corner.
     const auto many = [](std::string_view prefix, int first, int step) {
         std::string text;
