@@ -119,7 +119,7 @@ TEST_F(Verimark, wrongCommandLines) {
         {"--max-memory=5T", ": it takes a size such as 512K, 500M or 2G\n"},
         {"--max-memory=-5", ": it takes a size such as 512K, 500M or 2G\n"},
         {"--max-memory=17179869184G", ": it takes a size such as 512K, 500M or 2G\n"},
-        {"--memory=1G", ": no such option; did you mean \"--max-memory\"?\n"},
+        {"--maxmemory", ": no such option; did you mean \"--max-memory\"?\n"},
         {"--progress=maybe", ": no such WHEN; choose from auto, always, never\n"},
         {"--ignore=905,,1", ": there is no message \"\"; \"verimark --messages\" lists them\n"},
         {"--ignore=E99", ": there is no message \"E99\"; \"verimark --messages\" lists them\n"},
