@@ -7,7 +7,8 @@
 
 #include <malloc.h>
 
-// The operators of verimark, by which a limit holds for all that is allocated. The other forms call these.
+// The operators of verimark, by which a limit holds for all that is allocated. The forms for arrays call these; those
+// that do not throw would as well, but sanitizers have their own.
 
 namespace kestrel {
 
@@ -51,9 +52,18 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
     return kestrel::counted(std::aligned_alloc(step, (size + step - 1) / step * step));
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* memory) noexcept { kestrel::release(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { kestrel::release(memory); }
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { kestrel::release(memory); }
 void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
     kestrel::release(memory);
 }
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { kestrel::release(memory); }
