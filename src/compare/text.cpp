@@ -238,7 +238,8 @@ public:
             appendLine(line_, *group, kMostNames);
             writeLine();
         }
-        line_.assign(same ? "" : "\n").append(summaryOf(pair)).append("\n");
+        if (!same) line_.push_back('\n');
+        line_.append(summaryOf(pair)).append("\n");
         writeLine();
     }
 
