@@ -22,7 +22,8 @@ thread_local long requests_left = -1;
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: g++ takes the pieces for a mismatch of operators where it sees into some of them.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (requests_left == 0) {
         requests_left = -1;
         throw std::bad_alloc();
@@ -31,9 +32,11 @@ void* operator new(std::size_t size) {
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
-void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept { return std::malloc(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
+    return std::malloc(size);
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace {
 
