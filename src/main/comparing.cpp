@@ -142,6 +142,7 @@ struct ReadFile {
     FileOutcome outcome{};
     std::int64_t more_errors = 0; ///< what broke the check off
     bool is_cut_off = false;      ///< it has no end
+    bool lacked_memory = false;   ///< it was not read to its end for lack of memory
     std::string problem{};        ///< why it cannot be compared; empty when it can
 };
 
@@ -163,8 +164,11 @@ void readInRun(ReadFile& file) {
     run.ami_files.stay_in_folder = true;
     run.diagnostics.on_assertion = OnAssertion::raise;
     constexpr MessageCode kNoEnd = 903;
+    constexpr MessageCode kNoMemory = 1908;
     run.diagnostics.sink = [&file](const Finding& finding) {
-        if (finding.code && finding.code->number == kNoEnd) file.is_cut_off = true;
+        if (!finding.code) return;
+        if (finding.code->number == kNoEnd) file.is_cut_off = true;
+        if (finding.code->number == kNoMemory) file.lacked_memory = true;
     };
     try {
         checkInRun(run, file.name, kindOrIbs(file.name), file.outcome);
@@ -176,6 +180,7 @@ void readInRun(ReadFile& file) {
 void readFile(ReadFile& file, PairMemory& memory) {
     memory.open(file.account);
     file.problem = problemOf(memory.limit, file.account, [&] { readInRun(file); });
+    if (file.problem.empty() && file.lacked_memory) file.problem = ": out of memory; not compared";
     if (!file.problem.empty()) {
         file.run.reset();
         file.account.reset();
