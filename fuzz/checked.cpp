@@ -71,19 +71,6 @@ struct WrittenForm {
     Report report;
 };
 
-void giveAdvice(const Run& run, std::string_view path) {
-    for (const Advice& advice : adviseOn(AdvisedFile(currentRoot(run), run.parse))) {
-        run.diagnostics.sink({.severity = Severity::adviceAtLine,
-                              .code = advice.code,
-                              .file = path,
-                              .line = advice.line,
-                              .shown_line = advice.line,
-                              .exact = advice.exact,
-                              .subject = advice.subject,
-                              .text = advice.text});
-    }
-}
-
 /// Findings and advice in all forms, with the report. What is kept as a baseline must be known when it is read.
 void writeFindings(const FileInMemory& file, FileKind kind) {
     const Ignored nothing;
@@ -115,7 +102,7 @@ void writeFindings(const FileInMemory& file, FileKind kind) {
     FileOutcome outcome;
     try {
         checkInRun(run, file.path, kind, outcome);
-        if (outcome.checked && !run.roots.empty()) giveAdvice(run, file.path);
+        if (outcome.checked) giveAdvice(run, file.path);
     } catch (const AssertionFailed& failure) {
         reportFailure(run.diagnostics, failure);
     }

@@ -99,77 +99,16 @@ constexpr std::array<RangeRow, 13> kRanges{{
     {MdlRange::cac, &Model::cac},
 }};
 
-/// A subparameter and where the record keeps it.
-template <class Record, class Value> struct NamedField {
-    std::string_view name;
-    Value Record::*member;
-};
-
-constexpr std::array<NamedField<MSpec, GivenRange>, 35> kSpecFields{{
-    {"Vinh", &MSpec::vinh},
-    {"Vinl", &MSpec::vinl},
-    {"Vinh+", &MSpec::vinh_plus},
-    {"Vinh-", &MSpec::vinh_minus},
-    {"Vinl+", &MSpec::vinl_plus},
-    {"Vinl-", &MSpec::vinl_minus},
-    {"S_overshoot_high", &MSpec::s_overshoot_high},
-    {"S_overshoot_low", &MSpec::s_overshoot_low},
-    {"D_overshoot_high", &MSpec::d_overshoot_high},
-    {"D_overshoot_low", &MSpec::d_overshoot_low},
-    {"Pulse_high", &MSpec::pulse_high},
-    {"Pulse_low", &MSpec::pulse_low},
-    {"D_overshoot_time", &MSpec::d_overshoot_time},
-    {"Pulse_time", &MSpec::pulse_time},
-    {"Vmeas", &MSpec::vmeas},
-    {"Vref", &MSpec::vref},
-    {"Cref", &MSpec::cref},
-    {"Rref", &MSpec::rref},
-    {"Cref_rising", &MSpec::cref_rising},
-    {"Cref_falling", &MSpec::cref_falling},
-    {"Rref_rising", &MSpec::rref_rising},
-    {"Rref_falling", &MSpec::rref_falling},
-    {"Vref_rising", &MSpec::vref_rising},
-    {"Vref_falling", &MSpec::vref_falling},
-    {"Vmeas_rising", &MSpec::vmeas_rising},
-    {"Vmeas_falling", &MSpec::vmeas_falling},
-    {"Rref_diff", &MSpec::rref_diff},
-    {"Cref_diff", &MSpec::cref_diff},
-    {"D_overshoot_area_h", &MSpec::d_overshoot_area_h},
-    {"D_overshoot_area_l", &MSpec::d_overshoot_area_l},
-    {"D_overshoot_ampl_h", &MSpec::d_overshoot_ampl_h},
-    {"D_overshoot_ampl_l", &MSpec::d_overshoot_ampl_l},
-    {"Weak_R", &MSpec::weak_r},
-    {"Weak_I", &MSpec::weak_i},
-    {"Weak_V", &MSpec::weak_v},
-}};
-
-constexpr std::array<NamedField<RcvTh, GivenValue>, 14> kThresholdFields{{
-    {"Vth", &RcvTh::vth},
-    {"Vth_min", &RcvTh::vth_min},
-    {"Vth_max", &RcvTh::vth_max},
-    {"Vinh_ac", &RcvTh::vinh_ac},
-    {"Vinh_dc", &RcvTh::vinh_dc},
-    {"Vinl_ac", &RcvTh::vinl_ac},
-    {"Vinl_dc", &RcvTh::vinl_dc},
-    {"Threshold_sensitivity", &RcvTh::threshold_sensitivity},
-    {"Vcross_low", &RcvTh::vcross_low},
-    {"Vcross_high", &RcvTh::vcross_high},
-    {"Vdiff_ac", &RcvTh::vdiff_ac},
-    {"Vdiff_dc", &RcvTh::vdiff_dc},
-    {"Tslew_ac", &RcvTh::tslew_ac},
-    {"Tdiffslew_ac", &RcvTh::tdiffslew_ac},
-}};
-
 /// A list of the fields that a record gives; the place of a field counts those ahead of it.
-template <class Named, const auto& Fields, class Record> List<Named> listGiven(const Record* record) {
+template <class Named, auto Members, class Record> List<Named> listGiven(const Record* record) {
     if (record == nullptr) return {};
     const auto is_given = [](const Record& one, const auto& field) { return (one.*field.member).has_value(); };
     std::size_t size = 0;
-    for (const auto& field : Fields)
+    for (const auto& field : Members())
         if (is_given(*record, field)) ++size;
     return List<Named>({.records = record}, size, [](const ListSource& source, std::size_t place) -> Named {
         const Record& one = *static_cast<const Record*>(source.records);
-        for (const auto& field : Fields) {
+        for (const auto& field : Members()) {
             if (!(one.*field.member).has_value()) continue;
             if (place-- != 0) continue;
             if constexpr (std::is_same_v<Named, NamedValue>) {
@@ -180,12 +119,6 @@ template <class Named, const auto& Fields, class Record> List<Named> listGiven(c
         }
         return {};
     });
-}
-
-std::string_view supplyWord(ReferenceSupply supply) {
-    constexpr std::array<std::string_view, 6> kWords{"",           "Power_clamp_ref", "Gnd_clamp_ref",
-                                                     "Pullup_ref", "Pulldown_ref",    "Ext_ref"};
-    return wordAt(kWords, supply);
 }
 
 AddedSubmodel addedOf(const AddSubmodel& row) { return {row.name, wordOf(kSubmodelModes, row.mode)}; }
@@ -214,10 +147,10 @@ Model modelOf(const Mdl& record) {
     fillTables(model, *record.tables);
     model.isso_pu = tableOf(record.tables->isso_pu.rows);
     model.isso_pd = tableOf(record.tables->isso_pd.rows);
-    model.model_spec = listGiven<NamedCorners, kSpecFields>(record.model_spec.get());
+    model.model_spec = listGiven<NamedCorners, mSpecMembers>(record.model_spec.get());
     if (const RcvTh* const thresholds = record.receiver_thresholds.get()) {
-        model.receiver_thresholds = listGiven<NamedValue, kThresholdFields>(thresholds);
-        model.reference_supply = supplyWord(thresholds->reference_supply);
+        model.receiver_thresholds = listGiven<NamedValue, rcvThMembers>(thresholds);
+        model.reference_supply = referenceSupplyWord(thresholds->reference_supply);
     }
     model.submodels = listOf<addedOf>(record.add_submodels);
     model.driver_schedule = listOf<scheduledOf>(record.driver_schedule.entries);

@@ -21,8 +21,9 @@ std::optional<std::string> givenVersion(const Run& run) {
     return std::nullopt;
 }
 
-/// Hands on what the checks of advice say of the file that was read.
-void advise(const Run& run, std::string_view name) {
+} // namespace
+
+void giveAdvice(const Run& run, std::string_view name) {
     if (run.roots.empty()) return;
     const Ibis& root = currentRoot(run);
     std::string_view path = name;
@@ -39,8 +40,6 @@ void advise(const Run& run, std::string_view name) {
                               .text = advice.text});
     }
 }
-
-} // namespace
 
 void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome) {
     nameFile(run.diagnostics, name);
@@ -66,7 +65,7 @@ void checkContained(Run& run, std::string_view name, const ContainedCheck& wante
     run.diagnostics.on_assertion = OnAssertion::raise;
     try {
         checkInRun(run, name, kind, outcome);
-        if (wanted.advises && outcome.checked) advise(run, name);
+        if (wanted.advises && outcome.checked) giveAdvice(run, name);
     } catch (const AssertionFailed& failure) {
         reportFailure(run.diagnostics, failure);
         outcome.refused = outcome.refused || !outcome.checked;

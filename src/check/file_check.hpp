@@ -17,6 +17,9 @@ struct Run;
 /// Checks one file. What has become of it is right at any time, whatever ends the check.
 void checkInRun(Run& run, std::string_view name, FileKind kind, FileOutcome& outcome);
 
+/// Hands what the checks of advice say of the file that was read to the sink of the run.
+void giveAdvice(const Run& run, std::string_view name);
+
 /// How a file is checked that must not end the program.
 struct ContainedCheck {
     bool takes_later = true;     ///< versions later than 5.1 are read

@@ -59,6 +59,8 @@ constexpr auto kSpec = subparameters<Row>(
         .too_old = CheckedMessage<ArgKind::text, ArgKind::text>(3808),
     });
 
+constexpr auto kMembers = namedMembers<GivenRange, kSpec>();
+
 constexpr std::size_t kThresholds = 6; // rows of thresholds, the first ones
 constexpr std::span<const Row> kThresholdRows = std::span(kSpec.rows).first(kThresholds);
 constexpr std::span<const Row> kTestLoadRows =
@@ -143,6 +145,8 @@ void checkType(Context& context, const MSpec& spec, std::string_view model, Mode
 }
 
 } // namespace
+
+std::span<const NamedMember<MSpec, GivenRange>> mSpecMembers() { return kMembers; }
 
 void openMSpec(Context& context, std::unique_ptr<MSpec>& slot, std::string_view text) {
     if (slot) errorAtLine(context.diagnostics, 3801);

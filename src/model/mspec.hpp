@@ -2,8 +2,10 @@
 
 #include "model/types.hpp"
 #include "reader/line_form.hpp"
+#include "reader/named_member.hpp"
 
 #include <memory>
+#include <span>
 #include <string_view>
 
 namespace kestrel {
@@ -48,6 +50,9 @@ struct MSpec {
     GivenRange weak_v;
     RefusedLines refused;
 };
+
+/// All subparameters with their names.
+[[nodiscard]] std::span<const NamedMember<MSpec, GivenRange>> mSpecMembers();
 
 /// Opens a model's spec at its keyword line; it takes the place of an old one, which is reported.
 void openMSpec(Context& context, std::unique_ptr<MSpec>& slot, std::string_view text);

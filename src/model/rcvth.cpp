@@ -46,6 +46,8 @@ constexpr auto kThresholds = subparameters<Row>(
         .group = "Receiver Thresholds",
     });
 
+constexpr auto kMembers = namedMembers<GivenValue, kThresholds>();
+
 constexpr std::array<Field, 5> kDifferential{&RcvTh::vcross_low, &RcvTh::vcross_high, &RcvTh::vdiff_ac,
                                              &RcvTh::vdiff_dc, &RcvTh::tdiffslew_ac};
 /// What a single-ended input has to give.
@@ -81,6 +83,13 @@ void checkOrder(Context& context, const RcvTh& t, std::string_view model) {
 }
 
 } // namespace
+
+std::span<const NamedMember<RcvTh, GivenValue>> rcvThMembers() { return kMembers; }
+
+std::string_view referenceSupplyWord(ReferenceSupply supply) {
+    const auto* const row = rowOf(kSupplies, supply, &EnumerationRow<ReferenceSupply>::code);
+    return row != nullptr ? row->text : std::string_view();
+}
 
 void openRcvTh(Context& context, std::unique_ptr<RcvTh>& slot, std::string_view text) {
     if (slot) errorAtLine(context.diagnostics, 3201);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "reader/line_form.hpp"
+#include "reader/named_member.hpp"
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 
 namespace kestrel {
@@ -31,6 +33,11 @@ struct RcvTh {
     GivenValue tdiffslew_ac;
     RefusedLines refused;
 };
+
+/// The subparameters that are numbers, with their names.
+[[nodiscard]] std::span<const NamedMember<RcvTh, GivenValue>> rcvThMembers();
+/// The word for a supply; empty for none.
+[[nodiscard]] std::string_view referenceSupplyWord(ReferenceSupply supply);
 
 /// Opens a model's thresholds at their keyword line; they take the place of old ones, which is reported.
 void openRcvTh(Context& context, std::unique_ptr<RcvTh>& slot, std::string_view text);

@@ -5,6 +5,7 @@
 #include "reader/enumeration.hpp"
 #include "reader/items.hpp"
 #include "reader/line_form.hpp"
+#include "reader/named_member.hpp"
 
 #include <algorithm>
 #include <array>
@@ -120,6 +121,18 @@ template <class RowType, std::size_t Count> struct SubparameterTable {
         return rows[placeOf(member)].name;
     }
 };
+
+/// The rows of a table that keep values of one kind.
+template <class Value, const auto& Table> consteval auto namedMembers() {
+    using Record = typename std::remove_cvref_t<decltype(Table)>::Row::Record;
+    using Member = Value Record::*;
+    constexpr auto kHolds = [](const auto& row) { return std::holds_alternative<Member>(row.field); };
+    std::array<NamedMember<Record, Value>, std::ranges::count_if(Table.rows, kHolds)> members{};
+    std::size_t count = 0;
+    for (const auto& row : Table.rows)
+        if (kHolds(row)) members[count++] = {row.name, std::get<Member>(row.field)};
+    return members;
+}
 
 namespace subparameter_check {
 
