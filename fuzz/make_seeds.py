@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Makes the first inputs of the fuzzers from the examples, the frames and the cases of the tests.
 
-usage: make_seeds.py SOURCES OUTPUT DICTIONARIES PROGRAM
-For each entry there is a folder of inputs in OUTPUT and a dictionary in DICTIONARIES: what PROGRAM, kestrel_dictionary,
-prints for it, and the words that several of its inputs have.
+usage: make_seeds.py SOURCES OUTPUT [DICTIONARIES PROGRAM]
+For each entry there is a folder of inputs in OUTPUT and, if asked for, a dictionary in DICTIONARIES: what PROGRAM,
+kestrel_dictionary, prints for it, and the words that several of its inputs have.
 """
 
 import collections
@@ -121,13 +121,16 @@ def words_of(inputs):
 
 
 def main():
-    sources, output, dictionaries = (pathlib.Path(word) for word in sys.argv[1:4])
+    sources, output = (pathlib.Path(word) for word in sys.argv[1:3])
     for entry, inputs in collect(sources).items():
         folder = output / entry
         folder.mkdir(parents=True, exist_ok=True)
         for number, text in enumerate(inputs):
             if len(text) <= LARGEST:
                 (folder / f"seed_{number:03}").write_bytes(text.encode("latin-1"))
+        if len(sys.argv) < 5:
+            continue
+        dictionaries = pathlib.Path(sys.argv[3])
         dictionaries.mkdir(parents=True, exist_ok=True)
         tables = subprocess.run([sys.argv[4], entry], check=True, capture_output=True, text=True).stdout
         words = "".join(f'"{word}"\n' for word in words_of(inputs))

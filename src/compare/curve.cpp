@@ -50,7 +50,9 @@ private:
     [[nodiscard]] double xOf(std::size_t row) const { return curve_[row].x + offset_; }
     [[nodiscard]] bool isAtRow() const { return next_ == 0 || next_ == curve_.size() || at_ - xOf(next_ - 1) <= snap_; }
     [[nodiscard]] double slopeBehind(std::size_t row) const {
-        return (curve_[row + 1].y - curve_[row].y) / (curve_[row + 1].x - curve_[row].x);
+        const double rise = curve_[row + 1].y - curve_[row].y;
+        const double run = curve_[row + 1].x - curve_[row].x;
+        return run == 0.0 ? std::copysign(HUGE_VAL, rise) : rise / run;
     }
 
     Curve curve_;
@@ -212,7 +214,10 @@ Curve atLevelsOf(Curve was, Curve is, std::vector<Point>& room) {
     if (was.empty() || is.empty()) return {};
     const Levels before = levelsOf(was);
     const Levels now = levelsOf(is);
-    const double scale = (before.high - before.low) / (now.high - now.low);
+    const double old_swing = before.high - before.low;
+    const double new_swing = now.high - now.low;
+    if (old_swing == 0.0 || new_swing == 0.0) return {};
+    const double scale = old_swing / new_swing;
     if (!std::isfinite(scale) || scale == 0.0) return {};
     room.assign(is.begin(), is.end());
     for (Point& point : room)

@@ -64,6 +64,7 @@ ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
 double roundedShift(Curve was, Curve is, const CurveTolerance& tolerance, double shift) {
     constexpr double kDigits = 100;
     const double step = std::pow(10.0, std::floor(std::log10(std::abs(shift)))) / kDigits;
+    if (step == 0.0) return shift;
     const double rounded = std::round(shift / step) * step;
     return std::isfinite(rounded) && !differenceOf(was, is, tolerance, rounded) ? rounded : shift;
 }

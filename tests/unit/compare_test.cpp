@@ -434,6 +434,27 @@ TEST(CompareCurves, oddTablesAreNoDanger) {
     static_cast<void>(differenceOf(huge, line, kNone));
     static_cast<void>(differenceOf(line, huge, kNone));
     static_cast<void>(shiftOf(huge, line));
+    // A step has no finite slope.
+    const Points steps{{0, 0}, {1, 0}, {1, 4}, {2, 5}, {2, 7}, {3, 7}};
+    const Points bent{{0, 0}, {1.5, 4.75}, {3, 7}};
+    const auto at_step = differenceOf(steps, bent, kNone);
+    ASSERT_TRUE(at_step);
+    EXPECT_EQ(at_step->x, 2.0);
+    EXPECT_EQ(at_step->was, 7.0);
+    EXPECT_EQ(at_step->is, 5.5);
+}
+
+TEST(CompareCurves, whatStaysAtOneLevelIsNotDrawnOutToOthers) {
+    using Points = std::vector<Point>;
+    const Points line{{0, 1}, {2, 9}};
+    const Points flat{{0, 5}, {2, 5}};
+    Points room;
+    EXPECT_TRUE(atLevelsOf(line, flat, room).empty());
+    EXPECT_TRUE(atLevelsOf(flat, line, room).empty());
+    const Curve drawn_out = atLevelsOf(line, Points{{0, 0}, {1, 1}, {2, 2}}, room);
+    ASSERT_EQ(drawn_out.size(), 3U);
+    EXPECT_EQ(drawn_out[1].y, 5.0);
+    EXPECT_EQ(drawn_out[2].y, 9.0);
 }
 
 } // namespace
