@@ -61,19 +61,19 @@ struct LookedUp {
     MappablePorts ports;
 };
 
-void checkComponent(Run& run, Ibis& root, const Cmpnt& component, LookedUp& looked_up) {
+void checkComponent(Run& run, Ibis& root, ModelMarks& models, const Cmpnt& component, LookedUp& looked_up) {
     const PkgMdl* const package = findPackages(run, root, component);
     const PinList& pins = component.pins;
     const Name name = component.name;
     if (pins.empty()) {
         error(run.diagnostics, 524, name);
     } else {
-        checkPinModels(run, root, component, looked_up.models);
+        checkPinModels(run, root, models, component, looked_up.models);
         if (package != nullptr) checkPackagePins(run, component, *package);
     }
     if (component.pin_mapping != nullptr) checkPinMaps(run, *component.pin_mapping, pins, name);
     checkDiffPinModels(run, root, component);
-    checkSeriesPins(run, root, component, looked_up.models);
+    checkSeriesPins(run, root, models, component, looked_up.models);
     if (component.nodes != nullptr) checkNodes(run, *component.nodes, pins, name);
     checkCircuitCalls(run, root, component, looked_up.ports);
     if (component.emi != nullptr) checkCmpntEmi(run, *component.emi, pins, name);
@@ -81,12 +81,12 @@ void checkComponent(Run& run, Ibis& root, const Cmpnt& component, LookedUp& look
 
 } // namespace
 
-void checkComponents(Run& run, Ibis& root) {
+void checkComponents(Run& run, Ibis& root, ModelMarks& models) {
     checkRepeatedNames(run, root);
     LookedUp looked_up;
     for (const Cmpnt& component : root.components.newestFirst()) {
         const About about(run.diagnostics, component);
-        checkComponent(run, root, component, looked_up);
+        checkComponent(run, root, models, component, looked_up);
     }
     checkExtCkts(run, root);
 }

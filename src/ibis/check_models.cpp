@@ -2,6 +2,7 @@
 #include "component/cmpnt.hpp"
 #include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
+#include "ibis/model_marks.hpp"
 #include "model/acdc.hpp"
 #include "model/mdl.hpp"
 #include "model/msel.hpp"
@@ -26,18 +27,14 @@ private:
     std::vector<bool> has_; // by the numbers of the names
 };
 
-/// Types that cannot drive and so cannot be scheduled.
-constexpr ModelTypeSet kNoDrivers{ModelType::input, ModelType::inputEcl, ModelType::terminator, ModelType::series,
-                                  ModelType::seriesSwitch};
-
-void checkDriver(Context& context, Ibis& root, const Mdl& model, Name name) {
-    const Mdl* const driver = referenceMdl(root, name);
-    if (driver == nullptr) {
+void checkDriver(Context& context, ModelMarks& models, const Mdl& model, Name name) {
+    const ModelMark driver = models.reference(name);
+    if (!driver.exists) {
         error(context.diagnostics, 4207, name, model.name);
         return;
     }
-    if (driver->driver_schedule) error(context.diagnostics, 4208, name, model.name);
-    if (kNoDrivers.has(driver->type())) error(context.diagnostics, 4209, name, model.name);
+    if (driver.scheduled) error(context.diagnostics, 4208, name, model.name);
+    if (driver.no_driver) error(context.diagnostics, 4209, name, model.name);
 }
 
 /// What pins may name to have a composite current: the models with one, and the selectors that offer such a model.
@@ -67,26 +64,25 @@ Names usedModelNames(const Context& context, const Ibis& root) {
         }
         if (component.series_pins == nullptr) continue;
         for (const SPin& row : component.series_pins->rows) {
-            const Name name = context.names.find(row.model_name);
-            if (!name.empty() || row.model_name.empty()) names.insert(name);
+            names.insert(row.model_name);
         }
     }
     return names;
 }
 
 /// Looks the entry's model up and marks it; a name without a model, or a reserved word, counts as single-ended.
-bool isSingleEnded(Context& context, Ibis& root, const MSel& selector, Name model_name) {
+bool isSingleEnded(Context& context, ModelMarks& models, const MSel& selector, Name model_name) {
     if (isReservedWord(model_name)) return true;
-    const Mdl* const model = referenceMdl(root, model_name);
-    if (model != nullptr) return !isDifferential(*model);
+    const ModelMark model = models.reference(model_name);
+    if (model.exists) return !model.differential;
     error(context.diagnostics, 4024, model_name, selector.name);
     return true;
 }
 
 /// The first entry decides of which kind the selector is; the others are held to it.
-void checkEntries(Context& context, Ibis& root, MSel& selector) {
+void checkEntries(Context& context, ModelMarks& models, MSel& selector) {
     for (const MSelEntry& entry : selector.entries) {
-        const bool single_ended = isSingleEnded(context, root, selector, entry.model_name);
+        const bool single_ended = isSingleEnded(context, models, selector, entry.model_name);
         if (!selector.single_ended) selector.single_ended = single_ended;
         if (single_ended == *selector.single_ended) continue;
         if (single_ended) {
@@ -112,18 +108,6 @@ void checkSubmodelUse(Context& context, const Ibis& root) {
 }
 
 } // namespace
-
-Mdl* referenceMdl(Ibis& root, std::string_view name) {
-    Mdl* const model = root.models.find(name);
-    if (model != nullptr) model->referenced = true;
-    return model;
-}
-
-Mdl* referenceMdl(Ibis& root, Name name) {
-    Mdl* const model = root.models.find(name);
-    if (model != nullptr) model->referenced = true;
-    return model;
-}
 
 void checkRcvThs(Context& context, const Ibis& root) {
     for (const Mdl& model : root.models.newestFirst()) {
@@ -151,28 +135,28 @@ void checkComponentCurrents(Context& context, const Ibis& root) {
     }
 }
 
-void checkDrvShs(Context& context, Ibis& root) {
+void checkDrvShs(Context& context, const Ibis& root, ModelMarks& models) {
     for (const Mdl& model : root.models.newestFirst()) {
         if (!model.driver_schedule) continue;
         const About about(context.diagnostics, model);
         const Rows<DrvShEntry>& entries = model.driver_schedule.entries;
         for (std::size_t place = entries.size(); place > 0; --place) {
-            checkDriver(context, root, model, entries[place - 1].model_name);
+            checkDriver(context, models, model, entries[place - 1].model_name);
         }
     }
 }
 
-void checkMSels(Context& context, Ibis& root) {
+void checkMSels(Context& context, Ibis& root, ModelMarks& models) {
     if (root.model_selectors.empty()) return;
     // Gathered once: there may be as many selectors as pins.
     const Names used = usedModelNames(context, root);
     for (MSel& selector : root.model_selectors.newestFirst()) {
         const About about(context.diagnostics, selector);
-        if (referenceMdl(root, selector.name) != nullptr) error(context.diagnostics, 4021, selector.name);
+        if (models.reference(selector.name).exists) error(context.diagnostics, 4021, selector.name);
         if (!root.components.empty() && !used.contains(selector.name)) {
             warning(context.diagnostics, 4026, selector.name);
         }
-        checkEntries(context, root, selector);
+        checkEntries(context, models, selector);
     }
 }
 

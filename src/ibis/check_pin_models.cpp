@@ -5,6 +5,7 @@
 #include "ibis/check_circuit_calls.hpp"
 #include "ibis/checks.hpp"
 #include "ibis/ibis.hpp"
+#include "ibis/model_marks.hpp"
 #include "model/mdl.hpp"
 #include "model/msel.hpp"
 
@@ -15,26 +16,20 @@ namespace kestrel {
 
 namespace {
 
-/// A model without a type has been reported for that.
-bool isNoSeries(const Mdl& model) {
-    return !isSeries(model) && model.type() != ModelType::notGiven && model.type() != ModelType::noType;
-}
-
 /// Looks a name up among the models, which marks the one found, then among the selectors.
-void lookUp(Ibis& root, std::string_view name, NamedModel& named) {
+void lookUp(const Ibis& root, ModelMarks& models, Name name, NamedModel& named) {
     named.looked_up = true;
-    const auto note = [&named](const Mdl& model) {
-        named.series = named.series || isSeries(model);
-        named.not_series = named.not_series || isNoSeries(model);
-    };
-    if (const Mdl* const model = referenceMdl(root, name)) {
+    if (const ModelMark model = models.reference(name); model.exists) {
         named.found = true;
-        named.differential = isDifferential(*model);
-        note(*model);
+        named.differential = model.differential;
+        named.series = model.series;
+        named.not_series = model.not_series;
     } else if (const MSel* const selector = root.model_selectors.find(name)) {
         named.found = true;
         for (const MSelEntry& entry : selector->entries) {
-            if (const Mdl* const entered = root.models.find(entry.model_name)) note(*entered);
+            const ModelMark entered = models.find(entry.model_name);
+            named.series = named.series || entered.series;
+            named.not_series = named.not_series || entered.not_series;
         }
     }
 }
@@ -51,9 +46,9 @@ NamedModel& judgedName(ModelNames& names, Name name) {
     return named;
 }
 
-NamedModel& namedModel(Ibis& root, ModelNames& names, Name name) {
+NamedModel& namedModel(const Ibis& root, ModelMarks& models, ModelNames& names, Name name) {
     NamedModel& named = judgedName(names, name);
-    if (!named.looked_up) lookUp(root, name, named);
+    if (!named.looked_up) lookUp(root, models, name, named);
     return named;
 }
 
@@ -116,9 +111,10 @@ void reportSeriesModels(Context& context, const Cmpnt& component, ModelNames& na
     }
 }
 
-void checkSeriesModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkSeriesModels(Context& context, const Ibis& root, ModelMarks& models, const Cmpnt& component,
+                       ModelNames& names) {
     for (const SPin& row : component.series_pins->rows) {
-        if (!row.model_name.empty()) namedModel(root, names, row.model_name);
+        if (!row.model_name.empty()) namedModel(root, models, names, row.model_name);
     }
     reportSeriesModels(
         context, component, names, [](const NamedModel& model) { return !model.found; }, 2611);
@@ -161,7 +157,7 @@ void checkSwitchGroups(Context& context, const Cmpnt& component, const SwitchGro
 
 } // namespace
 
-void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkPinModels(Context& context, const Ibis& root, ModelMarks& models, const Cmpnt& component, ModelNames& names) {
     const IbisVersion version = context.parse.version;
     const auto called = circuitCallPins(component);
     for (const Pin& pin : component.pins) {
@@ -174,7 +170,7 @@ void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelN
             if (judged && !called.contains(pin.name)) error(context.diagnostics, 611, pin.name, component.name);
             continue;
         }
-        if (!model.looked_up) lookUp(root, pin.model_name, model);
+        if (!model.looked_up) lookUp(root, models, pin.model_name, model);
         if (isModelReported(component.pins, pin) || model.pin_reported_for == &component) continue;
         if (reportPin(context.diagnostics, component, pin, model)) model.pin_reported_for = &component;
     }
@@ -189,7 +185,8 @@ void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& compone
     }
 }
 
-void checkSeriesPins(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names) {
+void checkSeriesPins(Context& context, const Ibis& root, ModelMarks& models, const Cmpnt& component,
+                     ModelNames& names) {
     const SwitchGroups* const switches = component.switch_groups.get();
     if (component.series_pins != nullptr) {
         if (!component.pins.empty()) {
@@ -198,7 +195,7 @@ void checkSeriesPins(Context& context, Ibis& root, const Cmpnt& component, Model
                 checkSeriesPin(context, component, row.pin_2, row.pin_2_reported || row.pin_1 == row.pin_2);
             }
         }
-        checkSeriesModels(context, root, component, names);
+        checkSeriesModels(context, root, models, component, names);
         if (switches != nullptr) checkSeriesGroups(context, root, component, *switches);
     }
     if (switches != nullptr) checkSwitchGroups(context, component, *switches);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/large_memory.hpp"
+
 #include <vector>
 
 namespace kestrel {
@@ -7,6 +9,7 @@ namespace kestrel {
 struct Cmpnt;
 struct Context;
 struct Ibis;
+class ModelMarks;
 
 /// What a model name of pins, or of rows between pins, stands for.
 struct NamedModel {
@@ -23,17 +26,17 @@ struct NamedModel {
 };
 
 /// What the model names of a file stand for, by their numbers, so that each is looked up once.
-using ModelNames = std::vector<NamedModel>;
+using ModelNames = std::vector<NamedModel, LargeAllocator<NamedModel>>;
 
 /// Looks up the model names of a component's pins and marks the models found; each name is reported once. Pins that
 /// circuit calls should name are looked up in those.
-void checkPinModels(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names);
+void checkPinModels(Context& context, const Ibis& root, ModelMarks& models, const Cmpnt& component, ModelNames& names);
 
 /// Looks up the pins of the "[Diff Pin]" rows and compares their models.
 void checkDiffPinModels(Context& context, const Ibis& root, const Cmpnt& component);
 
 /// Looks up pins, models and groups of the "[Series Pin Mapping]" rows, marks the models found, and compares the groups
 /// with those of "[Series Switch Groups]".
-void checkSeriesPins(Context& context, Ibis& root, const Cmpnt& component, ModelNames& names);
+void checkSeriesPins(Context& context, const Ibis& root, ModelMarks& models, const Cmpnt& component, ModelNames& names);
 
 } // namespace kestrel

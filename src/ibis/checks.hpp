@@ -1,20 +1,13 @@
 #pragma once
 
-#include <string_view>
-
 /// What is checked once a file is read, since it needs several records or other files. What these checks report has no
 /// line, but for the lines of files that they read.
 namespace kestrel {
 
 struct Context;
 struct Ibis;
-struct Mdl;
 struct Run;
-class Name;
-
-/// Looks a model up by exact name and marks it as referenced; null when there is none.
-Mdl* referenceMdl(Ibis& root, std::string_view name);
-Mdl* referenceMdl(Ibis& root, Name name);
+class ModelMarks;
 
 /// Checks the receiver thresholds of all models.
 void checkRcvThs(Context& context, const Ibis& root);
@@ -26,10 +19,10 @@ void checkCompositeCurrents(Context& context, const Ibis& root);
 void checkComponentCurrents(Context& context, const Ibis& root);
 
 /// Looks up every scheduled model and marks it as referenced.
-void checkDrvShs(Context& context, Ibis& root);
+void checkDrvShs(Context& context, const Ibis& root, ModelMarks& models);
 
 /// Checks every selector: clash with a model, use, entries, which it marks as referenced.
-void checkMSels(Context& context, Ibis& root);
+void checkMSels(Context& context, Ibis& root, ModelMarks& models);
 
 /// Compares submodels with the "[Add Submodel]" rows of all models.
 void checkAddedSubmodels(Context& context, const Ibis& root);
@@ -39,7 +32,7 @@ void checkReferences(Context& context, const Ibis& root);
 
 /// Checks over all components: equal names, package models, pins and their relations, and external circuits that
 /// nothing uses. Package models may be read from files for it.
-void checkComponents(Run& run, Ibis& root);
+void checkComponents(Run& run, Ibis& root, ModelMarks& models);
 
 /// Looks up the driver models and the loads of test data and marks the loads as used.
 void checkTestData(Context& context, Ibis& root);

@@ -3,6 +3,7 @@
 #include "board/ebdmdl.hpp"
 #include "external/circuit.hpp"
 #include "ibis/checks.hpp"
+#include "ibis/model_marks.hpp"
 #include "ibis/run.hpp"
 #include "package/pkgmdl.hpp"
 
@@ -24,15 +25,17 @@ void freeRoot(Run& run, Ibis& root) {
 void finalChecks(Run& run, Ibis& root) {
     checkRcvThs(run, root);
     checkCompositeCurrents(run, root);
-    checkDrvShs(run, root);
+    ModelMarks models(root);
+    checkDrvShs(run, root, models);
     checkAmiFiles(run, run.ami_files, root);
-    checkMSels(run, root);
+    checkMSels(run, root, models);
     if (root.components.empty()) {
         error(run.diagnostics, 4101);
     } else {
         checkComponentCurrents(run, root);
-        checkComponents(run, root);
+        checkComponents(run, root, models);
     }
+    models.hand(root);
     finalPackageChecks(run, root);
     checkTestData(run, root);
     checkTestLoads(run, root);

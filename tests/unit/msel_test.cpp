@@ -3,6 +3,7 @@
 #include "model/msel.hpp"
 
 #include "ibis/checks.hpp"
+#include "ibis/model_marks.hpp"
 #include "lines.hpp"
 
 #include <memory>
@@ -103,7 +104,8 @@ TEST(ModelSelector, namesOfModels) {
             test.root.models.enterNewest(test.run.names);
         }
         test.read("[Model Selector] " + name + "\nGND ground");
-        checkMSels(test.run, test.root);
+        ModelMarks models(test.root);
+        checkMSels(test.run, test.root, models);
         EXPECT_EQ(test.codes(), codes) << name;
     }
 }
