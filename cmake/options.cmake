@@ -27,6 +27,12 @@ elseif(KESTREL_SANITIZE)
     target_link_options(kestrel_options INTERFACE ${kestrel_sanitizers})
 endif()
 
+if(kestrel_ipo)
+    # The linker optimizes whatever carries the means to it; tests are linked as their objects are, in a second each.
+    target_link_options(kestrel_options INTERFACE
+        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KESTREL_OPTIMIZED>>>:-fno-lto>)
+endif()
+
 if(KESTREL_REPRODUCIBLE)
     target_compile_options(kestrel_options INTERFACE
         "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
@@ -59,6 +65,7 @@ endfunction()
 function(kestrel_optimize_program target)
     if(kestrel_ipo)
         # The parts of the library that are used come into the program: it starts sooner and takes a megabyte less.
+        set_target_properties(${target} PROPERTIES KESTREL_OPTIMIZED ON)
         target_link_options(${target} PRIVATE -flto=auto -O3 -static-libstdc++ -static-libgcc)
     endif()
 endfunction()
@@ -66,6 +73,7 @@ endfunction()
 # The same for a shared library, which leaves the standard library to the programs.
 function(kestrel_optimize_library target)
     if(kestrel_ipo)
+        set_target_properties(${target} PROPERTIES KESTREL_OPTIMIZED ON)
         target_link_options(${target} PRIVATE -flto=auto -O3)
     endif()
 endfunction()
