@@ -72,13 +72,15 @@ private:
     fs::path path_;
 };
 
-std::vector<std::string_view> linesOf(std::string_view text) {
-    std::vector<std::string_view> lines;
+/// The words of a call, a line each, which end at a NUL as those of any call do.
+std::vector<std::string_view> wordsOf(std::string_view text) {
+    std::vector<std::string_view> words;
     while (!text.empty()) {
-        lines.push_back(text.substr(0, text.find('\n')));
-        text.remove_prefix(std::min(lines.back().size() + 1, text.size()));
+        const std::string_view line = text.substr(0, text.find('\n'));
+        words.push_back(line.substr(0, line.find('\0')));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
     }
-    return lines;
+    return words;
 }
 
 using FileHandle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
@@ -88,8 +90,8 @@ using FileHandle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 /// The first lines are the program and its arguments; files follow, of which "-" is the standard input.
 void tryCalls(std::string_view input) {
     const std::vector<NamedText> files = cutIntoFiles(input);
-    const std::vector<std::string_view> lines = linesOf(files.front().text);
-    if (lines.empty() || !staysInside(files.front().text)) return;
+    const std::vector<std::string_view> words = wordsOf(files.front().text);
+    if (words.empty() || !staysInside(files.front().text)) return;
     static const WorkFolder kWorkFolder;
     kWorkFolder.enter();
     std::string names;
@@ -103,10 +105,10 @@ void tryCalls(std::string_view input) {
             long_gap = long_gap || hasLongGap(file.text);
         }
     }
-    const std::vector<std::string_view> arguments(lines.begin() + 1, lines.end());
+    const std::vector<std::string_view> arguments(words.begin() + 1, words.end());
     Output out;
     Output errors;
-    if (lines.front() == "kestrel") {
+    if (words.front() == "kestrel") {
         if (!long_gap) static_cast<void>(runKestrel(out, errors, arguments));
         return;
     }

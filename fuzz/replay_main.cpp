@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -35,8 +36,12 @@ bool replay(const fs::path& path) {
 int main(int count, char** values) {
     int inputs = 0;
     bool all_known = count > 1;
-    for (int i = 1; i < count; ++i) {
-        for (const fs::directory_entry& found : fs::recursive_directory_iterator(fs::absolute(values[i]))) {
+    // An entry may leave another folder as the current one.
+    std::vector<fs::path> folders;
+    for (int i = 1; i < count; ++i)
+        folders.push_back(fs::absolute(values[i]));
+    for (const fs::path& folder : folders) {
+        for (const fs::directory_entry& found : fs::recursive_directory_iterator(folder)) {
             if (!found.is_regular_file()) continue;
             all_known = replay(found.path()) && all_known;
             ++inputs;
