@@ -106,8 +106,8 @@ void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) 
     for (const ShownFinding* const finding : findings_) {
         if (plot.marks.size() == kMost) return;
         if (!isAboutTable(*finding, line, label)) continue;
-        std::optional<double> x;
-        if (finding->exact && finding->line > line) x = firstCellOf(*finding);
+        std::optional<double> x = finding->at;
+        if (!x && finding->exact && finding->line > line) x = firstCellOf(*finding);
         if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
         if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
         if (x) addMark(plot, *finding, *x);
@@ -183,21 +183,18 @@ std::string fixtureNote(const Wvfrm& waveform) {
     return text;
 }
 
-void writeLegend(Html& html) {
-    html
-        << "<p class=\"legend\"><svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 4h28\"/></svg> "
-           "typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 4h28\"/></svg> min "
-           "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
+void writeLegend(Html& html, const PerCorner<bool>& drawn) {
+    html << "<p class=\"legend\">";
+    if (drawn.typ()) html << "<b class=\"t\">typ</b> ";
+    if (drawn.min()) html << "<b class=\"n\">min</b> ";
+    if (drawn.max()) html << "<b class=\"x\">max</b>";
+    html << "</p>\n";
 }
 
 void writeComparedLegend(Html& html) {
-    html << "<p class=\"legend\">New: <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 "
-            "4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 "
-            "4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 "
-            "4h28\"/></svg> max <span>Old, in grey:</span> <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-t\" d=\"M1 4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-n\" d=\"M1 4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-x\" d=\"M1 4h28\"/></svg> max</p>\n";
+    html << "<p class=\"legend\">New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> "
+            "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
+            "<b class=\"w-x\">max</b></p>\n";
 }
 
 } // namespace kestrel

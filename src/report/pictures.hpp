@@ -52,8 +52,8 @@ private:
 [[nodiscard]] std::string waveformTitle(std::string_view word, const Wvfrm& waveform);
 [[nodiscard]] std::string fixtureNote(const Wvfrm& waveform);
 
-/// Writes what lines and dashes mean.
-void writeLegend(Html& html);
+/// Writes what the lines of the corners that are drawn look like.
+void writeLegend(Html& html, const PerCorner<bool>& drawn);
 /// The same of pictures that compare two files.
 void writeComparedLegend(Html& html);
 

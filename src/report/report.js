@@ -207,12 +207,16 @@
     if (state) return state;
     const x = readSpan(plot.dataset.x);
     const y = readSpan(plot.dataset.y);
-    const lines = CORNERS.map(([name, word]) => ({
-      name, word,
-      pieces: all(plot, ".d > path." + name).flatMap((path) => readPath(path.getAttribute("d"))),
-    })).filter((line) => line.pieces.length > 0);
-    state = { plot, x, y, view: { x: { ...x }, y: { ...y } }, lines, at: null, box: null };
+    const lines = CORNERS.flatMap(([name, word]) => all(plot, ".d > path." + name).map((path) =>
+      ({ name, word, pieces: readPath(path.getAttribute("d")) }))).filter((line) => line.pieces.length > 0);
+    const placed = all(plot, ".lr, .lh, .mark > g").map((element) => // as the program placed them
+      ({ element, kept: ["x", "y", "transform"].map((name) => [name, element.getAttribute(name)]) }));
+    state = { plot, x, y, view: { x: { ...x }, y: { ...y } }, lines, placed, at: null };
     states.set(plot, state);
+    const curves = plot.querySelector(".d"); // inside of an element that can be cut off at the frame
+    const frame = draw("g", { class: "c" });
+    curves.replaceWith(frame);
+    frame.append(curves);
     const title = plot.querySelector("title");
     if (title && title.parentNode === plot) { // said as before, but no longer shown over the cursor
       plot.setAttribute("aria-label", title.textContent);
@@ -258,13 +262,22 @@
     const high = FRAME.height / (y.high - y.low);
     const scaleX = BOX.width / ((view.x.high - view.x.low) * wide);
     const scaleY = BOX.height / ((view.y.high - view.y.low) * high);
-    plot.querySelector(".d").setAttribute("transform",
-      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + " " +
-      (BOX.top - (y.high - view.y.high) * high * scaleY) + ")scale(" + scaleX + " " + scaleY + ")");
+    plot.querySelector(".d").style.transform =
+      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + "px, " +
+      (BOX.top - (y.high - view.y.high) * high * scaleY) + "px) scale(" + scaleX + ", " + scaleY + ")";
     const place = (element, name, at, low, size) => {
       element.setAttribute(name, at);
       element.style.display = at < low - 1 || at > low + size + 1 ? "none" : "";
     };
+    const zoomed = view.x.low !== x.low || view.x.high !== x.high || view.y.low !== y.low || view.y.high !== y.high;
+    plot.classList.toggle("zoomed", zoomed);
+    if (!zoomed) {
+      for (const { element, kept } of state.placed) {
+        for (const [name, value] of kept) if (value !== null) element.setAttribute(name, value);
+        element.style.display = "";
+      }
+      return;
+    }
     for (const label of all(plot, ".lr")) {
       const at = across(state, Number(label.dataset.x));
       place(label, "x", at, BOX.left, BOX.width);
@@ -274,12 +287,10 @@
     for (const mark of all(plot, ".mark > g")) {
       const [markX, markY] = mark.dataset.at.split(" ").map(Number);
       const left = across(state, markX);
-      const top = Math.min(Math.max(down(state, markY), BOX.top), BOX.top + BOX.height);
-      mark.setAttribute("transform", "translate(" + left + " " + top + ")");
+      mark.setAttribute("transform", "translate(" + clampTo(left, BOX.left + 8, BOX.width - 16) + " " +
+        clampTo(down(state, markY), BOX.top + 8, BOX.height - 16) + ")");
       mark.style.display = left < BOX.left - 1 || left > BOX.left + BOX.width + 1 ? "none" : "";
     }
-    plot.classList.toggle("zoomed", view.x.low !== x.low || view.x.high !== x.high || view.y.low !== y.low ||
-      view.y.high !== y.high);
   };
 
   /** The value of a line at a value of x; nothing where the line is not. */

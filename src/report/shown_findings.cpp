@@ -130,7 +130,8 @@ ShownFindings collectFindings(const FindingLog& log, std::size_t left_out, const
                            .about = {},
                            .text = std::string(messageOf(finding)),
                            .place = std::nullopt,
-                           .anchor = anchors.numbered('e', number + 1)};
+                           .anchor = anchors.numbered('e', number + 1),
+                           .at = finding.at};
         if (finding.file != path) shown.file = finding.file;
         if (finding.subject != nullptr) {
             shown.about.assign(kindWord(finding.subject->kind)).append(" ").append(finding.subject->name);

@@ -21,6 +21,7 @@ struct ShownFinding {
     std::string text;
     std::optional<Anchor> place; ///< of what it is about
     Anchor anchor;               ///< of itself
+    std::optional<double> at{};  ///< the voltage or time of its table, where its text has none
 };
 
 /// The findings of a file, and the lines around them.
