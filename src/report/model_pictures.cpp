@@ -108,7 +108,7 @@ public:
 
     void writeCurves() {
         for (const TableTitle& table : kTitles)
-            pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(table.kind));
+            pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(physics_, table.kind));
     }
 
     /// The states, where the supply is known.
@@ -131,23 +131,6 @@ public:
     }
 
 private:
-    /// Where the rails are in a table's own voltage, with the pin's voltage there.
-    [[nodiscard]] std::vector<Rule> railsOfTable(TableKind kind) const {
-        std::vector<Rule> rails;
-        const std::optional<TableAtPin> table = physics_.atPin(kind, Corner::typ);
-        const References& given = physics_.references();
-        if (!table) return rails;
-        for (const GivenValue rail : {given.pulldown, given.pullup})
-            if (rail) rails.push_back(rail_(table->tableVoltage(*rail), "pin ", *rail));
-        return rails;
-    }
-
-    static Rule rail_(double at, std::string_view word, double voltage) {
-        std::string label(word);
-        appendQuantity(label, voltage, "V", 4);
-        return {.kind = Rule::Kind::rail, .upright = true, .at = at, .label = std::move(label)};
-    }
-
     [[nodiscard]] bool hasState(DriveState state) const {
         const bool drives = state == DriveState::low ? physics_.drivesLow() : physics_.drivesHigh();
         if (state != DriveState::off && !drives) return false;
@@ -193,7 +176,7 @@ private:
         cutAtDriver(plot, between_rails, all);
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
-            if (rail) plot.rules.push_back(rail_(*rail, "", *rail));
+            if (rail) plot.rules.push_back(railAt(*rail, "", *rail));
         pictures_.marks.markByWords(plot, std::string(stateWord(state)).append("-state"));
         if (state == DriveState::off) {
             pictures_.marks.markByWords(plot, "the clamps carry");
@@ -396,11 +379,11 @@ private:
                 const WaveCorner& wave = waveform.corners[corner];
                 return wave.given && canBeDrawn(wave.size()) ? quantityText(wave.size(), "V", 3) : std::string();
             });
-            row(table, "20\u201380\u00a0%", [&](Corner corner) {
+            row(table, std::string(title).append(": 20\u201380\u00a0%"), [&](Corner corner) {
                 const auto& middle = waveform.corners[corner].middle;
                 return middle ? quantityText(middle->high.x - middle->low.x, "s", 3) : std::string();
             });
-            row(table, "rate", [&](Corner corner) {
+            row(table, std::string(title).append(": rate"), [&](Corner corner) {
                 const GivenValue rate = waveform.corners[corner].rate;
                 return rate ? quantityText(*rate * 1e-9, "V/ns", 3) : std::string();
             });
@@ -454,6 +437,11 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     ModelFigures figures(part, model, pictures);
     figures.writeNumbers();
     part.html << "</div>\n";
+    // The script makes the pictures of so many models when they are looked at; without it they are there.
+    constexpr std::uint32_t kMostAtOnce = 40;
+    const Anchor* const place = part.anchors.find(&model);
+    const bool is_later = place != nullptr && place->number > kMostAtOnce;
+    if (is_later) part.html << "<noscript class=\"later\">";
     writeLegend(part.html, pictures.drawn);
     part.html << "<div class=\"plots\">\n";
     figures.writeCurves();
@@ -463,7 +451,7 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     if (model.on_block) writeSeries(pictures, *model.on_block, kOnLabel);
     if (model.off_block) writeSeries(pictures, *model.off_block, kOffLabel);
     figures.writeWaveforms();
-    part.html << "</div>\n";
+    part.html << (is_later ? Markup("</div></noscript>\n") : Markup("</div>\n"));
 }
 
 void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {

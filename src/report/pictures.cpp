@@ -42,7 +42,7 @@ void addMark(Plot& plot, const ShownFinding& finding, double x) {
         if (found) y = found;
         if (found && line.corner == corner) break;
     }
-    if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.text});
+    if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.shownText()});
 }
 
 /// Findings about a table name it so, or in brackets.
@@ -155,6 +155,22 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
         if (!points[corner].empty()) plot.lines.push_back({corner, std::move(points[corner])});
     return plot;
+}
+
+Rule railAt(double at, std::string_view word, double voltage) {
+    std::string label(word);
+    appendQuantity(label, voltage, "V", 4);
+    return {.kind = Rule::Kind::rail, .upright = true, .at = at, .label = std::move(label)};
+}
+
+std::vector<Rule> railsOfTable(const ModelPhysics& physics, TableKind kind) {
+    std::vector<Rule> rails;
+    const std::optional<TableAtPin> table = physics.atPin(kind, Corner::typ);
+    const References& given = physics.references();
+    if (!table) return rails;
+    for (const GivenValue rail : {given.pulldown, given.pullup})
+        if (rail) rails.push_back(railAt(table->tableVoltage(*rail), "pin ", *rail));
+    return rails;
 }
 
 std::string waveformTitle(std::string_view word, const Wvfrm& waveform) {

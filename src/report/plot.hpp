@@ -49,7 +49,7 @@ struct Dots {
 struct PlotMark {
     Point at;
     Anchor finding;
-    std::string_view text;
+    std::string text;
 };
 
 /// A picture before it is drawn.

@@ -1,6 +1,6 @@
 "use strict";
 // What the page can do beyond being read: filters, sorting, rows that are made when they are wanted, a cursor and
-// zoom in the pictures. Texts only ever become text nodes.
+// zoom in the pictures. Texts of files only ever become text nodes.
 (() => {
   const all = (root, selector) => Array.from(root.querySelectorAll(selector));
   const fill = (element, attributes, children) => {
@@ -16,9 +16,11 @@
     made.addEventListener("click", action);
     return made;
   };
+  /** A text as it is sought: without case, and with a hyphen for a minus sign. */
+  const plain = (text) => text.toLowerCase().replaceAll("\u2212", "-");
   const search = (label, action) => {
     const input = make("input", { type: "search", "aria-label": label, placeholder: label });
-    input.addEventListener("input", () => action(input.value.toLowerCase()));
+    input.addEventListener("input", () => action(plain(input.value)));
     return input;
   };
 
@@ -75,7 +77,7 @@
     const apply = () => {
       let shown = 0;
       for (const row of rows) {
-        row.hidden = hidden.has(row.className) || !row.textContent.toLowerCase().includes(wanted);
+        row.hidden = hidden.has(row.className) || !plain(row.textContent).includes(wanted);
         if (!row.hidden) ++shown;
       }
       count.textContent = shown === rows.length ? "" : shown + " of " + rows.length;
@@ -145,7 +147,7 @@
       const extend = () => {
         const rows = [];
         for (; next < lines.length && rows.length < PIECE; ++next)
-          if (wanted === "" || lines[next].toLowerCase().includes(wanted)) rows.push(rowOf(lines[next]));
+          if (wanted === "" || plain(lines[next]).includes(wanted)) rows.push(rowOf(lines[next]));
         made.push(...rows);
         body.append(...rows);
         more.hidden = next >= lines.length;
@@ -154,7 +156,7 @@
       };
       const restart = (text) => {
         wanted = text;
-        for (const row of first) row.hidden = text !== "" && !row.textContent.toLowerCase().includes(text);
+        for (const row of first) row.hidden = text !== "" && !plain(row.textContent).includes(text);
         made.forEach((row) => row.remove());
         made = [];
         next = 0;
@@ -488,6 +490,19 @@
   all(document, ".long").forEach(makeLong);
   all(document, "figure.matrix").forEach(makeMatrix);
   all(document, "svg.plot").forEach((plot) => plot.setAttribute("tabindex", "0"));
+  // Pictures of the models of a library are elements as soon as somebody comes near.
+  const makePictures = (later) => {
+    const holder = make("template", {});
+    holder.innerHTML = later.textContent; // what the program wrote as markup, as it would be read without a script
+    all(holder.content, "svg.plot").forEach((plot) => plot.setAttribute("tabindex", "0"));
+    later.replaceWith(holder.content);
+  };
+  const near = new IntersectionObserver((entries) => entries.forEach(({ isIntersecting, target }) => {
+    if (!isIntersecting) return;
+    near.unobserve(target);
+    all(target, "noscript.later").forEach(makePictures);
+  }), { rootMargin: "1500px 0px" });
+  all(document, "noscript.later").forEach((later) => near.observe(later.closest(".model")));
   document.body.append(spoken, draw("svg", { width: 0, height: 0, style: "position:absolute", "aria-hidden": "true" },
     draw("clipPath", { id: "frame" },
       draw("rect", { x: BOX.left - 1, y: BOX.top - 1, width: BOX.width + 2, height: BOX.height + 2 }))));
@@ -498,6 +513,7 @@
   let opened = [];
   let heads = [];
   window.addEventListener("beforeprint", () => {
+    all(document, "noscript.later").forEach(makePictures);
     opened = all(document, "details.fold:not(.explanation):not([open])");
     opened.forEach((fold) => { fold.open = true; });
     heads = all(document, "th > button").map((head) => [head, document.createTextNode(head.textContent)]);

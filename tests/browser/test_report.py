@@ -15,6 +15,7 @@ from browser import Browser, tidy_complaints, write_report
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
 
 PROGRAM = ""
 SOURCE = pathlib.Path()
@@ -277,6 +278,9 @@ class Report(unittest.TestCase):
         box.send_keys(Keys.BACKSPACE * 10)
         self.assertEqual(browser.run(rows), 200)
 
+    def driver_waits(self, holds):
+        WebDriverWait(self.browser.driver, 10).until(lambda driver: holds())
+
     def plot(self, title):
         return self.browser.driver.find_element(
             By.XPATH, f"//figure[figcaption[starts-with(normalize-space(), '{title}')]]//*[name()='svg']")
@@ -395,6 +399,15 @@ class Report(unittest.TestCase):
         milliseconds = browser.run("const [entry] = performance.getEntriesByType('navigation'); return entry.loadEventEnd")
         self.assertLess(milliseconds, 3000)
         self.assertEqual(browser.count(".model"), 200)
+        # Pictures far below are made when somebody comes near, or prints.
+        self.assertEqual(browser.count(".model:nth-of-type(n + 150) svg.plot"), 0)
+        browser.run("document.querySelectorAll('.model')[180].scrollIntoView()")
+        self.driver_waits(lambda: browser.run("return document.querySelectorAll('.model')[180].querySelector('svg.plot') !== null"))
+        self.assertEqual(browser.run("return document.querySelectorAll('.model')[180].querySelectorAll('svg.plot').length"),
+                         browser.run("return document.querySelectorAll('.model')[0].querySelectorAll('svg.plot').length"))
+        browser.run("window.dispatchEvent(new Event('beforeprint'))")
+        self.assertEqual(browser.count("noscript"), 0)
+        self.assertEqual(browser.count("svg.plot"), 200 * browser.run("return document.querySelectorAll('.model')[0].querySelectorAll('svg.plot').length"))
 
 
 if __name__ == "__main__":
