@@ -447,7 +447,7 @@
 
   const makeMatrix = (figure) => {
     const picture = figure.querySelector("svg");
-    const values = figure.querySelector("pre.values");
+    const values = figure.querySelector("pre.entries");
     const readout = make("small", {});
     figure.querySelector("figcaption").append(" ", readout);
     let entries = null;
