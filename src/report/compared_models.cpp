@@ -44,7 +44,8 @@ class ComparedPictures {
 public:
     ComparedPictures(Html& html, std::string_view owner, const Groups& groups)
         : html_(html), owner_(owner), groups_(&groups) {}
-    ComparedPictures(Html& html, std::string_view owner) : html_(html), owner_(owner) {}
+    ComparedPictures(Html& html, std::string_view owner, bool is_new)
+        : html_(html), owner_(owner), has_new_(is_new), has_old_(!is_new) {}
     ComparedPictures(const ComparedPictures&) = delete;
     ComparedPictures& operator=(const ComparedPictures&) = delete;
     ~ComparedPictures() {
@@ -137,7 +138,7 @@ private:
 
     void begin() {
         if (std::exchange(begun_, true)) return;
-        writeComparedLegend(html_);
+        writeComparedLegend(html_, has_new_, has_old_);
         html_ << "<div class=\"plots\">\n";
     }
 
@@ -145,6 +146,8 @@ private:
     std::string_view owner_;
     const Groups* groups_ = nullptr; ///< what changed; null where one file has the record only
     std::array<PointRoom, 2> points_;
+    bool has_new_ = true;
+    bool has_old_ = true;
     bool begun_ = false;
 };
 
@@ -225,7 +228,7 @@ template <class Record> void writeLonely(Html& html, Anchor anchor, const Record
          << (pair.is != nullptr ? Markup("added") : Markup("removed")) << "</p>\n";
     {
         const Record none{};
-        ComparedPictures pictures(html, record.name);
+        ComparedPictures pictures(html, record.name, pair.is != nullptr);
         writePictures(pictures, pair.was != nullptr ? *pair.was : none, pair.is != nullptr ? *pair.is : none, record);
     }
     html << "</section>\n";

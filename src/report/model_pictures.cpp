@@ -7,6 +7,9 @@ namespace kestrel {
 
 namespace {
 
+/// Its word joiner keeps the unit in one line.
+constexpr std::string_view kVoltsPerNanosecond = "V/\u2060ns";
+
 constexpr Axis kTableAxis{"Table voltage", "V"};
 constexpr Axis kPinAxis{"Pin voltage", "V"};
 constexpr Axis kChangeAxis{"Change of voltage", "V"};
@@ -385,7 +388,7 @@ private:
             });
             row(table, std::string(title).append(": rate"), [&](Corner corner) {
                 const GivenValue rate = waveform.corners[corner].rate;
-                return rate ? quantityText(*rate * 1e-9, "V/ns", 3) : std::string();
+                return rate ? quantityText(*rate * 1e-9, kVoltsPerNanosecond, 3) : std::string();
             });
         }
     }

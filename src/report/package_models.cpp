@@ -122,14 +122,14 @@ void writeGrid(Html& html, const PkgMdl& package, const Mtx& matrix, const Matri
         values.push_back(' ');
         values.append(quantityText(entry.value, unit, 4)).push_back('\n');
     });
-    html << "<figure class=\"matrix\"><figcaption><small>The darker, the larger: a shade is half a "
+    html << "<figure class=\"matrix\"><figcaption><small>The stronger the color, the larger: a shade is half a "
             "decade.</small></figcaption>";
     const auto side = static_cast<std::int32_t>(size);
     Coordinates box;
     box.add("-1 -1 ").step(side + 2).step(side + 2);
     html.begin("svg", {{"class", Literal("matrix")}, {TextAttribute("viewBox"), box}, {"role", Literal("img")}});
     html << "<title>" << Text(title) << " matrix of " << Text(package.name) << "</title><desc>"
-         << "Each square is an entry; the darker, the larger.</desc>";
+         << "Each square is an entry; the stronger its color, the larger.</desc>";
     Coordinates frame;
     frame.add("M0 0h").step(side).add("v").step(side).add("H0z");
     html.path("f", frame);

@@ -207,10 +207,13 @@ void writeLegend(Html& html, const PerCorner<bool>& drawn) {
     html << "</p>\n";
 }
 
-void writeComparedLegend(Html& html) {
-    html << "<p class=\"legend\">New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> "
-            "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
-            "<b class=\"w-x\">max</b></p>\n";
+void writeComparedLegend(Html& html, bool has_new, bool has_old) {
+    html << "<p class=\"legend\">";
+    if (has_new) html << "New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> ";
+    if (has_old)
+        html << "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
+                "<b class=\"w-x\">max</b>";
+    html << "</p>\n";
 }
 
 } // namespace kestrel

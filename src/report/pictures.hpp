@@ -60,7 +60,7 @@ private:
 
 /// Writes what the lines of the corners that are drawn look like.
 void writeLegend(Html& html, const PerCorner<bool>& drawn);
-/// The same of pictures that compare two files.
-void writeComparedLegend(Html& html);
+/// The same of pictures with lines of one or both of two files that are compared.
+void writeComparedLegend(Html& html, bool has_new, bool has_old);
 
 } // namespace kestrel
