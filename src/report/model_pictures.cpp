@@ -382,7 +382,7 @@ private:
                 const WaveCorner& wave = waveform.corners[corner];
                 return wave.given && canBeDrawn(wave.size()) ? quantityText(wave.size(), "V", 3) : std::string();
             });
-            row(table, std::string(title).append(": 20\u201380\u00a0%"), [&](Corner corner) {
+            row(table, std::string(title).append(": 20\u2013\u206080\u00a0%"), [&](Corner corner) {
                 const auto& middle = waveform.corners[corner].middle;
                 return middle ? quantityText(middle->high.x - middle->low.x, "s", 3) : std::string();
             });
