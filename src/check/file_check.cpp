@@ -37,7 +37,8 @@ void giveAdvice(const Run& run, std::string_view name) {
                               .shown_line = advice.line,
                               .exact = advice.exact,
                               .subject = advice.subject,
-                              .text = advice.text});
+                              .text = advice.text,
+                              .at = advice.at});
     }
 }
 

@@ -53,6 +53,8 @@ struct Finding {
     bool exact;                      ///< it is about the line itself
     const Subject* subject;          ///< the record that it is about, null when it is about none
     std::string_view text;
+    /// What it is about within a table: a value of the first column, where the finding has one that its text lacks.
+    std::optional<double> at{};
 };
 
 /// Findings by class.

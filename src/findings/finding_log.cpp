@@ -19,7 +19,8 @@ void FindingLog::add(std::string_view printed, const Finding& finding) {
                         .printed = printed.size(),
                         .file = same_file ? 0 : finding.file.size(),
                         .name = name.size(),
-                        .text = finding.text.size()});
+                        .text = finding.text.size(),
+                        .at = finding.at});
     texts_.append(printed);
     if (!same_file) texts_.append(last_file_ = finding.file);
     texts_.append(name).append(finding.text);
@@ -45,7 +46,8 @@ void FindingLog::replay(const std::function<void(std::string_view, const Finding
                              .shown_line = entry.shown_line,
                              .exact = entry.exact,
                              .subject = entry.has_subject ? &subject : nullptr,
-                             .text = take(entry.text)});
+                             .text = take(entry.text),
+                             .at = entry.at});
     }
 }
 

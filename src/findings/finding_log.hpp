@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,7 @@ private:
         std::size_t file;
         std::size_t name;
         std::size_t text;
+        std::optional<double> at;
     };
 
     std::vector<Entry> entries_;

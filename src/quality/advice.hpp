@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ struct Advice {
     bool exact;             ///< it is about this very line, not about what begins there
     const Subject* subject; ///< the record that it is about, null for the whole file
     std::string text;
+    std::optional<double> at{}; ///< the voltage or time within its table, where the text does not say it
 };
 
 /// Where an advice belongs, and what its text begins with.
@@ -47,6 +49,9 @@ public:
 
     /// Adds "; 2 more states and corners fall" to the text that was added last, or nothing for 0.
     void addMore(CheckedMore words, std::size_t count);
+
+    /// Says which voltage or time of its table the advice is about that was added last.
+    void setPlace(double at) { list_.back().at = at; }
 
     /// An advice with the text of a message, as it is.
     template <class... Args>

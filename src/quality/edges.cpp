@@ -13,7 +13,6 @@ namespace {
 
 constexpr double kPlayOfRates = 1.2;  // that a weak corner may be faster
 constexpr double kPlayOfStrong = 0.8; // that a strong corner may be slower
-constexpr double kNearRail = 0.1;     // of Vcc
 constexpr double kRampPart = 0.6;     // of the swing: from 20 % to 80 %
 
 AdvicePlace placeOfWave(const AdvisedModel& advised, const Waveform& waveform) {
@@ -49,13 +48,6 @@ template <class Visit> void eachMovingWave(const AdvisedModel& advised, Visit vi
     });
 }
 
-bool isNear(GivenValue voltage, GivenValue rail, GivenValue vcc) {
-    return voltage && rail && vcc && std::fabs(*voltage - *rail) <= kNearRail * *vcc;
-}
-
-/// True where a value is given and is not 0.
-bool isNotZero(GivenValue value) { return value && *value != 0.0; }
-
 /// One of the two lines of a ramp.
 struct RampLine {
     Edge edge;
@@ -83,14 +75,6 @@ std::array<RampLine, 2> rampLines(const AdvisedModel& advised) {
     const bool drives = advised.drives();
     return {RampLine{Edge::rising, "dV/dt_r", drives ? &ramp.dv_dt_r : &kNone},
             RampLine{Edge::falling, "dV/dt_f", drives ? &ramp.dv_dt_f : &kNone}};
-}
-
-/// The load of the ramp in ohms; nothing where its line gives none that can be used.
-GivenValue rampLoad(const AdvisedModel& advised) {
-    constexpr double kUsual = 50.0;
-    const GivenValue given = advised.model.tables->ramp->r_load;
-    if (!given) return kUsual;
-    return *given > 0.0 && std::isfinite(*given) ? given : GivenValue();
 }
 
 /// How far corners are out of order: the larger of min over typ and typ over max, where that is more than some play.
@@ -192,6 +176,8 @@ void checkWaveformEnds(const AdvisedModel& advised, AdviceList& list) {
              std::string_view(worst.at_end ? "ends" : "begins"), level(worst.level), level(worst.of_tables),
              cornerWord(worst.corner));
     list.addMore(301, differences.more());
+    const WaveCorner& wave = worst.waveform->corners[worst.corner];
+    list.setPlace(worst.at_end ? wave.end() : wave.begin);
 }
 
 void checkTwoLoads(const AdvisedModel& advised, AdviceList& list) {
@@ -232,6 +218,7 @@ void checkDeadTime(const AdvisedModel& advised, AdviceList& list) {
     list.add(placeOfWave(advised, *worst->waveform), 303, seconds(worst->measures().dead_time),
              seconds(worst->measures().duration), edgeWord(worst->waveform->edge), worst->word());
     list.addMore(303, worst.more());
+    list.setPlace(worst->measures().begin + worst->measures().dead_time);
 }
 
 void checkSettled(const AdvisedModel& advised, AdviceList& list) {
@@ -245,6 +232,7 @@ void checkSettled(const AdvisedModel& advised, AdviceList& list) {
     list.add(placeOfWave(advised, *worst->waveform), 304, worst->name(), volts(worst->measures().late_movement),
              volts(worst->measures().size()), "5 %", worst->word());
     list.addMore(304, worst.more());
+    list.setPlace(worst->measures().late_time);
 }
 
 void checkWaveformSteps(const AdvisedModel& advised, AdviceList& list) {
@@ -263,6 +251,7 @@ void checkWaveformSteps(const AdvisedModel& advised, AdviceList& list) {
     list.add(placeOfWave(advised, *worst->waveform), 305, worst->name(), volts(step.volts),
              volts(worst->measures().size()), seconds(step.seconds));
     list.addMore(305, worst.more());
+    list.setPlace(step.end);
 }
 
 void checkMovement(const AdvisedModel& advised, AdviceList& list) {
@@ -270,8 +259,7 @@ void checkMovement(const AdvisedModel& advised, AdviceList& list) {
     Worst<WaveAt> worst;
     eachWave(advised, [&](const WaveAt& wave) {
         const GivenValue vcc = advised.physics.vcc(wave.corner);
-        const GivenValue far = advised.physics.farRail(wave.waveform->edge, wave.corner);
-        if (!isNear(fixtureVoltage(*wave.waveform->record, wave.corner), far, vcc)) return;
+        if (!vcc || !leadsToFarRail(*wave.waveform, wave.corner, advised.physics)) return;
         if (wave.measures().size() < kLimit * *vcc) worst.add(wave);
     });
     if (!worst) return;
@@ -292,6 +280,8 @@ void checkLevelsOfEdges(const AdvisedModel& advised, AdviceList& list) {
              std::string_view(worst->is_high ? "high" : "low"), level(worst->in_rising), level(worst->in_falling),
              worst->rising.word());
     list.addMore(307, worst.more());
+    const WaveCorner& rising = worst->rising.measures();
+    list.setPlace(worst->is_high ? rising.end() : rising.begin);
 }
 
 void checkWaveformCorners(const AdvisedModel& advised, AdviceList& list) {
@@ -322,20 +312,13 @@ void checkRampRate(const AdvisedModel& advised, AdviceList& list) {
         WaveAt wave;
     };
     const std::array<RampLine, 2> lines = rampLines(advised);
-    const GivenValue load = rampLoad(advised);
-    const auto has_plain_fixture = [&](const WaveAt& wave) {
-        const Wvfrm& record = *wave.waveform->record;
-        return !isNotZero(record.c_fixture) && !isNotZero(record.l_fixture) && !isNotZero(record.r_dut) &&
-               !isNotZero(record.l_dut) && !isNotZero(record.c_dut) && isSame(record.r_fixture, load) &&
-               isNear(fixtureVoltage(record, wave.corner), advised.physics.farRail(wave.waveform->edge, wave.corner),
-                      advised.physics.vcc(wave.corner));
-    };
     Worst<Found> worst;
     eachMovingWave(advised, [&](const WaveAt& wave) {
         const RampLine& line = lines[static_cast<std::size_t>(wave.waveform->edge)];
         const GivenValue of_ramp = line.slew(wave.corner);
         const GivenValue of_wave = wave.measures().rate;
-        if (!load || !of_ramp || !of_wave || wave.measures().isCoarse() || !has_plain_fixture(wave)) return;
+        if (!of_ramp || !of_wave || wave.measures().isCoarse()) return;
+        if (!hasLoadOfRamp(*wave.waveform, wave.corner, *advised.model.tables->ramp, advised.physics)) return;
         if (!(*of_ramp > 0.0) || !(*of_wave > 0.0)) return;
         const double factor = std::fmax(*of_ramp / *of_wave, *of_wave / *of_ramp);
         if (factor > kLimit) worst.add(factor, Found{line, wave});
@@ -350,7 +333,7 @@ void checkRampRate(const AdvisedModel& advised, AdviceList& list) {
 void checkRampSwing(const AdvisedModel& advised, AdviceList& list) {
     constexpr double kLimit = 0.2;
     const ModelPhysics& physics = advised.physics;
-    const GivenValue load = rampLoad(advised);
+    const GivenValue load = rampLoad(*advised.model.tables->ramp);
     if (!load) return;
     const auto is_off_rail = [&physics] {
         return (physics.drivesLow() && !physics.isAtRail(DriveState::low)) ||

@@ -86,6 +86,7 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
     wave.given = true;
     wave.first = points.front().y;
     wave.last = points.back().y;
+    wave.begin = points.front().x;
     wave.duration = points.back().x - points.front().x;
     wave.moves = vcc && wave.size() > kMoves * *vcc && std::isfinite(wave.size());
     if (!wave.moves) return wave;
@@ -95,7 +96,7 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
     wave.back_from = wave.back_to = farthest;
     for (std::size_t i = 1; i < points.size(); ++i) {
         const Point& point = points[i];
-        const WaveStep step{std::fabs(point.y - points[i - 1].y), point.x - points[i - 1].x};
+        const WaveStep step{std::fabs(point.y - points[i - 1].y), point.x - points[i - 1].x, point.x};
         if (i == 1) wave.first_step = step;
         if (step.volts > wave.largest_step.volts) wave.largest_step = step;
         const double ahead = rises ? point.y - farthest.y : farthest.y - point.y;
@@ -107,7 +108,8 @@ WaveCorner measureWave(std::span<const Point> points, GivenValue vcc) {
         }
     }
     wave.dead_time = timeInBand(points, kStays * wave.size());
-    wave.late_movement = movementFrom(points, points.back().x - kEnd * wave.duration);
+    wave.late_time = points.back().x - kEnd * wave.duration;
+    wave.late_movement = movementFrom(points, wave.late_time);
     wave.middle = middleOf(points, wave.swing());
     if (wave.middle) wave.rate = rateOf(*wave.middle, wave.swing());
     return wave;
@@ -131,6 +133,28 @@ std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics,
             waveform.corners[corner] = measureWave(points[corner], physics.vcc(corner));
     }
     return list;
+}
+
+GivenValue rampLoad(const Ramp& ramp) {
+    constexpr double kUsual = 50.0;
+    if (!ramp.r_load) return kUsual;
+    return *ramp.r_load > 0.0 && std::isfinite(*ramp.r_load) ? ramp.r_load : GivenValue();
+}
+
+bool leadsToFarRail(const Waveform& waveform, Corner corner, const ModelPhysics& physics) {
+    constexpr double kNear = 0.1; // of Vcc
+    const GivenValue voltage = fixtureVoltage(*waveform.record, corner);
+    const GivenValue rail = physics.farRail(waveform.edge, corner);
+    const GivenValue vcc = physics.vcc(corner);
+    return voltage && rail && vcc && std::fabs(*voltage - *rail) <= kNear * *vcc;
+}
+
+bool hasLoadOfRamp(const Waveform& waveform, Corner corner, const Ramp& ramp, const ModelPhysics& physics) {
+    const Wvfrm& record = *waveform.record;
+    for (const GivenValue& other : {record.c_fixture, record.l_fixture, record.r_dut, record.l_dut, record.c_dut})
+        if (other && *other != 0.0) return false;
+    const GivenValue load = rampLoad(ramp);
+    return load && record.r_fixture && *record.r_fixture == *load && leadsToFarRail(waveform, corner, physics);
 }
 
 GivenValue fixtureVoltage(const Wvfrm& waveform, Corner corner) {

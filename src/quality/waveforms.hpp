@@ -15,6 +15,7 @@ namespace kestrel {
 struct WaveStep {
     double volts = 0.0; ///< magnitude
     double seconds = 0.0;
+    double end = 0.0; ///< the time of the second row
 };
 
 /// The middle of an edge: from the last crossing of 20 % of the swing ahead of the first one of 80 % to that.
@@ -28,8 +29,10 @@ struct WaveCorner {
     bool given = false; ///< it has two rows; nothing else counts without
     double first = 0.0;
     double last = 0.0;
+    double begin = 0.0; ///< the time of the first value
     double duration = 0.0;
 
+    [[nodiscard]] double end() const { return begin + duration; }
     [[nodiscard]] double swing() const { return last - first; }
     [[nodiscard]] double size() const { return std::fabs(swing()); }
 
@@ -38,6 +41,7 @@ struct WaveCorner {
     WaveStep largest_step;
     double dead_time = 0.0;     ///< in which it stays near its first value
     double late_movement = 0.0; ///< volts that it goes through at its end
+    double late_time = 0.0;     ///< when its end begins
     Point back_from{};          ///< where it goes back from,
     Point back_to{};            ///< and where to, at most
     std::optional<WaveMiddle> middle;
@@ -63,6 +67,15 @@ struct Waveform {
 
 /// The waveforms of a model in the order of the file. `room` is for points in between.
 [[nodiscard]] std::vector<Waveform> waveformsOf(const Mdl& model, const ModelPhysics& physics, PointRoom& room);
+
+/// The load of a ramp in ohms; nothing where its line gives none that can be used.
+[[nodiscard]] GivenValue rampLoad(const Ramp& ramp);
+/// The fixture leads to the far rail of the waveform's edge.
+[[nodiscard]] bool leadsToFarRail(const Waveform& waveform, Corner corner, const ModelPhysics& physics);
+/// The fixture is the load for which the ramp of the waveform's edge is given: its resistance and nothing else, to the
+/// far rail.
+[[nodiscard]] bool hasLoadOfRamp(const Waveform& waveform, Corner corner, const Ramp& ramp,
+                                 const ModelPhysics& physics);
 
 /// The voltage to which the fixture leads in a corner.
 [[nodiscard]] GivenValue fixtureVoltage(const Wvfrm& waveform, Corner corner);

@@ -36,14 +36,16 @@ std::string bodyBehind(const ChangeGroup& group, std::string_view field) {
     std::string text;
     appendBody(text, group);
     text.erase(0, std::min(text.size(), field.size() + 1));
-    return text;
+    return withMinusSigns(text);
 }
 
-/// The pictures of a record that changed.
+/// The pictures of a record that changed, or that only one file has.
 class ComparedPictures {
 public:
     ComparedPictures(Html& html, std::string_view owner, const Groups& groups)
-        : html_(html), owner_(owner), groups_(groups) {}
+        : html_(html), owner_(owner), groups_(&groups) {}
+    ComparedPictures(Html& html, std::string_view owner, bool is_new)
+        : html_(html), owner_(owner), has_new_(is_new), has_old_(!is_new) {}
     ComparedPictures(const ComparedPictures&) = delete;
     ComparedPictures& operator=(const ComparedPictures&) = delete;
     ~ComparedPictures() {
@@ -51,9 +53,10 @@ public:
     }
 
     /// The curves of an I-V table; null where a file lacks it.
-    void curve(std::string_view field, std::string_view title, const Crv* was, const Crv* is) {
+    void curve(std::string_view field, std::string_view title, const Crv* was, const Crv* is,
+               std::vector<Rule> rails = {}) {
         const auto rows = [](const Crv* table) { return table != nullptr && *table ? &table->rows : nullptr; };
-        draw(field, std::string(title), rows(was), rows(is), {kTableAxis, kCurrentAxis});
+        draw(field, std::string(title), rows(was), rows(is), {kTableAxis, kCurrentAxis}, std::move(rails));
     }
 
     void waveforms(std::string_view keyword, std::string_view word, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
@@ -74,9 +77,9 @@ public:
         };
         const std::string field = waveformField(keyword, was != nullptr ? *was : *is);
         const std::string title = waveformTitle(word, is != nullptr ? *is : *was);
-        draw(field, title, rows(was), rows(is), {kTimeAxis, kVoltageAxis});
+        draw(field, title, rows(was), rows(is), {kTimeAxis, kVoltageAxis}, {});
         draw(field + " [Composite Current]", "Supply current, " + title, current(was), current(is),
-             {kTimeAxis, kCurrentAxis});
+             {kTimeAxis, kCurrentAxis}, {});
     }
 
     void onlyWaveform(std::string_view keyword, std::string_view word, const OnDemand<Wvfrm>& was,
@@ -84,11 +87,15 @@ public:
         if (was || is) waveform(keyword, word, was ? &*was : nullptr, is ? &*is : nullptr);
     }
 
-    void tables(const Tables& was, const Tables& is) {
-        curve("[Pulldown]", "Pulldown", &was.pulldown, &is.pulldown);
-        curve("[Pullup]", "Pullup", &was.pullup, &is.pullup);
-        curve("[GND Clamp]", "GND Clamp", &was.gnd_clamp, &is.gnd_clamp);
-        curve("[POWER Clamp]", "POWER Clamp", &was.power_clamp, &is.power_clamp);
+    /// The I-V tables, with the rails of a model that has some.
+    void tables(const Tables& was, const Tables& is, const ModelPhysics* physics) {
+        const auto rails = [physics](TableKind kind) {
+            return physics != nullptr ? railsOfTable(*physics, kind) : std::vector<Rule>();
+        };
+        curve("[Pulldown]", "Pulldown", &was.pulldown, &is.pulldown, rails(TableKind::pulldown));
+        curve("[Pullup]", "Pullup", &was.pullup, &is.pullup, rails(TableKind::pullup));
+        curve("[GND Clamp]", "GND Clamp", &was.gnd_clamp, &is.gnd_clamp, rails(TableKind::gndClamp));
+        curve("[POWER Clamp]", "POWER Clamp", &was.power_clamp, &is.power_clamp, rails(TableKind::powerClamp));
     }
 
     void edges(const Tables& was, const Tables& is) {
@@ -102,17 +109,21 @@ private:
         Axis y;
     };
 
-    /// Draws a table in which something changed.
+    /// Draws a table in which something changed; of a record without changes every one that is there.
     void draw(std::string_view field, std::string title, const Rows<TableRow>* was, const Rows<TableRow>* is,
-              const Axes& axes) {
+              const Axes& axes, std::vector<Rule> rails) {
+        if (was == nullptr && is == nullptr) return;
         std::string note;
-        for (const ChangeGroup* const group : groups_) {
-            if (group->field != field) continue;
-            note.append(note.empty() ? "" : "; ").append(bodyBehind(*group, field));
+        if (groups_ != nullptr) {
+            for (const ChangeGroup* const group : *groups_) {
+                if (group->field != field) continue;
+                note.append(note.empty() ? "" : "; ").append(bodyBehind(*group, field));
+            }
+            if (note.empty()) return;
         }
-        if (note.empty() || (was == nullptr && is == nullptr)) return;
         Plot plot = plotOf(is != nullptr ? *is : Rows<TableRow>(), std::move(title), owner_, axes.x, axes.y);
         plot.note = std::move(note);
+        plot.rules = std::move(rails);
         if (was != nullptr) {
             // Below those of the new file.
             std::vector<PlotLine> old_lines = plotOf(*was, {}, {}, axes.x, axes.y).lines;
@@ -127,19 +138,24 @@ private:
 
     void begin() {
         if (std::exchange(begun_, true)) return;
-        writeComparedLegend(html_);
+        writeComparedLegend(html_, has_new_, has_old_);
         html_ << "<div class=\"plots\">\n";
     }
 
     Html& html_;
     std::string_view owner_;
-    const Groups& groups_;
+    const Groups* groups_ = nullptr; ///< what changed; null where one file has the record only
     std::array<PointRoom, 2> points_;
+    bool has_new_ = true;
+    bool has_old_ = true;
     bool begun_ = false;
 };
 
 void writeSeries(ComparedPictures& pictures, std::string_view label, const SeriesBlock* was, const SeriesBlock* is) {
-    if (was == nullptr || is == nullptr) return;
+    if (was == nullptr && is == nullptr) return;
+    const SeriesBlock none{};
+    if (was == nullptr) was = &none;
+    if (is == nullptr) is = &none;
     pictures.curve(FieldName(label, "[Series Current]").text(), std::string("Series Current ").append(label),
                    &was->series_current, &is->series_current);
     eachMosfetPair(*was, *is, [&](const std::string& field, const SMos* before, const SMos* now) {
@@ -148,8 +164,11 @@ void writeSeries(ComparedPictures& pictures, std::string_view label, const Serie
     });
 }
 
-void writePictures(ComparedPictures& pictures, const Mdl& was, const Mdl& is) {
-    pictures.tables(*was.tables, *is.tables);
+/// `of` is the one whose rails are drawn.
+void writePictures(ComparedPictures& pictures, const Mdl& was, const Mdl& is, const Mdl& of) {
+    PointRoom room;
+    const ModelPhysics physics(of, room);
+    pictures.tables(*was.tables, *is.tables, &physics);
     pictures.curve("[ISSO_PD]", "ISSO PD", &was.tables->isso_pd, &is.tables->isso_pd);
     pictures.curve("[ISSO_PU]", "ISSO PU", &was.tables->isso_pu, &is.tables->isso_pu);
     writeSeries(pictures, kOnLabel, was.on_block.get(), is.on_block.get());
@@ -157,8 +176,8 @@ void writePictures(ComparedPictures& pictures, const Mdl& was, const Mdl& is) {
     pictures.edges(*was.tables, *is.tables);
 }
 
-void writePictures(ComparedPictures& pictures, const SubMdl& was, const SubMdl& is) {
-    pictures.tables(*was.tables, *is.tables);
+void writePictures(ComparedPictures& pictures, const SubMdl& was, const SubMdl& is, const SubMdl& /*of*/) {
+    pictures.tables(*was.tables, *is.tables, nullptr);
     pictures.edges(*was.tables, *is.tables);
     pictures.onlyWaveform("[GND Pulse Table]", "GND pulse", was.gnd_pulse, is.gnd_pulse);
     pictures.onlyWaveform("[POWER Pulse Table]", "POWER pulse", was.power_pulse, is.power_pulse);
@@ -188,7 +207,7 @@ void writeChanged(Html& html, Anchor anchor, const RecordPair<Record>& pair, con
     for (const ChangeGroup* const group : groups) {
         std::string text;
         appendBody(text, *group);
-        html << "<li>" << Text(text);
+        html << "<li>" << Text(withMinusSigns(text));
         if (const std::size_t others = group->names.size() - 1; others > 0)
             html << " <small>as " << others << (others == 1 ? Markup(" other") : Markup(" others")) << "</small>";
         html << "</li>\n";
@@ -196,7 +215,21 @@ void writeChanged(Html& html, Anchor anchor, const RecordPair<Record>& pair, con
     html << "</ul></div>\n";
     {
         ComparedPictures pictures(html, pair.is->name, groups);
-        writePictures(pictures, *pair.was, *pair.is);
+        writePictures(pictures, *pair.was, *pair.is, *pair.is);
+    }
+    html << "</section>\n";
+}
+
+/// A record that only one of the files has, with all its curves.
+template <class Record> void writeLonely(Html& html, Anchor anchor, const RecordPair<Record>& pair) {
+    const Record& record = pair.is != nullptr ? *pair.is : *pair.was;
+    html.begin("section", {{"class", Literal("model")}, Attribute::id(anchor)});
+    html << "<h4>" << Text(record.name) << "</h4><p class=\"sub\">"
+         << (pair.is != nullptr ? Markup("added") : Markup("removed")) << "</p>\n";
+    {
+        const Record none{};
+        ComparedPictures pictures(html, record.name, pair.is != nullptr);
+        writePictures(pictures, pair.was != nullptr ? *pair.was : none, pair.is != nullptr ? *pair.is : none, record);
     }
     html << "</section>\n";
 }
@@ -221,7 +254,11 @@ void writeRecords(Html& html, Anchor (*anchor_of)(std::uint32_t pair, std::size_
     writeNames(html, "Unchanged", unchanged);
     for (std::size_t place = 0; place < records.size(); ++place) {
         const RecordPair<Record>& record = records[place];
-        if (record.was == nullptr || record.is == nullptr || !record.differs) continue;
+        if (record.was == nullptr || record.is == nullptr) {
+            writeLonely(html, anchor_of(pair, place), record);
+            continue;
+        }
+        if (!record.differs) continue;
         const auto groups = changes.find(record.is->name.view());
         if (groups != changes.end()) writeChanged(html, anchor_of(pair, place), record, groups->second);
     }

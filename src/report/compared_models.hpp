@@ -22,7 +22,7 @@ enum class ComparedSection : std::uint8_t { changes = 1, models, submodels };
 }
 
 /// Write the models and the submodels of a pair: those that changed with their changes and the curves of both files,
-/// the others by their names. Nothing where neither file has any.
+/// those that one file has only with its curves, the others by their names. Nothing where neither file has any.
 void writeComparedModels(Html& html, std::uint32_t pair, const FileChanges& changes);
 void writeComparedSubmodels(Html& html, std::uint32_t pair, const FileChanges& changes);
 

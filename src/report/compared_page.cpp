@@ -6,6 +6,7 @@
 #include "model/mdl.hpp"
 #include "model/submdl.hpp"
 #include "report/compared_models.hpp"
+#include "report/quantity.hpp"
 #include "report/tables.hpp"
 
 #include <array>
@@ -39,11 +40,15 @@ struct Places {
     ViewMap<Anchor> submodels;
 
     Places(std::uint32_t pair, const FileChanges& changes) {
-        for (std::size_t i = 0; i < changes.models.size(); ++i)
-            if (changes.models[i].differs) models.emplace(changes.models[i].is->name, anchorOfModel(pair, i));
-        for (std::size_t i = 0; i < changes.submodels.size(); ++i)
-            if (changes.submodels[i].differs)
-                submodels.emplace(changes.submodels[i].is->name, anchorOfSubmodel(pair, i));
+        const auto enter = [pair](ViewMap<Anchor>& places, const auto& records, auto anchor_of) {
+            for (std::size_t i = 0; i < records.size(); ++i) {
+                const auto& [was, is, differs] = records[i];
+                if (was == nullptr || is == nullptr || differs)
+                    places.emplace(is != nullptr ? is->name : was->name, anchor_of(pair, i));
+            }
+        };
+        enter(models, changes.models, anchorOfModel);
+        enter(submodels, changes.submodels, anchorOfSubmodel);
     }
 
     /// The place of the first record of a group; null without one.
@@ -67,6 +72,7 @@ void writeChanges(Html& html, std::uint32_t number, const FileChanges& changes) 
         body.clear();
         appendRecords(records, *group, kMostNames);
         appendBody(body, *group);
+        body = withMinusSigns(body);
         table.row(std::array{TableCell{records, places.find(*group)}, TableCell{body}});
     }
 }

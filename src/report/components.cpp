@@ -51,10 +51,18 @@ void writePins(const PartContext& part, const Cmpnt& component) {
     constexpr std::size_t kMostOpen = 64;
     const bool has_pairs = component.diff_pins && !component.diff_pins->rows.empty();
     const bool has_buses = component.pin_mapping && !component.pin_mapping->rows.empty();
+    const auto hasValues = [&component](Cell Pin::*value) {
+        return std::ranges::any_of(component.pins, [value](const Pin& pin) { return (pin.*value).isNumber(); });
+    };
+    const bool has_r = hasValues(&Pin::r_pin);
+    const bool has_l = hasValues(&Pin::l_pin);
+    const bool has_c = hasValues(&Pin::c_pin);
     LongTable table(
         part.html, "Pins", component.pins.size(),
         {"<th scope=\"col\">Pin</th>", "<th scope=\"col\">Signal</th>", "<th scope=\"col\" class=\"link\">Model</th>",
-         "<th scope=\"col\">R</th>", "<th scope=\"col\">L</th>", "<th scope=\"col\">C</th>",
+         has_r ? Markup("<th scope=\"col\">R</th>") : Markup(""),
+         has_l ? Markup("<th scope=\"col\">L</th>") : Markup(""),
+         has_c ? Markup("<th scope=\"col\">C</th>") : Markup(""),
          has_pairs ? Markup("<th scope=\"col\">Pair</th>") : Markup(""),
          has_buses ? Markup("<th scope=\"col\">Buses</th>") : Markup("")},
         component.pins.size() <= kMostOpen);
@@ -64,13 +72,12 @@ void writePins(const PartContext& part, const Cmpnt& component) {
     for (const Pin& pin : component.pins) {
         const std::string partner = partnerOf(component, pin.name);
         const std::string buses = busesOf(component, pin.name);
-        std::array<TableCell, 8> cells{TableCell{pin.name},
-                                       {pin.signal_name},
-                                       {pin.model_name, placeOfModel(part, pin.model_name)},
-                                       {pinValue(r, pin.r_pin, kOhm)},
-                                       {pinValue(l, pin.l_pin, "H")},
-                                       {pinValue(c, pin.c_pin, "F")}};
-        std::size_t count = 6;
+        std::array<TableCell, 8> cells{
+            TableCell{pin.name}, {pin.signal_name}, {pin.model_name, placeOfModel(part, pin.model_name)}};
+        std::size_t count = 3;
+        if (has_r) cells[count++].text = pinValue(r, pin.r_pin, kOhm);
+        if (has_l) cells[count++].text = pinValue(l, pin.l_pin, "H");
+        if (has_c) cells[count++].text = pinValue(c, pin.c_pin, "F");
         if (has_pairs) cells[count++].text = partner;
         if (has_buses) cells[count++].text = buses;
         table.row(std::span(cells).first(count));

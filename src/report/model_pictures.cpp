@@ -7,14 +7,19 @@ namespace kestrel {
 
 namespace {
 
+/// Its word joiner keeps the unit in one line.
+constexpr std::string_view kVoltsPerNanosecond = "V/\u2060ns";
+
 constexpr Axis kTableAxis{"Table voltage", "V"};
 constexpr Axis kPinAxis{"Pin voltage", "V"};
+constexpr Axis kChangeAxis{"Change of voltage", "V"};
 
 /// The pictures of one model or submodel.
 struct Pictures {
     const PartContext& part;
     std::string_view owner;
     FindingMarks marks;
+    PerCorner<bool> drawn{}; ///< the corners that the tables have values of
 
     void curve(const Crv& table, std::string_view title, std::string_view note, std::vector<Rule> rails = {}) {
         if (!table) return;
@@ -41,21 +46,34 @@ struct Pictures {
         writePlot(part.html, plot);
     }
 
-    void enter(const Crv& table) {
-        if (table) marks.enterTable(table.line);
-    }
-    void enter(const Rows<Wvfrm>& list) {
-        for (const Wvfrm& waveform : list) {
-            marks.enterTable(waveform.line);
-            if (waveform.composite_current) marks.enterTable(waveform.composite_current->line);
+    void enter(std::uint32_t line, const Rows<TableRow>& rows) {
+        marks.enterTable(line);
+        for (const TableRow& row : rows) {
+            for (const Corner corner : kCorners)
+                drawn[corner] = drawn[corner] || row[columnOf(corner)].isNumber();
+            if (drawn.typ() && drawn.min() && drawn.max()) return;
         }
+    }
+    void enter(const Crv& table) {
+        if (table) enter(table.line, table.rows);
+    }
+    void enter(const Wvfrm& waveform) {
+        enter(waveform.line, waveform.rows);
+        if (waveform.composite_current) enter(*waveform.composite_current);
+    }
+    void enter(const Ramp& ramp) {
+        marks.enterTable(ramp.line);
+        for (const std::optional<RampRate>* const rate : {&ramp.dv_dt_r, &ramp.dv_dt_f})
+            for (const Corner corner : kCorners)
+                drawn[corner] = drawn[corner] || (*rate && (**rate)[corner].dv.isNumber());
     }
     void enter(const Tables& tables) {
         for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
             enter(*table);
-        if (tables.ramp) marks.enterTable(tables.ramp->line);
-        enter(tables.rising_waveforms);
-        enter(tables.falling_waveforms);
+        if (tables.ramp) enter(*tables.ramp);
+        for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms})
+            for (const Wvfrm& waveform : *list)
+                enter(waveform);
     }
 };
 
@@ -93,7 +111,7 @@ public:
 
     void writeCurves() {
         for (const TableTitle& table : kTitles)
-            pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(table.kind));
+            pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(physics_, table.kind));
     }
 
     /// The states, where the supply is known.
@@ -105,6 +123,7 @@ public:
     void writeWaveforms() {
         for (const Waveform& waveform : waveforms_)
             writeWaveform(waveform);
+        writeOtherRamps();
     }
 
     void writeNumbers() {
@@ -115,23 +134,6 @@ public:
     }
 
 private:
-    /// Where the rails are in a table's own voltage, with the pin's voltage there.
-    [[nodiscard]] std::vector<Rule> railsOfTable(TableKind kind) const {
-        std::vector<Rule> rails;
-        const std::optional<TableAtPin> table = physics_.atPin(kind, Corner::typ);
-        const References& given = physics_.references();
-        if (!table) return rails;
-        for (const GivenValue rail : {given.pulldown, given.pullup})
-            if (rail) rails.push_back(rail_(table->tableVoltage(*rail), "pin ", *rail));
-        return rails;
-    }
-
-    static Rule rail_(double at, std::string_view word, double voltage) {
-        std::string label(word);
-        appendQuantity(label, voltage, "V", 4);
-        return {.kind = Rule::Kind::rail, .upright = true, .at = at, .label = std::move(label)};
-    }
-
     [[nodiscard]] bool hasState(DriveState state) const {
         const bool drives = state == DriveState::low ? physics_.drivesLow() : physics_.drivesHigh();
         if (state != DriveState::off && !drives) return false;
@@ -177,7 +179,7 @@ private:
         cutAtDriver(plot, between_rails, all);
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
-            if (rail) plot.rules.push_back(rail_(*rail, "", *rail));
+            if (rail) plot.rules.push_back(railAt(*rail, "", *rail));
         pictures_.marks.markByWords(plot, std::string(stateWord(state)).append("-state"));
         if (state == DriveState::off) {
             pictures_.marks.markByWords(plot, "the clamps carry");
@@ -232,12 +234,13 @@ private:
         const std::string_view word = rises ? "Rising" : "Falling";
         Plot plot = pictures_.waveform(*waveform.record, word, rises ? kRisingWaveform.open : kFallingWaveform.open);
         const Levels& levels = levelsOf(*waveform.record);
+        const bool has_ramp = showsRamp(waveform);
         for (const Corner corner : kCorners) {
-            addLevel(plot, "low ", levels.low[corner], corner);
-            addLevel(plot, "high ", levels.high[corner], corner);
+            addLevel(plot, "low", levels.low[corner], corner);
+            addLevel(plot, "high", levels.high[corner], corner);
             if (const auto& middle = waveform.corners[corner].middle) {
                 plot.dots.push_back({corner, {middle->low, middle->high}});
-                addRamp(plot, *middle, waveform.edge, corner);
+                if (has_ramp) addRamp(plot, *middle, waveform.edge, corner);
             }
         }
         addThresholds(plot);
@@ -247,10 +250,12 @@ private:
 
     static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
         if (!level || !canBeDrawn(*level)) return;
-        std::string label;
-        if (corner == Corner::typ) label.append(word).append(levelText(*level));
-        plot.rules.push_back(
-            {.kind = Rule::Kind::level, .upright = false, .at = *level, .label = std::move(label), .corner = corner});
+        plot.rules.push_back({.kind = Rule::Kind::level,
+                              .upright = false,
+                              .at = *level,
+                              .label = std::string(word),
+                              .corner = corner,
+                              .value = levelText(*level)});
     }
 
     /// A level; what is below a microvolt is 0.
@@ -259,16 +264,54 @@ private:
         return quantityText(std::abs(level) < kNothing ? 0.0 : level, "V", 3);
     }
 
-    /// The ramp as a straight line through the middle of the edge.
-    void addRamp(Plot& plot, const WaveMiddle& middle, Edge edge, Corner corner) const {
+    /// How far the ramp of an edge goes in a corner: in which time, and by which voltage.
+    [[nodiscard]] std::optional<Point> rampOf(Edge edge, Corner corner) const {
         const Ramp& ramp = *model_.tables->ramp;
         const std::optional<RampRate>& rate = edge == Edge::rising ? ramp.dv_dt_r : ramp.dv_dt_f;
-        if (!rate || !(*rate)[corner].dv.isNumber() || !((*rate)[corner].dt > 0.0)) return;
-        const double volts = (*rate)[corner].dv.value() / 2.0 * (edge == Edge::rising ? 1.0 : -1.0);
-        const double seconds = (*rate)[corner].dt / 2.0;
+        if (!rate || !(*rate)[corner].dv.isNumber() || !((*rate)[corner].dt > 0.0)) return std::nullopt;
+        const Point size{(*rate)[corner].dt, (*rate)[corner].dv.value() * (edge == Edge::rising ? 1.0 : -1.0)};
+        return canBeDrawn(size.x) && canBeDrawn(size.y) ? std::optional(size) : std::nullopt;
+    }
+
+    /// The waveform has the load of the ramp, and a middle through which its line goes.
+    [[nodiscard]] bool showsRamp(const Waveform& waveform) const {
+        return waveform.corners.typ().middle && hasLoadOfRamp(waveform, Corner::typ, *model_.tables->ramp, physics_);
+    }
+
+    /// The ramp as a straight line through the middle of the edge.
+    void addRamp(Plot& plot, const WaveMiddle& middle, Edge edge, Corner corner) const {
+        const std::optional<Point> size = rampOf(edge, corner);
+        if (!size) return;
         const Point center{(middle.low.x + middle.high.x) / 2.0, (middle.low.y + middle.high.y) / 2.0};
-        plot.lines.push_back(
-            {corner, {{center.x - seconds, center.y - volts}, {center.x + seconds, center.y + volts}}, true});
+        plot.lines.push_back({corner,
+                              {{center.x - size->x / 2.0, center.y - size->y / 2.0},
+                               {center.x + size->x / 2.0, center.y + size->y / 2.0}},
+                              true});
+    }
+
+    /// A picture of the ramps that no waveform shows, from where they begin.
+    void writeOtherRamps() {
+        Plot plot;
+        plot.title = "Ramp";
+        plot.owner = pictures_.owner;
+        plot.note = "20\u201380\u00a0%";
+        if (const GivenValue load = rampLoad(*model_.tables->ramp))
+            appendQuantity(plot.note.append(" into "), *load, kOhm);
+        plot.x = kTimeAxis;
+        plot.y = kChangeAxis;
+        for (const Edge edge : kEdges) {
+            if (std::ranges::any_of(
+                    waveforms_, [&](const Waveform& waveform) { return waveform.edge == edge && showsRamp(waveform); }))
+                continue;
+            const std::size_t before = plot.lines.size();
+            for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
+                if (const std::optional<Point> size = rampOf(edge, corner))
+                    plot.lines.push_back({corner, {{0.0, 0.0}, *size}});
+            if (plot.lines.size() == before) continue;
+            plot.note.append(edge == Edge::rising ? ", rising" : ", falling");
+            if (const GivenValue rail = physics_.farRail(edge)) appendQuantity(plot.note.append(" to "), *rail, "V");
+        }
+        if (!plot.lines.empty()) writePlot(part_.html, plot);
     }
 
     void addThresholds(Plot& plot) const {
@@ -280,13 +323,14 @@ private:
         const bool receives = kReceivingTypes.has(model_.type());
         const GivenValue none;
         for (const Threshold& threshold :
-             {Threshold{"Vinh ", receives ? values.vinh : none}, Threshold{"Vinl ", receives ? values.vinl : none},
-              Threshold{"Vmeas ", values.vmeas}}) {
+             {Threshold{"Vinh", receives ? values.vinh : none}, Threshold{"Vinl", receives ? values.vinl : none},
+              Threshold{"Vmeas", values.vmeas}}) {
             if (!threshold.value || !canBeDrawn(*threshold.value)) continue;
-            std::string label(threshold.word);
-            appendQuantity(label, *threshold.value, "V", 4);
-            plot.rules.push_back(
-                {.kind = Rule::Kind::threshold, .upright = false, .at = *threshold.value, .label = std::move(label)});
+            plot.rules.push_back({.kind = Rule::Kind::threshold,
+                                  .upright = false,
+                                  .at = *threshold.value,
+                                  .label = std::string(threshold.word),
+                                  .value = quantityText(*threshold.value, "V", 4)});
         }
     }
 
@@ -338,13 +382,13 @@ private:
                 const WaveCorner& wave = waveform.corners[corner];
                 return wave.given && canBeDrawn(wave.size()) ? quantityText(wave.size(), "V", 3) : std::string();
             });
-            row(table, "20\u201380\u00a0%", [&](Corner corner) {
+            row(table, std::string(title).append(": 20\u2013\u206080\u00a0%"), [&](Corner corner) {
                 const auto& middle = waveform.corners[corner].middle;
                 return middle ? quantityText(middle->high.x - middle->low.x, "s", 3) : std::string();
             });
-            row(table, "rate", [&](Corner corner) {
+            row(table, std::string(title).append(": rate"), [&](Corner corner) {
                 const GivenValue rate = waveform.corners[corner].rate;
-                return rate ? quantityText(*rate * 1e-9, "V/ns", 3) : std::string();
+                return rate ? quantityText(*rate * 1e-9, kVoltsPerNanosecond, 3) : std::string();
             });
         }
     }
@@ -396,7 +440,12 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     ModelFigures figures(part, model, pictures);
     figures.writeNumbers();
     part.html << "</div>\n";
-    writeLegend(part.html);
+    // The script makes the pictures of so many models when they are looked at; without it they are there.
+    constexpr std::uint32_t kMostAtOnce = 40;
+    const Anchor* const place = part.anchors.find(&model);
+    const bool is_later = place != nullptr && place->number > kMostAtOnce;
+    if (is_later) part.html << "<noscript class=\"later\">";
+    writeLegend(part.html, pictures.drawn);
     part.html << "<div class=\"plots\">\n";
     figures.writeCurves();
     figures.writeStates();
@@ -405,7 +454,7 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     if (model.on_block) writeSeries(pictures, *model.on_block, kOnLabel);
     if (model.off_block) writeSeries(pictures, *model.off_block, kOffLabel);
     figures.writeWaveforms();
-    part.html << "</div>\n";
+    part.html << (is_later ? Markup("</div></noscript>\n") : Markup("</div>\n"));
 }
 
 void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
@@ -413,10 +462,10 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
     Pictures pictures{part, submodel.name, FindingMarks(part, submodel)};
     pictures.enter(tables);
     for (const OnDemand<Wvfrm>* const pulse : {&submodel.gnd_pulse, &submodel.power_pulse})
-        if (*pulse) pictures.marks.enterTable((*pulse)->line);
+        if (*pulse) pictures.enter(**pulse);
     pictures.marks.ready();
     if (!submodel.tables && !submodel.gnd_pulse && !submodel.power_pulse) return;
-    writeLegend(part.html);
+    writeLegend(part.html, pictures.drawn);
     part.html << "<div class=\"plots\">\n";
     pictures.curve(tables.pulldown, "Pulldown", "");
     pictures.curve(tables.pullup, "Pullup", "");
@@ -435,10 +484,10 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
 void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
     Pictures pictures{part, data.name, FindingMarks(part, data)};
     for (const OnDemand<Wvfrm>& table : data.tables)
-        if (table) pictures.marks.enterTable(table->line);
+        if (table) pictures.enter(*table);
     pictures.marks.ready();
     if (std::ranges::none_of(data.tables, [](const OnDemand<Wvfrm>& table) { return bool(table); })) return;
-    writeLegend(part.html);
+    writeLegend(part.html, pictures.drawn);
     part.html << "<div class=\"plots\">\n";
     for (std::size_t i = 0; i < kGoldenWaveforms.size(); ++i) {
         if (!data.tables[i]) continue;

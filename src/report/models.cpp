@@ -232,11 +232,31 @@ std::string tablesOf(const Mdl& model) {
     add(tables.pulldown.given, "pulldown");
     add(tables.pullup.given, "pullup");
     add(tables.gnd_clamp.given || tables.power_clamp.given, "clamps");
+    add(tables.isso_pd.given || tables.isso_pu.given, "ISSO");
     const std::size_t waveforms = tables.rising_waveforms.size() + tables.falling_waveforms.size();
     if (waveforms > 0) {
         text.append(text.empty() ? "" : ", ");
         appendInteger(text, static_cast<std::int64_t>(waveforms));
         text.append(waveforms == 1 ? " waveform" : " waveforms");
+    }
+    const auto has_current = [](const Wvfrm& waveform) { return bool(waveform.composite_current); };
+    add(std::ranges::any_of(tables.rising_waveforms, has_current) ||
+            std::ranges::any_of(tables.falling_waveforms, has_current),
+        "composite currents");
+    return text;
+}
+
+/// The typical capacitance of a model, or those of its parts.
+std::string capacitanceOf(const Mdl& model) {
+    const CComp& given = *model.values;
+    if (given.c_comp) return cellText(given.c_comp->typ(), "F");
+    std::string text;
+    for (const auto& row : kCapacitances) {
+        const GivenRange& range = given.*row.member;
+        if (!range) continue;
+        constexpr std::string_view kLead = "C_comp_";
+        text.append(text.empty() ? "" : ", ").append(row.name.substr(kLead.size())).append("\u00a0");
+        text.append(cellText(range->typ(), "F"));
     }
     return text;
 }
@@ -251,7 +271,7 @@ void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) 
         const Anchor* const place = part.anchors.find(model);
         const Rng* const supply = findRange(*model, MdlRange::voltageRange);
         const std::string supply_text = supply != nullptr ? cellText(supply->typ(), "V") : std::string();
-        const std::string capacitance = model->values->c_comp ? cellText(model->values->c_comp->typ(), "F") : "";
+        const std::string capacitance = capacitanceOf(*model);
         const std::string tables = tablesOf(*model);
         const std::size_t count = part.findings.about(place).size();
         const std::string findings = count == 0 ? std::string() : std::to_string(count);

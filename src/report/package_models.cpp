@@ -122,19 +122,20 @@ void writeGrid(Html& html, const PkgMdl& package, const Mtx& matrix, const Matri
         values.push_back(' ');
         values.append(quantityText(entry.value, unit, 4)).push_back('\n');
     });
-    html << "<figure class=\"matrix\"><figcaption>" << Text(title) << "</figcaption>";
+    html << "<figure class=\"matrix\"><figcaption><small>The stronger the color, the larger: a shade is half a "
+            "decade.</small></figcaption>";
     const auto side = static_cast<std::int32_t>(size);
     Coordinates box;
     box.add("-1 -1 ").step(side + 2).step(side + 2);
     html.begin("svg", {{"class", Literal("matrix")}, {TextAttribute("viewBox"), box}, {"role", Literal("img")}});
     html << "<title>" << Text(title) << " matrix of " << Text(package.name) << "</title><desc>"
-         << "Each square is an entry; the darker, the larger: a shade is half a decade.</desc>";
+         << "Each square is an entry; the stronger its color, the larger.</desc>";
     Coordinates frame;
     frame.add("M0 0h").step(side).add("v").step(side).add("H0z");
     html.path("f", frame);
     for (std::size_t shade = 0; shade < squares.size(); ++shade)
         if (!squares[shade].empty()) html.path(kShades[shade], squares[shade]);
-    html << "</svg><pre class=\"values\" hidden>";
+    html << "</svg><pre class=\"entries\" hidden>";
     for (std::uint32_t pin = 0; pin < matrix.order; ++pin)
         html.cell(Text(pinName(package, pin))) << "\t";
     html << "\n" << Text(values) << "</pre></figure>\n";
@@ -178,7 +179,9 @@ void writePackageModels(const PartContext& part) {
     for (const PkgMdl* const package : inFileOrder(part.root.package_models)) {
         html.begin("section", {{"class", Literal("package")}, Attribute::id(*part.anchors.find(package))});
         writeName(part, package->name);
-        part.html << "<p class=\"sub\">" << Text(package->manufacturer) << " " << Text(package->description) << "</p>";
+        const bool has_both = !package->manufacturer.empty() && !package->description.empty();
+        part.html << "<p class=\"sub\">" << Text(package->manufacturer) << Text(has_both ? " \u00b7 " : "")
+                  << Text(package->description) << "</p>";
         if (package->file != nullptr && *package->file != part.path)
             html << "<p class=\"sub\">read from " << Text(*package->file) << "</p>";
         writeFindingLinks(part, *package);

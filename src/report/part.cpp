@@ -67,8 +67,20 @@ void writeItems(Html& html, std::initializer_list<Item> items) {
     html << "</dl>\n";
 }
 
+/// Texts of the header: those that are short are items of its list, others are folded below it.
+constexpr std::size_t kMostLines = 12;
+constexpr std::size_t kMostLetters = 1000;
+
+bool isLong(std::string_view text) {
+    return text.size() > kMostLetters || static_cast<std::size_t>(std::ranges::count(text, '\n')) >= kMostLines;
+}
+
+std::string_view shortText(const std::optional<std::string>& text) {
+    return text && !isLong(*text) ? std::string_view(*text) : std::string_view();
+}
+
 void writeLongText(Html& html, Markup name, const std::optional<std::string>& text) {
-    if (!text || text->empty()) return;
+    if (!text || !isLong(*text)) return;
     html << "<details class=\"fold\"><summary>" << name << "</summary><p class=\"text\">" << Text(*text)
          << "</p></details>\n";
 }
@@ -116,8 +128,12 @@ void writeHead(const PartContext& part, const FilePart& file) {
                       {"File name", header.file_name},
                       {"Revision", header.file_rev},
                       {"Date", header.date},
-                      {"Source", header.source ? std::string_view(*header.source) : std::string_view()},
-                      {"Components", components}});
+                      {"Components", components},
+                      {"Source", shortText(header.source)},
+                      {"Notes", shortText(header.notes)},
+                      {"Disclaimer", shortText(header.disclaimer)},
+                      {"Copyright", shortText(header.copyright)}});
+    writeLongText(html, "Source", header.source);
     writeLongText(html, "Notes", header.notes);
     writeLongText(html, "Disclaimer", header.disclaimer);
     writeLongText(html, "Copyright", header.copyright);
@@ -171,7 +187,7 @@ void writeFindingLinks(const PartContext& part, const Subject& record) {
         const ShownFinding& finding = *findings[i];
         html.begin("li", {{"class", classOf(finding.level)}});
         html << "<span class=\"level\">" << Text(levelName(finding.level)) << "</span> ";
-        html.begin("a", {Attribute::href(finding.anchor)}) << Text(finding.text) << "</a></li>";
+        html.begin("a", {Attribute::href(finding.anchor)}) << Text(finding.shownText()) << "</a></li>";
     }
     if (findings.size() > kMost) html << "<li>and " << findings.size() - kMost << " more</li>";
     html << "</ul>\n";

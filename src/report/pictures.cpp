@@ -42,7 +42,7 @@ void addMark(Plot& plot, const ShownFinding& finding, double x) {
         if (found) y = found;
         if (found && line.corner == corner) break;
     }
-    if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.text});
+    if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.shownText()});
 }
 
 /// Findings about a table name it so, or in brackets.
@@ -106,8 +106,8 @@ void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) 
     for (const ShownFinding* const finding : findings_) {
         if (plot.marks.size() == kMost) return;
         if (!isAboutTable(*finding, line, label)) continue;
-        std::optional<double> x;
-        if (finding->exact && finding->line > line) x = firstCellOf(*finding);
+        std::optional<double> x = finding->at;
+        if (!x && finding->exact && finding->line > line) x = firstCellOf(*finding);
         if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
         if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
         if (x) addMark(plot, *finding, *x);
@@ -157,6 +157,22 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     return plot;
 }
 
+Rule railAt(double at, std::string_view word, double voltage) {
+    std::string label(word);
+    appendQuantity(label, voltage, "V", 4);
+    return {.kind = Rule::Kind::rail, .upright = true, .at = at, .label = std::move(label)};
+}
+
+std::vector<Rule> railsOfTable(const ModelPhysics& physics, TableKind kind) {
+    std::vector<Rule> rails;
+    const std::optional<TableAtPin> table = physics.atPin(kind, Corner::typ);
+    const References& given = physics.references();
+    if (!table) return rails;
+    for (const GivenValue rail : {given.pulldown, given.pullup})
+        if (rail) rails.push_back(railAt(table->tableVoltage(*rail), "pin ", *rail));
+    return rails;
+}
+
 std::string waveformTitle(std::string_view word, const Wvfrm& waveform) {
     std::string title(word);
     if (waveform.r_fixture) appendQuantity(title.append(", "), *waveform.r_fixture, kOhm);
@@ -183,21 +199,21 @@ std::string fixtureNote(const Wvfrm& waveform) {
     return text;
 }
 
-void writeLegend(Html& html) {
-    html
-        << "<p class=\"legend\"><svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 4h28\"/></svg> "
-           "typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 4h28\"/></svg> min "
-           "<svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 4h28\"/></svg> max</p>\n";
+void writeLegend(Html& html, const PerCorner<bool>& drawn) {
+    html << "<p class=\"legend\">";
+    if (drawn.typ()) html << "<b class=\"t\">typ</b> ";
+    if (drawn.min()) html << "<b class=\"n\">min</b> ";
+    if (drawn.max()) html << "<b class=\"x\">max</b>";
+    html << "</p>\n";
 }
 
-void writeComparedLegend(Html& html) {
-    html << "<p class=\"legend\">New: <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"t\" d=\"M1 "
-            "4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"n\" d=\"M1 "
-            "4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path class=\"x\" d=\"M1 "
-            "4h28\"/></svg> max <span>Old, in grey:</span> <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-t\" d=\"M1 4h28\"/></svg> typ <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-n\" d=\"M1 4h28\"/></svg> min <svg width=\"30\" height=\"8\" aria-hidden=\"true\"><path "
-            "class=\"w-x\" d=\"M1 4h28\"/></svg> max</p>\n";
+void writeComparedLegend(Html& html, bool has_new, bool has_old) {
+    html << "<p class=\"legend\">";
+    if (has_new) html << "New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> ";
+    if (has_old)
+        html << "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
+                "<b class=\"w-x\">max</b>";
+    html << "</p>\n";
 }
 
 } // namespace kestrel

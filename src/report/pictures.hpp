@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/tables.hpp"
+#include "quality/physics.hpp"
 #include "report/plot.hpp"
 #include "report/sections.hpp"
 
@@ -48,13 +49,18 @@ private:
 /// A picture with the lines of a table's corners.
 [[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);
 
+/// The line of a rail at a voltage of the picture, with a word and the pin's voltage there.
+[[nodiscard]] Rule railAt(double at, std::string_view word, double voltage);
+/// Where the typical rails are in a table's own voltage.
+[[nodiscard]] std::vector<Rule> railsOfTable(const ModelPhysics& physics, TableKind kind);
+
 /// The title of a waveform by its fixture, such as "Rising, 50 ohm to 3.3 V", and what is beside it.
 [[nodiscard]] std::string waveformTitle(std::string_view word, const Wvfrm& waveform);
 [[nodiscard]] std::string fixtureNote(const Wvfrm& waveform);
 
-/// Writes what lines and dashes mean.
-void writeLegend(Html& html);
-/// The same of pictures that compare two files.
-void writeComparedLegend(Html& html);
+/// Writes what the lines of the corners that are drawn look like.
+void writeLegend(Html& html, const PerCorner<bool>& drawn);
+/// The same of pictures with lines of one or both of two files that are compared.
+void writeComparedLegend(Html& html, bool has_new, bool has_old);
 
 } // namespace kestrel

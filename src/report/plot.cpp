@@ -1,8 +1,11 @@
 #include "report/plot.hpp"
 
+#include "quality/physics.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 namespace kestrel {
 
@@ -15,6 +18,7 @@ constexpr double kWidth = 420;
 constexpr double kHeight = 240;
 constexpr double kRight = kLeft + kWidth;
 constexpr double kBottom = kTop + kHeight;
+constexpr double kLineOfText = 11.5;
 
 /// A picture being drawn.
 class Drawing {
@@ -29,9 +33,10 @@ public:
                             {TextAttribute("data-y"), Text(spanData(frame_.y, plot_.y))}});
         describe();
         axes();
-        html_ << "<g class=\"c\"><g class=\"d\" transform=\"translate(50 20)scale(.07 .06)\">";
+        html_ << "<g class=\"d\">";
+        rules();
         lines();
-        html_ << "</g></g>";
+        html_ << "</g>";
         labels();
         marks();
         html_ << "</svg>";
@@ -69,37 +74,50 @@ private:
         for (const Tick& tick : down.ticks)
             place_.add("M50 ").tenths(downOf(tick.value)).add("h420");
         html_.path("g", place_);
-        html_ << "<g class=\"tx\" transform=\"translate(0 275)\">";
+        html_ << "<g class=\"tx\">";
         for (const Tick& tick : across.ticks)
             tickText("x", acrossOf(tick.value), tick);
-        html_ << "</g><g class=\"ty\" transform=\"translate(45 4)\">";
+        html_ << "</g><g class=\"ty\">";
         for (const Tick& tick : down.ticks)
             tickText("y", downOf(tick.value), tick);
-        html_ << "</g><text class=\"lx\" x=\"470\" y=\"293\">";
-        axisLabel(plot_.x, across) << "</text><text class=\"ly\" x=\"4\" y=\"12\">";
+        html_ << "</g><text class=\"lx\">";
+        axisLabel(plot_.x, across) << "</text><text class=\"ly\">";
         axisLabel(plot_.y, down) << "</text>";
     }
 
+    /// Beside its line of the grid, to a whole unit.
     void tickText(MarkupName axis, double at, const Tick& tick) {
         place_.clear();
-        html_.tick(axis, place_.tenths(at), Text(tick.text));
+        html_.tick(axis, place_.step(rounded(at)), Text(tick.text));
     }
 
     Html& axisLabel(const Axis& axis, const Ticks& ticks) {
         return html_ << Text(axis.word) << " (" << Text(ticks.prefix.letter) << Text(axis.unit) << ")";
     }
 
-    void lines() {
+    [[nodiscard]] bool isInFrame(const Rule& rule) const { return (rule.upright ? frame_.x : frame_.y).has(rule.at); }
+
+    /// Rules of a class that follow each other are one path.
+    void rules() {
+        place_.clear();
+        const Rule* before = nullptr;
         for (const Rule& rule : plot_.rules) {
-            if (!(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
-            place_.clear();
+            if (!isInFrame(rule)) continue;
+            if (before != nullptr && (before->kind != rule.kind || before->corner != rule.corner)) {
+                html_.path(classOf(*before), place_);
+                place_.clear();
+            }
+            before = &rule;
             if (rule.upright) {
                 place_.add("M").step(rounded(frame_.acrossOf(rule.at))).add(" 0v4000");
             } else {
                 place_.add("M0 ").step(rounded(frame_.downOf(rule.at))).add("h6000");
             }
-            html_.path(classOf(rule), place_);
         }
+        if (before != nullptr) html_.path(classOf(*before), place_);
+    }
+
+    void lines() {
         for (const PlotLine& line : plot_.lines) {
             place_.clear();
             if (line.points.size() > kMostPoints) {
@@ -139,47 +157,113 @@ private:
         return corner == Corner::typ ? MarkupName("o-t") : corner == Corner::min ? MarkupName("o-n") : "o-x";
     }
 
-    /// Labels of rules: of upright ones above the frame, of others at its right. Those that would lie over another are
-    /// left out; the lines are there.
     void labels() {
-        std::vector<double> taken_across{20}; // where the label of the axis is
-        std::vector<double> taken_down;
-        const auto isFree = [](std::vector<double>& taken, double at, double room) {
-            const bool is_free = std::ranges::none_of(taken, [&](double other) { return std::abs(other - at) < room; });
-            if (is_free) taken.push_back(at);
-            return is_free;
-        };
+        labelUprightRules();
+        labelLevels(Rule::Kind::threshold, "lh lt");
+        labelLevels(Rule::Kind::level, "lh");
+    }
+
+    /// Above the frame. Those that would lie over another are left out; the lines are there.
+    void labelUprightRules() {
+        std::vector<double> taken{20}; // where the label of the axis is
         for (const Rule& rule : plot_.rules) {
-            if (rule.label.empty() || !(rule.upright ? frame_.x : frame_.y).has(rule.at)) continue;
+            if (!rule.upright || rule.label.empty() || !isInFrame(rule)) continue;
+            const double room = 3.3 * static_cast<double>(rule.label.size());
+            const double at = std::min(acrossOf(rule.at), 479 - room);
+            if (std::ranges::any_of(taken, [&](double other) { return std::abs(other - at) < 62; })) continue;
+            taken.push_back(at);
             place_.clear();
             data_.clear();
-            data_.general(rule.at);
-            if (rule.upright) {
-                const double room = 3.3 * static_cast<double>(rule.label.size());
-                const double at = std::min(acrossOf(rule.at), 479 - room);
-                if (!isFree(taken_across, at, 62)) continue;
-                html_.begin("text", {{"class", Literal("lr")},
-                                     {TextAttribute("x"), place_.tenths(at)},
-                                     {"y", Literal("14")},
-                                     {TextAttribute("data-x"), data_}});
-            } else {
-                const double at = downOf(rule.at);
-                if (!isFree(taken_down, at, 12)) continue;
-                html_.begin("text", {{"class", Literal("lh")},
-                                     {"x", Literal("467")},
-                                     {TextAttribute("y"), place_.tenths(at < kTop + 12 ? at + 11 : at - 3)},
-                                     {TextAttribute("data-y"), data_}});
-            }
+            html_.begin("text", {{"class", Literal("lr")},
+                                 {TextAttribute("x"), place_.tenths(at)},
+                                 {TextAttribute("data-x"), data_.general(rule.at)}});
             html_ << Text(rule.label) << "</text>";
         }
     }
 
-    void marks() {
-        for (const PlotMark& mark : plot_.marks) {
-            const double across = std::clamp(acrossOf(mark.at.x), kLeft, kRight);
-            const double down = std::clamp(downOf(mark.at.y), kTop, kBottom);
+    /// A label of a rule that is not upright, and where its line of text is.
+    struct Label {
+        double down;
+        double at; ///< in the unit of the axis
+        std::string text;
+    };
+
+    /// In the frame above their lines, moved apart where they are closer than a line of text.
+    void labelLevels(Rule::Kind kind, Literal class_name) {
+        std::vector<Label> labels = labelsOf(kind);
+        if (labels.empty()) return;
+        std::ranges::stable_sort(labels, {}, &Label::down);
+        double least = kTop + 10;
+        for (Label& label : labels) {
+            label.down = std::max(label.down, least);
+            least = label.down + kLineOfText;
+        }
+        double most = kBottom - 3;
+        for (auto label = labels.rbegin(); label != labels.rend(); ++label) {
+            label->down = std::min(label->down, most);
+            most = label->down - kLineOfText;
+        }
+        for (const Label& label : labels) {
             place_.clear();
-            place_.add("translate(").tenths(across).add(" ").tenths(down).add(")");
+            data_.clear();
+            html_.begin("text", {{"class", class_name},
+                                 {TextAttribute("y"), place_.tenths(label.down)},
+                                 {TextAttribute("data-y"), data_.general(label.at)}});
+            html_ << Text(label.text) << "</text>";
+        }
+    }
+
+    /// The rules of a name, one for each corner, have a label each; when two of them are closer than a line of text,
+    /// one label has the values of all.
+    [[nodiscard]] std::vector<Label> labelsOf(Rule::Kind kind) const {
+        std::vector<const Rule*> rules;
+        for (const Rule& rule : plot_.rules)
+            if (rule.kind == kind && !rule.upright && isInFrame(rule)) rules.push_back(&rule);
+        std::ranges::stable_sort(rules, {}, [](const Rule* rule) -> const std::string& { return rule->label; });
+        std::vector<Label> labels;
+        for (auto begin = rules.begin(); begin != rules.end();) {
+            const auto end =
+                std::find_if(begin, rules.end(), [&](const Rule* rule) { return rule->label != (*begin)->label; });
+            addLabels(labels, {begin, end});
+            begin = end;
+        }
+        return labels;
+    }
+
+    void addLabels(std::vector<Label>& labels, std::span<const Rule* const> rules) const {
+        bool is_close = false;
+        bool is_same = true;
+        for (const Rule* const rule : rules) {
+            is_same = is_same && rule->value == rules.front()->value;
+            for (const Rule* const other : rules)
+                is_close = is_close || (rule != other && std::abs(downOf(rule->at) - downOf(other->at)) < kLineOfText);
+        }
+        for (const Rule* const rule : rules) {
+            const bool goes_on = is_close && rule != rules.front();
+            if (goes_on && is_same) return;
+            if (!goes_on) labels.push_back({downOf(rule->at) - 3, rule->at, rule->label});
+            std::string& text = labels.back().text;
+            if (goes_on) text.push_back(',');
+            if (rule->corner != Corner::typ) text.append(" ").append(cornerWord(rule->corner));
+            text.append(" ").append(rule->value);
+        }
+    }
+
+    void marks() {
+        constexpr double kRadius = 8;
+        std::vector<Point> taken;
+        for (const PlotMark& mark : plot_.marks) {
+            Point at{std::clamp(acrossOf(mark.at.x), kLeft + kRadius, kRight - kRadius),
+                     std::clamp(downOf(mark.at.y), kTop + kRadius, kBottom - kRadius)};
+            // Marks of one place lie side by side.
+            const double aside = at.x < (kLeft + kRight) / 2 ? 2 * kRadius : -2 * kRadius;
+            while (std::ranges::any_of(taken, [&at](const Point& other) {
+                return std::abs(other.x - at.x) < kRadius && std::abs(other.y - at.y) < kRadius;
+            }))
+                at.x += aside;
+            taken.push_back(at);
+            place_.clear();
+            place_.add("translate(").tenths(at.x).add(" ").tenths(at.y).add(")");
             data_.clear();
             data_.general(mark.at.x).add(" ").general(mark.at.y);
             html_.begin("a", {{"class", Literal("mark")}, Attribute::href(mark.finding)});

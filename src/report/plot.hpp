@@ -34,8 +34,9 @@ struct Rule {
     Kind kind;
     bool upright; ///< at a value of x
     double at;
-    std::string label; ///< may be empty
+    std::string label; ///< of one that is not upright: the name that it shares with those of other corners
     Corner corner = Corner::typ;
+    std::string value{}; ///< as a text, of one that is not upright
 };
 
 /// Points of a line that are told apart.
@@ -48,7 +49,7 @@ struct Dots {
 struct PlotMark {
     Point at;
     Anchor finding;
-    std::string_view text;
+    std::string text;
 };
 
 /// A picture before it is drawn.

@@ -1,6 +1,6 @@
 "use strict";
 // What the page can do beyond being read: filters, sorting, rows that are made when they are wanted, a cursor and
-// zoom in the pictures. Texts only ever become text nodes.
+// zoom in the pictures. Texts of files only ever become text nodes.
 (() => {
   const all = (root, selector) => Array.from(root.querySelectorAll(selector));
   const fill = (element, attributes, children) => {
@@ -16,9 +16,11 @@
     made.addEventListener("click", action);
     return made;
   };
+  /** A text as it is sought: without case, and with a hyphen for a minus sign. */
+  const plain = (text) => text.toLowerCase().replaceAll("\u2212", "-");
   const search = (label, action) => {
     const input = make("input", { type: "search", "aria-label": label, placeholder: label });
-    input.addEventListener("input", () => action(input.value.toLowerCase()));
+    input.addEventListener("input", () => action(plain(input.value)));
     return input;
   };
 
@@ -75,7 +77,7 @@
     const apply = () => {
       let shown = 0;
       for (const row of rows) {
-        row.hidden = hidden.has(row.className) || !row.textContent.toLowerCase().includes(wanted);
+        row.hidden = hidden.has(row.className) || !plain(row.textContent).includes(wanted);
         if (!row.hidden) ++shown;
       }
       count.textContent = shown === rows.length ? "" : shown + " of " + rows.length;
@@ -145,7 +147,7 @@
       const extend = () => {
         const rows = [];
         for (; next < lines.length && rows.length < PIECE; ++next)
-          if (wanted === "" || lines[next].toLowerCase().includes(wanted)) rows.push(rowOf(lines[next]));
+          if (wanted === "" || plain(lines[next]).includes(wanted)) rows.push(rowOf(lines[next]));
         made.push(...rows);
         body.append(...rows);
         more.hidden = next >= lines.length;
@@ -154,7 +156,7 @@
       };
       const restart = (text) => {
         wanted = text;
-        for (const row of first) row.hidden = text !== "" && !row.textContent.toLowerCase().includes(text);
+        for (const row of first) row.hidden = text !== "" && !plain(row.textContent).includes(text);
         made.forEach((row) => row.remove());
         made = [];
         next = 0;
@@ -207,12 +209,16 @@
     if (state) return state;
     const x = readSpan(plot.dataset.x);
     const y = readSpan(plot.dataset.y);
-    const lines = CORNERS.map(([name, word]) => ({
-      name, word,
-      pieces: all(plot, ".d > path." + name).flatMap((path) => readPath(path.getAttribute("d"))),
-    })).filter((line) => line.pieces.length > 0);
-    state = { plot, x, y, view: { x: { ...x }, y: { ...y } }, lines, at: null, box: null };
+    const lines = CORNERS.flatMap(([name, word]) => all(plot, ".d > path." + name).map((path) =>
+      ({ name, word, pieces: readPath(path.getAttribute("d")) }))).filter((line) => line.pieces.length > 0);
+    const placed = all(plot, ".lr, .lh, .mark > g").map((element) => // as the program placed them
+      ({ element, kept: ["x", "y", "transform"].map((name) => [name, element.getAttribute(name)]) }));
+    state = { plot, x, y, view: { x: { ...x }, y: { ...y } }, lines, placed, at: null };
     states.set(plot, state);
+    const curves = plot.querySelector(".d"); // inside of an element that can be cut off at the frame
+    const frame = draw("g", { class: "c" });
+    curves.replaceWith(frame);
+    frame.append(curves);
     const title = plot.querySelector("title");
     if (title && title.parentNode === plot) { // said as before, but no longer shown over the cursor
       plot.setAttribute("aria-label", title.textContent);
@@ -258,13 +264,22 @@
     const high = FRAME.height / (y.high - y.low);
     const scaleX = BOX.width / ((view.x.high - view.x.low) * wide);
     const scaleY = BOX.height / ((view.y.high - view.y.low) * high);
-    plot.querySelector(".d").setAttribute("transform",
-      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + " " +
-      (BOX.top - (y.high - view.y.high) * high * scaleY) + ")scale(" + scaleX + " " + scaleY + ")");
+    plot.querySelector(".d").style.transform =
+      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + "px, " +
+      (BOX.top - (y.high - view.y.high) * high * scaleY) + "px) scale(" + scaleX + ", " + scaleY + ")";
     const place = (element, name, at, low, size) => {
       element.setAttribute(name, at);
       element.style.display = at < low - 1 || at > low + size + 1 ? "none" : "";
     };
+    const zoomed = view.x.low !== x.low || view.x.high !== x.high || view.y.low !== y.low || view.y.high !== y.high;
+    plot.classList.toggle("zoomed", zoomed);
+    if (!zoomed) {
+      for (const { element, kept } of state.placed) {
+        for (const [name, value] of kept) if (value !== null) element.setAttribute(name, value);
+        element.style.display = "";
+      }
+      return;
+    }
     for (const label of all(plot, ".lr")) {
       const at = across(state, Number(label.dataset.x));
       place(label, "x", at, BOX.left, BOX.width);
@@ -274,12 +289,10 @@
     for (const mark of all(plot, ".mark > g")) {
       const [markX, markY] = mark.dataset.at.split(" ").map(Number);
       const left = across(state, markX);
-      const top = Math.min(Math.max(down(state, markY), BOX.top), BOX.top + BOX.height);
-      mark.setAttribute("transform", "translate(" + left + " " + top + ")");
+      mark.setAttribute("transform", "translate(" + clampTo(left, BOX.left + 8, BOX.width - 16) + " " +
+        clampTo(down(state, markY), BOX.top + 8, BOX.height - 16) + ")");
       mark.style.display = left < BOX.left - 1 || left > BOX.left + BOX.width + 1 ? "none" : "";
     }
-    plot.classList.toggle("zoomed", view.x.low !== x.low || view.x.high !== x.high || view.y.low !== y.low ||
-      view.y.high !== y.high);
   };
 
   /** The value of a line at a value of x; nothing where the line is not. */
@@ -434,7 +447,7 @@
 
   const makeMatrix = (figure) => {
     const picture = figure.querySelector("svg");
-    const values = figure.querySelector("pre.values");
+    const values = figure.querySelector("pre.entries");
     const readout = make("small", {});
     figure.querySelector("figcaption").append(" ", readout);
     let entries = null;
@@ -477,6 +490,19 @@
   all(document, ".long").forEach(makeLong);
   all(document, "figure.matrix").forEach(makeMatrix);
   all(document, "svg.plot").forEach((plot) => plot.setAttribute("tabindex", "0"));
+  // Pictures of the models of a library are elements as soon as somebody comes near.
+  const makePictures = (later) => {
+    const holder = make("template", {});
+    holder.innerHTML = later.textContent; // what the program wrote as markup, as it would be read without a script
+    all(holder.content, "svg.plot").forEach((plot) => plot.setAttribute("tabindex", "0"));
+    later.replaceWith(holder.content);
+  };
+  const near = new IntersectionObserver((entries) => entries.forEach(({ isIntersecting, target }) => {
+    if (!isIntersecting) return;
+    near.unobserve(target);
+    all(target, "noscript.later").forEach(makePictures);
+  }), { rootMargin: "1500px 0px" });
+  all(document, "noscript.later").forEach((later) => near.observe(later.closest(".model")));
   document.body.append(spoken, draw("svg", { width: 0, height: 0, style: "position:absolute", "aria-hidden": "true" },
     draw("clipPath", { id: "frame" },
       draw("rect", { x: BOX.left - 1, y: BOX.top - 1, width: BOX.width + 2, height: BOX.height + 2 }))));
@@ -487,6 +513,7 @@
   let opened = [];
   let heads = [];
   window.addEventListener("beforeprint", () => {
+    all(document, "noscript.later").forEach(makePictures);
     opened = all(document, "details.fold:not(.explanation):not([open])");
     opened.forEach((fold) => { fold.open = true; });
     heads = all(document, "th > button").map((head) => [head, document.createTextNode(head.textContent)]);

@@ -81,12 +81,12 @@ void writeFinding(Html& html, const ShownFinding& finding, const SourceLines& li
     const bool has_lines = finding.file.empty() && !lines.empty();
     const Topic* const topic = finding.code ? topicOf(*finding.code) : nullptr;
     if (has_lines || topic != nullptr) {
-        html << "<details><summary>" << Text(finding.text) << "</summary>";
+        html << "<details><summary>" << Text(finding.shownText()) << "</summary>";
         if (has_lines) writeLines(html, finding, lines);
         if (topic != nullptr) writeTopic(html, finding, *topic, explained);
         html << "</details>";
     } else {
-        html << "<p>" << Text(finding.text) << "</p>";
+        html << "<p>" << Text(finding.shownText()) << "</p>";
     }
     html << "</td><td>";
     writeLink(html, finding.place ? &*finding.place : nullptr, finding.about);
@@ -130,7 +130,8 @@ ShownFindings collectFindings(const FindingLog& log, std::size_t left_out, const
                            .about = {},
                            .text = std::string(messageOf(finding)),
                            .place = std::nullopt,
-                           .anchor = anchors.numbered('e', number + 1)};
+                           .anchor = anchors.numbered('e', number + 1),
+                           .at = finding.at};
         if (finding.file != path) shown.file = finding.file;
         if (finding.subject != nullptr) {
             shown.about.assign(kindWord(finding.subject->kind)).append(" ").append(finding.subject->name);

@@ -2,6 +2,7 @@
 
 #include "findings/finding_log.hpp"
 #include "report/anchors.hpp"
+#include "report/quantity.hpp"
 #include "report/source_lines.hpp"
 
 #include <optional>
@@ -21,6 +22,10 @@ struct ShownFinding {
     std::string text;
     std::optional<Anchor> place; ///< of what it is about
     Anchor anchor;               ///< of itself
+    std::optional<double> at{};  ///< the voltage or time of its table, where its text has none
+
+    /// The text as pages have it. Only the numbers of advice are not those of a file.
+    [[nodiscard]] std::string shownText() const { return level == Level::advice ? withMinusSigns(text) : text; }
 };
 
 /// The findings of a file, and the lines around them.

@@ -15,6 +15,7 @@ from browser import Browser, tidy_complaints, write_report
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
 
 PROGRAM = ""
 SOURCE = pathlib.Path()
@@ -210,13 +211,24 @@ class Report(unittest.TestCase):
         style = "return getComputedStyle(document.querySelector('.d > path.' + arguments[0]))[arguments[1]]"
         self.assertNotEqual(browser.run(style, "t", "strokeWidth"), browser.run(style, "w-t", "strokeWidth"))
         self.assertEqual(browser.run("return Array.from(document.querySelectorAll('.d > path'), p => p.classList[0])"),
-                         ["w-x", "w-n", "w-t", "x", "n", "t"])
+                         ["r", "w-x", "w-n", "w-t", "x", "n", "t"])
         plot = browser.driver.find_element(By.CSS_SELECTOR, ".model svg.plot")
         ActionChains(browser.driver).move_to_element(plot).perform()
         rows = browser.texts(".model .cursor text")
         self.assertTrue(any(row.startswith("old typ ") for row in rows), rows)
         if SHOTS:
             browser.screenshot(SHOTS / "changes.png")
+
+    def test_a_comparison_shows_models_of_one_file(self):
+        one, two = library(["a"]), library(["a", "b"])
+        curves = "return Array.from(document.querySelectorAll('#%s .plot:first-of-type .d'), d => Array.from(d.children, p => p.classList[0]).join(' '))"
+        for old, new, word, lines in ((one, two, "added", "r x n t"), (two, one, "removed", "r w-x w-n w-t")):
+            browser = self.opened(self.page(word, old, new, options=["--compare"]))
+            self.assertEqual(browser.texts(".model h4"), ["b"])
+            self.assertEqual(browser.texts(".model h4 + .sub"), [word])
+            section = browser.run("return document.querySelector('.model').id")
+            self.assertEqual(browser.texts(".model figcaption"), ["Pulldown", "Pullup", "Rising, 50\u00a0\u03a9 to 0\u00a0V"])
+            self.assertEqual(browser.run(curves % section), [lines, lines, lines[2:]])
 
     def test_a_comparison_of_hostile_files(self):
         old = hostile()
@@ -277,6 +289,9 @@ class Report(unittest.TestCase):
         box.send_keys(Keys.BACKSPACE * 10)
         self.assertEqual(browser.run(rows), 200)
 
+    def driver_waits(self, holds):
+        WebDriverWait(self.browser.driver, 10).until(lambda driver: holds())
+
     def plot(self, title):
         return self.browser.driver.find_element(
             By.XPATH, f"//figure[figcaption[starts-with(normalize-space(), '{title}')]]//*[name()='svg']")
@@ -319,6 +334,21 @@ class Report(unittest.TestCase):
         self.assertNotIn("zoomed", plot.get_attribute("class"))
         # The same picture as the program drew it.
         self.assertEqual(browser.run("return arguments[0].querySelector('.d').getTransformToElement ? 0 : 1", plot), 1)
+
+    def test_a_matrix_shows_the_value_under_the_pointer(self):
+        package = self.path / "matrix.pkg"
+        package.write_text("[IBIS Ver] 4.2\n[File Name] matrix.pkg\n[File Rev] 1\n[Define Package Model] p\n[Manufacturer] Ours\n"
+                           "[OEM] Ours\n[Description] A pair\n[Number Of Pins] 2\n[Pin Numbers]\nA\nB\n[Model Data]\n"
+                           "[Inductance Matrix] Full_matrix\n[Row] A\n4n 1n\n[Row] B\n3n\n"
+                           "[Capacitance Matrix] Full_matrix\n[Row] A\n2p -1p\n[Row] B\n2p\n[End Model Data]\n"
+                           "[End Package Model]\n[End]\n")
+        browser = self.opened(self.page("matrix", package))
+        self.assertEqual(browser.run("return Array.from(document.querySelectorAll('.matrices pre'), p => p.getClientRects().length)"), [0, 0])
+        grid = browser.driver.find_elements(By.CSS_SELECTOR, "svg.matrix")[1]
+        browser.run("arguments[0].scrollIntoView({block: 'center'})", grid)
+        quarter = int(grid.rect["width"] / 4)
+        ActionChains(browser.driver).move_to_element_with_offset(grid, -quarter, quarter).perform()
+        self.assertEqual(browser.texts("figure.matrix small:last-child")[1], "B, A: \u22121\u00a0pF")
 
     def test_without_script_everything_is_there(self):
         page = self.page("plain", library(["a", "b"]).replace("Vinl = 0.8", "Vinl = x"))
@@ -395,6 +425,15 @@ class Report(unittest.TestCase):
         milliseconds = browser.run("const [entry] = performance.getEntriesByType('navigation'); return entry.loadEventEnd")
         self.assertLess(milliseconds, 3000)
         self.assertEqual(browser.count(".model"), 200)
+        # Pictures far below are made when somebody comes near, or prints.
+        self.assertEqual(browser.count(".model:nth-of-type(n + 150) svg.plot"), 0)
+        browser.run("document.querySelectorAll('.model')[180].scrollIntoView()")
+        self.driver_waits(lambda: browser.run("return document.querySelectorAll('.model')[180].querySelector('svg.plot') !== null"))
+        self.assertEqual(browser.run("return document.querySelectorAll('.model')[180].querySelectorAll('svg.plot').length"),
+                         browser.run("return document.querySelectorAll('.model')[0].querySelectorAll('svg.plot').length"))
+        browser.run("window.dispatchEvent(new Event('beforeprint'))")
+        self.assertEqual(browser.count("noscript"), 0)
+        self.assertEqual(browser.count("svg.plot"), 200 * browser.run("return document.querySelectorAll('.model')[0].querySelectorAll('svg.plot').length"))
 
 
 if __name__ == "__main__":

@@ -10,7 +10,7 @@ import sys
 
 
 def cleaned(text):
-    return " ".join(text.replace("\u00a0", " ").split())
+    return " ".join(text.replace("\u00a0", " ").replace("\u2060", "").split())
 
 
 class Node:

@@ -77,6 +77,11 @@ TEST(Quantity, hasAnEngineeringPrefix) {
     EXPECT_EQ(text(1.5, ""), "1.5");
 }
 
+TEST(MinusSigns, goAheadOfNumbersOfOurOwn) {
+    EXPECT_EQ(withMinusSigns("-1 V (-2 mA) at pin A-3, -x, \"-4\" and 'b -5': -6"),
+              "\u22121 V (\u22122 mA) at pin A-3, -x, \"-4\" and 'b -5': \u22126");
+}
+
 std::string ticksText(double low, double high, int most) {
     const Ticks ticks = ticksOf({low, high, true}, most);
     std::string text(ticks.prefix.letter);
