@@ -30,14 +30,15 @@ struct ComparedPair {
     const FileChanges* changes = nullptr; ///< null when they were not compared
     /// Keywords of later versions that one of them has, such as "Repeater_pin": what is under them is not compared.
     std::vector<std::string_view> passed_over{};
-    bool same_bytes = false; ///< known to be one text; only asked for where nothing else shows that they are the same
+    bool same_errors = false; ///< the check finds as many of each kind in both: what was dropped is likely the same
+    bool same_bytes = false;  ///< known to be one text; only asked for where nothing else shows that they are the same
 };
 
 /// What is to be said of two files.
 enum class CompareVerdict : std::uint8_t {
     same,
     different,
-    notWhole,   ///< no difference in what could be compared, which is not all
+    notWhole,   ///< no difference in what could be compared, but what could not be may have some
     notCompared ///< at all
 };
 [[nodiscard]] CompareVerdict verdictOf(const ComparedPair& pair);

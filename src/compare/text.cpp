@@ -333,7 +333,8 @@ bool isWhole(const ComparedPair& pair) {
 CompareVerdict verdictOf(const ComparedPair& pair) {
     if (pair.changes == nullptr) return CompareVerdict::notCompared;
     if (!pair.changes->groups.empty()) return CompareVerdict::different;
-    return isWhole(pair) || pair.same_bytes ? CompareVerdict::same : CompareVerdict::notWhole;
+    const bool is_known = pair.same_bytes || (pair.same_errors && pair.passed_over.empty());
+    return isWhole(pair) || is_known ? CompareVerdict::same : CompareVerdict::notWhole;
 }
 
 void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names) {
@@ -421,14 +422,10 @@ std::string summaryOf(const FileChanges& changes) {
 }
 
 std::string summaryOf(const ComparedPair& pair) {
-    switch (verdictOf(pair)) {
-    case CompareVerdict::notCompared: return "Not compared";
-    case CompareVerdict::notWhole: return "No difference in what was compared; the files were not compared whole";
-    case CompareVerdict::same:
-        return pair.same_bytes ? "No difference: the files are the same byte for byte" : "No difference";
-    case CompareVerdict::different: break;
-    }
-    return summaryOf(*pair.changes);
+    if (pair.changes == nullptr) return "Not compared";
+    if (!pair.changes->groups.empty() || isWhole(pair)) return summaryOf(*pair.changes);
+    return pair.same_bytes ? "No difference: the files are the same byte for byte"
+                           : "No difference in what was compared; the files were not compared whole";
 }
 
 std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings) {

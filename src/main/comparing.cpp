@@ -13,6 +13,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <new>
 #include <optional>
@@ -142,9 +143,10 @@ struct ReadFile {
     std::optional<MemoryAccount> account{};
     std::unique_ptr<Run> run{};
     FileOutcome outcome{};
-    bool is_cut_off = false;    ///< it has no end
-    bool lacked_memory = false; ///< it was not read to its end for lack of memory
-    std::string problem{};      ///< why it cannot be compared; empty when it can
+    bool is_cut_off = false;                      ///< it has no end
+    bool lacked_memory = false;                   ///< it was not read to its end for lack of memory
+    std::map<MessageCode, std::int64_t> errors{}; ///< how many of each kind, of those that may lose something
+    std::string problem{};                        ///< why it cannot be compared; empty when it can
 };
 
 std::int64_t errorCount(const ReadFile& file) {
@@ -163,8 +165,11 @@ void readInRun(ReadFile& file) {
     Run& run = *file.run;
     constexpr MessageCode kNoEnd = 903;
     constexpr MessageCode kNoMemory = 1908;
+    constexpr MessageCode kLongLine = 905; // of which nothing is lost
     run.diagnostics.sink = [&file](const Finding& finding) {
         if (!finding.code) return;
+        if (levelOf(finding.severity) == Level::error && finding.code->number != kLongLine)
+            ++file.errors[finding.code->number];
         if (finding.code->number == kNoEnd) file.is_cut_off = true;
         if (finding.code->number == kNoMemory) file.lacked_memory = true;
     };
@@ -267,6 +272,7 @@ public:
             });
             if (is.problem.empty()) pair.changes = &changes;
         }
+        pair.same_errors = was.errors == is.errors;
         if (verdictOf(pair) == CompareVerdict::notWhole) pair.same_bytes = haveSameBytes(was.name, is.name);
         outputs_.format.pair(pair);
         if (outputs_.page != nullptr) outputs_.page->pair(pair, rootOf(was), rootOf(is));
