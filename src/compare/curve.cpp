@@ -282,6 +282,8 @@ double roundedShift(Curve was, Curve is, double shift, double more) {
 std::optional<double> levelOffsetOf(Curve was, Curve is, const CurveTolerance& tolerance) {
     const std::optional<Overlap> range = overlapOf(was, is, 0.0);
     if (!range || was.size() < 2 || is.size() < 2 || !(range->high - range->low > range->snap)) return std::nullopt;
+    // Most are no such curves, which the first rows show.
+    const double most_allowed = allowedOf(tolerance, largestMagnitude(was), [is] { return largestMagnitude(is); });
     double scale = 0.0;
     double new_scale = 0.0;
     double low = HUGE_VAL;
@@ -293,7 +295,7 @@ std::optional<double> levelOffsetOf(Curve was, Curve is, const CurveTolerance& t
         new_scale = std::max(new_scale, std::abs(new_value));
         low = std::min(low, new_value - old_value);
         high = std::max(high, new_value - old_value);
-        return true;
+        return high - low <= most_allowed;
     });
     const double allowed = allowedOf(tolerance, scale, [new_scale] { return new_scale; });
     const double offset = std::midpoint(low, high);
