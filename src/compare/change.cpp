@@ -46,16 +46,31 @@ bool isSame(const ChangeDetail& a, const ChangeDetail& b) {
            isSame(a.percent, b.percent);
 }
 
-/// Whose pins are named; empty where records are.
-std::string_view componentOf(const ComparedRecord& record) {
-    return record.pin.empty() ? std::string_view() : record.name;
-}
-
-/// What the groups are sorted by.
+/// What a group is sorted by.
 struct Rank {
-    std::size_t models;
     double percent;
-    const ChangeGroup* group;
+    std::uint32_t models;
+    std::uint32_t place; ///< in the order in which they came
+
+    [[nodiscard]] bool isAheadOf(const Rank& other) const {
+        if (models != other.models) return models > other.models;
+        if (percent != other.percent) return percent > other.percent;
+        return place < other.place;
+    }
+};
+
+/// The largest one so far, of equal ones that which is written first.
+struct Largest {
+    LargestChange of{};
+    Rank rank{};
+
+    void offer(const LargestChange& other, const Rank& other_rank) {
+        const double size = std::abs(of.size);
+        const double other_size = std::abs(other.size);
+        if (of.group != nullptr && (other_size < size || (other_size == size && rank.isAheadOf(other_rank)))) return;
+        of = other;
+        rank = other_rank;
+    }
 };
 
 /// How large a change in degrees or of a count is, in per cent.
@@ -67,13 +82,13 @@ GivenValue sizeOf(const ChangeDetail& detail, Unit unit) {
     return percentOf(*is - *was, unit == Unit::celsius ? kRoom : std::abs(*was));
 }
 
-/// What cannot be measured, such as a record that is new, comes ahead of what can.
-Rank rankOf(const ChangeGroup& group) {
-    GivenValue percent = group.percent();
+/// By how many per cent a group is sorted. What cannot be measured, such as a record that is new, comes ahead of what
+/// can.
+double sizeOf(const ChangeGroup& group, GivenValue percent) {
     if (!isToldInPercent(group.unit))
         for (const ChangeDetail& detail : group.details)
             if (const GivenValue size = sizeOf(detail, group.unit)) percent = std::max(percent.value_or(0.0), *size);
-    return {group.models, percent.value_or(std::numeric_limits<double>::infinity()), &group};
+    return percent.value_or(std::numeric_limits<double>::infinity());
 }
 
 } // namespace
@@ -102,8 +117,10 @@ GivenValue percentOf(double difference, double scale) {
 
 GivenValue ChangeGroup::percent() const {
     GivenValue most;
-    for (const ChangeDetail& detail : details)
+    for (const ChangeDetail& detail : details) {
+        if (kind == ChangeKind::table && isShiftAlone(detail)) continue;
         if (detail.percent) most = std::max(most.value_or(0.0), *detail.percent);
+    }
     return most;
 }
 
@@ -123,26 +140,43 @@ std::uint32_t ChangeList::hashOf(const ComparedRecord& record, const Change& cha
         if (detail.at) hash.add(detail.at);
         if (detail.shift) hash.add(detail.shift);
     }
-    if (change.count != 0) hash.add(change.count);
+    if (change.matrix.count != 0) hash.add(change.matrix.count);
     return hash.value();
 }
 
-ChangeGroup& ChangeList::groupOf(const ComparedRecord& record, const Change& change) {
+Name ChangeList::fieldOf(const FieldName& field) {
+    const auto& [first, second, third] = field.words;
+    if (second.empty() && third.empty()) {
+        if (last_field_ != first) last_field_ = fields_.enter(first);
+        return last_field_;
+    }
     field_.clear();
-    for (const std::string_view word : change.field.words) {
+    for (const std::string_view word : field.words) {
         if (word.empty()) continue;
         if (!field_.empty()) field_.push_back(' ');
         field_.append(word);
     }
-    const Name field = fields_.enter(field_);
+    return fields_.enter(field_);
+}
+
+/// Whose pins are named; empty where records are.
+Name ChangeList::componentOf(const ComparedRecord& record) {
+    if (record.pin.empty()) return {};
+    if (last_component_ != record.name) last_component_ = components_.enter(record.name);
+    return last_component_;
+}
+
+ChangeGroup& ChangeList::groupOf(const ComparedRecord& record, const Change& change) {
+    const Name field = fieldOf(change.field);
+    const Name component = componentOf(record);
     const std::uint32_t hash = hashOf(record, change, field);
     slots_.makeRoom(groups_.size(), [](const Slot& slot) { return slot.hash; });
     Slot& slot = slots_.at(hash, [&](const Slot& other) {
         if (other.hash != hash) return false;
         const ChangeGroup& group = *groups_[other.number - 1];
         return group.kind == change.kind && group.record == record.kind && group.unit == change.unit &&
-               group.field == field.view() && group.component == componentOf(record) && group.count == change.count &&
-               group.place == change.place &&
+               group.field == field && group.component == component &&
+               (group.matrix == nullptr || *group.matrix == change.matrix) &&
                std::ranges::equal(group.details, change.details,
                                   [](const ChangeDetail& a, const ChangeDetail& b) { return isSame(a, b); });
     });
@@ -153,15 +187,17 @@ ChangeGroup& ChangeList::groupOf(const ComparedRecord& record, const Change& cha
                                                      .record = record.kind,
                                                      .unit = change.unit,
                                                      .axis = change.axis,
-                                                     .field = field.view(),
-                                                     .count = change.count,
-                                                     .place = texts_.add(change.place).view(),
-                                                     .component = componentOf(record)});
+                                                     .field = field,
+                                                     .component = component});
     groups_.push_back(&group);
     for (ChangeDetail detail : change.details) {
         detail.was = kept(detail.was);
         detail.is = kept(detail.is);
         rows_.add(group.details, detail);
+    }
+    if (change.kind == ChangeKind::matrix) {
+        Rows<MatrixChange> matrix;
+        group.matrix = &rows_.add(matrix, {change.matrix.count, texts_.add(change.matrix.place).view()});
     }
     slot = {static_cast<std::uint32_t>(groups_.size()), hash};
     return group;
@@ -171,44 +207,30 @@ void ChangeList::add(const ComparedRecord& record, const Change& change, std::si
     ++additions_;
     ChangeGroup& group = groupOf(record, change);
     rows_.add(group.names, record.pin.empty() ? record.name : record.pin);
-    group.models += models;
+    group.models += static_cast<std::uint32_t>(models);
 }
 
-std::vector<const ChangeGroup*> ChangeList::sorted() const {
+RankedChanges ChangeList::ranked() const {
+    RankedChanges ranked;
     std::vector<Rank> ranks;
     ranks.reserve(groups_.size());
-    for (const ChangeGroup* const group : groups_)
-        ranks.push_back(rankOf(*group));
-    std::ranges::stable_sort(ranks, [](const Rank& a, const Rank& b) {
-        return a.models != b.models ? a.models > b.models : a.percent > b.percent;
-    });
-    std::vector<const ChangeGroup*> groups;
-    groups.reserve(ranks.size());
-    std::ranges::transform(ranks, std::back_inserter(groups), &Rank::group);
-    return groups;
-}
-
-const ChangeGroup* FileChanges::largest() const {
-    const ChangeGroup* largest = nullptr;
-    double most = 0.0;
-    for (const ChangeGroup* const group : groups) {
-        if (group->kind == ChangeKind::shift || group->kind == ChangeKind::extent) continue;
+    Largest change;
+    Largest shift;
+    for (const ChangeGroup* const group : groups_) {
         const GivenValue percent = group->percent();
-        if (!percent || (largest != nullptr && *percent <= most)) continue;
-        largest = group;
-        most = *percent;
-    }
-    return largest;
-}
-
-FileChanges::Shift FileChanges::largestShift() const {
-    Shift largest;
-    for (const ChangeGroup* const group : groups) {
-        if (group->kind != ChangeKind::shift && group->kind != ChangeKind::table) continue;
+        const Rank rank{sizeOf(*group, percent), group->models, static_cast<std::uint32_t>(ranks.size())};
+        ranks.push_back(rank);
+        if (percent && group->kind != ChangeKind::shift) change.offer({group, *percent}, rank);
         for (const ChangeDetail& detail : group->details)
-            if (detail.shift && std::abs(*detail.shift) > std::abs(largest.seconds)) largest = {group, *detail.shift};
+            if (detail.shift && group->kind != ChangeKind::level) shift.offer({group, *detail.shift}, rank);
     }
-    return largest;
+    ranked.change = change.of;
+    ranked.shift = shift.of;
+    std::ranges::stable_sort(ranks, [](const Rank& a, const Rank& b) { return a.isAheadOf(b); });
+    ranked.groups.reserve(ranks.size());
+    for (const Rank& rank : ranks)
+        ranked.groups.push_back(groups_[rank.place]);
+    return ranked;
 }
 
 } // namespace kestrel

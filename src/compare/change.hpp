@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -61,6 +62,7 @@ enum class ChangeKind : std::uint8_t {
     value,   ///< a number or a text
     table,   ///< the form of a table
     shift,   ///< a waveform comes earlier or later, and its form is the same
+    level,   ///< all of a waveform is higher or lower, and its form is the same
     extent,  ///< a table covers more or less
     order,   ///< the same entries in another order
     matrix   ///< entries of a matrix
@@ -76,16 +78,16 @@ struct ChangeDetail {
     GivenThing was{};
     GivenThing is{};
     GivenValue at{};      ///< of a table: the voltage or time of the largest difference, as OLD counts it
-    GivenValue shift{};   ///< of a waveform: by how many seconds it comes later
+    GivenValue shift{};   ///< of a waveform: by how many seconds it comes later; of a level: how much higher it is
     GivenValue percent{}; ///< how large the change is, never negative; none where nothing can be said
 };
 
-/// The details of one change, at most one for each corner.
+/// True for a shift in a change of form, which comes ahead of what is left of the corners that have it.
+[[nodiscard]] inline bool isShiftAlone(const ChangeDetail& detail) { return detail.shift && !detail.at; }
+
+/// The details of one change: at most one for each corner, and one for what several have in common.
 class ChangeDetails {
 public:
-    ChangeDetails() = default;
-    ChangeDetails(const ChangeDetail& only) { push_back(only); }
-
     void push_back(const ChangeDetail& detail) { details_.at(size_++) = detail; }
     [[nodiscard]] bool empty() const { return size_ == 0; }
     [[nodiscard]] ChangeDetail* begin() { return details_.data(); }
@@ -94,7 +96,7 @@ public:
     [[nodiscard]] const ChangeDetail* end() const { return details_.data() + size_; }
 
 private:
-    std::array<ChangeDetail, kCornerCount> details_{};
+    std::array<ChangeDetail, kCornerCount + 1> details_{};
     std::size_t size_ = 0;
 };
 
@@ -109,15 +111,22 @@ struct FieldName {
     std::array<std::string_view, 3> words;
 };
 
-/// A change of one field of a record, or of the whole record. Its texts have to last until it is in a list.
+/// What is different in a matrix.
+struct MatrixChange {
+    std::uint64_t count = 0;  ///< entries that differ
+    std::string_view place{}; ///< the pins of the entry that differs most
+
+    bool operator==(const MatrixChange& other) const = default;
+};
+
+/// A change of one field of a record, or of the whole record. Its texts and details have to last until it is in a list.
 struct Change {
     ChangeKind kind = ChangeKind::value;
     FieldName field{}; ///< empty for the whole record
     Unit unit = Unit::none;
-    Unit axis = Unit::none;   ///< of where a table differs
-    ChangeDetails details{};  ///< none where there is nothing to say but the kind
-    std::uint64_t count = 0;  ///< of a matrix: entries that differ
-    std::string_view place{}; ///< of a matrix: the pins of the entry that differs most
+    Unit axis = Unit::none;                  ///< of where a table differs
+    std::span<const ChangeDetail> details{}; ///< none where there is nothing to say but the kind
+    MatrixChange matrix{};
 };
 
 /// The record that is compared: its kind and its name in NEW, or in OLD where NEW lacks it; of a component one of its
@@ -128,19 +137,18 @@ struct ComparedRecord {
     std::string_view pin{};
 };
 
-/// A change and all records that it is the same for.
+/// A change and all records that it is the same for. It is small: there may be one for every row of a file.
 struct ChangeGroup {
     ChangeKind kind;
     SubjectKind record; ///< the kind of the records, or of that whose pins are named
     Unit unit;
     Unit axis;
-    std::string_view field{}; ///< empty for the whole record
+    std::uint32_t models = 0; ///< how many models it affects
+    Name field{};             ///< empty for the whole record
+    Name component{};         ///< whose pins are named; empty where records are
     Rows<ChangeDetail> details{};
-    std::uint64_t count = 0;
-    std::string_view place{};
-    std::string_view component{};   ///< whose pins are named; empty where records are
-    Rows<std::string_view> names{}; ///< of the records or pins
-    std::size_t models = 0;         ///< how many models it affects
+    Rows<std::string_view> names{};       ///< of the records or pins
+    const MatrixChange* matrix = nullptr; ///< null for all but matrices
 
     /// The largest change of a detail; none where nothing can be said.
     [[nodiscard]] GivenValue percent() const;
@@ -158,6 +166,19 @@ struct RecordCounts {
 
 inline constexpr std::size_t kSubjectKinds = static_cast<std::size_t>(SubjectKind::board) + 1;
 
+/// A group with what is largest in it; no group where there is none.
+struct LargestChange {
+    const ChangeGroup* group = nullptr;
+    double size = 0.0;
+};
+
+/// Groups in the order in which they are written, and the largest of them.
+struct RankedChanges {
+    std::vector<const ChangeGroup*> groups;
+    LargestChange change; ///< in per cent
+    LargestChange shift;  ///< of a waveform, in seconds
+};
+
 /// Gathers changes; equal ones become one group.
 class ChangeList {
 public:
@@ -168,7 +189,7 @@ public:
     [[nodiscard]] std::size_t additions() const { return additions_; }
 
     /// The groups: what affects most models first, then what is largest, then as they came.
-    [[nodiscard]] std::vector<const ChangeGroup*> sorted() const;
+    [[nodiscard]] RankedChanges ranked() const;
 
 private:
     struct Slot {
@@ -178,12 +199,17 @@ private:
         [[nodiscard]] bool isFree() const { return number == 0; }
     };
 
+    [[nodiscard]] Name fieldOf(const FieldName& field);
+    [[nodiscard]] Name componentOf(const ComparedRecord& record);
     [[nodiscard]] std::uint32_t hashOf(const ComparedRecord& record, const Change& change, Name field) const;
     ChangeGroup& groupOf(const ComparedRecord& record, const Change& change);
     [[nodiscard]] GivenThing kept(const GivenThing& thing);
 
     HashSeed seed_;
     NameTable fields_;
+    Name last_field_;
+    NameTable components_;
+    Name last_component_;
     TextStore texts_;
     RowStore rows_;
     std::vector<ChangeGroup*> groups_; ///< in the order in which they came
@@ -206,18 +232,11 @@ struct SubMdl;
 struct FileChanges {
     std::unique_ptr<const ChangeList> list;           ///< keeps the groups
     std::vector<const ChangeGroup*> groups;           ///< in the order in which they are written
+    LargestChange largest;                            ///< change of a value, in per cent of it
+    LargestChange largest_shift;                      ///< of a waveform, in seconds, earlier where below 0
     std::array<RecordCounts, kSubjectKinds> counts{}; ///< by SubjectKind
     std::vector<RecordPair<Mdl>> models;              ///< as NEW has them, then what only OLD has
     std::vector<RecordPair<SubMdl>> submodels;        ///< as they were matched
-
-    /// The group with the largest change of a value; null where nothing can be said.
-    [[nodiscard]] const ChangeGroup* largest() const;
-    /// The group with the largest shift of a waveform, null where there is none, and that shift in seconds.
-    struct Shift {
-        const ChangeGroup* group = nullptr;
-        double seconds = 0.0;
-    };
-    [[nodiscard]] Shift largestShift() const;
 };
 
 } // namespace kestrel

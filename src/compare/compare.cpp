@@ -52,7 +52,10 @@ public:
                                                  });
         compareAll<SubjectKind::testLoad>(&Ibis::test_loads, compareTestLoads);
         compareAll<SubjectKind::testData>(&Ibis::test_data, compareTestData);
-        result_.groups = changes_->sorted();
+        RankedChanges ranked = changes_->ranked();
+        result_.groups = std::move(ranked.groups);
+        result_.largest = ranked.change;
+        result_.largest_shift = ranked.shift;
         result_.list = std::move(changes_);
         return std::move(result_);
     }
@@ -143,7 +146,7 @@ private:
         const bool is_renamed = pair.was->name.view() != pair.is->name.view();
         if (is_renamed) {
             const ChangeDetail detail{.was = pair.was->name.view(), .is = pair.is->name.view()};
-            changes_->add(record, {.kind = ChangeKind::renamed, .details = detail}, 1);
+            changes_->add(record, {.kind = ChangeKind::renamed, .details = {&detail, 1}}, 1);
             ++counts(record.kind).renamed;
         }
         const bool has_changed = compareTwo(record, [&](Comparison& comparison) {

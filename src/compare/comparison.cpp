@@ -34,7 +34,7 @@ std::optional<ChangeDetail> detailOf(const Comparison& comparison, Unit unit, co
     return detail;
 }
 
-void addValue(Comparison& comparison, const FieldName& field, Unit unit, const ChangeDetails& details) {
+void addValue(Comparison& comparison, const FieldName& field, Unit unit, std::span<const ChangeDetail> details) {
     if (!details.empty()) comparison.add({.kind = ChangeKind::value, .field = field, .unit = unit, .details = details});
 }
 
@@ -59,12 +59,13 @@ void addDetail(ChangeDetails& details, const ChangeDetail& detail) {
     }
     for (const Corner corner : kCorners)
         if (detail.corners.has(corner)) same->corners = same->corners.with({corner});
+    if (detail.percent) same->percent = std::max(same->percent.value_or(0.0), *detail.percent);
 }
 
 void compareNumber(Comparison& comparison, const FieldName& field, Unit unit, const GivenThing& was,
                    const GivenThing& is) {
     if (std::optional<ChangeDetail> detail = detailOf(comparison, unit, was, is))
-        addValue(comparison, field, unit, *detail);
+        addValue(comparison, field, unit, {&*detail, 1});
 }
 
 void compareValue(Comparison& comparison, const FieldName& field, Unit unit, GivenValue was, GivenValue is) {
@@ -100,7 +101,13 @@ void compareText(Comparison& comparison, const FieldName& field, std::string_vie
     ChangeDetail detail;
     detail.was = thingOf(was);
     detail.is = thingOf(is);
-    addValue(comparison, field, Unit::none, detail);
+    addValue(comparison, field, Unit::none, {&detail, 1});
+}
+
+void compareWord(Comparison& comparison, const FieldName& field, std::string_view was, std::string_view is,
+                 std::string_view standard) {
+    const auto meant = [standard](std::string_view word) { return word.empty() ? standard : word; };
+    if (meant(was) != meant(is)) compareText(comparison, field, was, is);
 }
 
 std::string_view nameInNew(const Comparison& comparison, std::string_view was) {

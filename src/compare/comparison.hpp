@@ -53,6 +53,10 @@ void compareRange(Comparison& comparison, const FieldName& field, Unit unit, con
 /// Reports a text that is another; an empty one is not given.
 void compareText(Comparison& comparison, const FieldName& field, std::string_view was, std::string_view is);
 
+/// The same of a word that stands for the standard one where it is not given.
+void compareWord(Comparison& comparison, const FieldName& field, std::string_view was, std::string_view is,
+                 std::string_view standard);
+
 /// The same of the name of a model, which may have been renamed.
 void compareModelName(Comparison& comparison, const FieldName& field, std::string_view was, std::string_view is);
 /// What the model of this name in OLD is called in NEW.

@@ -185,7 +185,7 @@ void compareCircuitCalls(Comparison& comparison, const std::vector<CircuitCall>&
 
 void compareEmi(Comparison& comparison, const CmpntEmi& was, const CmpntEmi& is) {
     constexpr std::string_view kGroup = "[Begin EMI Component]";
-    compareText(comparison, {kGroup, "Domain"}, domainWord(was.domain), domainWord(is.domain));
+    compareWord(comparison, {kGroup, "Domain"}, domainWord(was.domain), domainWord(is.domain), "Digital");
     const auto cpd_of = [](const CmpntEmi& emi) {
         return emi.cpd_range || !emi.cpd ? emi.cpd_range : GivenRange(Rng{{Cell(*emi.cpd)}});
     };
@@ -214,8 +214,9 @@ void compareEmi(Comparison& comparison, const CmpntEmi& was, const CmpntEmi& is)
 void compareComponents(Comparison& comparison, const Cmpnt& was, const Cmpnt& is) {
     compareText(comparison, "[Manufacturer]", was.manufacturer, is.manufacturer);
     compareText(comparison, "[Package Model]", was.package_model, is.package_model);
-    compareText(comparison, "Si_location", locationWord(was.si_location), locationWord(is.si_location));
-    compareText(comparison, "Timing_location", locationWord(was.timing_location), locationWord(is.timing_location));
+    compareWord(comparison, "Si_location", locationWord(was.si_location), locationWord(is.si_location), "Pin");
+    compareWord(comparison, "Timing_location", locationWord(was.timing_location), locationWord(is.timing_location),
+                "Pin");
     compareFields(comparison, {}, kPackage, partOr(was.package, {}), partOr(is.package, {}));
     comparePins(comparison, was.pins, is.pins);
     compareParts(comparison, "[Pin Mapping]", was.pin_mapping, is.pin_mapping, comparePinMappings);

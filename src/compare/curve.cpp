@@ -169,6 +169,18 @@ double misfit(Curve was, Curve is, double later, double limit) {
     return most;
 }
 
+/// The number with one digit, two or three: the first that fits, else the number itself.
+template <class Fits> double roundedWhereFits(double number, Fits fits) {
+    constexpr int kMostDigits = 3;
+    for (int digits = 1; digits <= kMostDigits && number != 0.0; ++digits) {
+        const double power = digits - 1 - std::floor(std::log10(std::abs(number)));
+        const double scale = std::pow(10.0, std::abs(power)); // exact for most, as one below 1 is not
+        const double rounded = power < 0 ? std::round(number / scale) * scale : std::round(number * scale) / scale;
+        if (std::isfinite(rounded) && fits(rounded)) return rounded;
+    }
+    return number;
+}
+
 } // namespace
 
 bool isBeyond(const CurveTolerance& tolerance, double size, double old_scale, double new_scale) {
@@ -260,6 +272,36 @@ std::optional<double> shiftOf(Curve was, Curve is) {
         best = offsets[i];
     }
     return best;
+}
+
+double roundedShift(Curve was, Curve is, double shift, double more) {
+    const double most = misfit(was, is, shift, HUGE_VAL) + std::max(more, kRounding) * largestMagnitude(was);
+    return roundedWhereFits(shift, [&](double rounded) { return misfit(was, is, rounded, HUGE_VAL) <= most; });
+}
+
+std::optional<double> levelOffsetOf(Curve was, Curve is, const CurveTolerance& tolerance) {
+    const std::optional<Overlap> range = overlapOf(was, is, 0.0);
+    if (!range || was.size() < 2 || is.size() < 2 || !(range->high - range->low > range->snap)) return std::nullopt;
+    // Most are no such curves, which the first rows show.
+    const double most_allowed = allowedOf(tolerance, largestMagnitude(was), [is] { return largestMagnitude(is); });
+    double scale = 0.0;
+    double new_scale = 0.0;
+    double low = HUGE_VAL;
+    double high = -HUGE_VAL;
+    walkBoth(was, is, 0.0, *range, [&](double /*x*/, const Walker& before, const Walker& now) {
+        const double old_value = before.value();
+        const double new_value = now.value();
+        scale = std::max(scale, std::abs(old_value));
+        new_scale = std::max(new_scale, std::abs(new_value));
+        low = std::min(low, new_value - old_value);
+        high = std::max(high, new_value - old_value);
+        return high - low <= most_allowed;
+    });
+    const double allowed = allowedOf(tolerance, scale, [new_scale] { return new_scale; });
+    const double offset = std::midpoint(low, high);
+    if (!(high - low <= allowed) || !(std::abs(offset) > allowed)) return std::nullopt;
+    const double slack = std::max(allowed / 10, high - low);
+    return roundedWhereFits(offset, [&](double rounded) { return std::abs(rounded - offset) <= slack; });
 }
 
 } // namespace kestrel

@@ -47,4 +47,11 @@ struct CurveDifference {
 /// By how much later the new curve comes, so that both fit best; nothing when no level is crossed by both.
 [[nodiscard]] std::optional<double> shiftOf(Curve was, Curve is);
 
+/// A shift with as few digits as fit: the curves may be farther apart by `more` of the old one's largest magnitude.
+[[nodiscard]] double roundedShift(Curve was, Curve is, double shift, double more);
+
+/// How much higher the new curve is, where it is higher by the same everywhere: the differences are within the
+/// tolerance of each other, and beyond it of nothing.
+[[nodiscard]] std::optional<double> levelOffsetOf(Curve was, Curve is, const CurveTolerance& tolerance);
+
 } // namespace kestrel

@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kAllNames = std::numeric_limits<std::size_t>::max() - 1;
 
 std::string_view kindName(ChangeKind kind) {
-    constexpr std::array<std::string_view, 9> kNames{"added", "removed", "renamed", "value", "table",
-                                                     "shift", "extent",  "order",   "matrix"};
+    constexpr std::array<std::string_view, 10> kNames{"added", "removed", "renamed", "value", "table",
+                                                      "shift", "level",   "extent",  "order", "matrix"};
     return kNames[static_cast<std::size_t>(kind)];
 }
 
@@ -75,9 +75,9 @@ void writeGroup(JsonArray& changes, const ChangeGroup& group, std::string& line)
         for (const ChangeDetail& detail : group.details)
             writeDetail(details, detail);
     }
-    if (group.kind == ChangeKind::matrix) {
-        object.number("entries", static_cast<std::int64_t>(group.count));
-        object.text("place", group.place);
+    if (group.matrix != nullptr) {
+        object.number("entries", static_cast<std::int64_t>(group.matrix->count));
+        object.text("place", group.matrix->place);
     }
     line.clear();
     appendLine(line, group, kAllNames);
@@ -122,8 +122,8 @@ public:
         writePath(object, "new", pair.is);
         const FileChanges none;
         const FileChanges& changes = pair.changes != nullptr ? *pair.changes : none;
-        const bool same = changes.groups.empty();
-        object.text("verdict", pair.changes == nullptr ? "not compared" : same ? "same" : "different");
+        constexpr std::array<std::string_view, 4> kVerdicts{"same", "different", "not whole", "not compared"};
+        object.text("verdict", kVerdicts[static_cast<std::size_t>(verdictOf(pair))]);
         object.flag("whole", pair.changes != nullptr && isWhole(pair));
         {
             JsonArray passed_over(object, "passed_over");
@@ -157,6 +157,7 @@ public:
             JsonObject object(*whole_, "totals");
             object.number("pairs", totals.pairs);
             object.number("different", totals.different);
+            object.number("not_whole", totals.not_whole);
             object.number("not_compared", totals.not_compared);
             object.number("only_old", totals.only_old);
             object.number("only_new", totals.only_new);

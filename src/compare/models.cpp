@@ -269,8 +269,9 @@ void compareThresholds(Comparison& comparison, const RcvTh* was, const RcvTh* is
 void compareEmi(Comparison& comparison, const MdlEmi* was, const MdlEmi* is) {
     if (was == nullptr && is == nullptr) return;
     if (!comparePresence(comparison, "[Begin EMI Model]", was != nullptr, is != nullptr)) return;
-    compareText(comparison, "Model_emi_type", emiTypeWord(was->type), emiTypeWord(is->type));
-    compareText(comparison, "Model_Domain", wordOf(kEmiDomains, was->domain), wordOf(kEmiDomains, is->domain));
+    compareWord(comparison, "Model_emi_type", emiTypeWord(was->type), emiTypeWord(is->type), "Not_a_ferrite");
+    compareWord(comparison, "Model_Domain", wordOf(kEmiDomains, was->domain), wordOf(kEmiDomains, is->domain),
+                "Digital");
 }
 
 /// A converter by all but its values and its polarity.
@@ -295,10 +296,8 @@ void compareNumberOrName(Comparison& comparison, const FieldName& field, Unit un
     const auto thing = [](const NumberOrName& value) {
         return value.name.empty() ? thingOf(value.number) : GivenThing(value.name);
     };
-    comparison.add({.kind = ChangeKind::value,
-                    .field = field,
-                    .unit = unit,
-                    .details = ChangeDetail{.was = thing(was), .is = thing(is)}});
+    const ChangeDetail detail{.was = thing(was), .is = thing(is)};
+    comparison.add({.kind = ChangeKind::value, .field = field, .unit = unit, .details = {&detail, 1}});
 }
 
 /// Compares the names of parameters, and of those that both have the values: as numbers where they are.
@@ -322,6 +321,49 @@ void compareParameters(Comparison& comparison, const FieldName& field, const Ext
         [&](const NamedText& parameter, bool is_new) {
             is_new ? compare(parameter.name, {}, parameter.value) : compare(parameter.name, parameter.value, {});
         });
+}
+
+/// What a reference is where its keyword is not given; nothing of other keywords.
+std::optional<Rng> standardOf(const Mdl& model, MdlRange which) {
+    if (which == MdlRange::pulldownReference || which == MdlRange::gndClampReference)
+        return Rng{{Cell(0.0), Cell(0.0), Cell(0.0)}};
+    if (which != MdlRange::pullupReference && which != MdlRange::powerClampReference) return std::nullopt;
+    const Rng* const supply = findRange(model, MdlRange::voltageRange);
+    return supply != nullptr ? std::optional(*supply) : std::nullopt;
+}
+
+/// True where the references of the model are given, so that "[Voltage Range]" adds nothing.
+bool hasItsReferences(const Mdl& model) {
+    return findRange(model, MdlRange::pullupReference) != nullptr ||
+           findRange(model, MdlRange::powerClampReference) != nullptr;
+}
+
+/// Compares a range that only one of the models gives, with what stands for it in the other: a reference has corners
+/// that its keyword leaves out.
+void compareLonelyRange(Comparison& comparison, const KeywordRange& row, const Rng& given, const Mdl& other,
+                        bool is_new) {
+    if (row.which == MdlRange::voltageRange && hasItsReferences(other)) return;
+    const std::optional<Rng> standard = standardOf(other, row.which);
+    Rng whole = given;
+    for (const Corner corner : kCorners)
+        if (standard && !given[corner].isNumber()) whole[corner] = (*standard)[corner];
+    is_new ? compareRange(comparison, row.keyword, row.unit, standard.value_or(Rng()), whole)
+           : compareRange(comparison, row.keyword, row.unit, whole, standard.value_or(Rng()));
+}
+
+void compareKeywordRanges(Comparison& comparison, const Mdl& was, const Mdl& is) {
+    if (was.ranges.empty() && is.ranges.empty()) return;
+    for (const KeywordRange& row : kKeywordRanges) {
+        const Rng* const before = findRange(was, row.which);
+        const Rng* const now = findRange(is, row.which);
+        if (before != nullptr && now != nullptr) {
+            compareRange(comparison, row.keyword, row.unit, *before, *now);
+        } else if (before != nullptr) {
+            compareLonelyRange(comparison, row, *before, is, false);
+        } else if (now != nullptr) {
+            compareLonelyRange(comparison, row, *now, was, true);
+        }
+    }
 }
 
 } // namespace
@@ -380,19 +422,14 @@ void compareModelFields(Comparison& comparison, const Mdl& was, const Mdl& is) {
     const MdlValues& before = *was.values;
     const MdlValues& now = *is.values;
     compareText(comparison, "Model_type", typeWord(before.model_type), typeWord(now.model_type));
-    compareText(comparison, "Polarity", wordOf(kPolarities, before.polarity), wordOf(kPolarities, now.polarity));
-    compareText(comparison, "Enable", wordOf(kEnableModes, before.enable), wordOf(kEnableModes, now.enable));
+    compareWord(comparison, "Polarity", wordOf(kPolarities, before.polarity), wordOf(kPolarities, now.polarity),
+                "Non-Inverting");
+    compareWord(comparison, "Enable", wordOf(kEnableModes, before.enable), wordOf(kEnableModes, now.enable),
+                "Active-High");
     compareFields(comparison, {}, kValues, before, now);
     compareFields<CComp>(comparison, {}, kCapacitances, before, now);
     compareParts<CComp>(comparison, "[C Comp Corner]", kCapacitances, was.c_comp_corner.get(), is.c_comp_corner.get());
-    if (!was.ranges.empty() || !is.ranges.empty()) {
-        for (const KeywordRange& row : kKeywordRanges) {
-            const Rng* const old_range = findRange(was, row.which);
-            const Rng* const new_range = findRange(is, row.which);
-            compareRange(comparison, row.keyword, row.unit, old_range != nullptr ? *old_range : Rng(),
-                         new_range != nullptr ? *new_range : Rng());
-        }
-    }
+    compareKeywordRanges(comparison, was, is);
     compareParts<MSpec>(comparison, "[Model Spec]", kSpec, was.model_spec.get(), is.model_spec.get());
     compareThresholds(comparison, was.receiver_thresholds.get(), is.receiver_thresholds.get());
     compareSchedules(comparison, was.driver_schedule, is.driver_schedule);
@@ -436,11 +473,11 @@ void compareSelectors(Comparison& comparison, const MSel& was, const MSel& is) {
         return compareText(comparison, "first entry", nameInNew(comparison, was.entries.front().model_name),
                            is.entries.front().model_name);
     }
-    Change change{.kind = ChangeKind::order, .field = "entries"};
+    ChangeDetails details;
     const std::string_view before = nameInNew(comparison, was.entries.front().model_name);
     const std::string_view now = is.entries.front().model_name;
-    if (before != now) change.details.push_back({.was = before, .is = now});
-    comparison.add(change);
+    if (before != now) details.push_back({.was = before, .is = now});
+    comparison.add({.kind = ChangeKind::order, .field = "entries", .details = details});
 }
 
 void compareTestLoads(Comparison& comparison, const TestLoad& was, const TestLoad& is) {

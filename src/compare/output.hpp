@@ -30,7 +30,18 @@ struct ComparedPair {
     const FileChanges* changes = nullptr; ///< null when they were not compared
     /// Keywords of later versions that one of them has, such as "Repeater_pin": what is under them is not compared.
     std::vector<std::string_view> passed_over{};
+    bool same_errors = false; ///< the check finds as many of each kind in both: what was dropped is likely the same
+    bool same_bytes = false;  ///< known to be one text; only asked for where nothing else shows that they are the same
 };
+
+/// What is to be said of two files.
+enum class CompareVerdict : std::uint8_t {
+    same,
+    different,
+    notWhole,   ///< no difference in what could be compared, but what could not be may have some
+    notCompared ///< at all
+};
+[[nodiscard]] CompareVerdict verdictOf(const ComparedPair& pair);
 
 /// True when all that both files hold was compared.
 [[nodiscard]] bool isWhole(const ComparedPair& pair);
@@ -39,6 +50,7 @@ struct ComparedPair {
 struct CompareTotals {
     std::int64_t pairs = 0;
     std::int64_t different = 0;
+    std::int64_t not_whole = 0; ///< no difference in what could be compared
     std::int64_t not_compared = 0;
     std::int64_t only_old = 0;
     std::int64_t only_new = 0;

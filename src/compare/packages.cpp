@@ -56,9 +56,8 @@ public:
         comparison.add({.kind = ChangeKind::matrix,
                         .field = field,
                         .unit = unit,
-                        .details = detail,
-                        .count = count_,
-                        .place = place});
+                        .details = {&detail, 1},
+                        .matrix = {.count = count_, .place = place}});
     }
 
 private:

@@ -41,33 +41,26 @@ bool isSame(const TableRows& a, const TableRows& b) {
 
 double lengthOf(Curve curve) { return curve.back().x - curve.front().x; }
 
-/// What is said of a table by corners.
-struct TableChanges {
-    ChangeDetails forms{};
-    ChangeDetails shifts{};
-    ChangeDetails extents{};
-    PerCorner<std::string> row_counts{}; ///< of corners that only one file has
-    GivenValue shift{};                  ///< the first one, which others may have, too
+/// What is different in a corner of a table that both files have.
+struct CornerChange {
+    std::optional<CurveDifference> difference; ///< of the form, at the best shift
+    GivenValue shift;                          ///< in seconds
+    GivenValue level;                          ///< by how much all of it is higher
+    double scale = 0.0;                        ///< the largest magnitude of the old one, for a level
+    double length = 0.0;                       ///< of the old one
+
+    [[nodiscard]] bool isShiftAlone() const { return shift.has_value() && !difference; }
 };
 
-ChangeDetail formDetail(Corner corner, const CurveDifference& difference) {
-    ChangeDetail detail;
-    detail.corners = {corner};
-    detail.was = difference.was;
-    detail.is = difference.is;
-    detail.at = difference.x;
-    detail.percent = percentOf(difference.is - difference.was, difference.scale);
-    return detail;
-}
+/// What is said of a table by corners.
+struct TableChanges {
+    PerCorner<CornerChange> corners{};
+    ChangeDetails extents{};
+    PerCorner<std::string> row_counts{}; ///< of corners that only one file has
+};
 
-/// The shift with few digits where that fits as well, so that shifts that are meant to be equal are.
-double roundedShift(Curve was, Curve is, const CurveTolerance& tolerance, double shift) {
-    constexpr double kDigits = 100;
-    const double step = std::pow(10.0, std::floor(std::log10(std::abs(shift)))) / kDigits;
-    if (step == 0.0) return shift;
-    const double rounded = std::round(shift / step) * step;
-    return std::isfinite(rounded) && !differenceOf(was, is, tolerance, rounded) ? rounded : shift;
-}
+/// The part of the tolerance by which a shift may fit worse with fewer digits.
+constexpr double kRoundingPart = 0.1;
 
 bool overlapsEnough(Curve was, Curve is, double shift) {
     constexpr double kSlack = 1e-9;
@@ -89,11 +82,13 @@ std::optional<FoundShift> findShift(Curve was, Curve is, const CurveTolerance& t
                                     const CurveDifference& difference) {
     const double most_rest = kMostRest * sizeOf(difference);
     if (levelDifference(was, is) > std::max(most_rest, tolerance.share * difference.scale)) return std::nullopt;
-    const std::optional<double> shift = shiftOf(was, is);
-    if (!shift || *shift == 0.0 || !overlapsEnough(was, is, *shift)) return std::nullopt;
-    const std::optional<CurveDifference> rest = differenceOf(was, is, tolerance, *shift);
-    if (!rest) return FoundShift{roundedShift(was, is, tolerance, *shift), rest};
-    return sizeOf(*rest) <= most_rest ? std::optional(FoundShift{*shift, rest}) : std::nullopt;
+    const std::optional<double> best = shiftOf(was, is);
+    if (!best || *best == 0.0 || !overlapsEnough(was, is, *best)) return std::nullopt;
+    const std::optional<CurveDifference> rest_of_best = differenceOf(was, is, tolerance, *best);
+    if (rest_of_best && sizeOf(*rest_of_best) > most_rest) return std::nullopt;
+    const double shift = roundedShift(was, is, *best, kRoundingPart * tolerance.share);
+    const std::optional<CurveDifference> rest = differenceOf(was, is, tolerance, shift);
+    return rest && !rest_of_best ? FoundShift{*best, rest_of_best} : FoundShift{shift, rest};
 }
 
 /// The same of waveforms that go from and to other levels: one that fits when both go through the same ones.
@@ -109,18 +104,29 @@ std::optional<FoundShift> findShiftAmongLevels(Comparison& comparison, Curve was
     return !shift->rest || sizeOf(*shift->rest) < sizeOf(difference) ? shift : std::nullopt;
 }
 
-/// The shift of a waveform, at first the one that is likely; what it leaves of the difference remains.
-GivenValue takeShift(Comparison& comparison, Curve was, Curve is, const CurveTolerance& tolerance, GivenValue likely,
-                     std::optional<CurveDifference>& difference) {
+/// Finds the shift of a corner, at first the likely one; what it leaves of the difference remains.
+void takeShift(Comparison& comparison, Curve was, Curve is, const CurveTolerance& tolerance, GivenValue likely,
+               CornerChange& change) {
     if (likely && overlapsEnough(was, is, *likely) && !differenceOf(was, is, tolerance, *likely)) {
-        difference.reset();
-        return likely;
+        change.difference.reset();
+        change.shift = likely;
+        return;
     }
-    std::optional<FoundShift> shift = findShift(was, is, tolerance, *difference);
-    if (!shift) shift = findShiftAmongLevels(comparison, was, is, tolerance, *difference);
-    if (!shift) return {};
-    difference = shift->rest;
-    return shift->seconds;
+    std::optional<FoundShift> found = findShift(was, is, tolerance, *change.difference);
+    if (!found) found = findShiftAmongLevels(comparison, was, is, tolerance, *change.difference);
+    if (!found) return;
+    change.difference = found->rest;
+    change.shift = found->seconds;
+}
+
+/// Replaces the shift of a corner by that of others, where what is left is not much more for it.
+void takeCommonShift(Curve was, Curve is, const CurveTolerance& tolerance, double common, CornerChange& change) {
+    constexpr double kMostMore = 1.2;
+    if (!overlapsEnough(was, is, common)) return;
+    const std::optional<CurveDifference> rest = differenceOf(was, is, tolerance, common);
+    if (rest && sizeOf(*rest) > kMostMore * sizeOf(*change.difference)) return;
+    change.difference = rest;
+    change.shift = common;
 }
 
 /// Reports a table that begins or ends elsewhere, but for a shift of all of it.
@@ -142,6 +148,16 @@ void compareExtent(const Comparison& comparison, TableChanges& changes, Corner c
 
 std::string rowCount(std::size_t rows) { return std::to_string(rows) + (rows == 1 ? " row" : " rows"); }
 
+/// The shift that several corners may have: one that is all that changed, else the first.
+GivenValue commonShift(const TableChanges& changes) {
+    GivenValue common;
+    for (const CornerChange& change : changes.corners) {
+        if (change.isShiftAlone()) return change.shift;
+        if (!common) common = change.shift;
+    }
+    return common;
+}
+
 void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& axes, Corner corner, Curve was,
                    Curve is) {
     if (was.empty() && is.empty()) return;
@@ -154,23 +170,68 @@ void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& ax
         return;
     }
     const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
-    std::optional<CurveDifference> difference = differenceOf(was, is, tolerance);
-    GivenValue shift;
-    if (difference && axes.along == Unit::seconds)
-        shift = takeShift(comparison, was, is, tolerance, changes.shift, difference);
-    if (difference) {
-        ChangeDetail detail = formDetail(corner, *difference);
-        detail.shift = shift;
-        addDetail(changes.forms, detail);
-    } else if (shift) {
-        changes.shift = shift;
-        ChangeDetail detail;
-        detail.corners = {corner};
-        detail.shift = shift;
-        detail.percent = percentOf(*shift, lengthOf(was));
-        addDetail(changes.shifts, detail);
+    CornerChange& change = changes.corners[corner];
+    change.length = lengthOf(was);
+    change.difference = differenceOf(was, is, tolerance);
+    if (change.difference && axes.along == Unit::seconds) {
+        if (const std::optional<double> level = levelOffsetOf(was, is, tolerance)) {
+            change.level = *level;
+            change.scale = change.difference->scale;
+            change.difference.reset();
+        } else {
+            takeShift(comparison, was, is, tolerance, commonShift(changes), change);
+        }
     }
-    compareExtent(comparison, changes, corner, was, is, shift.value_or(0.0));
+    compareExtent(comparison, changes, corner, was, is, change.shift.value_or(0.0));
+}
+
+/// The points of a corner of both tables.
+std::pair<Curve, Curve> curvesOf(Comparison& comparison, Corner corner, const TableRows& was, const TableRows& is) {
+    comparison.points[0].empty(was.size());
+    comparison.points[1].empty(is.size());
+    return {orderedPoints(was, corner, EqualRows::keepLast, comparison.points[0]),
+            orderedPoints(is, corner, EqualRows::keepLast, comparison.points[1])};
+}
+
+/// Gives corners whose forms changed as well the shift of others, where that fits.
+void agreeOnShift(Comparison& comparison, TableChanges& changes, const Axes& axes, const TableRows& was,
+                  const TableRows& is) {
+    const GivenValue common = commonShift(changes);
+    if (!common) return;
+    for (const Corner corner : kCorners) {
+        CornerChange& change = changes.corners[corner];
+        if (!change.shift || !change.difference || *change.shift == *common) continue;
+        const auto [before, now] = curvesOf(comparison, corner, was, is);
+        takeCommonShift(before, now, toleranceOf(comparison, axes.value), *common, change);
+    }
+}
+
+ChangeDetail shiftDetail(Corner corner, const CornerChange& change) {
+    ChangeDetail detail;
+    detail.corners = {corner};
+    detail.shift = change.shift;
+    detail.percent = percentOf(*change.shift, change.length);
+    return detail;
+}
+
+ChangeDetail levelDetail(Corner corner, const CornerChange& change) {
+    ChangeDetail detail;
+    detail.corners = {corner};
+    detail.shift = change.level;
+    detail.percent = percentOf(*change.level, change.scale);
+    return detail;
+}
+
+ChangeDetail formDetail(Corner corner, const CornerChange& change) {
+    const CurveDifference& difference = *change.difference;
+    ChangeDetail detail;
+    detail.corners = {corner};
+    detail.was = difference.was;
+    detail.is = difference.is;
+    detail.at = difference.x;
+    detail.shift = change.shift;
+    detail.percent = percentOf(difference.is - difference.was, difference.scale);
+    return detail;
 }
 
 void addTableChange(Comparison& comparison, ChangeKind kind, const FieldName& field, const Axes& axes,
@@ -225,6 +286,35 @@ std::optional<PerCorner<ColumnDifference>> differencesOfRows(const TableRows& wa
     return differences;
 }
 
+/// Adds what changed in the forms and the places of the corners. A shift that several have is told once, ahead of what
+/// is left of some.
+void addCornerChanges(Comparison& comparison, const FieldName& field, const Axes& axes, const TableChanges& changes) {
+    const GivenValue common = commonShift(changes);
+    const auto has_common = [&common](const CornerChange& change) {
+        return common && change.shift && *change.shift == *common;
+    };
+    const auto is_told_first = [&has_common](const CornerChange& change) {
+        return has_common(change) && change.difference.has_value();
+    };
+    const bool is_joined =
+        std::ranges::any_of(changes.corners, is_told_first) && std::ranges::count_if(changes.corners, has_common) > 1;
+    ChangeDetails forms;
+    ChangeDetails shifts;
+    ChangeDetails levels;
+    if (is_joined)
+        for (const Corner corner : kCorners)
+            if (has_common(changes.corners[corner])) addDetail(forms, shiftDetail(corner, changes.corners[corner]));
+    for (const Corner corner : kCorners) {
+        const CornerChange& change = changes.corners[corner];
+        if (change.difference) addDetail(forms, formDetail(corner, change));
+        if (change.isShiftAlone() && !(is_joined && has_common(change))) addDetail(shifts, shiftDetail(corner, change));
+        if (change.level) addDetail(levels, levelDetail(corner, change));
+    }
+    addTableChange(comparison, ChangeKind::table, field, axes, forms);
+    addTableChange(comparison, ChangeKind::shift, field, axes, shifts);
+    addTableChange(comparison, ChangeKind::level, field, axes, levels);
+}
+
 void compareRows(Comparison& comparison, const FieldName& field, const Axes& axes, const TableRows& was,
                  const TableRows& is) {
     if (isSame(was, is)) return;
@@ -236,18 +326,15 @@ void compareRows(Comparison& comparison, const FieldName& field, const Axes& axe
             const ColumnDifference& column = (*of_rows)[corner];
             if (!isBeyond(tolerance, column.size, column.largest.scale, column.new_scale)) continue;
             if (axes.along != Unit::seconds) {
-                addDetail(changes.forms, formDetail(corner, column.largest));
+                changes.corners[corner].difference = column.largest;
                 continue;
             }
         }
-        comparison.points[0].empty(was.size());
-        comparison.points[1].empty(is.size());
-        compareCorner(comparison, changes, axes, corner,
-                      orderedPoints(was, corner, EqualRows::keepLast, comparison.points[0]),
-                      orderedPoints(is, corner, EqualRows::keepLast, comparison.points[1]));
+        const auto [before, now] = curvesOf(comparison, corner, was, is);
+        compareCorner(comparison, changes, axes, corner, before, now);
     }
-    addTableChange(comparison, ChangeKind::table, field, axes, changes.forms);
-    addTableChange(comparison, ChangeKind::shift, field, axes, changes.shifts);
+    agreeOnShift(comparison, changes, axes, was, is);
+    addCornerChanges(comparison, field, axes, changes);
     addTableChange(comparison, ChangeKind::extent, field, axes, changes.extents);
 }
 
@@ -467,7 +554,9 @@ void compareRamp(Comparison& comparison, const OnDemand<Ramp>& was, const OnDema
     if (!comparePresence(comparison, "[Ramp]", bool(was), bool(is))) return;
     compareRate(comparison, "dV/dt_r", was->dv_dt_r, is->dv_dt_r);
     compareRate(comparison, "dV/dt_f", was->dv_dt_f, is->dv_dt_f);
-    compareValue(comparison, {"[Ramp]", "R_load"}, Unit::ohms, was->r_load, is->r_load);
+    constexpr double kLoad = 50.0; // ohms, where none is given
+    if (was->r_load.value_or(kLoad) != is->r_load.value_or(kLoad))
+        compareValue(comparison, {"[Ramp]", "R_load"}, Unit::ohms, was->r_load, is->r_load);
 }
 
 void compareTables(Comparison& comparison, const Tables& was, const Tables& is) {

@@ -129,7 +129,11 @@ void appendDifference(std::string& text, const ChangeDetail& detail, Unit unit) 
 }
 
 void appendTable(std::string& text, const ChangeDetail& detail, const ChangeGroup& group) {
-    if (detail.shift) {
+    if (isShiftAlone(detail)) return appendShift(text, *detail.shift);
+    const ChangeDetail& first = group.details.front();
+    if (detail.shift && isShiftAlone(first) && *first.shift == *detail.shift) {
+        text.append("then ");
+    } else if (detail.shift) {
         appendShift(text, *detail.shift);
         text.append(", and ");
     }
@@ -141,20 +145,26 @@ void appendTable(std::string& text, const ChangeDetail& detail, const ChangeGrou
     text.push_back(')');
 }
 
+void appendLevel(std::string& text, double level, Unit unit) {
+    text.append("all of it ");
+    appendNumber(text, std::abs(level), unit, NumberText::kFewDigits);
+    text.append(level > 0 ? " higher" : " lower");
+}
+
 void appendCoverage(std::string& text, const ChangeDetail& detail, Unit unit) {
     if (std::holds_alternative<Extent>(detail.was) && std::holds_alternative<Extent>(detail.is)) text.append("covers ");
     appendWasAndIs(text, detail, unit);
 }
 
-void appendMatrix(std::string& text, const ChangeDetail& detail, const ChangeGroup& group) {
-    appendInteger(text, static_cast<std::int64_t>(group.count));
-    text.append(group.count == 1 ? " entry changed" : " entries changed");
+void appendMatrix(std::string& text, const ChangeDetail& detail, const MatrixChange& matrix, Unit unit) {
+    appendInteger(text, static_cast<std::int64_t>(matrix.count));
+    text.append(matrix.count == 1 ? " entry changed" : " entries changed");
     if (detail.percent) {
-        text.append(group.count > 1 ? ", at most by " : " by ");
+        text.append(matrix.count > 1 ? ", at most by " : " by ");
         appendPercent(text, *detail.percent);
     }
-    text.append(" (").append(group.place).append(": ");
-    appendWasAndIs(text, detail, group.unit);
+    text.append(" (").append(matrix.place).append(": ");
+    appendWasAndIs(text, detail, unit);
     text.push_back(')');
 }
 
@@ -163,8 +173,9 @@ void appendDetail(std::string& text, const ChangeDetail& detail, const ChangeGro
     case ChangeKind::value: return appendValue(text, detail, group.unit);
     case ChangeKind::table: return appendTable(text, detail, group);
     case ChangeKind::shift: return appendShift(text, detail.shift.value_or(0.0));
+    case ChangeKind::level: return appendLevel(text, detail.shift.value_or(0.0), group.unit);
     case ChangeKind::extent: return appendCoverage(text, detail, group.unit);
-    case ChangeKind::matrix: return appendMatrix(text, detail, group);
+    case ChangeKind::matrix: return appendMatrix(text, detail, *group.matrix, group.unit);
     case ChangeKind::renamed:
         text.append("renamed, was ");
         return appendThing(text, detail.was, Unit::none, NumberText::kFewDigits);
@@ -225,7 +236,7 @@ public:
         constexpr std::size_t kMostNames = 20;
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
-        if (same && settings_.quiet) return;
+        if (verdictOf(pair) == CompareVerdict::same && settings_.quiet) return;
         line_.assign("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n");
         writeLine();
         writeErrors(pair.was);
@@ -261,6 +272,7 @@ public:
         line_.append(", ");
         appendInteger(line_, totals.different);
         line_.append(" different");
+        append(totals.not_whole, "not compared whole");
         append(totals.not_compared, "not compared");
         append(totals.only_old, "only old");
         append(totals.only_new, "only new");
@@ -316,6 +328,13 @@ std::string countsText(SubjectKind kind, const RecordCounts& counts) {
 
 bool isWhole(const ComparedPair& pair) {
     return pair.was.errors == 0 && pair.is.errors == 0 && pair.passed_over.empty();
+}
+
+CompareVerdict verdictOf(const ComparedPair& pair) {
+    if (pair.changes == nullptr) return CompareVerdict::notCompared;
+    if (!pair.changes->groups.empty()) return CompareVerdict::different;
+    const bool is_known = pair.same_bytes || (pair.same_errors && pair.passed_over.empty());
+    return isWhole(pair) || is_known ? CompareVerdict::same : CompareVerdict::notWhole;
 }
 
 void appendRecords(std::string& text, const ChangeGroup& group, std::size_t most_names) {
@@ -385,28 +404,28 @@ std::string summaryOf(const FileChanges& changes) {
         if (counts.all() != 0) text.append(text.empty() ? "" : "; ").append(countsText(kind, counts));
     }
     const auto append_field = [&text](const ChangeGroup& group) {
-        text.append(" in ");
+        text.append(group.kind == ChangeKind::extent ? " in what is covered by " : " in ");
         if (!group.component.empty()) text.append(group.component).append(" pin ");
         text.append(group.names.front()).append(" ").append(group.field);
     };
-    if (const ChangeGroup* const largest = changes.largest()) {
+    if (const auto& [group, percent] = changes.largest; group != nullptr) {
         text.append("; largest change ");
-        appendPercent(text, *largest->percent());
-        append_field(*largest);
+        appendPercent(text, percent);
+        append_field(*group);
     }
-    if (const FileChanges::Shift shift = changes.largestShift(); shift.group != nullptr) {
+    if (const auto& [group, shift] = changes.largest_shift; group != nullptr) {
         text.append("; largest shift ");
-        appendShift(text, shift.seconds);
-        append_field(*shift.group);
+        appendShift(text, shift);
+        append_field(*group);
     }
     return text;
 }
 
 std::string summaryOf(const ComparedPair& pair) {
     if (pair.changes == nullptr) return "Not compared";
-    if (pair.changes->groups.empty() && !isWhole(pair))
-        return "No difference in what was compared; the files were not compared whole";
-    return summaryOf(*pair.changes);
+    if (!pair.changes->groups.empty() || isWhole(pair)) return summaryOf(*pair.changes);
+    return pair.same_bytes ? "No difference: the files are the same byte for byte"
+                           : "No difference in what was compared; the files were not compared whole";
 }
 
 std::unique_ptr<CompareFormat> makeCompareText(Output& out, const CompareFormatSettings& settings) {

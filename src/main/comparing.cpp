@@ -8,9 +8,12 @@
 #include "reader/source.hpp"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <map>
 #include <memory>
 #include <new>
 #include <optional>
@@ -140,9 +143,10 @@ struct ReadFile {
     std::optional<MemoryAccount> account{};
     std::unique_ptr<Run> run{};
     FileOutcome outcome{};
-    bool is_cut_off = false;    ///< it has no end
-    bool lacked_memory = false; ///< it was not read to its end for lack of memory
-    std::string problem{};      ///< why it cannot be compared; empty when it can
+    bool is_cut_off = false;                      ///< it has no end
+    bool lacked_memory = false;                   ///< it was not read to its end for lack of memory
+    std::map<MessageCode, std::int64_t> errors{}; ///< how many of each kind, of those that may lose something
+    std::string problem{};                        ///< why it cannot be compared; empty when it can
 };
 
 std::int64_t errorCount(const ReadFile& file) {
@@ -161,8 +165,11 @@ void readInRun(ReadFile& file) {
     Run& run = *file.run;
     constexpr MessageCode kNoEnd = 903;
     constexpr MessageCode kNoMemory = 1908;
+    constexpr MessageCode kLongLine = 905; // of which nothing is lost
     run.diagnostics.sink = [&file](const Finding& finding) {
         if (!finding.code) return;
+        if (levelOf(finding.severity) == Level::error && finding.code->number != kLongLine)
+            ++file.errors[finding.code->number];
         if (finding.code->number == kNoEnd) file.is_cut_off = true;
         if (finding.code->number == kNoMemory) file.lacked_memory = true;
     };
@@ -215,6 +222,24 @@ std::vector<std::string_view> passedOver(const ReadFile& was, const ReadFile& is
     return names;
 }
 
+/// True for files that can be read again and hold the same bytes.
+bool haveSameBytes(std::string_view was, std::string_view is) {
+    std::error_code failure;
+    if (!fs::is_regular_file(was, failure) || !fs::is_regular_file(is, failure)) return false;
+    std::ifstream before{std::string(was), std::ios::binary};
+    std::ifstream now{std::string(is), std::ios::binary};
+    std::array<char, std::size_t{64} << 10> old_bytes;
+    std::array<char, old_bytes.size()> new_bytes;
+    while (before && now) {
+        before.read(old_bytes.data(), old_bytes.size());
+        now.read(new_bytes.data(), new_bytes.size());
+        const std::streamsize count = before.gcount();
+        if (count != now.gcount() || !std::equal(old_bytes.begin(), old_bytes.begin() + count, new_bytes.begin()))
+            return false;
+    }
+    return before.eof() && now.eof();
+}
+
 /// The root of a file; null where nothing is left of it.
 const Ibis* rootOf(const ReadFile& file) {
     return file.run == nullptr || file.run->roots.empty() ? nullptr : &currentRoot(*file.run);
@@ -247,16 +272,26 @@ public:
             });
             if (is.problem.empty()) pair.changes = &changes;
         }
+        pair.same_errors = was.errors == is.errors;
+        if (verdictOf(pair) == CompareVerdict::notWhole) pair.same_bytes = haveSameBytes(was.name, is.name);
         outputs_.format.pair(pair);
         if (outputs_.page != nullptr) outputs_.page->pair(pair, rootOf(was), rootOf(is));
         for (const ReadFile* const file : {&was, &is})
             if (!file->problem.empty()) tell(outputs_.out, outputs_.errors, file->name, file->problem);
-        if (pair.changes == nullptr) {
-            ++totals_.not_compared;
-            status_ = kTrouble;
-        } else if (!changes.groups.empty()) {
+        switch (verdictOf(pair)) {
+        case CompareVerdict::same: break;
+        case CompareVerdict::different:
             ++totals_.different;
             status_ = std::max(status_, kSomeFailed);
+            break;
+        case CompareVerdict::notWhole:
+            ++totals_.not_whole;
+            status_ = kTrouble;
+            break;
+        case CompareVerdict::notCompared:
+            ++totals_.not_compared;
+            status_ = kTrouble;
+            break;
         }
     }
 

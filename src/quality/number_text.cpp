@@ -79,9 +79,16 @@ NumberText::NumberText(double value, std::string_view unit, int digits, NumberSt
     if (value < 0.0) append(printed ? kMinus : "-");
     const double size = std::fabs(value);
     std::optional<UnitPrefix> prefix;
-    if (std::isfinite(value) && value != 0.0 && takesLetters(unit)) {
+    constexpr double kSmallestPlain = 1.0; // of numbers without letters that are written in the same way
+    constexpr double kBeyondPlain = 1000.0;
+    const bool takes_letters = takesLetters(unit);
+    if (std::isfinite(value) && value != 0.0 && (takes_letters || (size >= kSmallestPlain && size < kBeyondPlain))) {
         const Rounded number = roundedTo(size, digits);
-        prefix = prefixOfPower(number.power, style);
+        if (takes_letters) {
+            prefix = prefixOfPower(number.power, style);
+        } else if (number.power < std::min(digits, static_cast<int>(kMostAhead))) {
+            prefix = UnitPrefix();
+        }
         if (prefix) {
             const auto ahead = static_cast<std::size_t>(number.power - prefix->power + 1);
             auto used = static_cast<std::size_t>(digits);

@@ -88,6 +88,7 @@ void ComparedPage::writeOutcome(Html& html, Outcome outcome) {
     switch (outcome) {
     case Outcome::same: html << "<strong class=\"verdict passed\">Same</strong>"; break;
     case Outcome::different: html << "<strong class=\"verdict failed\">Different</strong>"; break;
+    case Outcome::notWhole: html << "<strong class=\"verdict unread\">Not compared whole</strong>"; break;
     case Outcome::notCompared: html << "<strong class=\"verdict unread\">Not compared</strong>"; break;
     case Outcome::onlyOld: html << "<strong class=\"verdict unread\">Only old</strong>"; break;
     case Outcome::onlyNew: html << "<strong class=\"verdict unread\">Only new</strong>"; break;
@@ -123,9 +124,8 @@ void ComparedPage::writeHead(Html& html, const ComparedPair& pair, const Row& ro
 
 void ComparedPage::pair(const ComparedPair& pair, const Ibis* was, const Ibis* is) {
     const bool differs = pair.changes != nullptr && !pair.changes->groups.empty();
-    const Outcome outcome = pair.changes == nullptr ? Outcome::notCompared
-                            : differs               ? Outcome::different
-                                                    : Outcome::same;
+    constexpr std::array kOutcomes{Outcome::same, Outcome::different, Outcome::notWhole, Outcome::notCompared};
+    const Outcome outcome = kOutcomes[static_cast<std::size_t>(verdictOf(pair))];
     rows_.push_back({++pairs_, std::string(pair.is.path), outcome, summaryOf(pair)});
     Html html(page_.out());
     html.begin("article", {{"class", Literal("file")}, Attribute::id({'f', pairs_, 0})}) << "\n";

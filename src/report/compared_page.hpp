@@ -27,7 +27,7 @@ public:
     void end();
 
 private:
-    enum class Outcome : std::uint8_t { same, different, notCompared, onlyOld, onlyNew };
+    enum class Outcome : std::uint8_t { same, different, notWhole, notCompared, onlyOld, onlyNew };
     struct Row {
         std::uint32_t number; ///< of the pair; 0 of a file that is alone
         std::string path;     ///< of the new file where there is one

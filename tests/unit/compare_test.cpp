@@ -99,6 +99,10 @@ TEST(Compare, tablesAreComparedOverWhatBothHave) {
     // Both end at 2 V; of what comes behind only the end is told, once for all corners.
     EXPECT_THAT(lines(kLine, "0 0 0 0\n2 40m 36m 44m\n3 90m 90m 90m"),
                 ElementsAre("Model m: [Pulldown] typ, min and max: covers 0 V to 3 V, was 0 V to 2 V"));
+    EXPECT_EQ(
+        Compared(model("m", "[Pulldown]\n0 0 NA NA\n2 40m NA NA"), model("m", "[Pulldown]\n0 0 NA NA\n3 60m NA NA"))
+            .summary(),
+        "1 model changed; largest change 50 % in what is covered by m [Pulldown]");
     EXPECT_THAT(
         lines("0 0 0 0\n1 20m NA NA", "0 0 0 0\n1 -20m NA NA"),
         ElementsAre("Model m: [Pulldown] typ: current the other way, by up to 200 % (at 1 V: -20 mA, was 20 mA)"));
@@ -144,13 +148,18 @@ TEST(Compare, shiftsOfWaveformsAreToldApart) {
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: 500 ps earlier"));
     // It comes later and ends higher, at 2.1 V and at 3 V instead of 2 V.
     EXPECT_THAT(linesOf(model("m", was), model("m", wave("0 0 0 NA\n1.5n 0 0 NA\n2.5n 2.1 1.5 NA\n5n 2.1 1.5 NA"))),
-                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V min: 500 ps later",
-                            "Model m: [Rising Waveform] with 50 ohm to 0 V typ: 500 ps later, and up to 5 % higher "
-                            "(at 2 ns: 2.1 V, was 2 V)"));
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: 500 ps later; typ: then up to "
+                            "5 % higher (at 2 ns: 2.1 V, was 2 V)"));
     EXPECT_THAT(linesOf(model("m", was), model("m", wave("0 0 0 NA\n2n 0 0 NA\n3n 3 1.5 NA\n5n 3 1.5 NA"))),
-                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: 1 ns later, and up to 50 % higher "
-                            "(at 2 ns: 3 V, was 2 V)",
-                            "Model m: [Rising Waveform] with 50 ohm to 0 V min: 1 ns later"));
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: 1 ns later; typ: then up to "
+                            "50 % higher (at 2 ns: 3 V, was 2 V)"));
+    const Compared alone(model("m", wave("0 0 NA NA\n1n 0 NA NA\n2n 2 NA NA\n5n 2 NA NA")),
+                         model("m", wave("0 0 NA NA\n2n 0 NA NA\n3n 3 NA NA\n5n 3 NA NA")));
+    EXPECT_THAT(alone.lines(), ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: 1 ns later, and up to "
+                                           "50 % higher (at 2 ns: 3 V, was 2 V)"));
+    EXPECT_EQ(alone.summary(),
+              "1 model changed; largest change 50 % in m [Rising Waveform] with 50 ohm to 0 V; "
+              "largest shift 1 ns later in m [Rising Waveform] with 50 ohm to 0 V");
     // Corners whose shifts differ by less than the tolerance shows have one: 1.5 mV of 1.5 V are 1 ps of its edge.
     EXPECT_THAT(linesOf(model("m", was), model("m", wave("0 0 0 NA\n1.5n 0 0.0015 NA\n2.5n 2 1.5 NA\n5n 2 1.5 NA"))),
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: 500 ps later"));
@@ -166,6 +175,25 @@ TEST(Compare, shiftsOfWaveformsAreToldApart) {
                         model("m", wave("0 0 NA NA\n2n 2 NA NA\n4n 2 NA NA"))),
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: up to 50 % lower "
                             "(at 1 ns: 1 V, was 2 V)"));
+}
+
+TEST(Compare, waveformsThatAreHigherAllAlongAreToldSo) {
+    const auto lines = [](std::string_view was, std::string_view is) {
+        return linesOf(model("m", wave(was)), model("m", wave(is)));
+    };
+    const std::string was = "0 0 0 0\n1n 0 0 0\n2n 2 1.5 2.5\n5n 2 1.5 2.5";
+    EXPECT_THAT(lines(was, "0 0.3 0.3 -0.2\n1n 0.3 0.3 -0.2\n2n 2.3 1.8 2.3\n5n 2.3 1.8 2.3"),
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ and min: all of it 300 mV higher; max: "
+                            "all of it 200 mV lower"));
+    // 0.3 V of 2 V, and of 1.5 V.
+    EXPECT_EQ(Compared(model("m", wave(was)), model("m", wave("0 0.3 0 0\n1n 0.3 0 0\n2n 2.3 1.5 2.5\n5n 2.3 1.5 2.5")))
+                  .summary(),
+              "1 model changed; largest change 15 % in m [Rising Waveform] with 50 ohm to 0 V");
+    // Higher by half of that at one end is another form.
+    EXPECT_THAT(lines("0 0 NA NA\n1n 0 NA NA\n2n 2 NA NA\n5n 2 NA NA",
+                      "0 0.3 NA NA\n1n 0.3 NA NA\n2n 2.15 NA NA\n5n 2.15 NA NA"),
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: up to 15 % higher (at 0 s: 300 mV, "
+                            "was 0 V)"));
 }
 
 TEST(Compare, waveformsAreMatchedByTheirFixtures) {
@@ -203,6 +231,27 @@ TEST(Compare, rampsAreComparedByTheirSlewAndByWhatItHides) {
                             "Model m: [Ramp] dV/dt_r dt typ: 2 ns, was 1 ns (+100 %)",
                             "Model m: [Ramp] dV/dt_f dV typ: 2 V, was 1 V (+100 %)",
                             "Model m: [Ramp] dV/dt_f typ: 500 mV/ns, was 1 V/ns (-50 %)"));
+}
+
+TEST(Compare, whatIsMeantWhereNothingIsGivenIsNoChange) {
+    const auto lines = [](std::string_view was, std::string_view is) {
+        return linesOf(model("m", was), model("m", is));
+    };
+    EXPECT_THAT(lines("", "Polarity Non-Inverting\nEnable Active-High"), IsEmpty());
+    EXPECT_THAT(lines("[Ramp]\ndV/dt_r 1/1n NA NA", "[Ramp]\ndV/dt_r 1/1n NA NA\nR_load = 50"), IsEmpty());
+    // The range of the supply stands for both upper references, 0 V for the lower ones.
+    constexpr std::string_view kSupply = "[Voltage Range] 3.3 3 3.6";
+    EXPECT_THAT(lines(kSupply,
+                      "[Pullup Reference] 3.3 3 3.6\n[POWER Clamp Reference] 3.3 NA NA\n"
+                      "[Pulldown Reference] 0 0 0\n[GND Clamp Reference] 0 NA NA"),
+                IsEmpty());
+    EXPECT_THAT(
+        lines("[Pullup Reference] 5 5 5\n[POWER Clamp Reference] 3.3 3 3.6\n[GND Clamp Reference] -1 -1 -1", kSupply),
+        ElementsAre("Model m: [GND Clamp Reference] typ, min and max: 0 V, was -1 V (+100 %)",
+                    "Model m: [Pullup Reference] typ: 3.3 V, was 5 V (-34 %); min: 3 V, was 5 V (-40 %); "
+                    "max: 3.6 V, was 5 V (-28 %)"));
+    EXPECT_THAT(lines("[Voltage Range] 3.3 NA NA", ""),
+                ElementsAre("Model m: [Voltage Range] typ: not given, was 3.3 V"));
 }
 
 TEST(Compare, equalChangesAreOneAndThoseOfManyModelsComeFirst) {
