@@ -8,6 +8,7 @@
 #include "ibis/run.hpp"
 #include "input.hpp"
 #include "main/checking.hpp"
+#include "report/compared_page.hpp"
 
 #include <memory>
 #include <string>
@@ -46,14 +47,20 @@ struct ReadFile {
 void compare(const ReadFile& was, const ReadFile& is, const CompareSettings& settings) {
     const FileChanges changes = compareFiles(was.compared(), is.compared(), settings);
     const CompareFormatSettings form{.version = "0", .settings = settings};
+    const ComparedPair pair{.was = was.path(), .is = is.path(), .changes = &changes};
     Output text;
     Output json;
+    Output html;
     const auto as_text = makeCompareText(text, form);
     const auto as_json = makeCompareJson(json, form);
     for (CompareFormat* const format : {as_text.get(), as_json.get()}) {
-        format->pair({.was = was.path(), .is = is.path(), .changes = &changes});
+        format->pair(pair);
         format->ends({.pairs = 1, .different = 1});
     }
+    ComparedPage page(html, "a comparison", "fuzz");
+    page.pair(pair, &currentRoot(was.run), &currentRoot(is.run));
+    page.end();
+    demandMarkup(html.text(), MarkupKind::html);
     demandJson(json.text());
     if (&was == &is && !changes.groups.empty()) fault("a file differs from itself", text.text());
 }
