@@ -26,6 +26,12 @@ CALLS = (
     "verimark\n--explain\nExceeds 80 chararacters.\n",
     "verimark\n--explain=C_comp\n-fjson\n",
     "verimark\n--completions=zsh\n--output=lib/x\n",
+    "verimark\n--completions=bash\n",
+    "verimark\n--completions=fish\n",
+    "verimark\n--max-memory=50k\n-fjson\na.ibs\nb.ami\n--- a.ibs\n[IBIS Ver] 4.2\n[Model] m\nModel_type I/O\n[End]\n"
+    "--- b.ami\n(b (Reserved_Parameters (Ignore_Bits (Usage Info) (Type Integer) (Value 2))))\n",
+    "verimark\na.ibs\n--- a.ibs\n[IBIS Ver] 3.2\n[Component] c\n[Package Model] p\n[Pin] signal_name model_name\n"
+    "1 s GND\n[End]\n--- p.pkg\n[IBIS Ver] 3.2\n[File Name] p.pkg\n[Define Package Model] p\n[End]\n",
     "verimark\n--messages-page\n",
     "verimark\n--advice-page\n-o\nx.md\n",
     "verimark\nlib\n-q\n--jobs=2\n--- lib/a.ibs\n[IBIS Ver] 3.2\n[End]\n--- lib/lib/b.ami\n(b)\n",
@@ -83,12 +89,23 @@ def call_of(case):
     return "".join(parts)
 
 
+def large():
+    """A file with more of what is told apart from few: entries of a selector, points of a curve, pins."""
+    entries = "".join(f"m{number} text\n" for number in range(50))
+    pins = "".join(f"{number} s{number} {'sel' if number % 2 else 'm1'}\n" for number in range(300))
+    rows = "".join(f"{number / 100 - 3:.2f} {number}u {number}u NA\n" for number in range(1300))
+    return (f"[IBIS Ver] 4.2\n[File Name] large.ibs\n[Component] c\n[Manufacturer] m\n[Package]\nR_pkg 0 NA NA\n"
+            f"[Pin] signal_name model_name\n{pins}[Model Selector] sel\n{entries}[Model] m1\nModel_type Input\n"
+            f"C_comp 1p NA NA\n[Voltage Range] 3 NA NA\n[GND Clamp]\n{rows}[End]\n")
+
+
 def collect(sources):
     """The inputs of each entry."""
     inputs = collections.defaultdict(list)
     files = []
     for folder in ("examples", "tests/frames", "tests/cases", "tests/report"):
         files += sorted(path for path in (sources / folder).rglob("*") if path.is_file())
+    inputs["ibs"].append(large())
     before = None
     for path in files:
         kind = path.suffix.lower()[1:]
