@@ -251,9 +251,10 @@ std::optional<double> shiftOf(Curve was, Curve is) {
         const std::optional<double> now = firstCrossing(is, new_level);
         if (before && now) offsets[count++] = *now - *before;
     };
-    for (const double part : kParts)
+    for (const double part : kParts) {
         add(old_levels.low + part * (old_levels.high - old_levels.low),
             new_levels.low + part * (new_levels.high - new_levels.low));
+    }
     const double low = std::max(old_levels.low, new_levels.low);
     const double high = std::min(old_levels.high, new_levels.high);
     if (!(low < high)) return std::nullopt;

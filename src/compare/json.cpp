@@ -145,7 +145,7 @@ public:
         is_new ? writePath(object, "new", file) : object.null("new");
         object.text("verdict", is_new ? "only new" : "only old");
         object.flag("whole", false);
-        JsonArray(object, "passed_over");
+        { const JsonArray nothing(object, "passed_over"); }
         writeCounts(object, {});
         object.text("summary", is_new ? "Only new" : "Only old");
         JsonArray(object, "changes", true);

@@ -133,7 +133,8 @@ std::string problemOf(const MemoryLimit* limit, std::optional<MemoryAccount>& ac
     } catch (const std::exception& failure) {
         return std::string(": ").append(failure.what()).append("; not compared");
     }
-    return std::string(": more memory than --max-memory=").append(limit->shown).append(" is needed; not compared");
+    const std::string_view shown = limit != nullptr ? limit->shown : std::string_view(); // one that is over has a limit
+    return std::string(": more memory than --max-memory=").append(shown).append(" is needed; not compared");
 }
 
 /// A file that is read to be compared.

@@ -33,8 +33,8 @@ Rounded roundedTo(double value, int digits) {
     if (digits <= kMostOfShortWay && roundToDigits(std::fabs(value), digits, rounded)) {
         Rounded result;
         result.power = rounded.exponent;
-        for (auto place = static_cast<std::size_t>(digits); place-- > 0; rounded.digits /= 10)
-            result.digits[place] = static_cast<char>('0' + rounded.digits % 10);
+        for (int place = digits - 1; place >= 0; --place, rounded.digits /= 10)
+            result.digits[static_cast<std::size_t>(place)] = static_cast<char>('0' + rounded.digits % 10);
         return result;
     }
     std::array<char, 32> text;

@@ -62,9 +62,11 @@ class MarkupName {
 public:
     consteval MarkupName(const char* literal) : text_(literal) {
         if (text_.empty()) throw "a name is not empty";
-        for (const char c : text_)
-            if (!(('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || ('0' <= c && c <= '9') || c == '-'))
+        for (const char c : text_) {
+            if (!(('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || ('0' <= c && c <= '9') || c == '-')) {
                 throw "a name has letters, digits and hyphens";
+            }
+        }
     }
     [[nodiscard]] constexpr std::string_view text() const { return text_; }
     /// True of the attributes whose values are more than texts: a browser follows, runs or applies them.
