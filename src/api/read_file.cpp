@@ -1,5 +1,7 @@
 #include "api/read_file.hpp"
 
+#include "base/text.hpp"
+
 #include <algorithm>
 
 namespace kestrel::api {
@@ -49,7 +51,7 @@ void ReadFile::add(const kestrel::Finding& finding) {
                         .exact = finding.exact,
                         .kind = subject != nullptr ? subjectKindName(subject->kind) : std::string_view(),
                         .subject = subject != nullptr ? subject->name.view() : std::string_view(),
-                        .text = texts.add(finding.text).view()});
+                        .text = texts.add(stripTrailing(finding.text)).view()});
     count(counts, findings.back().level);
 }
 

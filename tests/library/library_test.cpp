@@ -152,6 +152,11 @@ TEST(Library, findings) {
     EXPECT_EQ(about_model->subject, "ck");
     EXPECT_GE(about_model->line, 13U);
     EXPECT_NE(about_model->text.find("Inputt"), std::string_view::npos) << about_model->text;
+    // A text has no end of a line, as kestrel's form of this one has.
+    const File repeated = readText("a.ibs", "[IBIS Ver] 4.2\n[File Name] a.ibs\n[IBIS Ver] 4.2\n[End]\n");
+    EXPECT_TRUE(std::ranges::any_of(repeated.findings(), [](const Finding& one) {
+        return one.text == "IBIS_Version must be first keyword.";
+    })) << walk(repeated);
 }
 
 TEST(Library, sampleFromTheDisk) {
