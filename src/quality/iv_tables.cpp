@@ -272,6 +272,7 @@ void checkTableSpan(const AdvisedModel& advised, AdviceList& list) {
         if (!low_short && !high_short) continue;
         list.add(placeOfTable(advised, kind), 201, tableKeyword(kind), volts(table.firstVoltage()),
                  volts(table.lastVoltage()), volts(reach.low), volts(reach.high));
+        list.setPlace(low_short ? table.firstVoltage() : table.lastVoltage());
     }
 }
 

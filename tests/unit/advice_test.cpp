@@ -7,6 +7,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -158,6 +159,16 @@ std::string broken(const std::function<void(PushPull&)>& change) {
     return codesOf(model);
 }
 
+/// Where in its table the only advice on a broken model is.
+std::optional<double> placeIn(const std::function<void(PushPull&)>& change) {
+    PushPull model;
+    change(model);
+    Files files;
+    const std::vector<Advice> list = adviceOf(model.text(), files);
+    EXPECT_EQ(list.size(), 1U);
+    return list.empty() ? std::nullopt : list.front().at;
+}
+
 void scale(Table& table, double factor) {
     for (Row& row : table)
         for (double& value : row.values)
@@ -207,6 +218,11 @@ TEST(Advice, noticesWhatIsWrongWithTables) {
               "Q205");
     EXPECT_EQ(broken([](PushPull& m) { std::swap(m.supply[1], m.supply[2]); }).substr(0, 4), "Q104");
     EXPECT_EQ(broken([](PushPull& m) { m.pulldown.resize(20); }), "Q201");
+    // From -3.6 V in steps of 0.3 V: the end that is short.
+    EXPECT_NEAR(placeIn([](PushPull& m) { m.pulldown.resize(20); }).value_or(0.0), 2.1, 1e-9);
+    EXPECT_NEAR(
+        placeIn([](PushPull& m) { m.pulldown.erase(m.pulldown.begin(), m.pulldown.begin() + 10); }).value_or(0.0), -0.6,
+        1e-9);
     EXPECT_EQ(broken([](PushPull& m) { scale(m.pullup, 0.0); }),
               "Q209 Q301"); // what is left is an open drain, of which the ramp is right
     EXPECT_EQ(broken([](PushPull& m) {
