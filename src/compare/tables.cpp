@@ -206,19 +206,12 @@ void agreeOnShift(Comparison& comparison, TableChanges& changes, const Axes& axe
     }
 }
 
-ChangeDetail shiftDetail(Corner corner, const CornerChange& change) {
+/// A curve that comes later, or is higher, by the same all along.
+ChangeDetail offsetDetail(Corner corner, double offset, double scale) {
     ChangeDetail detail;
     detail.corners = {corner};
-    detail.shift = change.shift;
-    detail.percent = percentOf(*change.shift, change.length);
-    return detail;
-}
-
-ChangeDetail levelDetail(Corner corner, const CornerChange& change) {
-    ChangeDetail detail;
-    detail.corners = {corner};
-    detail.shift = change.level;
-    detail.percent = percentOf(*change.level, change.scale);
+    detail.shift = offset;
+    detail.percent = percentOf(offset, scale);
     return detail;
 }
 
@@ -301,14 +294,18 @@ void addCornerChanges(Comparison& comparison, const FieldName& field, const Axes
     ChangeDetails forms;
     ChangeDetails shifts;
     ChangeDetails levels;
-    if (is_joined)
-        for (const Corner corner : kCorners)
-            if (has_common(changes.corners[corner])) addDetail(forms, shiftDetail(corner, changes.corners[corner]));
+    if (is_joined) {
+        for (const Corner corner : kCorners) {
+            const CornerChange& change = changes.corners[corner];
+            if (has_common(change)) addDetail(forms, offsetDetail(corner, *change.shift, change.length));
+        }
+    }
     for (const Corner corner : kCorners) {
         const CornerChange& change = changes.corners[corner];
         if (change.difference) addDetail(forms, formDetail(corner, change));
-        if (change.isShiftAlone() && !(is_joined && has_common(change))) addDetail(shifts, shiftDetail(corner, change));
-        if (change.level) addDetail(levels, levelDetail(corner, change));
+        if (change.isShiftAlone() && !(is_joined && has_common(change)))
+            addDetail(shifts, offsetDetail(corner, *change.shift, change.length));
+        if (change.level) addDetail(levels, offsetDetail(corner, *change.level, change.scale));
     }
     addTableChange(comparison, ChangeKind::table, field, axes, forms);
     addTableChange(comparison, ChangeKind::shift, field, axes, shifts);

@@ -44,10 +44,12 @@ ModelMarks::ModelMarks(const Ibis& root) {
     }
 }
 
-void ModelMarks::hand(Ibis& root) const {
+void ModelMarks::hand(Ibis& root) {
+    // Of equal names the newest is meant, which comes first.
     for (Mdl& model : root.models.newestFirst()) {
-        // Of equal names the newest is meant.
-        if (find(model.name).referenced && root.models.find(model.name) == &model) model.referenced = true;
+        ModelMark& mark = marks_[model.name.number() - first_];
+        model.referenced = mark.referenced;
+        mark.referenced = false;
     }
 }
 

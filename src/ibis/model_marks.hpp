@@ -43,8 +43,8 @@ public:
         return mark;
     }
 
-    /// Marks the models as referenced that were.
-    void hand(Ibis& root) const;
+    /// Marks the models of the root as referenced that were, once all names are looked up.
+    void hand(Ibis& root);
 
 private:
     std::vector<ModelMark, LargeAllocator<ModelMark>> marks_;
