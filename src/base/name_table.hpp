@@ -5,6 +5,7 @@
 #include "base/text_hash.hpp"
 #include "base/text_store.hpp"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -38,7 +39,8 @@ private:
     StoredText text_; // with the number as its tag
 };
 
-/// The names that many rows share, those of models above all, each kept once.
+/// The names that many rows share, those of models above all, each kept once. As long as new names come in order,
+/// shorter ones first, none of them is looked up; the first that does not makes a hash index.
 class NameTable {
 public:
     NameTable() = default;
@@ -61,7 +63,11 @@ private:
         [[nodiscard]] bool isFree() const { return text.empty(); }
     };
 
-    [[nodiscard]] StoredText guessed(std::string_view text);
+    [[nodiscard]] StoredText near(std::size_t place, std::string_view text) const;
+    [[nodiscard]] bool isBehindAll(std::string_view text) const;
+    [[nodiscard]] StoredText add(std::string_view text);
+    [[nodiscard]] StoredText lookUp(std::string_view text);
+    void makeIndex();
     [[nodiscard]] std::uint32_t hashOf(std::string_view text) const {
         return static_cast<std::uint32_t>(seed_.hashOf(text));
     }
@@ -73,9 +79,12 @@ private:
 
     HashSeed seed_;
     TextStore texts_;
-    OpenSlots<Slot> slots_;
+    OpenSlots<Slot> slots_;                                               // none while the names are in order
     std::vector<StoredText, LargeAllocator<StoredText>> texts_by_number_; // from that of number 1 on
-    std::size_t guess_ = 0; // place in the list behind the name that was entered last
+    // Places in the list behind names that were entered: the last two, the newer one first, and the last that was not
+    // guessed from these.
+    std::array<std::size_t, 2> guesses_{};
+    std::size_t beginning_ = 0;
 };
 
 } // namespace kestrel

@@ -41,9 +41,12 @@ private:
         bool operator()(const Slot& slot) const { return slot.number == number; }
     };
 
-    /// The seed is an odd factor that nobody knows, so that no file can choose numbers that meet.
+    /// Eight numbers in a row have their slots in a row, so that one look at the memory serves for all of them: names
+    /// are mostly asked for in the order in which they came. The seed is an odd factor that nobody knows, so that no
+    /// file can choose numbers that meet.
     [[nodiscard]] std::uint32_t hashOf(std::uint32_t number) const {
-        return static_cast<std::uint32_t>((number * seed_.value()) >> 32U);
+        constexpr std::uint32_t kRow = 8;
+        return static_cast<std::uint32_t>((number / kRow * seed_.value()) >> 32U) / kRow * kRow + number % kRow;
     }
 
     HashSeed seed_;

@@ -3,6 +3,7 @@
 #include "base/large_memory.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -29,13 +30,18 @@ public:
         return const_cast<Slot&>(std::as_const(*this).at(hash, is_same));
     }
 
+    /// The free slot where an entry that is not there yet belongs. There must have been room.
+    [[nodiscard]] Slot& freeSlot(std::uint32_t hash) {
+        return at(hash, [](const Slot& /*other*/) { return false; });
+    }
+
     /// Makes room for one more than the present `entries`, whose hashes `hash_of` gives.
     template <class HashOf> void makeRoom(std::size_t entries, HashOf hash_of) {
         constexpr std::size_t kSmallest = 16;
         if (2 * (entries + 1) <= slots_.size()) return;
-        const Slots old = std::exchange(slots_, Slots(std::max(kSmallest, 2 * slots_.size())));
+        const Slots old = std::exchange(slots_, Slots(std::max(kSmallest, std::bit_ceil(2 * (entries + 1)))));
         for (const Slot& slot : old) {
-            if (!slot.isFree()) at(hash_of(slot), [](const Slot& /*other*/) { return false; }) = slot;
+            if (!slot.isFree()) freeSlot(hash_of(slot)) = slot;
         }
     }
 

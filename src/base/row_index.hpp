@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/open_slots.hpp"
+#include "base/text.hpp"
 #include "base/text_hash.hpp"
 
 #include <algorithm>
@@ -56,9 +57,6 @@ private:
     };
 
     static std::string_view nameOf(const Row& row) { return std::invoke(Name, row); }
-    static bool isBefore(std::string_view a, std::string_view b) {
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
-    }
 
     [[nodiscard]] std::uint32_t hashOf(std::string_view name) const {
         return static_cast<std::uint32_t>(seed_.hashOf(name));

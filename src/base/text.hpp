@@ -31,6 +31,11 @@ constexpr char toUpper(char c) { return isLower(c) ? static_cast<char>(c - 'a' +
     return a.size() == b.size() && isSameNoCase(a, b);
 }
 
+/// The order in which numbered names usually come: shorter ones first, those of one length by their characters.
+[[nodiscard]] inline bool isBefore(std::string_view a, std::string_view b) {
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
+}
+
 /// True when the first `count` characters agree but for case, or both texts end together before that.
 [[nodiscard]] bool prefixEqualsNoCase(std::string_view a, std::string_view b, std::size_t count);
 

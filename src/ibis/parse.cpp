@@ -264,10 +264,10 @@ void handleLine(Run& run, const SourceLine& read) {
         changeCommentChar(run, body);
         return;
     }
-    const std::string_view text = stripTrailing(line.substr(0, read.comment));
+    std::string_view text = stripTrailing(line.substr(0, read.comment));
     if (kind == LineKind::keyword) {
-        // A keyword is read from its bracket on, data with its leading blanks.
-        dispatchKeyword(run, text.substr(line.size() - body.size()));
+        text.remove_prefix(line.size() - body.size()); // a keyword is read from its bracket on
+        dispatchKeyword(run, text);
     } else if (!run.parse.passing_over) {
         handOn(run, moduleOf(run.parse.current), Line{LineKind::data, run.parse.current, text});
     }
