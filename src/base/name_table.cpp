@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <span>
 #include <utility>
 
 namespace kestrel {
@@ -15,20 +16,20 @@ StoredText NameTable::near(std::size_t place, std::string_view text) const {
     return place > 0 && texts_by_number_[place - 1] == text ? texts_by_number_[place - 1] : StoredText();
 }
 
-/// True for a name that must be new, since all names are in order and it is behind the last one.
-bool NameTable::isBehindAll(std::string_view text) const {
-    return slots_.empty() && (texts_by_number_.empty() || isBefore(texts_by_number_.back(), text));
-}
-
 StoredText NameTable::add(std::string_view text) {
     if (numbers() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    texts_by_number_.push_back(texts_.addTagged(static_cast<std::uint32_t>(numbers()), text));
-    return texts_by_number_.back();
+    const StoredText added = texts_.addTagged(static_cast<std::uint32_t>(numbers()), text);
+    texts_by_number_.push_back(added);
+    if (isBefore(largest_, text)) largest_ = added;
+    return added;
 }
 
-void NameTable::makeIndex() {
-    slots_.makeRoom(texts_by_number_.size(), [](const Slot& slot) { return slot.hash; });
-    for (const StoredText& text : texts_by_number_) {
+/// Enters those names into the index that are not in it yet.
+void NameTable::completeIndex() {
+    const std::size_t count = texts_by_number_.size();
+    slots_.makeRoom(count, [](const Slot& slot) { return slot.hash; });
+    for (; indexed_ < count; ++indexed_) {
+        const StoredText text = texts_by_number_[indexed_];
         const std::uint32_t hash = hashOf(text);
         slots_.freeSlot(hash) = {text, hash};
     }
@@ -36,11 +37,13 @@ void NameTable::makeIndex() {
 
 /// The text that reads so, found by its hash, or added.
 StoredText NameTable::lookUp(std::string_view text) {
-    if (slots_.empty()) makeIndex();
-    slots_.makeRoom(texts_by_number_.size(), [](const Slot& slot) { return slot.hash; });
+    completeIndex();
     const std::uint32_t hash = hashOf(text);
     Slot& slot = slots_.at(hash, IsOf{text, hash});
-    if (slot.isFree()) slot = {add(text), hash};
+    if (slot.isFree()) {
+        slot = {add(text), hash};
+        ++indexed_;
+    }
     return slot.text;
 }
 
@@ -57,7 +60,7 @@ Name NameTable::enter(std::string_view text) {
     }
     // Lists may each begin where the last one did, or one name later.
     StoredText entered = near(beginning_, text);
-    if (entered.empty()) entered = isBehindAll(text) ? add(text) : lookUp(text);
+    if (entered.empty()) entered = isBefore(largest_, text) ? add(text) : lookUp(text);
     beginning_ = entered.tag();
     guesses_ = {beginning_, guesses_.front()};
     return Name(entered);
@@ -65,10 +68,11 @@ Name NameTable::enter(std::string_view text) {
 
 Name NameTable::find(std::string_view text) const {
     if (text.empty()) return {};
-    if (slots_.empty()) {
-        const auto at = std::ranges::lower_bound(texts_by_number_, text, isBefore);
-        return at != texts_by_number_.end() && *at == text ? Name(*at) : Name();
+    const auto others = std::span(texts_by_number_).subspan(indexed_); // which came in order
+    if (const auto at = std::ranges::lower_bound(others, text, isBefore); at != others.end() && *at == text) {
+        return Name(*at);
     }
+    if (slots_.empty()) return {};
     const std::uint32_t hash = hashOf(text);
     return Name(slots_.at(hash, IsOf{text, hash}).text);
 }

@@ -39,8 +39,8 @@ private:
     StoredText text_; // with the number as its tag
 };
 
-/// The names that many rows share, those of models above all, each kept once. As long as new names come in order,
-/// shorter ones first, none of them is looked up; the first that does not makes a hash index.
+/// The names that many rows share, those of models above all, each kept once. Names that come in order, shorter ones
+/// first, are not looked up, and get into the index when another one has to be.
 class NameTable {
 public:
     NameTable() = default;
@@ -64,10 +64,9 @@ private:
     };
 
     [[nodiscard]] StoredText near(std::size_t place, std::string_view text) const;
-    [[nodiscard]] bool isBehindAll(std::string_view text) const;
     [[nodiscard]] StoredText add(std::string_view text);
     [[nodiscard]] StoredText lookUp(std::string_view text);
-    void makeIndex();
+    void completeIndex();
     [[nodiscard]] std::uint32_t hashOf(std::string_view text) const {
         return static_cast<std::uint32_t>(seed_.hashOf(text));
     }
@@ -79,8 +78,10 @@ private:
 
     HashSeed seed_;
     TextStore texts_;
-    OpenSlots<Slot> slots_;                                               // none while the names are in order
     std::vector<StoredText, LargeAllocator<StoredText>> texts_by_number_; // from that of number 1 on
+    StoredText largest_; // the name behind all others in order: one that is behind it is new
+    OpenSlots<Slot> slots_;
+    std::size_t indexed_ = 0; // names that have slots; those behind them in the list came in order
     // Places in the list behind names that were entered: the last two, the newer one first, and the last that was not
     // guessed from these.
     std::array<std::size_t, 2> guesses_{};
