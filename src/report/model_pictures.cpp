@@ -223,8 +223,8 @@ private:
         for (const Corner corner : kCorners) {
             const std::optional<DcLoad> load = fixtureLoad(waveform, corner);
             if (!load || !physics_.isDriver()) continue;
-            levels.low[corner] = physics_.level(DriveState::low, corner, *load);
-            levels.high[corner] = physics_.level(DriveState::high, corner, *load);
+            levels.low[corner] = withoutNoise(physics_.level(DriveState::low, corner, *load));
+            levels.high[corner] = withoutNoise(physics_.level(DriveState::high, corner, *load));
         }
         return levels_.emplace_back(&waveform, levels).second;
     }
@@ -255,13 +255,13 @@ private:
                               .at = *level,
                               .label = std::string(word),
                               .corner = corner,
-                              .value = levelText(*level)});
+                              .value = quantityText(*level, "V", 3)});
     }
 
     /// A level; what is below a microvolt is 0.
-    static std::string levelText(double level) {
+    [[nodiscard]] static std::optional<double> withoutNoise(std::optional<double> level) {
         constexpr double kNothing = 1e-6;
-        return quantityText(std::abs(level) < kNothing ? 0.0 : level, "V", 3);
+        return level && std::abs(*level) < kNothing ? 0.0 : level;
     }
 
     /// How far the ramp of an edge goes in a corner: in which time, and by which voltage.
@@ -366,7 +366,9 @@ private:
         for (const auto& [waveform, levels] : levels_) {
             const std::string fixture = waveformTitle("", *waveform);
             const auto text_of = [](const PerCorner<std::optional<double>>& level) {
-                return [&level](Corner corner) { return level[corner] ? levelText(*level[corner]) : std::string(); };
+                return [&level](Corner corner) {
+                    return level[corner] ? quantityText(*level[corner], "V", 3) : std::string();
+                };
             };
             row(table, std::string("Low").append(fixture), text_of(levels.low));
             row(table, std::string("High").append(fixture), text_of(levels.high));

@@ -315,6 +315,28 @@ class Report(unittest.TestCase):
         ActionChains(browser.driver).move_to_element(browser.driver.find_element(By.TAG_NAME, "footer")).perform()
         self.assertEqual(browser.count(".cursor"), 0)
 
+    def test_labels_lie_beside_the_curves(self):
+        browser = self.opened(self.page("labels", SOURCE / "examples" / "board.ibs"))
+        counts = browser.run("""
+            return Array.from(document.querySelectorAll('svg.plot.w'), (plot) => {
+                const right = plot.querySelector('.g').getBoundingClientRect().right;
+                const picture = plot.getBoundingClientRect();
+                const boxes = Array.from(plot.querySelectorAll('.lh'), (label) => label.getBoundingClientRect());
+                const over = (a, b) => a !== b && Math.abs(a.top + a.bottom - b.top - b.bottom) < a.height * 1.5;
+                return boxes.filter((box) => box.left < right || box.right > picture.right + 1 || box.top < picture.top ||
+                                    boxes.some((other) => over(box, other))).length;
+            })""")
+        self.assertGreater(len(counts), 0)
+        self.assertEqual(set(counts), {0})
+        # Also where a part is shown: labels of lines that are out of sight are, too.
+        plot = browser.driver.find_element(By.CSS_SELECTOR, "svg.plot.w")
+        browser.run("arguments[0].scrollIntoView({block: 'center'}); arguments[0].focus()", plot)
+        plot.send_keys("+")
+        shown = "return Array.from(arguments[0].querySelectorAll('.lh')).filter(l => l.style.display !== 'none').length"
+        self.assertLess(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
+        plot.send_keys("0")
+        self.assertEqual(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
+
     def test_dragging_zooms(self):
         browser = self.opened(self.page("zoom", library(["m"])))
         plot = self.plot("Pulldown")

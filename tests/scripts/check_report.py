@@ -151,6 +151,49 @@ V_fixture = 3.3
         expect(other not in found, f"marks of others: {found}")
 
 
+def driver(tables, rest):
+    """A file with a driver of 4 V whose tables are straight lines, by their currents at 4 V in mA."""
+    low, high = tables
+
+    def rows(currents):
+        return "\n".join(" ".join([str(volts), *(f"{volts / 4 * current}mA" for current in currents)]) for volts in (-4, 0, 8))
+
+    return (f"[IBIS Ver] 4.2\n[File Name] driver.ibs\n[File Rev] 1\n[Model] m\nModel_type Output\nVmeas = 2.5\n"
+            f"C_comp 2pF 1pF 3pF\n[Voltage Range] 4 4 4\n[Pulldown]\n{rows(low)}\n[Pullup]\n{rows([-i for i in high])}\n"
+            f"{rest}[End]\n")
+
+
+def pictures_of(folder, text, *options):
+    """The lines of each picture of a file, by its caption."""
+    (folder / "driver.ibs").write_text(text)
+    page = folder / "driver.html"
+    run("--quiet", *options, f"--report={page}", "driver.ibs", folder=folder)
+    pictures = {}
+    for line in lines_of(page):
+        if line.startswith("picture: "):
+            lines = pictures.setdefault(line.split(": ", 1)[1], [])
+        elif line.startswith("  ") and pictures:
+            lines.append(line.strip())
+    return pictures
+
+
+def labels(folder):
+    """A label stands for several corners only where their levels lie together."""
+    ends = "0n {0} {0} {0}\n1n {1} {1} {1}\n"
+    waveforms = "".join(f"[Rising Waveform]\nR_fixture = 50\nV_fixture = {to}\n" + ends.format(*levels)
+                        for to, levels in ((4, (2, 4)), (0, (0, 2))))
+    found = {title: [line for line in lines if line.startswith("label: ")] for title, lines in pictures_of(
+        folder, driver([(80, 26.6667, 240), (80, 78, 82)], "[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n" + waveforms)).items()}
+    # Pulldowns of 50, 150 and 16.7 ohm against 50 ohm to 4 V: levels of 2, 3 and 1 V, a quarter of the picture apart.
+    expect(found.get("Rising, 50 \u03a9 to 4 V") == [
+        "label: high 4 V", "label: low min 3 V", "label: Vmeas 2.5 V", "label: low 2 V", "label: low max 1 V"],
+        f"levels far apart: {found}")
+    # Pullups of 50, 51.3 and 48.8 ohm against 50 ohm to 0 V: 2 V, 1.975 V and 2.025 V, less than a line of text apart.
+    expect(found.get("Rising, 50 \u03a9 to 0 V") == [
+        "label: Vmeas 2.5 V", "label: high 1.97\u20262.02 V", "label: low 0 V"],
+        f"levels that lie together: {found}")
+
+
 def parts(folder):
     """What the tables say of a model in parts, and what is left out because nothing is there."""
     lines = "\n".join(f"line {number}" for number in range(1, 14))
@@ -295,7 +338,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, marks, parts, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, labels, parts, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)
