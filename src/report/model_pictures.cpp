@@ -3,6 +3,8 @@
 #include "ibis/run.hpp"
 #include "quality/waveforms.hpp"
 
+#include <limits>
+
 namespace kestrel {
 
 namespace {
@@ -289,16 +291,33 @@ private:
                               true});
     }
 
+    /// The load with which the ramp of an edge fits best: its own, unless another one that it may have fits better.
+    [[nodiscard]] std::optional<DcLoad> loadOfRamp(Edge edge) const {
+        const std::vector<DcLoad> loads = loadsOfRamp(model_, physics_, edge);
+        const std::optional<Point> size = rampOf(edge, Corner::typ);
+        if (loads.empty()) return std::nullopt;
+        const auto deviation = [&](const DcLoad& load) {
+            const std::optional<double> found =
+                size ? rampDeviation(physics_, edge, std::abs(size->y), load) : std::nullopt;
+            return found.value_or(std::numeric_limits<double>::infinity());
+        };
+        return *std::ranges::min_element(loads, {}, deviation);
+    }
+
+    void appendLoad(std::string& note, const std::optional<DcLoad>& load) const {
+        const GivenValue resistance = load ? GivenValue(load->resistance) : rampLoad(*model_.tables->ramp);
+        if (resistance) appendQuantity(note.append(" into "), *resistance, kOhm);
+        if (load) appendQuantity(note.append(" to "), load->voltage, "V");
+    }
+
     /// A picture of the ramps that no waveform shows, from where they begin.
     void writeOtherRamps() {
         Plot plot;
         plot.title = "Ramp";
         plot.owner = pictures_.owner;
-        plot.note = "20\u201380\u00a0%";
-        if (const GivenValue load = rampLoad(*model_.tables->ramp))
-            appendQuantity(plot.note.append(" into "), *load, kOhm);
         plot.x = kTimeAxis;
         plot.y = kChangeAxis;
+        std::vector<std::pair<Edge, std::optional<DcLoad>>> drawn;
         for (const Edge edge : kEdges) {
             if (std::ranges::any_of(
                     waveforms_, [&](const Waveform& waveform) { return waveform.edge == edge && showsRamp(waveform); }))
@@ -307,11 +326,17 @@ private:
             for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
                 if (const std::optional<Point> size = rampOf(edge, corner))
                     plot.lines.push_back({corner, {{0.0, 0.0}, *size}});
-            if (plot.lines.size() == before) continue;
-            plot.note.append(edge == Edge::rising ? ", rising" : ", falling");
-            if (const GivenValue rail = physics_.farRail(edge)) appendQuantity(plot.note.append(" to "), *rail, "V");
+            if (plot.lines.size() != before) drawn.emplace_back(edge, loadOfRamp(edge));
         }
-        if (!plot.lines.empty()) writePlot(part_.html, plot);
+        if (drawn.empty()) return;
+        plot.note = "20\u201380\u00a0%";
+        const bool is_same = drawn.size() == 2 && drawn.front().second == drawn.back().second;
+        for (const auto& [edge, load] : drawn) {
+            const bool is_second = is_same && edge == Edge::falling;
+            plot.note.append(is_second ? " and " : ", ").append(edgeWord(edge));
+            if (!is_same || is_second) appendLoad(plot.note, load);
+        }
+        writePlot(part_.html, plot);
     }
 
     void addThresholds(Plot& plot) const {

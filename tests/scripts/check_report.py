@@ -151,15 +151,14 @@ V_fixture = 3.3
         expect(other not in found, f"marks of others: {found}")
 
 
-def driver(tables, rest):
+def driver(rest, pulldown=(80, 80, 80), pullup=(80, 80, 80), kind="Output"):
     """A file with a driver of 4 V whose tables are straight lines, by their currents at 4 V in mA."""
-    low, high = tables
+    def table(keyword, sign, currents):
+        rows = (" ".join([str(volts), *(f"{sign * volts / 4 * current}mA" for current in currents)]) for volts in (-4, 0, 8))
+        return "\n".join([keyword, *rows, ""]) if currents else ""
 
-    def rows(currents):
-        return "\n".join(" ".join([str(volts), *(f"{volts / 4 * current}mA" for current in currents)]) for volts in (-4, 0, 8))
-
-    return (f"[IBIS Ver] 4.2\n[File Name] driver.ibs\n[File Rev] 1\n[Model] m\nModel_type Output\nVmeas = 2.5\n"
-            f"C_comp 2pF 1pF 3pF\n[Voltage Range] 4 4 4\n[Pulldown]\n{rows(low)}\n[Pullup]\n{rows([-i for i in high])}\n"
+    return (f"[IBIS Ver] 4.2\n[File Name] driver.ibs\n[File Rev] 1\n[Model] m\nModel_type {kind}\nVmeas = 2.5\n"
+            f"C_comp 2pF 1pF 3pF\n[Voltage Range] 4 4 4\n{table('[Pulldown]', 1, pulldown)}{table('[Pullup]', -1, pullup)}"
             f"{rest}[End]\n")
 
 
@@ -183,7 +182,7 @@ def labels(folder):
     waveforms = "".join(f"[Rising Waveform]\nR_fixture = 50\nV_fixture = {to}\n" + ends.format(*levels)
                         for to, levels in ((4, (2, 4)), (0, (0, 2))))
     found = {title: [line for line in lines if line.startswith("label: ")] for title, lines in pictures_of(
-        folder, driver([(80, 26.6667, 240), (80, 78, 82)], "[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n" + waveforms)).items()}
+        folder, driver("[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n" + waveforms, (80, 26.6667, 240), (80, 78, 82))).items()}
     # Pulldowns of 50, 150 and 16.7 ohm against 50 ohm to 4 V: levels of 2, 3 and 1 V, a quarter of the picture apart.
     expect(found.get("Rising, 50 \u03a9 to 4 V") == [
         "label: high 4 V", "label: low min 3 V", "label: Vmeas 2.5 V", "label: low 2 V", "label: low max 1 V"],
@@ -192,6 +191,23 @@ def labels(folder):
     expect(found.get("Rising, 50 \u03a9 to 0 V") == [
         "label: Vmeas 2.5 V", "label: high 1.97\u20262.02 V", "label: low 0 V"],
         f"levels that lie together: {found}")
+
+
+def ramps(folder):
+    """The picture of a ramp names the load that its dV fits."""
+    def captions(rise, fall, load):
+        text = driver(f"[Ramp]\n{load}dV/dt_r {rise}/1n NA NA\ndV/dt_f {fall}/1n NA NA\n", pullup=(),
+                      kind="Open_drain\nRref = 150\nVref = 2.4")
+        return [title for title in pictures_of(folder, text) if title.startswith("Ramp")]
+
+    # 50 ohm to ground against 150 ohm: from 4 V to 1 V, 60 % of 3 V; from 2.4 V to 0.6 V, 60 % of 1.8 V.
+    for rise, fall, load, caption in (
+            (1.08, 1.08, "R_load = 150\n", "rising and falling into 150 \u03a9 to 2.4 V"),
+            (1.75, 1.1, "R_load = 150\n", "rising into 150 \u03a9 to 4 V, falling into 150 \u03a9 to 2.4 V"),
+            # Without a load of its own 50 ohm: from 2.4 V to 1.2 V; to 4 V it would be 60 % of 2 V.
+            (0.72, 1.2, "", "rising into 50 \u03a9 to 2.4 V, falling into 50 \u03a9 to 4 V")):
+        expect(captions(rise, fall, load) == [f"Ramp 20\u201380 %, {caption}"],
+               f"{caption}: {captions(rise, fall, load)}")
 
 
 def parts(folder):
@@ -254,7 +270,7 @@ C_comp 3pF NA NA
     for row in ("| Pin | Signal | Model | L", "| 1 | s | m | 2 nH", "| 2 | t | n | ",
                 "| m | Output | 3.3 V | pullup 1 pF, gnd_clamp 2 pF | pulldown, pullup, ISSO, 1 waveform, composite currents | ",
                 # 75 ohm are not the 50 of the ramp: both edges of it have a picture of their own.
-                "picture: Ramp 20\u201380 % into 50 \u03a9, rising to 0 V, falling to 3.3 V",
+                "picture: Ramp 20\u201380 %, rising into 50 \u03a9 to 0 V, falling into 50 \u03a9 to 3.3 V",
                 # From 0 to 2 V in 2 ns: 60 % of it in 1.2 ns.
                 "| Rising, 75 \u03a9 to 0 V: swing | 2 V | \u2013 | \u2013",
                 "| Rising, 75 \u03a9 to 0 V: 20\u201380 % | 1.2 ns | \u2013 | \u2013",
@@ -338,7 +354,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, marks, labels, parts, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, parts, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)
