@@ -162,10 +162,12 @@ private:
         plot.y = kCurrentAxis;
         Span between_rails;
         Span all;
+        double vcc = 0.0;
         for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
             const StateCurrent* const current = physics_.current(state, corner);
             const References& given = physics_.references(corner);
             if (current == nullptr || !given.vcc) continue;
+            vcc = std::max(vcc, *given.vcc);
             std::vector<Point> points;
             points.reserve(rowsOf(corner) + 2);
             current->sweep(*given.pulldown - *given.vcc, *given.pulldown + 2.0 * *given.vcc,
@@ -178,7 +180,7 @@ private:
             if (!points.empty()) plot.lines.push_back({corner, std::move(points)});
         }
         if (plot.lines.empty()) return;
-        cutAtDriver(plot, between_rails, all);
+        cutAtDriver(plot, between_rails, all, vcc);
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
             if (rail) plot.rules.push_back(railAt(*rail, "", *rail));
@@ -191,17 +193,25 @@ private:
     }
 
     /// Beyond the rails clamps carry so much more than a driver that nothing would be seen of it: such a picture ends
-    /// where the driver's currents between the rails do.
-    static void cutAtDriver(Plot& plot, const Span& between_rails, const Span& all) {
+    /// where the driver's currents between the rails do. Where there are none, what a line drives into clamps counts.
+    static void cutAtDriver(Plot& plot, const Span& between_rails, const Span& all, double vcc) {
         constexpr double kRoom = 2.0;
         constexpr double kMuchMore = 5.0;
-        const double driver = std::max(std::abs(between_rails.low), std::abs(between_rails.high));
-        const double most = std::max(std::abs(all.low), std::abs(all.high));
-        if (!between_rails.given || driver < kNoCurrent || most < kMuchMore * driver) return;
-        plot.shown_y.include(std::max(all.low, -kRoom * driver));
-        plot.shown_y.include(std::min(all.high, kRoom * driver));
-        plot.note = "cut above ";
-        appendQuantity(plot.note, kRoom * driver, "A", 2);
+        constexpr double kLine = 50.0; // ohm
+        if (!between_rails.given) return;
+        double driver = std::max(std::abs(between_rails.low), std::abs(between_rails.high));
+        if (driver < kNoCurrent) driver = vcc / kLine;
+        if (std::max(-all.low, all.high) < kMuchMore * driver) return;
+        const double limit = kRoom * driver;
+        const bool below = all.low < -limit;
+        const bool above = all.high > limit;
+        const double low = below ? -limit : all.low;
+        const double high = above ? limit : all.high;
+        const double beside = (high - low) * kRoomBesideLines;
+        plot.shown_y.include(below ? low : low - beside);
+        plot.shown_y.include(above ? high : high + beside);
+        plot.note = below && above ? "cut beyond \u00b1" : below ? "cut below " : "cut above ";
+        appendQuantity(plot.note, below && !above ? -limit : limit, "A", 2);
     }
 
     struct Levels {

@@ -353,7 +353,7 @@ void writePlot(Html& html, const Plot& plot) {
     if (plot.shown_x.given) frame.x = plot.shown_x;
     if (plot.shown_y.given) frame.y = plot.shown_y;
     frame.x = frame.x.widened(0.0);
-    frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : 0.04);
+    frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : kRoomBesideLines);
     Drawing(html, plot, frame).draw();
     html << "</figure>\n";
 }

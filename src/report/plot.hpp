@@ -52,6 +52,9 @@ struct PlotMark {
     std::string text;
 };
 
+/// The room above and below the lines of a picture, as a part of its height.
+inline constexpr double kRoomBesideLines = 0.04;
+
 /// A picture before it is drawn.
 struct Plot {
     std::string title;      ///< such as "Pulldown"

@@ -7,6 +7,7 @@ KESTREL_UPDATE_CASES=1 rewrites the expected outlines.
 
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -210,6 +211,25 @@ def ramps(folder):
                f"{caption}: {captions(rise, fall, load)}")
 
 
+def cuts(folder):
+    """Clamps of tens of amperes do not make all else flat: a picture is cut, and says on which side."""
+    ground, power = (f"[{name} Clamp]\n-4 {current} {current} {current}\n-0.6 0 0 0\n4 0 0 0\n"
+                     for name, current in (("GND", "-30A"), ("POWER", "30A")))
+    # Between the rails the driver carries 80 mA at most. Nothing is there without it: a line of 50 ohm has 80 mA at 4 V.
+    for rest, side, cut in ((ground, "below \u2212160 mA", {-0.16}), (power, "above 160 mA", {0.16}),
+                            (ground + power, "beyond \u00b1160 mA", {-0.16, 0.16})):
+        for kind, pulldown, pullup, states in (("Output", (80, 80, 80), (80, 80, 80), ("Low", "High", "Off")),
+                                               ("Input", (), (), ("Off",))):
+            found = pictures_of(folder, driver(rest, pulldown, pullup, kind))
+            captions = [title for title in found if " state" in title]
+            expect(captions == [f"{state} state cut {side}" for state in states], f"{kind}, {side}: {captions}")
+            for caption in captions:
+                ends = [float(y) for line in found[caption] if line.startswith("typ: ")
+                        for y in re.findall(r", ([-\d.e]+)\)", line)]
+                expect(-0.16 <= min(ends) and max(ends) <= 0.16 and cut <= set(ends),
+                       f"{caption} goes from {min(ends)} to {max(ends)}")
+
+
 def parts(folder):
     """What the tables say of a model in parts, and what is left out because nothing is there."""
     lines = "\n".join(f"line {number}" for number in range(1, 14))
@@ -354,7 +374,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, parts, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, cuts, parts, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)
