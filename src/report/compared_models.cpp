@@ -7,7 +7,9 @@
 #include "model/submdl.hpp"
 #include "report/pictures.hpp"
 
+#include <algorithm>
 #include <iterator>
+#include <limits>
 #include <span>
 #include <string>
 #include <utility>
@@ -114,9 +116,12 @@ private:
               const Axes& axes, std::vector<Rule> rails) {
         if (was == nullptr && is == nullptr) return;
         std::string note;
+        double last_change = std::numeric_limits<double>::lowest();
         if (groups_ != nullptr) {
             for (const ChangeGroup* const group : *groups_) {
                 if (group->field != field) continue;
+                for (const ChangeDetail& detail : group->details)
+                    last_change = std::max(last_change, detail.at.value_or(last_change));
                 note.append(note.empty() ? "" : "; ").append(bodyBehind(*group, field));
             }
             if (note.empty()) return;
@@ -131,6 +136,10 @@ private:
                 line.is_old = true;
             plot.lines.insert(plot.lines.begin(), std::make_move_iterator(old_lines.begin()),
                               std::make_move_iterator(old_lines.end()));
+        }
+        if (axes.x.unit == kTimeAxis.unit) {
+            const Flat flat = axes.y.unit == kVoltageAxis.unit ? Flat::ofSwing : Flat::ofRange;
+            endBehind(plot, std::max(settledTime(plot, flat), last_change));
         }
         begin();
         writePlot(html_, plot);

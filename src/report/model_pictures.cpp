@@ -39,13 +39,23 @@ struct Pictures {
         return plot;
     }
 
-    void supplyCurrent(const Wvfrm& table, std::string_view word) {
-        if (!table.composite_current) return;
-        const Wvfrm& current = *table.composite_current;
-        Plot plot = plotOf(current.rows, std::string("Supply current, ").append(waveformTitle(word, table)), owner,
-                           kTimeAxis, kCurrentAxis);
-        marks.mark(plot, current.line, kCompositeCurrent.open);
-        writePlot(part.html, plot);
+    /// Writes a waveform and its supply current, if it has one, over the same time.
+    void writeWaveform(Plot& plot, const Wvfrm& table, std::string_view word, Flat flat = Flat::ofSwing) {
+        double settled = settledTime(plot, flat);
+        if (!table.composite_current) {
+            endBehind(plot, settled);
+            writePlot(part.html, plot);
+            return;
+        }
+        const Wvfrm& of_supply = *table.composite_current;
+        Plot current = plotOf(of_supply.rows, std::string("Supply current, ").append(waveformTitle(word, table)), owner,
+                              kTimeAxis, kCurrentAxis);
+        marks.mark(current, of_supply.line, kCompositeCurrent.open);
+        settled = std::max(settled, settledTime(current, Flat::ofRange));
+        for (Plot* const one : {&plot, &current}) {
+            endBehind(*one, settled);
+            writePlot(part.html, *one);
+        }
     }
 
     void enter(std::uint32_t line, const Rows<TableRow>& rows) {
@@ -256,8 +266,7 @@ private:
             }
         }
         addThresholds(plot);
-        writePlot(part_.html, plot);
-        pictures_.supplyCurrent(*waveform.record, word);
+        pictures_.writeWaveform(plot, *waveform.record, word);
     }
 
     static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
@@ -508,13 +517,16 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
     pictures.curve(tables.pullup, "Pullup", "");
     pictures.curve(tables.gnd_clamp, "GND Clamp", "");
     pictures.curve(tables.power_clamp, "POWER Clamp", "");
+    const auto write = [&pictures](const Wvfrm& table, std::string_view word, std::string_view label, Flat flat) {
+        Plot plot = pictures.waveform(table, word, label);
+        pictures.writeWaveform(plot, table, word, flat);
+    };
     for (const Wvfrm& table : tables.rising_waveforms)
-        writePlot(part.html, pictures.waveform(table, "Rising", kRisingWaveform.open));
+        write(table, "Rising", kRisingWaveform.open, Flat::ofSwing);
     for (const Wvfrm& table : tables.falling_waveforms)
-        writePlot(part.html, pictures.waveform(table, "Falling", kFallingWaveform.open));
-    if (submodel.gnd_pulse) writePlot(part.html, pictures.waveform(*submodel.gnd_pulse, "GND pulse", kGndPulse.open));
-    if (submodel.power_pulse)
-        writePlot(part.html, pictures.waveform(*submodel.power_pulse, "POWER pulse", kPowerPulse.open));
+        write(table, "Falling", kFallingWaveform.open, Flat::ofSwing);
+    if (submodel.gnd_pulse) write(*submodel.gnd_pulse, "GND pulse", kGndPulse.open, Flat::ofRange);
+    if (submodel.power_pulse) write(*submodel.power_pulse, "POWER pulse", kPowerPulse.open, Flat::ofRange);
     part.html << "</div>\n";
 }
 
@@ -531,7 +543,7 @@ void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
         const std::string_view label = kGoldenWaveforms[i].open;
         Plot plot = pictures.waveform(*data.tables[i], label, label);
         if (!data.test_load.empty()) plot.note.assign("into ").append(data.test_load);
-        writePlot(part.html, plot);
+        pictures.writeWaveform(plot, *data.tables[i], label);
     }
     part.html << "</div>\n";
 }

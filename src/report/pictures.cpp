@@ -3,6 +3,7 @@
 #include "reader/values.hpp"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -43,6 +44,25 @@ void addMark(Plot& plot, const ShownFinding& finding, double x) {
         if (found && line.corner == corner) break;
     }
     if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.shownText()});
+}
+
+/// From where on the values stay within a hundredth of a size.
+double settledTime(const std::vector<Point>& points, double size) {
+    constexpr double kFlat = 0.01;
+    double low = points.back().y;
+    double high = low;
+    for (std::size_t i = points.size() - 1; i-- > 0;) {
+        low = std::min(low, points[i].y);
+        high = std::max(high, points[i].y);
+        if (high - low > kFlat * size) return points[i + 1].x;
+    }
+    return points.front().x;
+}
+
+/// A length that is not below `length`, of two digits that are easy to read.
+double roundedUp(double length) {
+    const double step = std::pow(10.0, std::floor(std::log10(length))) / 5.0;
+    return std::ceil(length / step * (1 - 1e-9)) * step;
 }
 
 /// Findings about a table name it so, or in brackets.
@@ -155,6 +175,40 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
         if (!points[corner].empty()) plot.lines.push_back({corner, std::move(points[corner])});
     return plot;
+}
+
+double settledTime(const Plot& plot, Flat flat) {
+    double settled = std::numeric_limits<double>::lowest();
+    for (const PlotLine& line : plot.lines) {
+        if (line.thin) continue;
+        double size = std::abs(line.points.back().y - line.points.front().y);
+        if (flat == Flat::ofRange) {
+            const auto [low, high] = std::ranges::minmax(line.points, {}, &Point::y);
+            size = high.y - low.y;
+        }
+        settled = std::max(settled, settledTime(line.points, size));
+    }
+    for (const PlotMark& mark : plot.marks)
+        settled = std::max(settled, mark.at.x);
+    return settled;
+}
+
+void endBehind(Plot& plot, double settled) {
+    constexpr double kRoom = 1.25;
+    constexpr double kMostShown = 0.5;
+    Span time;
+    for (const PlotLine& line : plot.lines) {
+        if (line.thin) continue;
+        time.include(line.points.front().x);
+        time.include(line.points.back().x);
+    }
+    if (!(settled > time.low) || !(settled < time.high)) return;
+    const double shown = roundedUp(kRoom * (settled - time.low));
+    if (shown > kMostShown * time.length()) return;
+    plot.shown_x = {time.low, time.low + shown, true};
+    appendQuantity(plot.note.append(plot.note.empty() ? "flat from " : "; flat from "), plot.shown_x.high, "s", 4);
+    appendQuantity(plot.note.append(" to "), time.high, "s", 4);
+    plot.note.append(", not shown");
 }
 
 Rule railAt(double at, std::string_view word, double voltage) {

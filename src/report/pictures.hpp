@@ -49,6 +49,16 @@ private:
 /// A picture with the lines of a table's corners.
 [[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);
 
+/// Against what a line over time is flat when it keeps within a hundredth of it.
+enum class Flat : std::uint8_t {
+    ofSwing, ///< from its first value to its last
+    ofRange  ///< from its lowest value to its highest: of what comes back
+};
+/// The time in seconds from which on all lines of a picture are flat and nothing is marked.
+[[nodiscard]] double settledTime(const Plot& plot, Flat flat);
+/// Has the picture end soon behind that time where most of it lies there, and says what is not shown.
+void endBehind(Plot& plot, double settled);
+
 /// The line of a rail at a voltage of the picture, with a word and the pin's voltage there.
 [[nodiscard]] Rule railAt(double at, std::string_view word, double voltage);
 /// Where the typical rails are in a table's own voltage.

@@ -230,6 +230,26 @@ def cuts(folder):
                        f"{caption} goes from {min(ends)} to {max(ends)}")
 
 
+def flat_ends(folder):
+    """A picture over time ends soon behind what happens in it; nothing that is not flat is left out."""
+    def ends(rows, *options):
+        text = driver(f"[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\n0n 0 0 0\n1n 0 0 0\n{rows}\n")
+        found = pictures_of(folder, text, *options)
+        title = next(title for title in found if title.startswith("Rising"))
+        typ = next(line for line in found[title] if line.startswith("typ: "))
+        return title.removeprefix("Rising, 50 \u03a9 to 0 V").strip(), typ.rsplit("(", 1)[1].split(",")[0]
+
+    for what, rows, caption, end in (
+            # 15 mV are less than a hundredth of 2 V, and so all is flat from 2 ns on.
+            ("a flat end", "2n 2 2 1.985\n4n 2 2 2\n100n 2 2 2", "flat from 2.6 ns to 100 ns, not shown", "2.6e-09"),
+            ("a corner that is late", "2n 2 2 1.97\n4n 2 2 2\n100n 2 2 2", "flat from 5 ns to 100 ns, not shown", "5e-09"),
+            ("a picture that is not much longer", "2n 2 2 1.97\n4n 2 2 2\n8n 2 2 2", "", "8e-09"),
+            ("a kick at the end", "2n 2 2 2\n98n 2 2 2\n99n 2 2.1 2\n100n 2 2 2", "", "1e-07"),
+            ("a fault in a row of the flat end", "2n 2 2 2\n20n 2 x 2\n100n 2 2 2", "flat from 26 ns to 100 ns, not shown", "2.6e-08")):
+        found = ends(rows)
+        expect(found == (caption, end), f"{what}: {found}")
+
+
 def parts(folder):
     """What the tables say of a model in parts, and what is left out because nothing is there."""
     lines = "\n".join(f"line {number}" for number in range(1, 14))
@@ -374,7 +394,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, cuts, parts, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, cuts, flat_ends, parts, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)
