@@ -141,13 +141,14 @@ private:
             const Flat flat = axes.y.unit == kVoltageAxis.unit ? Flat::ofSwing : Flat::ofRange;
             endBehind(plot, std::max(settledTime(plot, flat), last_change));
         }
-        begin();
+        begin(!plot.rules.empty());
         writePlot(html_, plot);
     }
 
-    void begin() {
+    /// The first table has rails where any has.
+    void begin(bool has_rails) {
         if (std::exchange(begun_, true)) return;
-        writeComparedLegend(html_, has_new_, has_old_);
+        writeComparedLegend(html_, has_new_, has_old_, has_rails);
         html_ << "<div class=\"plots\">\n";
     }
 

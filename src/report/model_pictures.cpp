@@ -16,26 +16,48 @@ constexpr Axis kTableAxis{"Table voltage", "V"};
 constexpr Axis kPinAxis{"Pin voltage", "V"};
 constexpr Axis kChangeAxis{"Change of voltage", "V"};
 
-/// The pictures of one model or submodel.
-struct Pictures {
-    const PartContext& part;
-    std::string_view owner;
-    FindingMarks marks;
-    PerCorner<bool> drawn{}; ///< the corners that the tables have values of
+/// The pictures of one record, which are kept until all of them are drawn and their key is known.
+class Pictures {
+public:
+    Pictures(const PartContext& part, const Subject& record) : owner_(record.name), marks_(part, record) {}
+
+    [[nodiscard]] std::string_view owner() const { return owner_; }
+
+    /// Tables of the record, all of them ahead of the first picture, so that findings are known by their tables.
+    void enter(const Crv& table) {
+        if (table) marks_.enterTable(table.line);
+    }
+    void enter(const Wvfrm& waveform) {
+        marks_.enterTable(waveform.line);
+        if (waveform.composite_current) marks_.enterTable(waveform.composite_current->line);
+    }
+    void enter(const Tables& tables) {
+        for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
+            enter(*table);
+        if (tables.ramp) marks_.enterTable(tables.ramp->line);
+        for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms})
+            for (const Wvfrm& waveform : *list)
+                enter(waveform);
+    }
+    void ready() { marks_.ready(); }
+
+    [[nodiscard]] const FindingMarks& marks() const { return marks_; }
+
+    void draw(const Plot& plot) { signs_ = signs_.with(writePlot(drawn_.html(), plot)); }
 
     void curve(const Crv& table, std::string_view title, std::string_view note, std::vector<Rule> rails = {}) {
         if (!table) return;
-        Plot plot = plotOf(table.rows, std::string(title), owner, kTableAxis, kCurrentAxis);
+        Plot plot = plotOf(table.rows, std::string(title), owner_, kTableAxis, kCurrentAxis);
         plot.note = note;
         plot.rules = std::move(rails);
-        marks.mark(plot, table.line, title);
-        writePlot(part.html, plot);
+        marks_.mark(plot, table.line, title);
+        draw(plot);
     }
 
     [[nodiscard]] Plot waveform(const Wvfrm& table, std::string_view word, std::string_view label) const {
-        Plot plot = plotOf(table.rows, waveformTitle(word, table), owner, kTimeAxis, kVoltageAxis);
+        Plot plot = plotOf(table.rows, waveformTitle(word, table), owner_, kTimeAxis, kVoltageAxis);
         plot.note = fixtureNote(table);
-        marks.mark(plot, table.line, label);
+        marks_.mark(plot, table.line, label);
         return plot;
     }
 
@@ -44,49 +66,31 @@ struct Pictures {
         double settled = settledTime(plot, flat);
         if (!table.composite_current) {
             endBehind(plot, settled);
-            writePlot(part.html, plot);
+            draw(plot);
             return;
         }
         const Wvfrm& of_supply = *table.composite_current;
-        Plot current = plotOf(of_supply.rows, std::string("Supply current, ").append(waveformTitle(word, table)), owner,
-                              kTimeAxis, kCurrentAxis);
-        marks.mark(current, of_supply.line, kCompositeCurrent.open);
+        Plot current = plotOf(of_supply.rows, std::string("Supply current, ").append(waveformTitle(word, table)),
+                              owner_, kTimeAxis, kCurrentAxis);
+        marks_.mark(current, of_supply.line, kCompositeCurrent.open);
         settled = std::max(settled, settledTime(current, Flat::ofRange));
         for (Plot* const one : {&plot, &current}) {
             endBehind(*one, settled);
-            writePlot(part.html, *one);
+            draw(*one);
         }
     }
 
-    void enter(std::uint32_t line, const Rows<TableRow>& rows) {
-        marks.enterTable(line);
-        for (const TableRow& row : rows) {
-            for (const Corner corner : kCorners)
-                drawn[corner] = drawn[corner] || row[columnOf(corner)].isNumber();
-            if (drawn.typ() && drawn.min() && drawn.max()) return;
-        }
+    /// Writes the key and what was drawn.
+    void write(Html& html) {
+        writeLegend(html, signs_);
+        (html << "<div class=\"plots\">\n").append(drawn_) << "</div>";
     }
-    void enter(const Crv& table) {
-        if (table) enter(table.line, table.rows);
-    }
-    void enter(const Wvfrm& waveform) {
-        enter(waveform.line, waveform.rows);
-        if (waveform.composite_current) enter(*waveform.composite_current);
-    }
-    void enter(const Ramp& ramp) {
-        marks.enterTable(ramp.line);
-        for (const std::optional<RampRate>* const rate : {&ramp.dv_dt_r, &ramp.dv_dt_f})
-            for (const Corner corner : kCorners)
-                drawn[corner] = drawn[corner] || (*rate && (**rate)[corner].dv.isNumber());
-    }
-    void enter(const Tables& tables) {
-        for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
-            enter(*table);
-        if (tables.ramp) enter(*tables.ramp);
-        for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms})
-            for (const Wvfrm& waveform : *list)
-                enter(waveform);
-    }
+
+private:
+    std::string_view owner_;
+    FindingMarks marks_;
+    HtmlPiece drawn_;
+    Signs signs_{};
 };
 
 void writeSeries(Pictures& pictures, const SeriesBlock& block, std::string_view label) {
@@ -167,7 +171,7 @@ private:
         constexpr std::array<std::string_view, kDriveStates> kNames{"Low state", "High state", "Off state"};
         Plot plot;
         plot.title = kNames[static_cast<std::size_t>(state)];
-        plot.owner = pictures_.owner;
+        plot.owner = pictures_.owner();
         plot.x = kPinAxis;
         plot.y = kCurrentAxis;
         Span between_rails;
@@ -194,12 +198,12 @@ private:
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
             if (rail) plot.rules.push_back(railAt(*rail, "", *rail));
-        pictures_.marks.markByWords(plot, std::string(stateWord(state)).append("-state"));
+        pictures_.marks().markByWords(plot, std::string(stateWord(state)).append("-state"));
         if (state == DriveState::off) {
-            pictures_.marks.markByWords(plot, "the clamps carry");
-            pictures_.marks.markByWords(plot, kAtPinVoltage, kAtPinVoltage);
+            pictures_.marks().markByWords(plot, "the clamps carry");
+            pictures_.marks().markByWords(plot, kAtPinVoltage, kAtPinVoltage);
         }
-        writePlot(part_.html, plot);
+        pictures_.draw(plot);
     }
 
     /// Beyond the rails clamps carry so much more than a driver that nothing would be seen of it: such a picture ends
@@ -333,7 +337,7 @@ private:
     void writeOtherRamps() {
         Plot plot;
         plot.title = "Ramp";
-        plot.owner = pictures_.owner;
+        plot.owner = pictures_.owner();
         plot.x = kTimeAxis;
         plot.y = kChangeAxis;
         std::vector<std::pair<Edge, std::optional<DcLoad>>> drawn;
@@ -355,7 +359,7 @@ private:
             plot.note.append(is_second ? " and " : ", ").append(edgeWord(edge));
             if (!is_same || is_second) appendLoad(plot.note, load);
         }
-        writePlot(part_.html, plot);
+        pictures_.draw(plot);
     }
 
     void addThresholds(Plot& plot) const {
@@ -468,7 +472,7 @@ void writeRamp(CornerTable& table, const Ramp& ramp) {
 
 void writeModelTables(const PartContext& part, const Mdl& model) {
     const MdlTables& tables = *model.tables;
-    Pictures pictures{part, model.name, FindingMarks(part, model)};
+    Pictures pictures(part, model);
     pictures.enter(tables);
     pictures.enter(tables.isso_pd);
     pictures.enter(tables.isso_pu);
@@ -478,7 +482,7 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
         for (const SMos& mosfet : block->mosfets)
             pictures.enter(mosfet.table);
     }
-    pictures.marks.ready();
+    pictures.ready();
     if (!model.tables && !model.on_block && !model.off_block) {
         part.html << "</div>\n";
         return;
@@ -490,9 +494,6 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     constexpr std::uint32_t kMostAtOnce = 40;
     const Anchor* const place = part.anchors.find(&model);
     const bool is_later = place != nullptr && place->number > kMostAtOnce;
-    if (is_later) part.html << "<noscript class=\"later\">";
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
     figures.writeCurves();
     figures.writeStates();
     pictures.curve(tables.isso_pd, "ISSO PD", "");
@@ -500,19 +501,19 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     if (model.on_block) writeSeries(pictures, *model.on_block, kOnLabel);
     if (model.off_block) writeSeries(pictures, *model.off_block, kOffLabel);
     figures.writeWaveforms();
-    part.html << (is_later ? Markup("</div></noscript>\n") : Markup("</div>\n"));
+    if (is_later) part.html << "<noscript class=\"later\">";
+    pictures.write(part.html);
+    part.html << (is_later ? Markup("</noscript>\n") : Markup("\n"));
 }
 
 void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
     const SubMdlTables& tables = *submodel.tables;
-    Pictures pictures{part, submodel.name, FindingMarks(part, submodel)};
+    Pictures pictures(part, submodel);
     pictures.enter(tables);
     for (const OnDemand<Wvfrm>* const pulse : {&submodel.gnd_pulse, &submodel.power_pulse})
         if (*pulse) pictures.enter(**pulse);
-    pictures.marks.ready();
+    pictures.ready();
     if (!submodel.tables && !submodel.gnd_pulse && !submodel.power_pulse) return;
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
     pictures.curve(tables.pulldown, "Pulldown", "");
     pictures.curve(tables.pullup, "Pullup", "");
     pictures.curve(tables.gnd_clamp, "GND Clamp", "");
@@ -527,17 +528,16 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
         write(table, "Falling", kFallingWaveform.open, Flat::ofSwing);
     if (submodel.gnd_pulse) write(*submodel.gnd_pulse, "GND pulse", kGndPulse.open, Flat::ofRange);
     if (submodel.power_pulse) write(*submodel.power_pulse, "POWER pulse", kPowerPulse.open, Flat::ofRange);
-    part.html << "</div>\n";
+    pictures.write(part.html);
+    part.html << "\n";
 }
 
 void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
-    Pictures pictures{part, data.name, FindingMarks(part, data)};
+    Pictures pictures(part, data);
     for (const OnDemand<Wvfrm>& table : data.tables)
         if (table) pictures.enter(*table);
-    pictures.marks.ready();
+    pictures.ready();
     if (std::ranges::none_of(data.tables, [](const OnDemand<Wvfrm>& table) { return bool(table); })) return;
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
     for (std::size_t i = 0; i < kGoldenWaveforms.size(); ++i) {
         if (!data.tables[i]) continue;
         const std::string_view label = kGoldenWaveforms[i].open;
@@ -545,7 +545,8 @@ void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
         if (!data.test_load.empty()) plot.note.assign("into ").append(data.test_load);
         pictures.writeWaveform(plot, *data.tables[i], label);
     }
-    part.html << "</div>\n";
+    pictures.write(part.html);
+    part.html << "\n";
 }
 
 } // namespace kestrel

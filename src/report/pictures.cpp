@@ -253,20 +253,35 @@ std::string fixtureNote(const Wvfrm& waveform) {
     return text;
 }
 
-void writeLegend(Html& html, const PerCorner<bool>& drawn) {
+void writeLegend(Html& html, Signs signs) {
+    struct Row {
+        Sign sign;
+        Markup text;
+    };
+    constexpr std::array kRows{
+        Row{Sign::typ, "<b class=\"t\">typ</b> "},
+        Row{Sign::min, "<b class=\"n\">min</b> "},
+        Row{Sign::max, "<b class=\"x\">max</b> "},
+        Row{Sign::rail, "<b class=\"r\">typical rail</b> "},
+        Row{Sign::dots, "<b class=\"o-t\">20\u00a0% and 80\u00a0%</b> "},
+        Row{Sign::ramp, "<b class=\"s-t\">ramp</b> "},
+        Row{Sign::level, "<b class=\"e-t\">DC level of the tables</b> "},
+        Row{Sign::threshold, "<b class=\"h\">threshold</b> "},
+        Row{Sign::mark, "<b class=\"mark\">finding</b>"},
+    };
     html << "<p class=\"legend\">";
-    if (drawn.typ()) html << "<b class=\"t\">typ</b> ";
-    if (drawn.min()) html << "<b class=\"n\">min</b> ";
-    if (drawn.max()) html << "<b class=\"x\">max</b>";
+    for (const Row& row : kRows)
+        if (signs.has(row.sign)) html << row.text;
     html << "</p>\n";
 }
 
-void writeComparedLegend(Html& html, bool has_new, bool has_old) {
+void writeComparedLegend(Html& html, bool has_new, bool has_old, bool has_rails) {
     html << "<p class=\"legend\">";
     if (has_new) html << "New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> ";
     if (has_old)
         html << "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
-                "<b class=\"w-x\">max</b>";
+                "<b class=\"w-x\">max</b> ";
+    if (has_rails) html << "<b class=\"r\">typical rail</b>";
     html << "</p>\n";
 }
 

@@ -68,9 +68,9 @@ void endBehind(Plot& plot, double settled);
 [[nodiscard]] std::string waveformTitle(std::string_view word, const Wvfrm& waveform);
 [[nodiscard]] std::string fixtureNote(const Wvfrm& waveform);
 
-/// Writes what the lines of the corners that are drawn look like.
-void writeLegend(Html& html, const PerCorner<bool>& drawn);
+/// Writes the key of pictures in which these were drawn.
+void writeLegend(Html& html, Signs signs);
 /// The same of pictures with lines of one or both of two files that are compared.
-void writeComparedLegend(Html& html, bool has_new, bool has_old);
+void writeComparedLegend(Html& html, bool has_new, bool has_old, bool has_rails);
 
 } // namespace kestrel

@@ -45,7 +45,7 @@ public:
         if (!beside_.empty()) width_ = kWidthBesideLabels;
     }
 
-    void draw() {
+    Signs draw() {
         html_.begin("svg", {{"class", beside_.empty() ? Literal("plot") : Literal("plot w")},
                             {"viewBox", Literal("0 0 480 300")},
                             {"role", Literal("img")},
@@ -61,6 +61,7 @@ public:
         labelsBeside();
         marks();
         html_ << "</svg>";
+        return signs_;
     }
 
 private:
@@ -129,6 +130,7 @@ private:
                 place_.clear();
             }
             before = &rule;
+            signs_ = signs_.with({signOf(rule)});
             if (rule.upright) {
                 place_.add("M").step(rounded(frame_.acrossOf(rule.at))).add(" 0v4000");
             } else {
@@ -146,16 +148,31 @@ private:
             } else {
                 appendPath(place_, line.points, frame_);
             }
-            if (!place_.empty()) html_.path(classOf(line), place_);
+            if (place_.empty()) continue;
+            html_.path(classOf(line), place_);
+            signs_ = signs_.with({line.thin ? Sign::ramp : signOf(line.corner)});
         }
         for (const Dots& dots : plot_.dots) {
             place_.clear();
             for (const Point& point : dots.points)
                 if (frame_.x.has(point.x) && frame_.y.has(point.y)) appendPath(place_, {&point, 1}, frame_);
-            if (!place_.empty()) html_.path(dotClassOf(dots.corner), place_);
+            if (place_.empty()) continue;
+            html_.path(dotClassOf(dots.corner), place_);
+            signs_ = signs_.with({Sign::dots});
         }
     }
 
+    static Sign signOf(const Rule& rule) {
+        switch (rule.kind) {
+        case Rule::Kind::rail: return Sign::rail;
+        case Rule::Kind::threshold: return Sign::threshold;
+        case Rule::Kind::level: break;
+        }
+        return Sign::level;
+    }
+    static Sign signOf(Corner corner) {
+        return corner == Corner::typ ? Sign::typ : corner == Corner::min ? Sign::min : Sign::max;
+    }
     static MarkupName classOf(const Rule& rule) {
         switch (rule.kind) {
         case Rule::Kind::rail: return "r";
@@ -286,6 +303,7 @@ private:
 
     void marks() {
         constexpr double kRadius = 8;
+        if (!plot_.marks.empty()) signs_ = signs_.with({Sign::mark});
         std::vector<Point> taken;
         for (const PlotMark& mark : plot_.marks) {
             Point at{std::clamp(acrossOf(mark.at.x), kLeft + kRadius, kLeft + width_ - kRadius),
@@ -312,6 +330,7 @@ private:
     const Frame& frame_;
     std::vector<const Rule*> beside_; ///< rules of the frame that have their label beside it
     double width_ = kWidth;
+    Signs signs_{};
     std::string text_;
     Coordinates place_;
     Coordinates data_;
@@ -338,7 +357,7 @@ Frame frameOf(const Plot& plot) {
 
 } // namespace
 
-void writePlot(Html& html, const Plot& plot) {
+Signs writePlot(Html& html, const Plot& plot) {
     Frame frame = frameOf(plot);
     const bool is_empty = !frame.x.given;
     html << "<figure><figcaption>" << Text(plot.title);
@@ -346,7 +365,7 @@ void writePlot(Html& html, const Plot& plot) {
     html << "</figcaption>";
     if (is_empty) {
         html << "<p class=\"none\">It has no point that can be drawn.</p></figure>\n";
-        return;
+        return {};
     }
     for (const Rule& rule : plot.rules)
         if (!rule.upright && rule.kind != Rule::Kind::rail) frame.y.include(rule.at);
@@ -354,8 +373,9 @@ void writePlot(Html& html, const Plot& plot) {
     if (plot.shown_y.given) frame.y = plot.shown_y;
     frame.x = frame.x.widened(0.0);
     frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : kRoomBesideLines);
-    Drawing(html, plot, frame).draw();
+    const Signs signs = Drawing(html, plot, frame).draw();
     html << "</figure>\n";
+    return signs;
 }
 
 } // namespace kestrel
