@@ -95,26 +95,9 @@ private:
 
 void writeSeries(Pictures& pictures, const SeriesBlock& block, std::string_view label) {
     pictures.curve(block.series_current, std::string("Series Current ").append(label), "");
-    for (const SMos& mosfet : block.mosfets) {
-        std::string title("Series MOSFET ");
-        title.append(label);
-        if (mosfet.vds) appendQuantity(title.append(", Vds "), *mosfet.vds, "V");
-        pictures.curve(mosfet.table, title, "");
-    }
+    for (const SMos& mosfet : block.mosfets)
+        pictures.curve(mosfet.table, mosfetTitle(label, mosfet), "");
 }
-
-/// What a table of a model is called in its picture, and how its voltage counts.
-struct TableTitle {
-    TableKind kind;
-    std::string_view title;
-    std::string_view note;
-};
-constexpr std::array<TableTitle, kTableKinds> kTitles{{
-    {TableKind::pulldown, "Pulldown", "from the pulldown's rail up"},
-    {TableKind::pullup, "Pullup", "from the pullup's rail down"},
-    {TableKind::gndClamp, "GND Clamp", "from the clamp's rail up"},
-    {TableKind::powerClamp, "POWER Clamp", "from the clamp's rail down"},
-}};
 
 /// The pictures and figures of a model that follow from the physics of its tables.
 class ModelFigures {
@@ -126,7 +109,7 @@ public:
     }
 
     void writeCurves() {
-        for (const TableTitle& table : kTitles)
+        for (const TableTitle& table : kTableTitles)
             pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(physics_, table.kind));
     }
 
@@ -514,10 +497,8 @@ void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
         if (*pulse) pictures.enter(**pulse);
     pictures.ready();
     if (!submodel.tables && !submodel.gnd_pulse && !submodel.power_pulse) return;
-    pictures.curve(tables.pulldown, "Pulldown", "");
-    pictures.curve(tables.pullup, "Pullup", "");
-    pictures.curve(tables.gnd_clamp, "GND Clamp", "");
-    pictures.curve(tables.power_clamp, "POWER Clamp", "");
+    for (const TableTitle& table : kTableTitles)
+        pictures.curve(tableOf(tables, table.kind), table.title, "");
     const auto write = [&pictures](const Wvfrm& table, std::string_view word, std::string_view label, Flat flat) {
         Plot plot = pictures.waveform(table, word, label);
         pictures.writeWaveform(plot, table, word, flat);

@@ -211,6 +211,13 @@ void endBehind(Plot& plot, double settled) {
     plot.note.append(", not shown");
 }
 
+std::string mosfetTitle(std::string_view label, const SMos& mosfet) {
+    std::string title("Series MOSFET ");
+    title.append(label);
+    if (mosfet.vds) appendQuantity(title.append(", Vds "), *mosfet.vds, "V");
+    return title;
+}
+
 Rule railAt(double at, std::string_view word, double voltage) {
     std::string label(word);
     appendQuantity(label, voltage, "V", 4);

@@ -59,6 +59,21 @@ enum class Flat : std::uint8_t {
 /// Has the picture end soon behind that time where most of it lies there, and says what is not shown.
 void endBehind(Plot& plot, double settled);
 
+/// What an I-V table is called in its picture, and how its voltage counts.
+struct TableTitle {
+    TableKind kind;
+    std::string_view title;
+    std::string_view note;
+};
+inline constexpr std::array<TableTitle, kTableKinds> kTableTitles{{
+    {TableKind::pulldown, "Pulldown", "from the pulldown's rail up"},
+    {TableKind::pullup, "Pullup", "from the pullup's rail down"},
+    {TableKind::gndClamp, "GND Clamp", "from the clamp's rail up"},
+    {TableKind::powerClamp, "POWER Clamp", "from the clamp's rail down"},
+}};
+/// The title of a table under "[Series MOSFET]", with its Vds.
+[[nodiscard]] std::string mosfetTitle(std::string_view label, const SMos& mosfet);
+
 /// The line of a rail at a voltage of the picture, with a word and the pin's voltage there.
 [[nodiscard]] Rule railAt(double at, std::string_view word, double voltage);
 /// Where the typical rails are in a table's own voltage.
