@@ -121,16 +121,23 @@ bool FindingMarks::isAboutTable(const ShownFinding& finding, std::uint32_t line,
     return next == begins_.begin() ? names(finding.text, label) : *std::prev(next) == line;
 }
 
+TablePlaces FindingMarks::placesOf(const ShownFinding& finding, std::uint32_t line, std::string_view unit) const {
+    TablePlaces places = finding.at;
+    std::optional<double>& first = places.front();
+    if (first || places.back()) return places;
+    if (finding.exact && finding.line > line) first = firstCellOf(finding);
+    if (!first) first = valueBehind(kAt, finding.text, unit);
+    if (!first) first = valueBehind(kFrom, finding.text, unit);
+    return places;
+}
+
 void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) const {
     constexpr std::size_t kMost = 20;
     for (const ShownFinding* const finding : findings_) {
-        if (plot.marks.size() == kMost) return;
+        if (plot.marks.size() >= kMost) return;
         if (!isAboutTable(*finding, line, label)) continue;
-        std::optional<double> x = finding->at;
-        if (!x && finding->exact && finding->line > line) x = firstCellOf(*finding);
-        if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
-        if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
-        if (x) addMark(plot, *finding, *x);
+        for (const std::optional<double>& x : placesOf(*finding, line, plot.x.unit))
+            if (x) addMark(plot, *finding, *x);
     }
 }
 
@@ -252,9 +259,9 @@ std::string fixtureNote(const Wvfrm& waveform) {
                              Part{"C_fixture ", waveform.c_fixture, "F"}, Part{"L_fixture ", waveform.l_fixture, "H"},
                              Part{"R_dut ", waveform.r_dut, kOhm}, Part{"L_dut ", waveform.l_dut, "H"},
                              Part{"C_dut ", waveform.c_dut, "F"}}) {
-        if (!part.value) continue;
-        const bool is_same = waveform.v_fixture && part.unit == "V" && *part.value == *waveform.v_fixture;
-        if (is_same) continue;
+        // A part of 0 is none, unlike a voltage.
+        const GivenValue usual = part.unit == "V" ? waveform.v_fixture : GivenValue(0.0);
+        if (!part.value || (usual && *part.value == *usual)) continue;
         appendQuantity(text.append(text.empty() ? "" : ", ").append(part.word), *part.value, part.unit);
     }
     return text;

@@ -32,6 +32,8 @@ public:
 private:
     /// By its line; one ahead of all tables is about that which it names.
     [[nodiscard]] bool isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const;
+    /// Where in the table that began at `line` the finding is.
+    [[nodiscard]] TablePlaces placesOf(const ShownFinding& finding, std::uint32_t line, std::string_view unit) const;
     [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
 
     std::vector<const ShownFinding*> findings_;

@@ -156,6 +156,14 @@ V_fixture = 3.3
     # ends at 1 ns, from where it goes back.
     expect(found.get("Rising, 50 \u03a9 to 3.3 V") == ["0 1", "2.85e-09 3.105", "1e-09 3", "1e-09 3"],
            f"a waveform that begins elsewhere, is not settled, is coarse and goes back: {found}")
+    # From 0 V to 4 V, where a line of 50 ohm needs 80 mA; reflections reach -4 V to 8 V. A capacitance of 0 is none.
+    short = driver("[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\nC_fixture = 0\n"
+                   "0n 0 0 0\n1n 2 2 2\n").replace("-4 -80.0mA -80.0mA -80.0mA\n", "", 1).replace("8 160.0mA", "4 40mA", 1)
+    pictures = pictures_of(folder, short, "--advice")
+    ends = [line.split(" at ")[1].split(":")[0] for line in pictures["Pulldown from the pulldown's rail up"]
+            if "goes from 0 V to 4 V" in line]
+    expect(ends == ["0 0", "4 0.04"], f"a table that is short at both ends: {ends}")
+    expect("Rising, 50 \u03a9 to 0 V" in pictures, f"a fixture without a capacitance: {list(pictures)}")
     for other in ("Rising, 50 \u03a9 to 0 V", "GND Clamp from the clamp's rail up", "POWER Clamp from the clamp's rail down"):
         expect(other not in found, f"marks of others: {found}")
 
