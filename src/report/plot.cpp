@@ -7,6 +7,8 @@
 #include <array>
 #include <cmath>
 #include <span>
+#include <string>
+#include <utility>
 
 namespace kestrel {
 
@@ -22,18 +24,24 @@ constexpr double kBottom = kTop + kHeight;
 constexpr double kLineOfText = 11.5;
 
 /// The values of a label that several corners share: one, or from where to where.
-void appendExtent(std::string& text, double low, double high, std::string_view unit) {
-    constexpr int kDigits = 3;
-    const UnitPrefix prefix = prefixOf(std::max(std::abs(low), std::abs(high)), NumberStyle::printed, kDigits);
+std::string extentText(double low, double high, std::string_view unit, int digits) {
+    const UnitPrefix prefix = prefixOf(std::max(std::abs(low), std::abs(high)), NumberStyle::printed, digits);
     const double factor = kExactPowers[static_cast<std::size_t>(std::abs(prefix.power))];
     const auto number = [&](double value) {
-        return withMinusSigns(plainNumber(prefix.power < 0 ? value * factor : value / factor));
+        return quantityText(prefix.power < 0 ? value * factor : value / factor, "", digits);
     };
-    const std::string least = number(low);
+    std::string text = number(low);
     const std::string most = number(high);
-    text.append(least);
-    if (most != least) text.append("\u2026").append(most);
-    text.append("\u00a0").append(prefix.letter).append(unit);
+    if (most != text) text.append("\u2026").append(most);
+    return text.append("\u00a0").append(prefix.letter).append(unit);
+}
+
+/// The same, in as few letters as there is room for beside the frame.
+std::string shortExtentText(double low, double high, std::string_view unit) {
+    constexpr std::ptrdiff_t kMost = 12;
+    const auto begins_letter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+    std::string text = extentText(low, high, unit, 3);
+    return std::ranges::count_if(text, begins_letter) <= kMost ? text : extentText(low, high, unit, 2);
 }
 
 /// A picture being drawn.
@@ -264,8 +272,9 @@ private:
     void addLabels(std::vector<Label>& labels, std::span<const Rule* const> rules) const {
         const auto [least, most] = std::ranges::minmax(rules, {}, &Rule::at);
         if (rules.size() > 1 && downOf(least->at) - downOf(most->at) <= kLineOfText) {
-            labels.push_back({downOf(middleOf(rules)), rules, rules.front()->label + " "});
-            appendExtent(labels.back().text, least->at, most->at, plot_.y.unit);
+            std::string text = rules.front()->label;
+            text.append(" ").append(shortExtentText(least->at, most->at, plot_.y.unit));
+            labels.push_back({downOf(middleOf(rules)), rules, std::move(text)});
             return;
         }
         for (std::size_t i = 0; i < rules.size(); ++i) {
