@@ -24,6 +24,12 @@ public:
         return set;
     }
 
+    [[nodiscard]] constexpr EnumSet with(const EnumSet& other) const {
+        EnumSet set(*this);
+        set.bits_ |= other.bits_;
+        return set;
+    }
+
     /// All codes that are not in this one.
     [[nodiscard]] constexpr EnumSet others() const {
         EnumSet set{};

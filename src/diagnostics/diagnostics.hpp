@@ -43,6 +43,9 @@ inline constexpr std::size_t kLevels = 6;
 /// The name of a class in machine-readable forms, such as "error".
 [[nodiscard]] std::string_view levelName(Level level);
 
+/// Where in a table a finding is: up to two values of the first column.
+using TablePlaces = std::array<std::optional<double>, 2>;
+
 /// One diagnostic as it was reported. Its texts and its subject live no longer than the call that gets it.
 struct Finding {
     Severity severity;
@@ -53,8 +56,7 @@ struct Finding {
     bool exact;                      ///< it is about the line itself
     const Subject* subject;          ///< the record that it is about, null when it is about none
     std::string_view text;
-    /// What it is about within a table: a value of the first column, where the finding has one that its text lacks.
-    std::optional<double> at{};
+    TablePlaces at{}; ///< what it is about within a table, where the text lacks that
 };
 
 /// Findings by class.

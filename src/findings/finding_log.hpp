@@ -42,7 +42,7 @@ private:
         std::size_t file;
         std::size_t name;
         std::size_t text;
-        std::optional<double> at;
+        TablePlaces at;
     };
 
     std::vector<Entry> entries_;

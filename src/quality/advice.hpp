@@ -21,7 +21,7 @@ struct Advice {
     bool exact;             ///< it is about this very line, not about what begins there
     const Subject* subject; ///< the record that it is about, null for the whole file
     std::string text;
-    std::optional<double> at{}; ///< the voltage or time within its table, where the text does not say it
+    TablePlaces at{}; ///< the voltages or times within its table, where the text does not say them
 };
 
 /// Where an advice belongs, and what its text begins with.
@@ -50,8 +50,8 @@ public:
     /// Adds "; 2 more states and corners fall" to the text that was added last, or nothing for 0.
     void addMore(CheckedMore words, std::size_t count);
 
-    /// Says which voltage or time of its table the advice is about that was added last.
-    void setPlace(double at) { list_.back().at = at; }
+    /// Says which voltages or times of its table the advice is about that was added last.
+    void setPlace(std::optional<double> at, std::optional<double> also = {}) { list_.back().at = {at, also}; }
 
     /// An advice with the text of a message, as it is.
     template <class... Args>

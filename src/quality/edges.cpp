@@ -13,7 +13,6 @@ namespace {
 
 constexpr double kPlayOfRates = 1.2;  // that a weak corner may be faster
 constexpr double kPlayOfStrong = 0.8; // that a strong corner may be slower
-constexpr double kRampPart = 0.6;     // of the swing: from 20 % to 80 %
 
 AdvicePlace placeOfWave(const AdvisedModel& advised, const Waveform& waveform) {
     return adviceAt(advised.model, waveform.record->line);
@@ -150,21 +149,6 @@ struct RampDifference {
     double to;
     double load; ///< ohms
 };
-
-/// The levels between which an edge goes with a load, typical.
-std::optional<std::pair<double, double>> levelsOf(const AdvisedModel& advised, Edge edge, const DcLoad& load) {
-    const std::optional<double> low = advised.physics.level(DriveState::low, Corner::typ, load);
-    const std::optional<double> high = advised.physics.level(DriveState::high, Corner::typ, load);
-    if (!low || !high) return std::nullopt;
-    return edge == Edge::rising ? std::pair(*low, *high) : std::pair(*high, *low);
-}
-
-/// How far a dV is from that part of a swing which ramps give, of this.
-std::optional<double> deviation(double dv, std::pair<double, double> levels) {
-    const double expected = kRampPart * std::fabs(levels.second - levels.first);
-    if (!(expected > 0.0)) return std::nullopt;
-    return std::fabs(dv - expected) / expected;
-}
 
 } // namespace
 
@@ -339,25 +323,20 @@ void checkRampSwing(const AdvisedModel& advised, AdviceList& list) {
         return (physics.drivesLow() && !physics.isAtRail(DriveState::low)) ||
                (physics.drivesHigh() && !physics.isAtRail(DriveState::high));
     };
-    const TypicalValues values = typicalValuesOf(advised.model);
     Worst<RampDifference> worst;
     for (const RampLine& line : rampLines(advised)) {
         const GivenValue dv = line.dv(Corner::typ);
         const GivenValue far = physics.farRail(line.edge);
         if (!dv || !far) continue;
-        const auto levels = levelsOf(advised, line.edge, {*load, *far});
-        const std::optional<double> found = levels ? deviation(*dv, *levels) : std::nullopt;
+        const DcLoad own{*load, *far};
+        const std::optional<double> found = rampDeviation(physics, line.edge, *dv, own);
         if (!found || !(*found > kLimit) || is_off_rail()) continue;
-        // What drives one way only is often measured with the pull-up of its timing load.
-        const auto agrees = [&](GivenValue resistance, GivenValue voltage) {
-            if (!resistance || !voltage) return false;
-            const auto other = levelsOf(advised, line.edge, {*resistance, *voltage});
-            const std::optional<double> off_by = other ? deviation(*dv, *other) : std::nullopt;
+        const auto agrees = [&](const DcLoad& other) {
+            const std::optional<double> off_by = rampDeviation(physics, line.edge, *dv, other);
             return off_by && *off_by <= kLimit;
         };
-        const bool one_way = physics.drivesLow() != physics.drivesHigh();
-        if (one_way && (agrees(load, values.vref) || agrees(values.rref, values.vref) || agrees(values.rref, far)))
-            continue;
+        if (std::ranges::any_of(loadsOfRamp(advised.model, physics, line.edge), agrees)) continue;
+        const auto levels = levelsOfEdge(physics, line.edge, own);
         worst.add(*found, RampDifference{line, *dv, levels->first, levels->second, *load});
     }
     if (!worst) return;

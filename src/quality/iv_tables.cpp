@@ -272,7 +272,8 @@ void checkTableSpan(const AdvisedModel& advised, AdviceList& list) {
         if (!low_short && !high_short) continue;
         list.add(placeOfTable(advised, kind), 201, tableKeyword(kind), volts(table.firstVoltage()),
                  volts(table.lastVoltage()), volts(reach.low), volts(reach.high));
-        list.setPlace(low_short ? table.firstVoltage() : table.lastVoltage());
+        list.setPlace(low_short ? std::optional(table.firstVoltage()) : std::nullopt,
+                      high_short ? std::optional(table.lastVoltage()) : std::nullopt);
     }
 }
 

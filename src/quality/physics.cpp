@@ -67,8 +67,9 @@ std::string_view tableKeyword(TableKind kind) {
     return kKeywords[static_cast<std::size_t>(kind)];
 }
 
-const Crv& tableOf(const Mdl& model, TableKind kind) {
-    const MdlTables& tables = *model.tables;
+const Crv& tableOf(const Mdl& model, TableKind kind) { return tableOf(*model.tables, kind); }
+
+const Crv& tableOf(const Tables& tables, TableKind kind) {
     switch (kind) {
     case TableKind::pulldown: return tables.pulldown;
     case TableKind::pullup: return tables.pullup;

@@ -58,6 +58,7 @@ inline constexpr std::array<TableKind, kTableKinds> kAllTables{TableKind::pulldo
 /// A table's keyword as files write it, "[Pulldown]".
 [[nodiscard]] std::string_view tableKeyword(TableKind kind);
 /// The record of a table.
+[[nodiscard]] const Crv& tableOf(const Tables& tables, TableKind kind);
 [[nodiscard]] const Crv& tableOf(const Mdl& model, TableKind kind);
 
 /// "typ", "min" and "max".

@@ -141,6 +141,36 @@ GivenValue rampLoad(const Ramp& ramp) {
     return *ramp.r_load > 0.0 && std::isfinite(*ramp.r_load) ? ramp.r_load : GivenValue();
 }
 
+std::optional<std::pair<double, double>> levelsOfEdge(const ModelPhysics& physics, Edge edge, const DcLoad& load) {
+    const std::optional<double> low = physics.level(DriveState::low, Corner::typ, load);
+    const std::optional<double> high = physics.level(DriveState::high, Corner::typ, load);
+    if (!low || !high) return std::nullopt;
+    return edge == Edge::rising ? std::pair(*low, *high) : std::pair(*high, *low);
+}
+
+std::optional<double> rampDeviation(const ModelPhysics& physics, Edge edge, double dv, const DcLoad& load) {
+    const auto levels = levelsOfEdge(physics, edge, load);
+    const double expected = levels ? kRampPart * std::fabs(levels->second - levels->first) : 0.0;
+    if (!(expected > 0.0)) return std::nullopt;
+    return std::fabs(dv - expected) / expected;
+}
+
+std::vector<DcLoad> loadsOfRamp(const Mdl& model, const ModelPhysics& physics, Edge edge) {
+    std::vector<DcLoad> loads;
+    const auto add = [&loads](GivenValue resistance, GivenValue voltage) {
+        if (resistance && voltage) loads.push_back({*resistance, *voltage});
+    };
+    const GivenValue own = rampLoad(*model.tables->ramp);
+    const GivenValue far = physics.farRail(edge);
+    add(own, far);
+    if (physics.drivesLow() == physics.drivesHigh()) return loads;
+    const TypicalValues values = typicalValuesOf(model);
+    add(own, values.vref);
+    add(values.rref, values.vref);
+    add(values.rref, far);
+    return loads;
+}
+
 bool leadsToFarRail(const Waveform& waveform, Corner corner, const ModelPhysics& physics) {
     constexpr double kNear = 0.1; // of Vcc
     const GivenValue voltage = fixtureVoltage(*waveform.record, corner);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What the waveforms of a model measure.
@@ -70,6 +71,18 @@ struct Waveform {
 
 /// The load of a ramp in ohms; nothing where its line gives none that can be used.
 [[nodiscard]] GivenValue rampLoad(const Ramp& ramp);
+
+/// The part of a swing that a ramp gives: from 20 % to 80 %.
+inline constexpr double kRampPart = 0.6;
+/// The typical levels from which to which an edge goes with a load; nothing where one of them is not known.
+[[nodiscard]] std::optional<std::pair<double, double>> levelsOfEdge(const ModelPhysics& physics, Edge edge,
+                                                                    const DcLoad& load);
+/// How far the typical dV of a ramp is from its part of the swing with a load, as a part of that.
+[[nodiscard]] std::optional<double> rampDeviation(const ModelPhysics& physics, Edge edge, double dv,
+                                                  const DcLoad& load);
+/// The loads that the ramp of an edge may have: its own to the far rail; of a model that drives one way only, which is
+/// often measured with the pull-up of its timing load, also its own or Rref to Vref, and Rref to the far rail.
+[[nodiscard]] std::vector<DcLoad> loadsOfRamp(const Mdl& model, const ModelPhysics& physics, Edge edge);
 /// The fixture leads to the far rail of the waveform's edge.
 [[nodiscard]] bool leadsToFarRail(const Waveform& waveform, Corner corner, const ModelPhysics& physics);
 /// The fixture is the load for which the ramp of the waveform's edge is given: its resistance and nothing else, to the

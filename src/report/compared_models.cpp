@@ -7,7 +7,10 @@
 #include "model/submdl.hpp"
 #include "report/pictures.hpp"
 
+#include <algorithm>
 #include <iterator>
+#include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -53,10 +56,11 @@ public:
     }
 
     /// The curves of an I-V table; null where a file lacks it.
-    void curve(std::string_view field, std::string_view title, const Crv* was, const Crv* is,
+    void curve(std::string_view field, std::string_view title, std::string_view note, const Crv* was, const Crv* is,
                std::vector<Rule> rails = {}) {
         const auto rows = [](const Crv* table) { return table != nullptr && *table ? &table->rows : nullptr; };
-        draw(field, std::string(title), rows(was), rows(is), {kTableAxis, kCurrentAxis}, std::move(rails));
+        draw(field, {std::string(title), std::string(note)}, rows(was), rows(is), {kTableAxis, kCurrentAxis},
+             std::move(rails));
     }
 
     void waveforms(std::string_view keyword, std::string_view word, const Rows<Wvfrm>& was, const Rows<Wvfrm>& is) {
@@ -76,9 +80,10 @@ public:
             return table != nullptr && table->composite_current ? rows(&*table->composite_current) : nullptr;
         };
         const std::string field = waveformField(keyword, was != nullptr ? *was : *is);
-        const std::string title = waveformTitle(word, is != nullptr ? *is : *was);
-        draw(field, title, rows(was), rows(is), {kTimeAxis, kVoltageAxis}, {});
-        draw(field + " [Composite Current]", "Supply current, " + title, current(was), current(is),
+        const Wvfrm& shown = is != nullptr ? *is : *was;
+        const std::string title = waveformTitle(word, shown);
+        draw(field, {title, fixtureNote(shown)}, rows(was), rows(is), {kTimeAxis, kVoltageAxis}, {});
+        draw(field + " [Composite Current]", {"Supply current, " + title, {}}, current(was), current(is),
              {kTimeAxis, kCurrentAxis}, {});
     }
 
@@ -87,15 +92,17 @@ public:
         if (was || is) waveform(keyword, word, was ? &*was : nullptr, is ? &*is : nullptr);
     }
 
-    /// The I-V tables, with the rails of a model that has some.
-    void tables(const Tables& was, const Tables& is, const ModelPhysics* physics) {
-        const auto rails = [physics](TableKind kind) {
-            return physics != nullptr ? railsOfTable(*physics, kind) : std::vector<Rule>();
-        };
-        curve("[Pulldown]", "Pulldown", &was.pulldown, &is.pulldown, rails(TableKind::pulldown));
-        curve("[Pullup]", "Pullup", &was.pullup, &is.pullup, rails(TableKind::pullup));
-        curve("[GND Clamp]", "GND Clamp", &was.gnd_clamp, &is.gnd_clamp, rails(TableKind::gndClamp));
-        curve("[POWER Clamp]", "POWER Clamp", &was.power_clamp, &is.power_clamp, rails(TableKind::powerClamp));
+    /// The I-V tables of a model, with its rails.
+    void tables(const Tables& was, const Tables& is, const ModelPhysics& physics) {
+        for (const TableTitle& table : kTableTitles)
+            curve(tableKeyword(table.kind), table.title, table.note, &tableOf(was, table.kind),
+                  &tableOf(is, table.kind), railsOfTable(physics, table.kind));
+    }
+
+    /// Those of a submodel, whose rails are not known.
+    void tables(const Tables& was, const Tables& is) {
+        for (const TableTitle& table : kTableTitles)
+            curve(tableKeyword(table.kind), table.title, {}, &tableOf(was, table.kind), &tableOf(is, table.kind));
     }
 
     void edges(const Tables& was, const Tables& is) {
@@ -109,20 +116,29 @@ private:
         Axis y;
     };
 
+    struct Caption {
+        std::string title;
+        std::string note; ///< of the table, ahead of what changed
+    };
+
     /// Draws a table in which something changed; of a record without changes every one that is there.
-    void draw(std::string_view field, std::string title, const Rows<TableRow>* was, const Rows<TableRow>* is,
+    void draw(std::string_view field, Caption caption, const Rows<TableRow>* was, const Rows<TableRow>* is,
               const Axes& axes, std::vector<Rule> rails) {
         if (was == nullptr && is == nullptr) return;
-        std::string note;
+        std::string changes;
+        double last_change = std::numeric_limits<double>::lowest();
         if (groups_ != nullptr) {
             for (const ChangeGroup* const group : *groups_) {
                 if (group->field != field) continue;
-                note.append(note.empty() ? "" : "; ").append(bodyBehind(*group, field));
+                for (const ChangeDetail& detail : group->details)
+                    last_change = std::max(last_change, detail.at.value_or(last_change));
+                changes.append(changes.empty() ? "" : "; ").append(bodyBehind(*group, field));
             }
-            if (note.empty()) return;
+            if (changes.empty()) return;
         }
-        Plot plot = plotOf(is != nullptr ? *is : Rows<TableRow>(), std::move(title), owner_, axes.x, axes.y);
-        plot.note = std::move(note);
+        Plot plot = plotOf(is != nullptr ? *is : Rows<TableRow>(), std::move(caption.title), owner_, axes.x, axes.y);
+        plot.note = std::move(caption.note);
+        if (!changes.empty()) plot.note.append(plot.note.empty() ? "" : "; ").append(changes);
         plot.rules = std::move(rails);
         if (was != nullptr) {
             // Below those of the new file.
@@ -132,13 +148,18 @@ private:
             plot.lines.insert(plot.lines.begin(), std::make_move_iterator(old_lines.begin()),
                               std::make_move_iterator(old_lines.end()));
         }
-        begin();
+        if (axes.x.unit == kTimeAxis.unit) {
+            const Flat flat = axes.y.unit == kVoltageAxis.unit ? Flat::ofSwing : Flat::ofRange;
+            endBehind(plot, std::max(settledTime(plot, flat), last_change));
+        }
+        begin(!plot.rules.empty());
         writePlot(html_, plot);
     }
 
-    void begin() {
+    /// The first table has rails where any has.
+    void begin(bool has_rails) {
         if (std::exchange(begun_, true)) return;
-        writeComparedLegend(html_, has_new_, has_old_);
+        writeComparedLegend(html_, has_new_, has_old_, has_rails);
         html_ << "<div class=\"plots\">\n";
     }
 
@@ -156,10 +177,10 @@ void writeSeries(ComparedPictures& pictures, std::string_view label, const Serie
     const SeriesBlock none{};
     if (was == nullptr) was = &none;
     if (is == nullptr) is = &none;
-    pictures.curve(FieldName(label, "[Series Current]").text(), std::string("Series Current ").append(label),
+    pictures.curve(FieldName(label, "[Series Current]").text(), std::string("Series Current ").append(label), {},
                    &was->series_current, &is->series_current);
     eachMosfetPair(*was, *is, [&](const std::string& field, const SMos* before, const SMos* now) {
-        pictures.curve(FieldName(label, field).text(), std::string("Series MOSFET ").append(label),
+        pictures.curve(FieldName(label, field).text(), mosfetTitle(label, now != nullptr ? *now : *before), {},
                        before != nullptr ? &before->table : nullptr, now != nullptr ? &now->table : nullptr);
     });
 }
@@ -168,22 +189,28 @@ void writeSeries(ComparedPictures& pictures, std::string_view label, const Serie
 void writePictures(ComparedPictures& pictures, const Mdl& was, const Mdl& is, const Mdl& of) {
     PointRoom room;
     const ModelPhysics physics(of, room);
-    pictures.tables(*was.tables, *is.tables, &physics);
-    pictures.curve("[ISSO_PD]", "ISSO PD", &was.tables->isso_pd, &is.tables->isso_pd);
-    pictures.curve("[ISSO_PU]", "ISSO PU", &was.tables->isso_pu, &is.tables->isso_pu);
+    pictures.tables(*was.tables, *is.tables, physics);
+    pictures.curve("[ISSO_PD]", "ISSO PD", {}, &was.tables->isso_pd, &is.tables->isso_pd);
+    pictures.curve("[ISSO_PU]", "ISSO PU", {}, &was.tables->isso_pu, &is.tables->isso_pu);
     writeSeries(pictures, kOnLabel, was.on_block.get(), is.on_block.get());
     writeSeries(pictures, kOffLabel, was.off_block.get(), is.off_block.get());
     pictures.edges(*was.tables, *is.tables);
 }
 
 void writePictures(ComparedPictures& pictures, const SubMdl& was, const SubMdl& is, const SubMdl& /*of*/) {
-    pictures.tables(*was.tables, *is.tables, nullptr);
+    pictures.tables(*was.tables, *is.tables);
     pictures.edges(*was.tables, *is.tables);
     pictures.onlyWaveform("[GND Pulse Table]", "GND pulse", was.gnd_pulse, is.gnd_pulse);
     pictures.onlyWaveform("[POWER Pulse Table]", "POWER pulse", was.power_pulse, is.power_pulse);
 }
 
-void writeNames(Html& html, Markup heading, const std::vector<std::string_view>& names) {
+struct LinkedName {
+    std::string_view name;
+    std::optional<Anchor> place{};
+};
+
+/// Names of records, with links to those that have a section.
+void writeNames(Html& html, Markup heading, const std::vector<LinkedName>& names) {
     constexpr std::size_t kShort = 20;
     if (names.empty()) return;
     if (names.size() > kShort) {
@@ -193,8 +220,10 @@ void writeNames(Html& html, Markup heading, const std::vector<std::string_view>&
         html << "<p class=\"names\">" << heading << ": ";
     }
     bool is_first = true;
-    for (const std::string_view name : names) {
-        html << (is_first ? Markup("") : Markup(", ")) << "<bdi>" << Text(name) << "</bdi>";
+    for (const LinkedName& name : names) {
+        html << (is_first ? Markup("") : Markup(", ")) << "<bdi>";
+        writeLink(html, name.place ? &*name.place : nullptr, name.name);
+        html << "</bdi>";
         is_first = false;
     }
     html << (names.size() > kShort ? Markup("</p></details>\n") : Markup("</p>\n"));
@@ -237,16 +266,17 @@ template <class Record> void writeLonely(Html& html, Anchor anchor, const Record
 template <class Record>
 void writeRecords(Html& html, Anchor (*anchor_of)(std::uint32_t pair, std::size_t place), std::uint32_t pair,
                   const std::vector<RecordPair<Record>>& records, const ViewMap<Groups>& changes) {
-    std::vector<std::string_view> added;
-    std::vector<std::string_view> removed;
-    std::vector<std::string_view> unchanged;
-    for (const RecordPair<Record>& record : records) {
+    std::vector<LinkedName> added;
+    std::vector<LinkedName> removed;
+    std::vector<LinkedName> unchanged;
+    for (std::size_t place = 0; place < records.size(); ++place) {
+        const RecordPair<Record>& record = records[place];
         if (record.was == nullptr) {
-            added.push_back(record.is->name);
+            added.push_back({record.is->name, anchor_of(pair, place)});
         } else if (record.is == nullptr) {
-            removed.push_back(record.was->name);
+            removed.push_back({record.was->name, anchor_of(pair, place)});
         } else if (!record.differs) {
-            unchanged.push_back(record.is->name);
+            unchanged.push_back({record.is->name});
         }
     }
     writeNames(html, "Added", added);

@@ -9,8 +9,10 @@
 #include "report/quantity.hpp"
 #include "report/tables.hpp"
 
+#include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace kestrel {
 
@@ -20,6 +22,16 @@ constexpr std::size_t kMostNames = 20;
 
 /// The part of a path behind its folders.
 std::string_view fileNameOf(std::string_view path) { return path.substr(path.find_last_of('/') + 1); }
+
+/// By which names two files are told apart: without folders where these differ, else from the first folder that does.
+std::pair<std::string_view, std::string_view> shortNames(std::string_view was, std::string_view is) {
+    if (fileNameOf(was) != fileNameOf(is)) return {fileNameOf(was), fileNameOf(is)};
+    const auto differ = std::ranges::mismatch(was, is);
+    const auto same = static_cast<std::size_t>(differ.in1 - was.begin());
+    if (same == was.size() && same == is.size()) return {was, is};
+    const std::size_t folder = was.substr(0, same).find_last_of('/') + 1;
+    return {was.substr(folder), is.substr(folder)};
+}
 
 /// The header that says most; an empty one where there is none.
 const Hdr& headerOf(const Ibis* root, const Hdr& none) {
@@ -97,8 +109,9 @@ void ComparedPage::writeOutcome(Html& html, Outcome outcome) {
 
 void ComparedPage::writeHead(Html& html, const ComparedPair& pair, const Row& row, const Ibis* was,
                              const Ibis* is) const {
-    html << "<header><h2>" << Text(fileNameOf(pair.is.path)) << " <span class=\"sub\">compared with "
-         << Text(fileNameOf(pair.was.path)) << "</span></h2><p class=\"outcome\">";
+    const auto [old_name, new_name] = shortNames(pair.was.path, pair.is.path);
+    html << "<header><h2>" << Text(new_name) << " <span class=\"sub\">compared with " << Text(old_name)
+         << "</span></h2><p class=\"outcome\">";
     writeOutcome(html, row.outcome);
     html << " " << Text(row.summary) << "</p>\n";
     if (!pair.passed_over.empty()) {

@@ -1,10 +1,33 @@
 #include "report/explanation.hpp"
 
+#include "report/quantity.hpp"
+
 #include <algorithm>
+#include <cctype>
+#include <string>
 
 namespace kestrel {
 
 namespace {
+
+/// A paragraph with true minus signs ahead of its numbers and of the names of values; what it quotes stays as it reads.
+std::string withMinus(std::string_view paragraph) {
+    std::string text;
+    bool is_quoted = false;
+    for (std::size_t i = 0; i < paragraph.size(); ++i) {
+        const char c = paragraph[i];
+        if (c == '"') is_quoted = !is_quoted;
+        const bool is_ahead = i != 0 && (paragraph[i - 1] == ' ' || paragraph[i - 1] == '(');
+        const bool has_value =
+            i + 1 < paragraph.size() && std::isalnum(static_cast<unsigned char>(paragraph[i + 1])) != 0;
+        if (c == '-' && !is_quoted && is_ahead && has_value) {
+            text.append(kMinus);
+        } else {
+            text.push_back(c);
+        }
+    }
+    return text;
+}
 
 /// Paragraphs are lines; those that begin with a blank keep their form.
 void writeProse(Html& html, std::string_view text) {
@@ -18,7 +41,7 @@ void writeProse(Html& html, std::string_view text) {
         if (is_pre) {
             html << Text(line) << "\n";
         } else if (!line.empty()) {
-            html << "<p>" << Text(line) << "</p>";
+            html << "<p>" << Text(withMinus(line)) << "</p>";
         }
     }
     if (in_pre) html << "</pre>";

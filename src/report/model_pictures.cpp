@@ -3,6 +3,8 @@
 #include "ibis/run.hpp"
 #include "quality/waveforms.hpp"
 
+#include <limits>
+
 namespace kestrel {
 
 namespace {
@@ -14,91 +16,88 @@ constexpr Axis kTableAxis{"Table voltage", "V"};
 constexpr Axis kPinAxis{"Pin voltage", "V"};
 constexpr Axis kChangeAxis{"Change of voltage", "V"};
 
-/// The pictures of one model or submodel.
-struct Pictures {
-    const PartContext& part;
-    std::string_view owner;
-    FindingMarks marks;
-    PerCorner<bool> drawn{}; ///< the corners that the tables have values of
+/// The pictures of one record, which are kept until all of them are drawn and their key is known.
+class Pictures {
+public:
+    Pictures(const PartContext& part, const Subject& record) : owner_(record.name), marks_(part, record) {}
 
-    void curve(const Crv& table, std::string_view title, std::string_view note, std::vector<Rule> rails = {}) {
-        if (!table) return;
-        Plot plot = plotOf(table.rows, std::string(title), owner, kTableAxis, kCurrentAxis);
-        plot.note = note;
-        plot.rules = std::move(rails);
-        marks.mark(plot, table.line, title);
-        writePlot(part.html, plot);
-    }
+    [[nodiscard]] std::string_view owner() const { return owner_; }
 
-    [[nodiscard]] Plot waveform(const Wvfrm& table, std::string_view word, std::string_view label) const {
-        Plot plot = plotOf(table.rows, waveformTitle(word, table), owner, kTimeAxis, kVoltageAxis);
-        plot.note = fixtureNote(table);
-        marks.mark(plot, table.line, label);
-        return plot;
-    }
-
-    void supplyCurrent(const Wvfrm& table, std::string_view word) {
-        if (!table.composite_current) return;
-        const Wvfrm& current = *table.composite_current;
-        Plot plot = plotOf(current.rows, std::string("Supply current, ").append(waveformTitle(word, table)), owner,
-                           kTimeAxis, kCurrentAxis);
-        marks.mark(plot, current.line, kCompositeCurrent.open);
-        writePlot(part.html, plot);
-    }
-
-    void enter(std::uint32_t line, const Rows<TableRow>& rows) {
-        marks.enterTable(line);
-        for (const TableRow& row : rows) {
-            for (const Corner corner : kCorners)
-                drawn[corner] = drawn[corner] || row[columnOf(corner)].isNumber();
-            if (drawn.typ() && drawn.min() && drawn.max()) return;
-        }
-    }
+    /// Tables of the record, all of them ahead of the first picture, so that findings are known by their tables.
     void enter(const Crv& table) {
-        if (table) enter(table.line, table.rows);
+        if (table) marks_.enterTable(table.line);
     }
     void enter(const Wvfrm& waveform) {
-        enter(waveform.line, waveform.rows);
-        if (waveform.composite_current) enter(*waveform.composite_current);
-    }
-    void enter(const Ramp& ramp) {
-        marks.enterTable(ramp.line);
-        for (const std::optional<RampRate>* const rate : {&ramp.dv_dt_r, &ramp.dv_dt_f})
-            for (const Corner corner : kCorners)
-                drawn[corner] = drawn[corner] || (*rate && (**rate)[corner].dv.isNumber());
+        marks_.enterTable(waveform.line);
+        if (waveform.composite_current) marks_.enterTable(waveform.composite_current->line);
     }
     void enter(const Tables& tables) {
         for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
             enter(*table);
-        if (tables.ramp) enter(*tables.ramp);
+        if (tables.ramp) marks_.enterTable(tables.ramp->line);
         for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms})
             for (const Wvfrm& waveform : *list)
                 enter(waveform);
     }
+    void ready() { marks_.ready(); }
+
+    [[nodiscard]] const FindingMarks& marks() const { return marks_; }
+
+    void draw(const Plot& plot) { signs_ = signs_.with(writePlot(drawn_.html(), plot)); }
+
+    void curve(const Crv& table, std::string_view title, std::string_view note, std::vector<Rule> rails = {}) {
+        if (!table) return;
+        Plot plot = plotOf(table.rows, std::string(title), owner_, kTableAxis, kCurrentAxis);
+        plot.note = note;
+        plot.rules = std::move(rails);
+        marks_.mark(plot, table.line, title);
+        draw(plot);
+    }
+
+    [[nodiscard]] Plot waveform(const Wvfrm& table, std::string_view word, std::string_view label) const {
+        Plot plot = plotOf(table.rows, waveformTitle(word, table), owner_, kTimeAxis, kVoltageAxis);
+        plot.note = fixtureNote(table);
+        marks_.mark(plot, table.line, label);
+        return plot;
+    }
+
+    /// Writes a waveform and its supply current, if it has one, over the same time.
+    void writeWaveform(Plot& plot, const Wvfrm& table, std::string_view word, Flat flat = Flat::ofSwing) {
+        double settled = settledTime(plot, flat);
+        if (!table.composite_current) {
+            endBehind(plot, settled);
+            draw(plot);
+            return;
+        }
+        const Wvfrm& of_supply = *table.composite_current;
+        Plot current = plotOf(of_supply.rows, std::string("Supply current, ").append(waveformTitle(word, table)),
+                              owner_, kTimeAxis, kCurrentAxis);
+        marks_.mark(current, of_supply.line, kCompositeCurrent.open);
+        settled = std::max(settled, settledTime(current, Flat::ofRange));
+        for (Plot* const one : {&plot, &current}) {
+            endBehind(*one, settled);
+            draw(*one);
+        }
+    }
+
+    /// Writes the key and what was drawn.
+    void write(Html& html) {
+        writeLegend(html, signs_);
+        (html << "<div class=\"plots\">\n").append(drawn_) << "</div>";
+    }
+
+private:
+    std::string_view owner_;
+    FindingMarks marks_;
+    HtmlPiece drawn_;
+    Signs signs_{};
 };
 
 void writeSeries(Pictures& pictures, const SeriesBlock& block, std::string_view label) {
     pictures.curve(block.series_current, std::string("Series Current ").append(label), "");
-    for (const SMos& mosfet : block.mosfets) {
-        std::string title("Series MOSFET ");
-        title.append(label);
-        if (mosfet.vds) appendQuantity(title.append(", Vds "), *mosfet.vds, "V");
-        pictures.curve(mosfet.table, title, "");
-    }
+    for (const SMos& mosfet : block.mosfets)
+        pictures.curve(mosfet.table, mosfetTitle(label, mosfet), "");
 }
-
-/// What a table of a model is called in its picture, and how its voltage counts.
-struct TableTitle {
-    TableKind kind;
-    std::string_view title;
-    std::string_view note;
-};
-constexpr std::array<TableTitle, kTableKinds> kTitles{{
-    {TableKind::pulldown, "Pulldown", "from the pulldown's rail up"},
-    {TableKind::pullup, "Pullup", "from the pullup's rail down"},
-    {TableKind::gndClamp, "GND Clamp", "from the clamp's rail up"},
-    {TableKind::powerClamp, "POWER Clamp", "from the clamp's rail down"},
-}};
 
 /// The pictures and figures of a model that follow from the physics of its tables.
 class ModelFigures {
@@ -110,7 +109,7 @@ public:
     }
 
     void writeCurves() {
-        for (const TableTitle& table : kTitles)
+        for (const TableTitle& table : kTableTitles)
             pictures_.curve(tableOf(model_, table.kind), table.title, table.note, railsOfTable(physics_, table.kind));
     }
 
@@ -155,15 +154,17 @@ private:
         constexpr std::array<std::string_view, kDriveStates> kNames{"Low state", "High state", "Off state"};
         Plot plot;
         plot.title = kNames[static_cast<std::size_t>(state)];
-        plot.owner = pictures_.owner;
+        plot.owner = pictures_.owner();
         plot.x = kPinAxis;
         plot.y = kCurrentAxis;
         Span between_rails;
         Span all;
+        double vcc = 0.0;
         for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
             const StateCurrent* const current = physics_.current(state, corner);
             const References& given = physics_.references(corner);
             if (current == nullptr || !given.vcc) continue;
+            vcc = std::max(vcc, *given.vcc);
             std::vector<Point> points;
             points.reserve(rowsOf(corner) + 2);
             current->sweep(*given.pulldown - *given.vcc, *given.pulldown + 2.0 * *given.vcc,
@@ -176,30 +177,38 @@ private:
             if (!points.empty()) plot.lines.push_back({corner, std::move(points)});
         }
         if (plot.lines.empty()) return;
-        cutAtDriver(plot, between_rails, all);
+        cutAtDriver(plot, between_rails, all, vcc);
         const References& given = physics_.references();
         for (const GivenValue rail : {given.pulldown, given.pullup})
             if (rail) plot.rules.push_back(railAt(*rail, "", *rail));
-        pictures_.marks.markByWords(plot, std::string(stateWord(state)).append("-state"));
+        pictures_.marks().markByWords(plot, std::string(stateWord(state)).append("-state"));
         if (state == DriveState::off) {
-            pictures_.marks.markByWords(plot, "the clamps carry");
-            pictures_.marks.markByWords(plot, kAtPinVoltage, kAtPinVoltage);
+            pictures_.marks().markByWords(plot, "the clamps carry");
+            pictures_.marks().markByWords(plot, kAtPinVoltage, kAtPinVoltage);
         }
-        writePlot(part_.html, plot);
+        pictures_.draw(plot);
     }
 
     /// Beyond the rails clamps carry so much more than a driver that nothing would be seen of it: such a picture ends
-    /// where the driver's currents between the rails do.
-    static void cutAtDriver(Plot& plot, const Span& between_rails, const Span& all) {
+    /// where the driver's currents between the rails do. Where there are none, what a line drives into clamps counts.
+    static void cutAtDriver(Plot& plot, const Span& between_rails, const Span& all, double vcc) {
         constexpr double kRoom = 2.0;
         constexpr double kMuchMore = 5.0;
-        const double driver = std::max(std::abs(between_rails.low), std::abs(between_rails.high));
-        const double most = std::max(std::abs(all.low), std::abs(all.high));
-        if (!between_rails.given || driver < kNoCurrent || most < kMuchMore * driver) return;
-        plot.shown_y.include(std::max(all.low, -kRoom * driver));
-        plot.shown_y.include(std::min(all.high, kRoom * driver));
-        plot.note = "cut above ";
-        appendQuantity(plot.note, kRoom * driver, "A", 2);
+        constexpr double kLine = 50.0; // ohm
+        if (!between_rails.given) return;
+        double driver = std::max(std::abs(between_rails.low), std::abs(between_rails.high));
+        if (driver < kNoCurrent) driver = vcc / kLine;
+        if (std::max(-all.low, all.high) < kMuchMore * driver) return;
+        const double limit = kRoom * driver;
+        const bool below = all.low < -limit;
+        const bool above = all.high > limit;
+        const double low = below ? -limit : all.low;
+        const double high = above ? limit : all.high;
+        const double beside = (high - low) * kRoomBesideLines;
+        plot.shown_y.include(below ? low : low - beside);
+        plot.shown_y.include(above ? high : high + beside);
+        plot.note = below && above ? "cut beyond \u00b1" : below ? "cut below " : "cut above ";
+        appendQuantity(plot.note, below && !above ? -limit : limit, "A", 2);
     }
 
     struct Levels {
@@ -223,8 +232,8 @@ private:
         for (const Corner corner : kCorners) {
             const std::optional<DcLoad> load = fixtureLoad(waveform, corner);
             if (!load || !physics_.isDriver()) continue;
-            levels.low[corner] = physics_.level(DriveState::low, corner, *load);
-            levels.high[corner] = physics_.level(DriveState::high, corner, *load);
+            levels.low[corner] = withoutNoise(physics_.level(DriveState::low, corner, *load));
+            levels.high[corner] = withoutNoise(physics_.level(DriveState::high, corner, *load));
         }
         return levels_.emplace_back(&waveform, levels).second;
     }
@@ -244,8 +253,7 @@ private:
             }
         }
         addThresholds(plot);
-        writePlot(part_.html, plot);
-        pictures_.supplyCurrent(*waveform.record, word);
+        pictures_.writeWaveform(plot, *waveform.record, word);
     }
 
     static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
@@ -255,13 +263,13 @@ private:
                               .at = *level,
                               .label = std::string(word),
                               .corner = corner,
-                              .value = levelText(*level)});
+                              .value = quantityText(*level, "V", 3)});
     }
 
     /// A level; what is below a microvolt is 0.
-    static std::string levelText(double level) {
+    [[nodiscard]] static std::optional<double> withoutNoise(std::optional<double> level) {
         constexpr double kNothing = 1e-6;
-        return quantityText(std::abs(level) < kNothing ? 0.0 : level, "V", 3);
+        return level && std::abs(*level) < kNothing ? 0.0 : level;
     }
 
     /// How far the ramp of an edge goes in a corner: in which time, and by which voltage.
@@ -289,16 +297,33 @@ private:
                               true});
     }
 
+    /// The load with which the ramp of an edge fits best: its own, unless another one that it may have fits better.
+    [[nodiscard]] std::optional<DcLoad> loadOfRamp(Edge edge) const {
+        const std::vector<DcLoad> loads = loadsOfRamp(model_, physics_, edge);
+        const std::optional<Point> size = rampOf(edge, Corner::typ);
+        if (loads.empty()) return std::nullopt;
+        const auto deviation = [&](const DcLoad& load) {
+            const std::optional<double> found =
+                size ? rampDeviation(physics_, edge, std::abs(size->y), load) : std::nullopt;
+            return found.value_or(std::numeric_limits<double>::infinity());
+        };
+        return *std::ranges::min_element(loads, {}, deviation);
+    }
+
+    void appendLoad(std::string& note, const std::optional<DcLoad>& load) const {
+        const GivenValue resistance = load ? GivenValue(load->resistance) : rampLoad(*model_.tables->ramp);
+        if (resistance) appendQuantity(note.append(" into "), *resistance, kOhm);
+        if (load) appendQuantity(note.append(" to "), load->voltage, "V");
+    }
+
     /// A picture of the ramps that no waveform shows, from where they begin.
     void writeOtherRamps() {
         Plot plot;
         plot.title = "Ramp";
-        plot.owner = pictures_.owner;
-        plot.note = "20\u201380\u00a0%";
-        if (const GivenValue load = rampLoad(*model_.tables->ramp))
-            appendQuantity(plot.note.append(" into "), *load, kOhm);
+        plot.owner = pictures_.owner();
         plot.x = kTimeAxis;
         plot.y = kChangeAxis;
+        std::vector<std::pair<Edge, std::optional<DcLoad>>> drawn;
         for (const Edge edge : kEdges) {
             if (std::ranges::any_of(
                     waveforms_, [&](const Waveform& waveform) { return waveform.edge == edge && showsRamp(waveform); }))
@@ -307,11 +332,17 @@ private:
             for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
                 if (const std::optional<Point> size = rampOf(edge, corner))
                     plot.lines.push_back({corner, {{0.0, 0.0}, *size}});
-            if (plot.lines.size() == before) continue;
-            plot.note.append(edge == Edge::rising ? ", rising" : ", falling");
-            if (const GivenValue rail = physics_.farRail(edge)) appendQuantity(plot.note.append(" to "), *rail, "V");
+            if (plot.lines.size() != before) drawn.emplace_back(edge, loadOfRamp(edge));
         }
-        if (!plot.lines.empty()) writePlot(part_.html, plot);
+        if (drawn.empty()) return;
+        plot.note = "20\u201380\u00a0%";
+        const bool is_same = drawn.size() == 2 && drawn.front().second == drawn.back().second;
+        for (const auto& [edge, load] : drawn) {
+            const bool is_second = is_same && edge == Edge::falling;
+            plot.note.append(is_second ? " and " : ", ").append(edgeWord(edge));
+            if (!is_same || is_second) appendLoad(plot.note, load);
+        }
+        pictures_.draw(plot);
     }
 
     void addThresholds(Plot& plot) const {
@@ -366,7 +397,9 @@ private:
         for (const auto& [waveform, levels] : levels_) {
             const std::string fixture = waveformTitle("", *waveform);
             const auto text_of = [](const PerCorner<std::optional<double>>& level) {
-                return [&level](Corner corner) { return level[corner] ? levelText(*level[corner]) : std::string(); };
+                return [&level](Corner corner) {
+                    return level[corner] ? quantityText(*level[corner], "V", 3) : std::string();
+                };
             };
             row(table, std::string("Low").append(fixture), text_of(levels.low));
             row(table, std::string("High").append(fixture), text_of(levels.high));
@@ -422,7 +455,7 @@ void writeRamp(CornerTable& table, const Ramp& ramp) {
 
 void writeModelTables(const PartContext& part, const Mdl& model) {
     const MdlTables& tables = *model.tables;
-    Pictures pictures{part, model.name, FindingMarks(part, model)};
+    Pictures pictures(part, model);
     pictures.enter(tables);
     pictures.enter(tables.isso_pd);
     pictures.enter(tables.isso_pu);
@@ -432,7 +465,7 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
         for (const SMos& mosfet : block->mosfets)
             pictures.enter(mosfet.table);
     }
-    pictures.marks.ready();
+    pictures.ready();
     if (!model.tables && !model.on_block && !model.off_block) {
         part.html << "</div>\n";
         return;
@@ -444,9 +477,6 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     constexpr std::uint32_t kMostAtOnce = 40;
     const Anchor* const place = part.anchors.find(&model);
     const bool is_later = place != nullptr && place->number > kMostAtOnce;
-    if (is_later) part.html << "<noscript class=\"later\">";
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
     figures.writeCurves();
     figures.writeStates();
     pictures.curve(tables.isso_pd, "ISSO PD", "");
@@ -454,49 +484,50 @@ void writeModelTables(const PartContext& part, const Mdl& model) {
     if (model.on_block) writeSeries(pictures, *model.on_block, kOnLabel);
     if (model.off_block) writeSeries(pictures, *model.off_block, kOffLabel);
     figures.writeWaveforms();
-    part.html << (is_later ? Markup("</div></noscript>\n") : Markup("</div>\n"));
+    if (is_later) part.html << "<noscript class=\"later\">";
+    pictures.write(part.html);
+    part.html << (is_later ? Markup("</noscript>\n") : Markup("\n"));
 }
 
 void writeSubmodelPictures(const PartContext& part, const SubMdl& submodel) {
     const SubMdlTables& tables = *submodel.tables;
-    Pictures pictures{part, submodel.name, FindingMarks(part, submodel)};
+    Pictures pictures(part, submodel);
     pictures.enter(tables);
     for (const OnDemand<Wvfrm>* const pulse : {&submodel.gnd_pulse, &submodel.power_pulse})
         if (*pulse) pictures.enter(**pulse);
-    pictures.marks.ready();
+    pictures.ready();
     if (!submodel.tables && !submodel.gnd_pulse && !submodel.power_pulse) return;
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
-    pictures.curve(tables.pulldown, "Pulldown", "");
-    pictures.curve(tables.pullup, "Pullup", "");
-    pictures.curve(tables.gnd_clamp, "GND Clamp", "");
-    pictures.curve(tables.power_clamp, "POWER Clamp", "");
+    for (const TableTitle& table : kTableTitles)
+        pictures.curve(tableOf(tables, table.kind), table.title, "");
+    const auto write = [&pictures](const Wvfrm& table, std::string_view word, std::string_view label, Flat flat) {
+        Plot plot = pictures.waveform(table, word, label);
+        pictures.writeWaveform(plot, table, word, flat);
+    };
     for (const Wvfrm& table : tables.rising_waveforms)
-        writePlot(part.html, pictures.waveform(table, "Rising", kRisingWaveform.open));
+        write(table, "Rising", kRisingWaveform.open, Flat::ofSwing);
     for (const Wvfrm& table : tables.falling_waveforms)
-        writePlot(part.html, pictures.waveform(table, "Falling", kFallingWaveform.open));
-    if (submodel.gnd_pulse) writePlot(part.html, pictures.waveform(*submodel.gnd_pulse, "GND pulse", kGndPulse.open));
-    if (submodel.power_pulse)
-        writePlot(part.html, pictures.waveform(*submodel.power_pulse, "POWER pulse", kPowerPulse.open));
-    part.html << "</div>\n";
+        write(table, "Falling", kFallingWaveform.open, Flat::ofSwing);
+    if (submodel.gnd_pulse) write(*submodel.gnd_pulse, "GND pulse", kGndPulse.open, Flat::ofRange);
+    if (submodel.power_pulse) write(*submodel.power_pulse, "POWER pulse", kPowerPulse.open, Flat::ofRange);
+    pictures.write(part.html);
+    part.html << "\n";
 }
 
 void writeGoldenWaveforms(const PartContext& part, const TestData& data) {
-    Pictures pictures{part, data.name, FindingMarks(part, data)};
+    Pictures pictures(part, data);
     for (const OnDemand<Wvfrm>& table : data.tables)
         if (table) pictures.enter(*table);
-    pictures.marks.ready();
+    pictures.ready();
     if (std::ranges::none_of(data.tables, [](const OnDemand<Wvfrm>& table) { return bool(table); })) return;
-    writeLegend(part.html, pictures.drawn);
-    part.html << "<div class=\"plots\">\n";
     for (std::size_t i = 0; i < kGoldenWaveforms.size(); ++i) {
         if (!data.tables[i]) continue;
         const std::string_view label = kGoldenWaveforms[i].open;
         Plot plot = pictures.waveform(*data.tables[i], label, label);
         if (!data.test_load.empty()) plot.note.assign("into ").append(data.test_load);
-        writePlot(part.html, plot);
+        pictures.writeWaveform(plot, *data.tables[i], label);
     }
-    part.html << "</div>\n";
+    pictures.write(part.html);
+    part.html << "\n";
 }
 
 } // namespace kestrel

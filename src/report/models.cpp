@@ -262,11 +262,13 @@ std::string capacitanceOf(const Mdl& model) {
 }
 
 void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) {
-    LongTable table(
-        part.html, "List of models", models.size(),
-        {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>", "<th scope=\"col\">Supply</th>",
-         "<th scope=\"col\">C_comp</th>", "<th scope=\"col\">Tables</th>", "<th scope=\"col\">Findings</th>"},
-        true);
+    const bool has_findings = std::ranges::any_of(
+        models, [&](const Mdl* model) { return !part.findings.about(part.anchors.find(model)).empty(); });
+    LongTable table(part.html, "List of models", models.size(),
+                    {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>",
+                     "<th scope=\"col\">Supply</th>", "<th scope=\"col\">C_comp</th>", "<th scope=\"col\">Tables</th>",
+                     has_findings ? Markup("<th scope=\"col\">Findings</th>") : Markup("")},
+                    true);
     for (const Mdl* const model : models) {
         const Anchor* const place = part.anchors.find(model);
         const Rng* const supply = findRange(*model, MdlRange::voltageRange);
@@ -281,7 +283,7 @@ void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) 
                                              {capacitance},
                                              {tables},
                                              {findings}};
-        table.row(cells);
+        table.row(std::span(cells).first(has_findings ? 6 : 5));
     }
 }
 

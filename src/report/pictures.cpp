@@ -3,6 +3,7 @@
 #include "reader/values.hpp"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -43,6 +44,25 @@ void addMark(Plot& plot, const ShownFinding& finding, double x) {
         if (found && line.corner == corner) break;
     }
     if (y) plot.marks.push_back({{x, *y}, finding.anchor, finding.shownText()});
+}
+
+/// From where on the values stay within a hundredth of a size.
+double settledTime(const std::vector<Point>& points, double size) {
+    constexpr double kFlat = 0.01;
+    double low = points.back().y;
+    double high = low;
+    for (std::size_t i = points.size() - 1; i-- > 0;) {
+        low = std::min(low, points[i].y);
+        high = std::max(high, points[i].y);
+        if (high - low > kFlat * size) return points[i + 1].x;
+    }
+    return points.front().x;
+}
+
+/// A length that is not below `length`, of two digits that are easy to read.
+double roundedUp(double length) {
+    const double step = std::pow(10.0, std::floor(std::log10(length))) / 5.0;
+    return std::ceil(length / step * (1 - 1e-9)) * step;
 }
 
 /// Findings about a table name it so, or in brackets.
@@ -101,16 +121,23 @@ bool FindingMarks::isAboutTable(const ShownFinding& finding, std::uint32_t line,
     return next == begins_.begin() ? names(finding.text, label) : *std::prev(next) == line;
 }
 
+TablePlaces FindingMarks::placesOf(const ShownFinding& finding, std::uint32_t line, std::string_view unit) const {
+    TablePlaces places = finding.at;
+    std::optional<double>& first = places.front();
+    if (first || places.back()) return places;
+    if (finding.exact && finding.line > line) first = firstCellOf(finding);
+    if (!first) first = valueBehind(kAt, finding.text, unit);
+    if (!first) first = valueBehind(kFrom, finding.text, unit);
+    return places;
+}
+
 void FindingMarks::mark(Plot& plot, std::uint32_t line, std::string_view label) const {
     constexpr std::size_t kMost = 20;
     for (const ShownFinding* const finding : findings_) {
-        if (plot.marks.size() == kMost) return;
+        if (plot.marks.size() >= kMost) return;
         if (!isAboutTable(*finding, line, label)) continue;
-        std::optional<double> x = finding->at;
-        if (!x && finding->exact && finding->line > line) x = firstCellOf(*finding);
-        if (!x) x = valueBehind(kAt, finding->text, plot.x.unit);
-        if (!x) x = valueBehind(kFrom, finding->text, plot.x.unit);
-        if (x) addMark(plot, *finding, *x);
+        for (const std::optional<double>& x : placesOf(*finding, line, plot.x.unit))
+            if (x) addMark(plot, *finding, *x);
     }
 }
 
@@ -157,6 +184,47 @@ Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owne
     return plot;
 }
 
+double settledTime(const Plot& plot, Flat flat) {
+    double settled = std::numeric_limits<double>::lowest();
+    for (const PlotLine& line : plot.lines) {
+        if (line.thin) continue;
+        double size = std::abs(line.points.back().y - line.points.front().y);
+        if (flat == Flat::ofRange) {
+            const auto [low, high] = std::ranges::minmax(line.points, {}, &Point::y);
+            size = high.y - low.y;
+        }
+        settled = std::max(settled, settledTime(line.points, size));
+    }
+    for (const PlotMark& mark : plot.marks)
+        settled = std::max(settled, mark.at.x);
+    return settled;
+}
+
+void endBehind(Plot& plot, double settled) {
+    constexpr double kRoom = 1.25;
+    constexpr double kMostShown = 0.5;
+    Span time;
+    for (const PlotLine& line : plot.lines) {
+        if (line.thin) continue;
+        time.include(line.points.front().x);
+        time.include(line.points.back().x);
+    }
+    if (!(settled > time.low) || !(settled < time.high)) return;
+    const double shown = roundedUp(kRoom * (settled - time.low));
+    if (shown > kMostShown * time.length()) return;
+    plot.shown_x = {time.low, time.low + shown, true};
+    appendQuantity(plot.note.append(plot.note.empty() ? "flat from " : "; flat from "), plot.shown_x.high, "s", 4);
+    appendQuantity(plot.note.append(" to "), time.high, "s", 4);
+    plot.note.append(", not shown");
+}
+
+std::string mosfetTitle(std::string_view label, const SMos& mosfet) {
+    std::string title("Series MOSFET ");
+    title.append(label);
+    if (mosfet.vds) appendQuantity(title.append(", Vds "), *mosfet.vds, "V");
+    return title;
+}
+
 Rule railAt(double at, std::string_view word, double voltage) {
     std::string label(word);
     appendQuantity(label, voltage, "V", 4);
@@ -191,28 +259,43 @@ std::string fixtureNote(const Wvfrm& waveform) {
                              Part{"C_fixture ", waveform.c_fixture, "F"}, Part{"L_fixture ", waveform.l_fixture, "H"},
                              Part{"R_dut ", waveform.r_dut, kOhm}, Part{"L_dut ", waveform.l_dut, "H"},
                              Part{"C_dut ", waveform.c_dut, "F"}}) {
-        if (!part.value) continue;
-        const bool is_same = waveform.v_fixture && part.unit == "V" && *part.value == *waveform.v_fixture;
-        if (is_same) continue;
+        // A part of 0 is none, unlike a voltage.
+        const GivenValue usual = part.unit == "V" ? waveform.v_fixture : GivenValue(0.0);
+        if (!part.value || (usual && *part.value == *usual)) continue;
         appendQuantity(text.append(text.empty() ? "" : ", ").append(part.word), *part.value, part.unit);
     }
     return text;
 }
 
-void writeLegend(Html& html, const PerCorner<bool>& drawn) {
+void writeLegend(Html& html, Signs signs) {
+    struct Row {
+        Sign sign;
+        Markup text;
+    };
+    constexpr std::array kRows{
+        Row{Sign::typ, "<b class=\"t\">typ</b> "},
+        Row{Sign::min, "<b class=\"n\">min</b> "},
+        Row{Sign::max, "<b class=\"x\">max</b> "},
+        Row{Sign::rail, "<b class=\"r\">typical rail</b> "},
+        Row{Sign::dots, "<b class=\"o-t\">20\u00a0% and 80\u00a0%</b> "},
+        Row{Sign::ramp, "<b class=\"s-t\">ramp</b> "},
+        Row{Sign::level, "<b class=\"e-t\">DC level of the tables</b> "},
+        Row{Sign::threshold, "<b class=\"h\">threshold</b> "},
+        Row{Sign::mark, "<b class=\"mark\">finding</b>"},
+    };
     html << "<p class=\"legend\">";
-    if (drawn.typ()) html << "<b class=\"t\">typ</b> ";
-    if (drawn.min()) html << "<b class=\"n\">min</b> ";
-    if (drawn.max()) html << "<b class=\"x\">max</b>";
+    for (const Row& row : kRows)
+        if (signs.has(row.sign)) html << row.text;
     html << "</p>\n";
 }
 
-void writeComparedLegend(Html& html, bool has_new, bool has_old) {
+void writeComparedLegend(Html& html, bool has_new, bool has_old, bool has_rails) {
     html << "<p class=\"legend\">";
     if (has_new) html << "New: <b class=\"t\">typ</b> <b class=\"n\">min</b> <b class=\"x\">max</b> ";
     if (has_old)
         html << "<span>Old, in grey:</span> <b class=\"w-t\">typ</b> <b class=\"w-n\">min</b> "
-                "<b class=\"w-x\">max</b>";
+                "<b class=\"w-x\">max</b> ";
+    if (has_rails) html << "<b class=\"r\">typical rail</b>";
     html << "</p>\n";
 }
 

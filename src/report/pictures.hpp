@@ -32,6 +32,8 @@ public:
 private:
     /// By its line; one ahead of all tables is about that which it names.
     [[nodiscard]] bool isAboutTable(const ShownFinding& finding, std::uint32_t line, std::string_view label) const;
+    /// Where in the table that began at `line` the finding is.
+    [[nodiscard]] TablePlaces placesOf(const ShownFinding& finding, std::uint32_t line, std::string_view unit) const;
     [[nodiscard]] std::optional<double> firstCellOf(const ShownFinding& finding) const;
 
     std::vector<const ShownFinding*> findings_;
@@ -49,6 +51,31 @@ private:
 /// A picture with the lines of a table's corners.
 [[nodiscard]] Plot plotOf(const Rows<TableRow>& rows, std::string title, std::string_view owner, Axis x, Axis y);
 
+/// Against what a line over time is flat when it keeps within a hundredth of it.
+enum class Flat : std::uint8_t {
+    ofSwing, ///< from its first value to its last
+    ofRange  ///< from its lowest value to its highest: of what comes back
+};
+/// The time in seconds from which on all lines of a picture are flat and nothing is marked.
+[[nodiscard]] double settledTime(const Plot& plot, Flat flat);
+/// Has the picture end soon behind that time where most of it lies there, and says what is not shown.
+void endBehind(Plot& plot, double settled);
+
+/// What an I-V table is called in its picture, and how its voltage counts.
+struct TableTitle {
+    TableKind kind;
+    std::string_view title;
+    std::string_view note;
+};
+inline constexpr std::array<TableTitle, kTableKinds> kTableTitles{{
+    {TableKind::pulldown, "Pulldown", "from the pulldown's rail up"},
+    {TableKind::pullup, "Pullup", "from the pullup's rail down"},
+    {TableKind::gndClamp, "GND Clamp", "from the clamp's rail up"},
+    {TableKind::powerClamp, "POWER Clamp", "from the clamp's rail down"},
+}};
+/// The title of a table under "[Series MOSFET]", with its Vds.
+[[nodiscard]] std::string mosfetTitle(std::string_view label, const SMos& mosfet);
+
 /// The line of a rail at a voltage of the picture, with a word and the pin's voltage there.
 [[nodiscard]] Rule railAt(double at, std::string_view word, double voltage);
 /// Where the typical rails are in a table's own voltage.
@@ -58,9 +85,9 @@ private:
 [[nodiscard]] std::string waveformTitle(std::string_view word, const Wvfrm& waveform);
 [[nodiscard]] std::string fixtureNote(const Wvfrm& waveform);
 
-/// Writes what the lines of the corners that are drawn look like.
-void writeLegend(Html& html, const PerCorner<bool>& drawn);
+/// Writes the key of pictures in which these were drawn.
+void writeLegend(Html& html, Signs signs);
 /// The same of pictures with lines of one or both of two files that are compared.
-void writeComparedLegend(Html& html, bool has_new, bool has_old);
+void writeComparedLegend(Html& html, bool has_new, bool has_old, bool has_rails);
 
 } // namespace kestrel

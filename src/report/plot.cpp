@@ -1,11 +1,14 @@
 #include "report/plot.hpp"
 
+#include "base/powers.hpp"
 #include "quality/physics.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
+#include <string>
+#include <utility>
 
 namespace kestrel {
 
@@ -16,17 +19,42 @@ constexpr double kLeft = 50;
 constexpr double kTop = 20;
 constexpr double kWidth = 420;
 constexpr double kHeight = 240;
-constexpr double kRight = kLeft + kWidth;
+constexpr double kWidthBesideLabels = 330;
 constexpr double kBottom = kTop + kHeight;
 constexpr double kLineOfText = 11.5;
+
+/// The values of a label that several corners share: one, or from where to where.
+std::string extentText(double low, double high, std::string_view unit, int digits) {
+    const UnitPrefix prefix = prefixOf(std::max(std::abs(low), std::abs(high)), NumberStyle::printed, digits);
+    const double factor = kExactPowers[static_cast<std::size_t>(std::abs(prefix.power))];
+    const auto number = [&](double value) {
+        return quantityText(prefix.power < 0 ? value * factor : value / factor, "", digits);
+    };
+    std::string text = number(low);
+    const std::string most = number(high);
+    if (most != text) text.append("\u2026").append(most);
+    return text.append("\u00a0").append(prefix.letter).append(unit);
+}
+
+/// The same, in as few letters as there is room for beside the frame.
+std::string shortExtentText(double low, double high, std::string_view unit) {
+    constexpr std::ptrdiff_t kMost = 12;
+    const auto begins_letter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+    std::string text = extentText(low, high, unit, 3);
+    return std::ranges::count_if(text, begins_letter) <= kMost ? text : extentText(low, high, unit, 2);
+}
 
 /// A picture being drawn.
 class Drawing {
 public:
-    Drawing(Html& html, const Plot& plot, const Frame& frame) : html_(html), plot_(plot), frame_(frame) {}
+    Drawing(Html& html, const Plot& plot, const Frame& frame) : html_(html), plot_(plot), frame_(frame) {
+        for (const Rule& rule : plot.rules)
+            if (!rule.upright && isInFrame(rule)) beside_.push_back(&rule);
+        if (!beside_.empty()) width_ = kWidthBesideLabels;
+    }
 
-    void draw() {
-        html_.begin("svg", {{"class", Literal("plot")},
+    Signs draw() {
+        html_.begin("svg", {{"class", beside_.empty() ? Literal("plot") : Literal("plot w")},
                             {"viewBox", Literal("0 0 480 300")},
                             {"role", Literal("img")},
                             {TextAttribute("data-x"), Text(spanData(frame_.x, plot_.x))},
@@ -37,9 +65,11 @@ public:
         rules();
         lines();
         html_ << "</g>";
-        labels();
+        labelUprightRules();
+        labelsBeside();
         marks();
         html_ << "</svg>";
+        return signs_;
     }
 
 private:
@@ -51,7 +81,7 @@ private:
         return text.append(" ").append(axis.unit);
     }
 
-    [[nodiscard]] double acrossOf(double value) const { return kLeft + frame_.acrossOf(value) * kWidth / kFrameWidth; }
+    [[nodiscard]] double acrossOf(double value) const { return kLeft + frame_.acrossOf(value) * width_ / kFrameWidth; }
     [[nodiscard]] double downOf(double value) const { return kTop + frame_.downOf(value) * kHeight / kFrameHeight; }
 
     void describe() {
@@ -72,7 +102,7 @@ private:
         for (const Tick& tick : across.ticks)
             place_.add("M").tenths(acrossOf(tick.value)).add(" 20v240");
         for (const Tick& tick : down.ticks)
-            place_.add("M50 ").tenths(downOf(tick.value)).add("h420");
+            place_.add("M50 ").tenths(downOf(tick.value)).add(beside_.empty() ? Literal("h420") : Literal("h330"));
         html_.path("g", place_);
         html_ << "<g class=\"tx\">";
         for (const Tick& tick : across.ticks)
@@ -108,6 +138,7 @@ private:
                 place_.clear();
             }
             before = &rule;
+            signs_ = signs_.with({signOf(rule)});
             if (rule.upright) {
                 place_.add("M").step(rounded(frame_.acrossOf(rule.at))).add(" 0v4000");
             } else {
@@ -125,16 +156,31 @@ private:
             } else {
                 appendPath(place_, line.points, frame_);
             }
-            if (!place_.empty()) html_.path(classOf(line), place_);
+            if (place_.empty()) continue;
+            html_.path(classOf(line), place_);
+            signs_ = signs_.with({line.thin ? Sign::ramp : signOf(line.corner)});
         }
         for (const Dots& dots : plot_.dots) {
             place_.clear();
             for (const Point& point : dots.points)
                 if (frame_.x.has(point.x) && frame_.y.has(point.y)) appendPath(place_, {&point, 1}, frame_);
-            if (!place_.empty()) html_.path(dotClassOf(dots.corner), place_);
+            if (place_.empty()) continue;
+            html_.path(dotClassOf(dots.corner), place_);
+            signs_ = signs_.with({Sign::dots});
         }
     }
 
+    static Sign signOf(const Rule& rule) {
+        switch (rule.kind) {
+        case Rule::Kind::rail: return Sign::rail;
+        case Rule::Kind::threshold: return Sign::threshold;
+        case Rule::Kind::level: break;
+        }
+        return Sign::level;
+    }
+    static Sign signOf(Corner corner) {
+        return corner == Corner::typ ? Sign::typ : corner == Corner::min ? Sign::min : Sign::max;
+    }
     static MarkupName classOf(const Rule& rule) {
         switch (rule.kind) {
         case Rule::Kind::rail: return "r";
@@ -157,15 +203,9 @@ private:
         return corner == Corner::typ ? MarkupName("o-t") : corner == Corner::min ? MarkupName("o-n") : "o-x";
     }
 
-    void labels() {
-        labelUprightRules();
-        labelLevels(Rule::Kind::threshold, "lh lt");
-        labelLevels(Rule::Kind::level, "lh");
-    }
-
     /// Above the frame. Those that would lie over another are left out; the lines are there.
     void labelUprightRules() {
-        std::vector<double> taken{20}; // where the label of the axis is
+        std::vector<double> taken{20.0}; // where the label of the axis is
         for (const Rule& rule : plot_.rules) {
             if (!rule.upright || rule.label.empty() || !isInFrame(rule)) continue;
             const double room = 3.3 * static_cast<double>(rule.label.size());
@@ -181,82 +221,104 @@ private:
         }
     }
 
-    /// A label of a rule that is not upright, and where its line of text is.
+    /// A label beside the frame, of one rule or of those of several corners.
     struct Label {
         double down;
-        double at; ///< in the unit of the axis
+        std::span<const Rule* const> rules;
         std::string text;
     };
 
-    /// In the frame above their lines, moved apart where they are closer than a line of text.
-    void labelLevels(Rule::Kind kind, Literal class_name) {
-        std::vector<Label> labels = labelsOf(kind);
-        if (labels.empty()) return;
+    /// Beside the frame, where no curve runs: each at its rules, or near them and joined to them by a line where it
+    /// would lie over another label.
+    void labelsBeside() {
+        if (beside_.empty()) return;
+        std::vector<Label> labels = labelsOf();
         std::ranges::stable_sort(labels, {}, &Label::down);
-        double least = kTop + 10;
-        for (Label& label : labels) {
-            label.down = std::max(label.down, least);
-            least = label.down + kLineOfText;
+        moveApart(labels);
+        place_.clear();
+        for (const Label& label : labels) {
+            for (const Rule* const rule : label.rules)
+                place_.add("M380 ").tenths(downOf(rule->at)).add("L385 ").tenths(label.down);
         }
-        double most = kBottom - 3;
-        for (auto label = labels.rbegin(); label != labels.rend(); ++label) {
-            label->down = std::min(label->down, most);
-            most = label->down - kLineOfText;
-        }
+        html_.path("k", place_);
         for (const Label& label : labels) {
             place_.clear();
             data_.clear();
-            html_.begin("text", {{"class", class_name},
+            html_.begin("text", {{"class", Literal("lh")},
                                  {TextAttribute("y"), place_.tenths(label.down)},
-                                 {TextAttribute("data-y"), data_.general(label.at)}});
+                                 {TextAttribute("data-y"), data_.general(middleOf(label.rules))}});
             html_ << Text(label.text) << "</text>";
         }
     }
 
-    /// The rules of a name, one for each corner, have a label each; when two of them are closer than a line of text,
-    /// one label has the values of all.
-    [[nodiscard]] std::vector<Label> labelsOf(Rule::Kind kind) const {
-        std::vector<const Rule*> rules;
-        for (const Rule& rule : plot_.rules)
-            if (rule.kind == kind && !rule.upright && isInFrame(rule)) rules.push_back(&rule);
-        std::ranges::stable_sort(rules, {}, [](const Rule* rule) -> const std::string& { return rule->label; });
+    [[nodiscard]] static double middleOf(std::span<const Rule* const> rules) {
+        const auto [least, most] = std::ranges::minmax(rules, {}, &Rule::at);
+        return least == most ? least->at : (least->at + most->at) / 2.0;
+    }
+
+    /// The rules of a name, one for each corner, share a label where all of them lie within a line of text.
+    [[nodiscard]] std::vector<Label> labelsOf() {
+        std::ranges::stable_sort(beside_, {}, [](const Rule* rule) -> const std::string& { return rule->label; });
         std::vector<Label> labels;
-        for (auto begin = rules.begin(); begin != rules.end();) {
-            const auto end =
-                std::find_if(begin, rules.end(), [&](const Rule* rule) { return rule->label != (*begin)->label; });
-            addLabels(labels, {begin, end});
-            begin = end;
+        for (std::span<const Rule* const> rest = beside_; !rest.empty();) {
+            const auto is_other = [&](const Rule* rule) { return rule->label != rest.front()->label; };
+            const auto count = static_cast<std::size_t>(std::ranges::find_if(rest, is_other) - rest.begin());
+            addLabels(labels, rest.first(count));
+            rest = rest.subspan(count);
         }
         return labels;
     }
 
     void addLabels(std::vector<Label>& labels, std::span<const Rule* const> rules) const {
-        bool is_close = false;
-        bool is_same = true;
-        for (const Rule* const rule : rules) {
-            is_same = is_same && rule->value == rules.front()->value;
-            for (const Rule* const other : rules)
-                is_close = is_close || (rule != other && std::abs(downOf(rule->at) - downOf(other->at)) < kLineOfText);
+        const auto [least, most] = std::ranges::minmax(rules, {}, &Rule::at);
+        if (rules.size() > 1 && downOf(least->at) - downOf(most->at) <= kLineOfText) {
+            std::string text = rules.front()->label;
+            text.append(" ").append(shortExtentText(least->at, most->at, plot_.y.unit));
+            labels.push_back({downOf(middleOf(rules)), rules, std::move(text)});
+            return;
         }
-        for (const Rule* const rule : rules) {
-            const bool goes_on = is_close && rule != rules.front();
-            if (goes_on && is_same) return;
-            if (!goes_on) labels.push_back({downOf(rule->at) - 3, rule->at, rule->label});
-            std::string& text = labels.back().text;
-            if (goes_on) text.push_back(',');
-            if (rule->corner != Corner::typ) text.append(" ").append(cornerWord(rule->corner));
-            text.append(" ").append(rule->value);
+        for (std::size_t i = 0; i < rules.size(); ++i) {
+            const Rule& rule = *rules[i];
+            std::string text = rule.label;
+            if (rule.corner != Corner::typ) text.append(" ").append(cornerWord(rule.corner));
+            labels.push_back({downOf(rule.at), rules.subspan(i, 1), text.append(" ").append(rule.value)});
+        }
+    }
+
+    /// Moves labels, which are in order, to a line of text from each other, those of a crowd by equal parts up and
+    /// down.
+    static void moveApart(std::vector<Label>& labels) {
+        struct Crowd {
+            double sum; ///< of where its labels would be if they took no room
+            std::size_t size;
+            [[nodiscard]] double place() const { return sum / static_cast<double>(size); }
+        };
+        std::vector<Crowd> crowds;
+        for (std::size_t i = 0; i < labels.size(); ++i) {
+            Crowd crowd{labels[i].down - kLineOfText * static_cast<double>(i), 1};
+            for (; !crowds.empty() && crowds.back().place() > crowd.place(); crowds.pop_back())
+                crowd = {crowd.sum + crowds.back().sum, crowd.size + crowds.back().size};
+            crowds.push_back(crowd);
+        }
+        constexpr double kHalfLine = kLineOfText / 2;
+        const double lowest = kBottom + kHalfLine - kLineOfText * static_cast<double>(labels.size());
+        std::size_t next = 0;
+        for (const Crowd& crowd : crowds) {
+            const double place = std::max(std::min(crowd.place(), lowest), kTop + kHalfLine);
+            for (std::size_t i = 0; i < crowd.size; ++i, ++next)
+                labels[next].down = place + kLineOfText * static_cast<double>(next);
         }
     }
 
     void marks() {
         constexpr double kRadius = 8;
+        if (!plot_.marks.empty()) signs_ = signs_.with({Sign::mark});
         std::vector<Point> taken;
         for (const PlotMark& mark : plot_.marks) {
-            Point at{std::clamp(acrossOf(mark.at.x), kLeft + kRadius, kRight - kRadius),
+            Point at{std::clamp(acrossOf(mark.at.x), kLeft + kRadius, kLeft + width_ - kRadius),
                      std::clamp(downOf(mark.at.y), kTop + kRadius, kBottom - kRadius)};
             // Marks of one place lie side by side.
-            const double aside = at.x < (kLeft + kRight) / 2 ? 2 * kRadius : -2 * kRadius;
+            const double aside = at.x < kLeft + width_ / 2 ? 2 * kRadius : -2 * kRadius;
             while (std::ranges::any_of(taken, [&at](const Point& other) {
                 return std::abs(other.x - at.x) < kRadius && std::abs(other.y - at.y) < kRadius;
             }))
@@ -275,6 +337,9 @@ private:
     Html& html_;
     const Plot& plot_;
     const Frame& frame_;
+    std::vector<const Rule*> beside_; ///< rules of the frame that have their label beside it
+    double width_ = kWidth;
+    Signs signs_{};
     std::string text_;
     Coordinates place_;
     Coordinates data_;
@@ -301,7 +366,7 @@ Frame frameOf(const Plot& plot) {
 
 } // namespace
 
-void writePlot(Html& html, const Plot& plot) {
+Signs writePlot(Html& html, const Plot& plot) {
     Frame frame = frameOf(plot);
     const bool is_empty = !frame.x.given;
     html << "<figure><figcaption>" << Text(plot.title);
@@ -309,16 +374,17 @@ void writePlot(Html& html, const Plot& plot) {
     html << "</figcaption>";
     if (is_empty) {
         html << "<p class=\"none\">It has no point that can be drawn.</p></figure>\n";
-        return;
+        return {};
     }
     for (const Rule& rule : plot.rules)
         if (!rule.upright && rule.kind != Rule::Kind::rail) frame.y.include(rule.at);
     if (plot.shown_x.given) frame.x = plot.shown_x;
     if (plot.shown_y.given) frame.y = plot.shown_y;
     frame.x = frame.x.widened(0.0);
-    frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : 0.04);
-    Drawing(html, plot, frame).draw();
+    frame.y = frame.y.widened(plot.shown_y.given ? 0.0 : kRoomBesideLines);
+    const Signs signs = Drawing(html, plot, frame).draw();
     html << "</figure>\n";
+    return signs;
 }
 
 } // namespace kestrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/enum_set.hpp"
 #include "reader/corner.hpp"
 #include "report/curve_path.hpp"
 #include "report/html.hpp"
@@ -52,6 +53,9 @@ struct PlotMark {
     std::string text;
 };
 
+/// The room above and below the lines of a picture, as a part of its height.
+inline constexpr double kRoomBesideLines = 0.04;
+
 /// A picture before it is drawn.
 struct Plot {
     std::string title;      ///< such as "Pulldown"
@@ -67,8 +71,12 @@ struct Plot {
     Span shown_y; ///< when given, y goes as far as this says, whatever the lines hold
 };
 
-/// Draws it as a figure; one without a point is only said to be empty.
-void writePlot(Html& html, const Plot& plot);
+/// What a picture has that a key explains.
+enum class Sign : std::uint8_t { typ, min, max, rail, dots, ramp, level, threshold, mark };
+using Signs = EnumSet<Sign>;
+
+/// Draws it as a figure; one without a point is only said to be empty. Returns what was drawn.
+Signs writePlot(Html& html, const Plot& plot);
 
 /// The class by which lines of a corner are styled.
 [[nodiscard]] constexpr MarkupName classOf(Corner corner) {

@@ -174,6 +174,8 @@
   // ---- pictures
 
   const BOX = { left: 50, top: 20, width: 420, height: 240 };
+  const BOX_BESIDE_LABELS = { ...BOX, width: 330 };
+  const LINE_OF_TEXT = 11.5;
   const FRAME = { width: 6000, height: 4000 };
   const CORNERS = [["t", "typ"], ["n", "min"], ["x", "max"], ["w-t", "old typ"], ["w-n", "old min"], ["w-x", "old max"]];
   const states = new WeakMap();
@@ -213,7 +215,8 @@
       ({ name, word, pieces: readPath(path.getAttribute("d")) }))).filter((line) => line.pieces.length > 0);
     const placed = all(plot, ".lr, .lh, .mark > g").map((element) => // as the program placed them
       ({ element, kept: ["x", "y", "transform"].map((name) => [name, element.getAttribute(name)]) }));
-    state = { plot, x, y, view: { x: { ...x }, y: { ...y } }, lines, placed, at: null };
+    const box = plot.classList.contains("w") ? BOX_BESIDE_LABELS : BOX;
+    state = { plot, box, x, y, view: { x: { ...x }, y: { ...y } }, lines, placed, at: null };
     states.set(plot, state);
     const curves = plot.querySelector(".d"); // inside of an element that can be cut off at the frame
     const frame = draw("g", { class: "c" });
@@ -228,9 +231,9 @@
   };
 
   const across = (state, value) =>
-    BOX.left + (value - state.view.x.low) / (state.view.x.high - state.view.x.low) * BOX.width;
+    state.box.left + (value - state.view.x.low) / (state.view.x.high - state.view.x.low) * state.box.width;
   const down = (state, value) =>
-    BOX.top + (state.view.y.high - value) / (state.view.y.high - state.view.y.low) * BOX.height;
+    state.box.top + (state.view.y.high - value) / (state.view.y.high - state.view.y.low) * state.box.height;
 
   const ticksOf = (span, most) => {
     const least = (span.high - span.low) / most;
@@ -246,7 +249,7 @@
   };
 
   const show = (state) => {
-    const { plot, view, x, y } = state;
+    const { plot, box, view, x, y } = state;
     const horizontal = ticksOf(view.x, 8);
     const vertical = ticksOf(view.y, 8);
     plot.querySelector(".tx").replaceChildren(
@@ -255,18 +258,18 @@
       ...vertical.ticks.map(([value, text]) => draw("text", { y: down(state, value) }, text)));
     plot.querySelector(".g").setAttribute("d",
       horizontal.ticks.map(([value]) => "M" + across(state, value) + " 20v240").join("") +
-      vertical.ticks.map(([value]) => "M50 " + down(state, value) + "h420").join(""));
+      vertical.ticks.map(([value]) => "M50 " + down(state, value) + "h" + box.width).join(""));
     for (const [name, letter, unit] of [[".lx", horizontal.letter, x.unit], [".ly", vertical.letter, y.unit]]) {
       const label = plot.querySelector(name);
       label.textContent = label.textContent.replace(/\(.*\)/, "(" + letter + unit + ")");
     }
     const wide = FRAME.width / (x.high - x.low);
     const high = FRAME.height / (y.high - y.low);
-    const scaleX = BOX.width / ((view.x.high - view.x.low) * wide);
-    const scaleY = BOX.height / ((view.y.high - view.y.low) * high);
+    const scaleX = box.width / ((view.x.high - view.x.low) * wide);
+    const scaleY = box.height / ((view.y.high - view.y.low) * high);
     plot.querySelector(".d").style.transform =
-      "translate(" + (BOX.left - (view.x.low - x.low) * wide * scaleX) + "px, " +
-      (BOX.top - (y.high - view.y.high) * high * scaleY) + "px) scale(" + scaleX + ", " + scaleY + ")";
+      "translate(" + (box.left - (view.x.low - x.low) * wide * scaleX) + "px, " +
+      (box.top - (y.high - view.y.high) * high * scaleY) + "px) scale(" + scaleX + ", " + scaleY + ")";
     const place = (element, name, at, low, size) => {
       element.setAttribute(name, at);
       element.style.display = at < low - 1 || at > low + size + 1 ? "none" : "";
@@ -282,16 +285,23 @@
     }
     for (const label of all(plot, ".lr")) {
       const at = across(state, Number(label.dataset.x));
-      place(label, "x", at, BOX.left, BOX.width);
+      place(label, "x", at, box.left, box.width);
       label.setAttribute("x", Math.min(at, 479 - 3.3 * label.textContent.length));
     }
-    all(plot, ".lh").forEach((label) => place(label, "y", down(state, Number(label.dataset.y)) - 3, BOX.top, BOX.height));
+    let least = box.top;
+    for (const label of all(plot, ".lh").sort((a, b) => Number(b.dataset.y) - Number(a.dataset.y))) {
+      const at = down(state, Number(label.dataset.y));
+      place(label, "y", at, box.top, box.height);
+      if (label.style.display === "none") continue;
+      label.setAttribute("y", Math.max(at, least));
+      least = Math.max(at, least) + LINE_OF_TEXT;
+    }
     for (const mark of all(plot, ".mark > g")) {
       const [markX, markY] = mark.dataset.at.split(" ").map(Number);
       const left = across(state, markX);
-      mark.setAttribute("transform", "translate(" + clampTo(left, BOX.left + 8, BOX.width - 16) + " " +
-        clampTo(down(state, markY), BOX.top + 8, BOX.height - 16) + ")");
-      mark.style.display = left < BOX.left - 1 || left > BOX.left + BOX.width + 1 ? "none" : "";
+      mark.setAttribute("transform", "translate(" + clampTo(left, box.left + 8, box.width - 16) + " " +
+        clampTo(down(state, markY), box.top + 8, box.height - 16) + ")");
+      mark.style.display = left < box.left - 1 || left > box.left + box.width + 1 ? "none" : "";
     }
   };
 
@@ -322,11 +332,11 @@
   const spoken = make("output", { class: "unseen" });
 
   const showCursor = (state, value, speak) => {
-    const { plot } = state;
+    const { plot, box } = state;
     plot.querySelector(".cursor")?.remove();
     state.at = value;
     const left = across(state, value);
-    if (left < BOX.left || left > BOX.left + BOX.width) return;
+    if (left < box.left || left > box.left + box.width) return;
     const rows = [quantity(value, state.x.unit)];
     const dots = [];
     for (const line of state.lines) {
@@ -334,15 +344,15 @@
       if (found === null) continue;
       rows.push(line.word + " " + quantity(found, state.y.unit));
       const top = down(state, found);
-      if (top >= BOX.top && top <= BOX.top + BOX.height) dots.push(draw("circle", { cx: left, cy: top, r: 3, class: line.name, fill: "none" }));
+      if (top >= box.top && top <= box.top + box.height) dots.push(draw("circle", { cx: left, cy: top, r: 3, class: line.name, fill: "none" }));
     }
     const width = 12 + 6.4 * Math.max(...rows.map((row) => row.length));
     const height = 8 + 14 * rows.length;
-    const boxLeft = left + 8 + width > BOX.left + BOX.width ? left - 8 - width : left + 8;
+    const boxLeft = left + 8 + width > box.left + box.width ? left - 8 - width : left + 8;
     plot.append(draw("g", { class: "cursor", "pointer-events": "none" },
-      draw("line", { x1: left, x2: left, y1: BOX.top, y2: BOX.top + BOX.height }), ...dots,
-      draw("rect", { x: boxLeft, y: BOX.top + 6, width, height, rx: 3 }),
-      ...rows.map((row, number) => draw("text", { x: boxLeft + 6, y: BOX.top + 20 + 14 * number }, row))));
+      draw("line", { x1: left, x2: left, y1: box.top, y2: box.top + box.height }), ...dots,
+      draw("rect", { x: boxLeft, y: box.top + 6, width, height, rx: 3 }),
+      ...rows.map((row, number) => draw("text", { x: boxLeft + 6, y: box.top + 20 + 14 * number }, row))));
     if (speak) spoken.textContent = rows.join(", ");
   };
 
@@ -351,8 +361,8 @@
     const matrix = plot.getScreenCTM().inverse();
     return new DOMPoint(event.clientX, event.clientY).matrixTransform(matrix);
   };
-  const xOf = (state, left) => state.view.x.low + (left - BOX.left) / BOX.width * (state.view.x.high - state.view.x.low);
-  const yOf = (state, top) => state.view.y.high - (top - BOX.top) / BOX.height * (state.view.y.high - state.view.y.low);
+  const xOf = (state, left) => state.view.x.low + (left - state.box.left) / state.box.width * (state.view.x.high - state.view.x.low);
+  const yOf = (state, top) => state.view.y.high - (top - state.box.top) / state.box.height * (state.view.y.high - state.view.y.low);
   const clampTo = (value, low, size) => Math.min(Math.max(value, low), low + size);
 
   const zoomTo = (state, x0, x1, y0, y1) => {
@@ -382,10 +392,11 @@
     plot.focus({ preventScroll: true });
   });
   const bandOf = (event) => {
-    const to = placeOf(drag.state.plot, event);
-    const [left, right] = [drag.from.x, to.x].map((x) => clampTo(x, BOX.left, BOX.width)).sort((a, b) => a - b);
-    let [top, bottom] = [drag.from.y, to.y].map((y) => clampTo(y, BOX.top, BOX.height)).sort((a, b) => a - b);
-    if (bottom - top < 10) [top, bottom] = [BOX.top, BOX.top + BOX.height]; // a pull along one axis zooms that one
+    const { box, plot } = drag.state;
+    const to = placeOf(plot, event);
+    const [left, right] = [drag.from.x, to.x].map((x) => clampTo(x, box.left, box.width)).sort((a, b) => a - b);
+    let [top, bottom] = [drag.from.y, to.y].map((y) => clampTo(y, box.top, box.height)).sort((a, b) => a - b);
+    if (bottom - top < 10) [top, bottom] = [box.top, box.top + box.height]; // a pull along one axis zooms that one
     return { left, right, top, bottom };
   };
   document.addEventListener("pointermove", (event) => {
@@ -398,7 +409,7 @@
     hovered = plot ? stateOf(plot) : null;
     if (!hovered) return;
     const place = placeOf(plot, event);
-    if (place.x < BOX.left || place.x > BOX.left + BOX.width) return hideCursor(hovered);
+    if (place.x < hovered.box.left || place.x > hovered.box.left + hovered.box.width) return hideCursor(hovered);
     showCursor(hovered, xOf(hovered, place.x), false);
   });
   document.addEventListener("pointerup", (event) => {
@@ -504,8 +515,8 @@
   }), { rootMargin: "1500px 0px" });
   all(document, "noscript.later").forEach((later) => near.observe(later.closest(".model")));
   document.body.append(spoken, draw("svg", { width: 0, height: 0, style: "position:absolute", "aria-hidden": "true" },
-    draw("clipPath", { id: "frame" },
-      draw("rect", { x: BOX.left - 1, y: BOX.top - 1, width: BOX.width + 2, height: BOX.height + 2 }))));
+    ...[["frame", BOX], ["frame-w", BOX_BESIDE_LABELS]].map(([id, box]) => draw("clipPath", { id },
+      draw("rect", { x: box.left - 1, y: box.top - 1, width: box.width + 2, height: box.height + 2 })))));
   window.addEventListener("hashchange", reach);
   reach();
 

@@ -22,7 +22,7 @@ struct ShownFinding {
     std::string text;
     std::optional<Anchor> place; ///< of what it is about
     Anchor anchor;               ///< of itself
-    std::optional<double> at{};  ///< the voltage or time of its table, where its text has none
+    TablePlaces at{};            ///< the voltages or times of its table, where its text has none
 
     /// The text as pages have it. Only the numbers of advice are not those of a file.
     [[nodiscard]] std::string shownText() const { return level == Level::advice ? withMinusSigns(text) : text; }

@@ -200,7 +200,9 @@ class Report(unittest.TestCase):
         self.assertEqual(browser.texts("p.names"), ["Unchanged: b"])
         self.assertIn("Model come", browser.texts(".long td:first-child"))
         self.assertEqual(browser.texts(".model figcaption"),
-                         ["Pulldown typ: up to 50 % more current (at 6.6 V: 198 mA, was 132 mA)"])
+                         ["Pulldown from the pulldown's rail up; typ: up to 50 % more current (at 6.6 V: 198 mA, was 132 mA)"])
+        self.assertEqual(browser.texts("h2"), ["changes1.ibs compared with changes0.ibs"])
+        self.assertEqual(browser.texts(".legend b"), ["typ", "min", "max", "typ", "min", "max", "typical rail"])
         ends = browser.run("""
             const end = name => document.querySelector('.d > path.' + name).getPointAtLength(1e6).y;
             return Object.fromEntries(['t', 'n', 'x', 'w-t', 'w-n', 'w-x'].map(name => [name, end(name)]))""")
@@ -227,8 +229,19 @@ class Report(unittest.TestCase):
             self.assertEqual(browser.texts(".model h4"), ["b"])
             self.assertEqual(browser.texts(".model h4 + .sub"), [word])
             section = browser.run("return document.querySelector('.model').id")
-            self.assertEqual(browser.texts(".model figcaption"), ["Pulldown", "Pullup", "Rising, 50\u00a0\u03a9 to 0\u00a0V"])
+            self.assertEqual(browser.texts(".model figcaption"), [
+                "Pulldown from the pulldown's rail up", "Pullup from the pullup's rail down", "Rising, 50\u00a0\u03a9 to 0\u00a0V"])
+            self.assertEqual(browser.run("return Array.from(document.querySelectorAll('p.names a'), a => a.getAttribute('href'))"),
+                             ["#" + section])
             self.assertEqual(browser.run(curves % section), [lines, lines, lines[2:]])
+
+    def test_files_of_one_name_are_compared(self):
+        files = [self.path / folder / "lib" / "same.ibs" for folder in ("old", "new")]
+        for file, names in zip(files, (["a"], ["a", "b"])):
+            file.parent.mkdir(parents=True)
+            file.write_text(library(names))
+        browser = self.opened(self.page("same", *files, options=["--compare"]))
+        self.assertEqual(browser.texts("h2"), ["new/lib/same.ibs compared with old/lib/same.ibs"])
 
     def test_a_comparison_of_hostile_files(self):
         old = hostile()
@@ -314,6 +327,28 @@ class Report(unittest.TestCase):
         self.assertEqual(browser.count(".cursor"), 1)
         ActionChains(browser.driver).move_to_element(browser.driver.find_element(By.TAG_NAME, "footer")).perform()
         self.assertEqual(browser.count(".cursor"), 0)
+
+    def test_labels_lie_beside_the_curves(self):
+        browser = self.opened(self.page("labels", SOURCE / "examples" / "board.ibs"))
+        counts = browser.run("""
+            return Array.from(document.querySelectorAll('svg.plot.w'), (plot) => {
+                const right = plot.querySelector('.g').getBoundingClientRect().right;
+                const picture = plot.getBoundingClientRect();
+                const boxes = Array.from(plot.querySelectorAll('.lh'), (label) => label.getBoundingClientRect());
+                const over = (a, b) => a !== b && Math.abs(a.top + a.bottom - b.top - b.bottom) < a.height * 1.5;
+                return boxes.filter((box) => box.left < right || box.right > picture.right + 1 || box.top < picture.top ||
+                                    boxes.some((other) => over(box, other))).length;
+            })""")
+        self.assertGreater(len(counts), 0)
+        self.assertEqual(set(counts), {0})
+        # Also where a part is shown: labels of lines that are out of sight are, too.
+        plot = browser.driver.find_element(By.CSS_SELECTOR, "svg.plot.w")
+        browser.run("arguments[0].scrollIntoView({block: 'center'}); arguments[0].focus()", plot)
+        plot.send_keys("+")
+        shown = "return Array.from(arguments[0].querySelectorAll('.lh')).filter(l => l.style.display !== 'none').length"
+        self.assertLess(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
+        plot.send_keys("0")
+        self.assertEqual(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
 
     def test_dragging_zooms(self):
         browser = self.opened(self.page("zoom", library(["m"])))

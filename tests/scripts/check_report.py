@@ -7,6 +7,7 @@ KESTREL_UPDATE_CASES=1 rewrites the expected outlines.
 
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -32,12 +33,20 @@ def lines_of(page):
     return list(outline(read_tree(page)))
 
 
+def keys_of(page):
+    """The keys of the pictures of a page."""
+    return [cleaned(legend.text()) for legend in read_tree(page).all("p", "legend")]
+
+
 def compare_outlines(page):
     files = sorted(CASES.glob("*.outline"))
     expect(files, "there are no outlines")
     for expected in files:
         name = next(file for file in CASES.glob(expected.stem + ".*") if file != expected)
         run("--quiet", f"--report={page}", name.name, folder=CASES)
+        if name.name == "straight.ibs":
+            key = ["typ min max typical rail 20 % and 80 % ramp DC level of the tables threshold"]
+            expect(keys_of(page) == key, f"the key of all that is drawn: {keys_of(page)}")
         found = "\n".join(lines_of(page)) + "\n"
         if UPDATE:
             expected.write_text(found, encoding="utf-8")
@@ -147,8 +156,114 @@ V_fixture = 3.3
     # ends at 1 ns, from where it goes back.
     expect(found.get("Rising, 50 \u03a9 to 3.3 V") == ["0 1", "2.85e-09 3.105", "1e-09 3", "1e-09 3"],
            f"a waveform that begins elsewhere, is not settled, is coarse and goes back: {found}")
+    # From 0 V to 4 V, where a line of 50 ohm needs 80 mA; reflections reach -4 V to 8 V. A capacitance of 0 is none.
+    short = driver("[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\nC_fixture = 0\n"
+                   "0n 0 0 0\n1n 2 2 2\n").replace("-4 -80.0mA -80.0mA -80.0mA\n", "", 1).replace("8 160.0mA", "4 40mA", 1)
+    pictures = pictures_of(folder, short, "--advice")
+    ends = [line.split(" at ")[1].split(":")[0] for line in pictures["Pulldown from the pulldown's rail up"]
+            if "goes from 0 V to 4 V" in line]
+    expect(ends == ["0 0", "4 0.04"], f"a table that is short at both ends: {ends}")
+    expect("Rising, 50 \u03a9 to 0 V" in pictures, f"a fixture without a capacitance: {list(pictures)}")
     for other in ("Rising, 50 \u03a9 to 0 V", "GND Clamp from the clamp's rail up", "POWER Clamp from the clamp's rail down"):
         expect(other not in found, f"marks of others: {found}")
+
+
+def driver(rest, pulldown=(80, 80, 80), pullup=(80, 80, 80), kind="Output"):
+    """A file with a driver of 4 V whose tables are straight lines, by their currents at 4 V in mA."""
+    def table(keyword, sign, currents):
+        rows = (" ".join([str(volts), *(f"{sign * volts / 4 * current}mA" for current in currents)]) for volts in (-4, 0, 8))
+        return "\n".join([keyword, *rows, ""]) if currents else ""
+
+    return (f"[IBIS Ver] 4.2\n[File Name] driver.ibs\n[File Rev] 1\n[Model] m\nModel_type {kind}\nVmeas = 2.5\n"
+            f"C_comp 2pF 1pF 3pF\n[Voltage Range] 4 4 4\n{table('[Pulldown]', 1, pulldown)}{table('[Pullup]', -1, pullup)}"
+            f"{rest}[End]\n")
+
+
+def pictures_of(folder, text, *options):
+    """The lines of each picture of a file, by its caption."""
+    (folder / "driver.ibs").write_text(text)
+    page = folder / "driver.html"
+    run("--quiet", *options, f"--report={page}", "driver.ibs", folder=folder)
+    pictures = {}
+    for line in lines_of(page):
+        if line.startswith("picture: "):
+            lines = pictures.setdefault(line.split(": ", 1)[1], [])
+        elif line.startswith("  ") and pictures:
+            lines.append(line.strip())
+    return pictures
+
+
+def labels(folder):
+    """A label stands for several corners only where their levels lie together."""
+    ends = "0n {0} {0} {0}\n1n {1} {1} {1}\n"
+    waveforms = "".join(f"[Rising Waveform]\nR_fixture = 50\nV_fixture = {to}\n" + ends.format(*levels)
+                        for to, levels in ((4, (2, 4)), (0, (0, 2))))
+    found = {title: [line for line in lines if line.startswith("label: ")] for title, lines in pictures_of(
+        folder, driver("[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n" + waveforms, (80, 26.6667, 240), (80, 78, 82))).items()}
+    # Pulldowns of 50, 150 and 16.7 ohm against 50 ohm to 4 V: levels of 2, 3 and 1 V, a quarter of the picture apart.
+    expect(found.get("Rising, 50 \u03a9 to 4 V") == [
+        "label: high 4 V", "label: low min 3 V", "label: Vmeas 2.5 V", "label: low 2 V", "label: low max 1 V"],
+        f"levels far apart: {found}")
+    # Pullups of 50, 51.3 and 48.8 ohm against 50 ohm to 0 V: 2 V, 1.975 V and 2.025 V, less than a line of text apart.
+    expect(found.get("Rising, 50 \u03a9 to 0 V") == [
+        "label: Vmeas 2.5 V", "label: high 1.97\u20262.02 V", "label: low 0 V"],
+        f"levels that lie together: {found}")
+
+
+def ramps(folder):
+    """The picture of a ramp names the load that its dV fits."""
+    def captions(rise, fall, load):
+        text = driver(f"[Ramp]\n{load}dV/dt_r {rise}/1n NA NA\ndV/dt_f {fall}/1n NA NA\n", pullup=(),
+                      kind="Open_drain\nRref = 150\nVref = 2.4")
+        return [title for title in pictures_of(folder, text) if title.startswith("Ramp")]
+
+    # 50 ohm to ground against 150 ohm: from 4 V to 1 V, 60 % of 3 V; from 2.4 V to 0.6 V, 60 % of 1.8 V.
+    for rise, fall, load, caption in (
+            (1.08, 1.08, "R_load = 150\n", "rising and falling into 150 \u03a9 to 2.4 V"),
+            (1.75, 1.1, "R_load = 150\n", "rising into 150 \u03a9 to 4 V, falling into 150 \u03a9 to 2.4 V"),
+            # Without a load of its own 50 ohm: from 2.4 V to 1.2 V; to 4 V it would be 60 % of 2 V.
+            (0.72, 1.2, "", "rising into 50 \u03a9 to 2.4 V, falling into 50 \u03a9 to 4 V")):
+        expect(captions(rise, fall, load) == [f"Ramp 20\u201380 %, {caption}"],
+               f"{caption}: {captions(rise, fall, load)}")
+
+
+def cuts(folder):
+    """Clamps of tens of amperes do not make all else flat: a picture is cut, and says on which side."""
+    ground, power = (f"[{name} Clamp]\n-4 {current} {current} {current}\n-0.6 0 0 0\n4 0 0 0\n"
+                     for name, current in (("GND", "-30A"), ("POWER", "30A")))
+    # Between the rails the driver carries 80 mA at most. Nothing is there without it: a line of 50 ohm has 80 mA at 4 V.
+    for rest, side, cut in ((ground, "below \u2212160 mA", {-0.16}), (power, "above 160 mA", {0.16}),
+                            (ground + power, "beyond \u00b1160 mA", {-0.16, 0.16})):
+        for kind, pulldown, pullup, states in (("Output", (80, 80, 80), (80, 80, 80), ("Low", "High", "Off")),
+                                               ("Input", (), (), ("Off",))):
+            found = pictures_of(folder, driver(rest, pulldown, pullup, kind))
+            captions = [title for title in found if " state" in title]
+            expect(captions == [f"{state} state cut {side}" for state in states], f"{kind}, {side}: {captions}")
+            for caption in captions:
+                ends = [float(y) for line in found[caption] if line.startswith("typ: ")
+                        for y in re.findall(r", ([-\d.e]+)\)", line)]
+                expect(-0.16 <= min(ends) and max(ends) <= 0.16 and cut <= set(ends),
+                       f"{caption} goes from {min(ends)} to {max(ends)}")
+
+
+def flat_ends(folder):
+    """A picture over time ends soon behind what happens in it; nothing that is not flat is left out."""
+    def ends(rows, *options):
+        text = driver(f"[Ramp]\ndV/dt_r 1/1n 1/1n 1/1n\n[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\n0n 0 0 0\n1n 0 0 0\n{rows}\n")
+        found = pictures_of(folder, text, *options)
+        title = next(title for title in found if title.startswith("Rising"))
+        typ = next(line for line in found[title] if line.startswith("typ: "))
+        return title.removeprefix("Rising, 50 \u03a9 to 0 V").strip(), typ.rsplit("(", 1)[1].split(",")[0]
+
+    for what, rows, caption, end in (
+            # 15 mV are less than a hundredth of 2 V, and so all is flat from 2 ns on.
+            ("a flat end", "2n 2 2 1.985\n4n 2 2 2\n100n 2 2 2", "flat from 2.6 ns to 100 ns, not shown", "2.6e-09"),
+            ("a corner that is late", "2n 2 2 1.97\n4n 2 2 2\n100n 2 2 2", "flat from 5 ns to 100 ns, not shown", "5e-09"),
+            ("a picture that is not much longer", "2n 2 2 1.97\n4n 2 2 2\n8n 2 2 2", "", "8e-09"),
+            ("a kick at the end", "2n 2 2 2\n98n 2 2 2\n99n 2 2.1 2\n100n 2 2 2", "", "1e-07"),
+            ("a fault in a row of the flat end", "2n 2 2 2\n20n 2 x 2\n100n 2 2 2", "flat from 26 ns to 100 ns, not shown", "2.6e-08")):
+        found = ends(rows)
+        expect(found == (caption, end), f"{what}: {found}")
 
 
 def parts(folder):
@@ -211,15 +326,16 @@ C_comp 3pF NA NA
     for row in ("| Pin | Signal | Model | L", "| 1 | s | m | 2 nH", "| 2 | t | n | ",
                 "| m | Output | 3.3 V | pullup 1 pF, gnd_clamp 2 pF | pulldown, pullup, ISSO, 1 waveform, composite currents | ",
                 # 75 ohm are not the 50 of the ramp: both edges of it have a picture of their own.
-                "picture: Ramp 20\u201380 % into 50 \u03a9, rising to 0 V, falling to 3.3 V",
+                "picture: Ramp 20\u201380 %, rising into 50 \u03a9 to 0 V, falling into 50 \u03a9 to 3.3 V",
                 # From 0 to 2 V in 2 ns: 60 % of it in 1.2 ns.
                 "| Rising, 75 \u03a9 to 0 V: swing | 2 V | \u2013 | \u2013",
                 "| Rising, 75 \u03a9 to 0 V: 20\u201380 % | 1.2 ns | \u2013 | \u2013",
                 "| Rising, 75 \u03a9 to 0 V: rate | 1 V/ns | \u2013 | \u2013",
                 "dd: A short source", "summary: Notes"):
         expect(any(line == row or (row.endswith("| ") and line.startswith(row)) for line in found), f"no {row!r}: {found}")
-    legends = {cleaned(legend.text()) for legend in read_tree(page).all("p", "legend")}
-    expect(legends == {"typ"}, f"only typ is drawn: {legends}")
+    # Only typ is drawn; the waveform has another load than the ramp, and is marked as coarse.
+    expect(keys_of(page) == ["typ typical rail 20 % and 80 % DC level of the tables threshold finding", "typ typical rail"],
+           f"a key has what was drawn: {keys_of(page)}")
     texts = [line for line in found if "Vmeas" in line and "never crossed" in line]
     expect(texts and all("Vmeas \u22121.5 V" in line for line in texts), f"a true minus sign: {texts}")
 
@@ -295,7 +411,7 @@ def odd_files(folder):
 
 with tempfile.TemporaryDirectory() as temporary:
     top = pathlib.Path(temporary)
-    for number, check in enumerate((several_files, findings_left_out, marks, parts, outputs, odd_files)):
+    for number, check in enumerate((several_files, findings_left_out, marks, labels, ramps, cuts, flat_ends, parts, outputs, odd_files)):
         place = top / str(number)
         place.mkdir()
         check(place)

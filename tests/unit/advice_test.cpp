@@ -12,10 +12,15 @@
 #include <sstream>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace kestrel {
 namespace {
+
+using testing::DoubleNear;
+using testing::ElementsAre;
+using testing::Optional;
 
 /// The codes of what is said of a file, each once, as "Q201 Q301".
 std::string codesOf(const std::vector<Advice>& list) {
@@ -160,13 +165,13 @@ std::string broken(const std::function<void(PushPull&)>& change) {
 }
 
 /// Where in its table the only advice on a broken model is.
-std::optional<double> placeIn(const std::function<void(PushPull&)>& change) {
+TablePlaces placesIn(const std::function<void(PushPull&)>& change) {
     PushPull model;
     change(model);
     Files files;
     const std::vector<Advice> list = adviceOf(model.text(), files);
     EXPECT_EQ(list.size(), 1U);
-    return list.empty() ? std::nullopt : list.front().at;
+    return list.empty() ? TablePlaces() : list.front().at;
 }
 
 void scale(Table& table, double factor) {
@@ -218,11 +223,16 @@ TEST(Advice, noticesWhatIsWrongWithTables) {
               "Q205");
     EXPECT_EQ(broken([](PushPull& m) { std::swap(m.supply[1], m.supply[2]); }).substr(0, 4), "Q104");
     EXPECT_EQ(broken([](PushPull& m) { m.pulldown.resize(20); }), "Q201");
-    // From -3.6 V in steps of 0.3 V: the end that is short.
-    EXPECT_NEAR(placeIn([](PushPull& m) { m.pulldown.resize(20); }).value_or(0.0), 2.1, 1e-9);
-    EXPECT_NEAR(
-        placeIn([](PushPull& m) { m.pulldown.erase(m.pulldown.begin(), m.pulldown.begin() + 10); }).value_or(0.0), -0.6,
-        1e-9);
+    // From -3.6 V in steps of 0.3 V: the ends that are short.
+    const auto cut_off = [](PushPull& m) { m.pulldown.resize(20); };
+    const auto begun_late = [](PushPull& m) { m.pulldown.erase(m.pulldown.begin(), m.pulldown.begin() + 10); };
+    const auto both = [&](PushPull& m) {
+        cut_off(m);
+        begun_late(m);
+    };
+    EXPECT_THAT(placesIn(cut_off), ElementsAre(std::nullopt, Optional(DoubleNear(2.1, 1e-9))));
+    EXPECT_THAT(placesIn(begun_late), ElementsAre(Optional(DoubleNear(-0.6, 1e-9)), std::nullopt));
+    EXPECT_THAT(placesIn(both), ElementsAre(Optional(DoubleNear(-0.6, 1e-9)), Optional(DoubleNear(2.1, 1e-9))));
     EXPECT_EQ(broken([](PushPull& m) { scale(m.pullup, 0.0); }),
               "Q209 Q301"); // what is left is an open drain, of which the ramp is right
     EXPECT_EQ(broken([](PushPull& m) {
