@@ -269,8 +269,9 @@ private:
             verdict = outputs_.report.fileEnds(job.outcome);
             if (job.part) outputs_.pages->end(*job.part);
         } catch (const std::bad_alloc&) { // the check had memory, its report has not
-            status_ = kTrouble;
-            tell(outputs_.out, outputs_.errors, name, ": out of memory; not everything is reported");
+            tellOfLoss(name, "out of memory");
+        } catch (const std::exception& failure) {
+            tellOfLoss(name, failure.what());
         }
         begun_ = false;
         if (!job.outcome.read || job.outcome.refused) tell(outputs_.out, outputs_.errors, name, ": not checked");
@@ -278,6 +279,13 @@ private:
         if (outputs_.out.isTerminal()) outputs_.out.flush();
         if (outputs_.progress != nullptr) outputs_.progress->fileDone(verdict != Verdict::passed);
         if (outputs_.out.failed()) stop();
+    }
+
+    /// Says why findings of a file are missing.
+    void tellOfLoss(std::string_view name, std::string_view problem) {
+        status_ = kTrouble;
+        tell(outputs_.out, outputs_.errors, name,
+             std::string(": ").append(problem).append("; not everything is reported"));
     }
 
     [[noreturn]] void stop() {

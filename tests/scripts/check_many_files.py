@@ -15,6 +15,7 @@ import subprocess
 import sys
 import tempfile
 import time
+from xml.etree import ElementTree
 
 PROGRAM = os.path.abspath(sys.argv[1])
 SANITIZED = "--sanitized" in sys.argv
@@ -237,6 +238,35 @@ def memory():
            (result.returncode, b": out of memory; not compared\n" in result.stderr))
 
 
+def kept_text():
+    """The form whose counts come ahead of the findings keeps these in a temporary file."""
+    count = 100000
+    write("käpt/many.ibs", GOOD.format("many.ibs", "[Fault]\n" * count))
+    found = "".join(f"käpt/many.ibs:{10 + i}: error: Invalid Keyword: Fault [916]\n" for i in range(count))
+
+    def failure(result):
+        return ElementTree.fromstring(result.stdout).find("testsuite/testcase/failure")
+
+    call = ["-fjunit", "--max-memory=2M", "käpt/many.ibs"]
+    whole = run(*call)
+    expect("junit: all findings", (1, f"{count} findings", found),
+           (whole.returncode, failure(whole).get("message"), failure(whole).text))
+    if not SANITIZED:
+        expect("junit: memory is bounded", True, peak(*call) <= 16 << 20)
+        little = run(*call, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (30 << 20, 30 << 20)))
+        expect("junit with little memory", whole.stdout, little.stdout)
+    # Where it cannot be written, the output is well formed and says less.
+    for problem, more in (("File too large", {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 17, 1 << 17))}),
+                          ("No such file or directory", {"env": {**os.environ, "TMPDIR": "/nowhere"}})):
+        result = run(*call, **more)
+        expect(f"junit: {problem}", (2, f"verimark: käpt/many.ibs: a temporary file cannot be used: {problem}; "
+                                        "not everything is reported\n", f"{count} findings", True),
+               (result.returncode, result.stderr.decode(), failure(result).get("message"),
+                found.startswith((failure(result).text or "").rstrip("\n"))))
+    expect("no temporary file is needed for few", run("-fjunit", "list/good.ibs").stdout,
+           run("-fjunit", "list/good.ibs", env={**os.environ, "TMPDIR": "/nowhere"}).stdout)
+
+
 def packages():
     """Many files beside many .pkg files list and scan the folder once."""
     for i in range(30):
@@ -426,7 +456,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
         names = library()
-        for check in (lambda: in_order(names), lists, contained, memory, packages, signals, pipes, progress):
+        for check in (lambda: in_order(names), lists, contained, memory, kept_text, packages, signals, pipes, progress):
             check()
         os.chdir("/")
     print("all is well")
