@@ -221,6 +221,19 @@ def memory():
             page = re.sub(rb"\d\d:\d\d", b"", read("memory.html")) if more else b""
             seen.append((result.returncode, result.stdout, result.stderr, page))
         expect(f"one at a time {more}", *seen)
+    # A baseline is a part of it.
+    known = read("memory.txt") + b"".join(b"elsewhere.ibs, -, %d%s\n" % (i, b"x" * 80) for i in range(10000 * parts))
+    write("known.txt", known)
+    result = run(limit, "-fjson", "--baseline=known.txt", *names)
+    files = json.loads(result.stdout)["files"]
+    expect("a baseline leaves too little for the large files", (1, b"verimark: known.txt: 1 known finding left out\n"),
+           (result.returncode, result.stderr))
+    expect("which of them fail beside a baseline", [text.format(limit.split("=")[1])] * 2 + ["Invalid Keyword: Fault", None],
+           [file["findings"][-1]["message"] if file["findings"] else None for file in files])
+    for too_little in ("1", "100K", f"{parts}M"):
+        result = run("--max-memory=" + too_little, "--baseline=known.txt", *names)
+        expect("a baseline that is too large", (2, b"", f"verimark: known.txt: more memory than --max-memory={too_little} is needed\n"),
+               (result.returncode, result.stdout, result.stderr.decode()))
     if SANITIZED:
         return
     for call in (["-j1"], ["-j8"], ["-j8", "--report=memory.html"]):
