@@ -95,8 +95,12 @@ private:
             checkInTurn(job, account);
         } catch (const std::bad_alloc&) {
             problem = "Out of memory";
-            if (account != nullptr && account->end() == MemoryEnd::crowded) throw Crowded{};
-            if (account != nullptr && account->end() == MemoryEnd::over) problem = over_limit_.c_str();
+            switch (account != nullptr ? account->end() : MemoryEnd::none) {
+            case MemoryEnd::none: break;
+            case MemoryEnd::over: problem = over_limit_.c_str(); break;
+            case MemoryEnd::crowded:
+            case MemoryEnd::refused: throw Crowded{};
+            }
         } catch (const std::exception& failure) {
             text = failure.what();
             problem = text.c_str();
@@ -187,7 +191,7 @@ private:
         if (job.part && outputs_.report.known == nullptr && outputs_.report.regards(finding))
             job.part->findings.add(finding);
         if (!hasTurn(job)) {
-            job.log.add(printed, finding);
+            keep(job, printed, finding, account);
             if (job.log.size() < kMostKept) return;
             if (account != nullptr) account->makeRoom(); // nobody waits with memory that others need
             requireMemory(account);
@@ -196,6 +200,16 @@ private:
         }
         passOn(job);
         report(job, printed, finding);
+    }
+
+    /// Keeps a finding of a file that has not its turn. Where there is no room the check is done again.
+    static void keep(Job& job, std::string_view printed, const Finding& finding, MemoryAccount* account) {
+        try {
+            job.log.add(printed, finding);
+        } catch (const std::bad_alloc&) {
+            if (account != nullptr) account->makeRoom();
+            throw;
+        }
     }
 
     void waitForTurn(const Job& job) {

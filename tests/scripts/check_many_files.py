@@ -238,6 +238,23 @@ def memory():
         return
     for call in (["-j1"], ["-j8"], ["-j8", "--report=memory.html"]):
         expect(f"what {call} takes is bounded", True, peak(limit, *call, *names[:2] * 4) <= 60 << 20)
+    # With a limit of the system beside it, too, though several files are checked at the same time.
+    several = names * 2
+
+    def limits(size):
+        return lambda: resource.setrlimit(resource.RLIMIT_AS, (size, size))
+
+    expect("limits that leave enough", run("-j1", "-fjson", limit, *several).stdout,
+           run("-j4", "-fjson", limit, *several, preexec_fn=limits(160 << 20)).stdout)
+    for size in (24 << 20, 36 << 20, 56 << 20):
+        result = run("-j4", "-fjson", limit, *several, preexec_fn=limits(size))
+        files = json.loads(result.stdout)["files"]
+        expect(f"both limits, {size}", (1, b"", several, [20000, 1] * 2),
+               (result.returncode, result.stderr, [file["path"] for file in files],
+                [len(file["findings"]) for i, file in enumerate(files) if i % 4 > 1]))
+        for file in files[0], files[1], files[4], files[5]:
+            expect(f"a large file under both limits, {size}", True, not file["findings"] or
+                   file["findings"][0]["message"].startswith(("More memory", "Out of memory", "Unable to Allocate Memory")))
     # Without a limit of our own the system has one.
     least = 40 << 20
     little = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_AS, (least, least))}
@@ -246,9 +263,10 @@ def memory():
     expect("a report with little memory", (1, ["Unable to Allocate Memory", "Invalid Keyword: Fault"], True),
            (result.returncode, [files[0]["findings"][-1]["message"][:25], files[3]["findings"][-1]["message"]],
             read("memory.html").endswith(b"</html>\n")))
-    result = run("-j1", "--compare", big, names[1], **little)
-    expect("a comparison with little memory", (2, True),
-           (result.returncode, b": out of memory; not compared\n" in result.stderr))
+    for more in ([], ["--max-memory=1G"]):
+        result = run("-j1", "--compare", *more, big, names[1], **little)
+        expect("a comparison with little memory", (2, True),
+               (result.returncode, b": out of memory; not compared\n" in result.stderr))
 
 
 def kept_text():
