@@ -32,6 +32,13 @@ CALLS = (
     "--- b.ami\n(b (Reserved_Parameters (Ignore_Bits (Usage Info) (Type Integer) (Value 2))))\n",
     "verimark\na.ibs\n--- a.ibs\n[IBIS Ver] 3.2\n[Component] c\n[Package Model] p\n[Pin] signal_name model_name\n"
     "1 s GND\n[End]\n--- p.pkg\n[IBIS Ver] 3.2\n[File Name] p.pkg\n[Define Package Model] p\n[End]\n",
+    "verimark\n--compare\n-f\ngcc\na.ibs\nb.ibs\n",
+    "verimark\n--compare\nlib\nlib/lib\n--- lib/A.ibs\n[IBIS Ver] 4.2\n--- lib/c.ami\n(c)\n--- lib/lib/a.ibs\n"
+    "[IBIS Ver] 5.1\n--- lib/lib/b.ibs\n[IBIS Ver] 5.1\n",
+    "verimark\n--compare\na.ami\nb.ibs\n--- a.ami\n(a)\n--- b.ibs\n[IBIS Ver] 5.1\n",
+    "verimark\n--ignore=916\n--baseline=known.txt\na.ibs\n--- known.txt\n# verimark baseline 1: path, code, message\n"
+    "a.ibs, 916, Invalid Keyword: x\n--- a.ibs\n[IBIS Ver] 3.2\n[x]\n",
+    "verimark\n-fgithub\na\rb.ibs\n",
     "verimark\n--messages-page\n",
     "verimark\n--advice-page\n-o\nx.md\n",
     "verimark\nlib\n-q\n--jobs=2\n--- lib/a.ibs\n[IBIS Ver] 3.2\n[End]\n--- lib/lib/b.ami\n(b)\n",
@@ -99,6 +106,52 @@ def large():
             f"C_comp 1p NA NA\n[Voltage Range] 3 NA NA\n[GND Clamp]\n{rows}[End]\n")
 
 
+HEAD = "[IBIS Ver] {}\n[File Name] a.{}\n[File Rev] 1\n"
+CHIP = "[Component] c\n[Manufacturer] m\n[Package]\nR_pkg 0 NA NA\n[Pin] signal_name model_name\n1 s m\n"
+MODEL = "[Model] m\nModel_type Output\nC_comp 1p NA NA\n[Voltage Range] 2 NA NA\n"
+
+
+def pair(kind, was, now, version="5.1"):
+    """Two texts to be compared, each behind a header."""
+    head = f"--- a.{kind}\n" + HEAD.format(version, kind)
+    return f"{head}{was}[End]\n{head}{now}[End]\n"
+
+
+def rare():
+    """What no case holds, and changes of single bytes do not lead to: large and deep records, changes of one field."""
+    chip = HEAD.format("5.1", "ibs") + CHIP + MODEL
+    wave = "[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\n0 0 NA NA\n1n 2 NA NA\n[Composite Current]\n0 1m NA NA\n"
+    path = "[Define Package Model] p\n[Manufacturer] m\n[OEM] o\n[Description] d\n[Number Of Sections] 2\n" \
+           "[Number Of Pins] 1\n[Pin Numbers]\nA1 Len=1 L=1n{}/ Len={} R=1/\n[End Package Model]\n"
+    board = "[Begin Board Description] b\n[Manufacturer] m\n[Number Of Pins] 1\n[Pin List] signal_name\nJ1 s\n" \
+            "[Path Description] s\nPin J1\n{}Node U1.1\n[End Board Description]\n[End]\n"
+    leaf = "(Usage Info) (Type String)"
+    values = "\n".join(f'"value {number}"' for number in range(600))
+    return {
+        "ibs": [
+            chip + "[x]\n" * 10001 + "[End]\n",
+            chip + "[Algorithmic Model]\nExecutable Linux_gcc_64 x.so ../p.ami\n[End Algorithmic Model]\n[End]\n",
+            *(HEAD.format("4.2", "ibs") + f"[Date] {date}\n{CHIP}[End]\n"
+              for date in ("Fri 21 Aug 2026 12:30:00 +0200", "20260821", "210826", "20260821123000", "082026")),
+        ],
+        "ebd": [HEAD.format("4.2", "ebd") + board.format("Len=1 L=1n C=1p/\n" * 500)],
+        "ami": [
+            "(a " + "(b " * 40 + "(c)" + ")" * 41,
+            f"(a (Reserved_Parameters (AMI_Version {leaf} (Value \"5.1\"))) (Model_Specific (t (Usage In) ((x)))))",
+            f"(a (Description \"x\") (Description \"y\") (Reserved_Parameters\n(AMI_Version {leaf} (Default \"5.1\"))"
+            "\n(Ignore_Bits (Usage Info) (Type Integer) (Default 2)))\n(Model_Specific (t (Usage In) (Type Float)"
+            f"\n(Format Table (Labels \"x\") (1) (2))) (l {leaf} (List {values})) (m (n {leaf} (List {values}))"
+            f"\n(n (k {leaf} (Value \"x\"))))))",
+        ],
+        "compare": [
+            pair("ibs", CHIP + MODEL + wave + "1n 2m NA NA\n", CHIP + MODEL + wave + "1n 3m NA NA\n"),
+            pair("ibs", CHIP + "[Bus Label] signal_name\n" + MODEL, CHIP + MODEL, "7.0"),
+            pair("pkg", path.format("", 1), path.format(" C=1p", 2)),
+        ],
+        "texts": ["# verimark baseline 1: path, code, message\n\"a, 905, x\n", "board.ibs:12: error: Invalid Keyword: x"],
+    }
+
+
 def collect(sources):
     """The inputs of each entry."""
     inputs = collections.defaultdict(list)
@@ -117,6 +170,8 @@ def collect(sources):
                 inputs["compare"].append(f"--- {before.name}\n{read(before)}\n--- {path.name}\n{read(path)}")
             before = path
     inputs["calls"] += CALLS
+    for entry, texts in rare().items():
+        inputs[entry] += texts
     for path in files:
         if path.suffix == ".case" and (call := call_of(path)) is not None:
             inputs["calls"].append(call)

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -41,6 +42,11 @@ int main(int count, char** values) {
     for (int i = 1; i < count; ++i)
         folders.push_back(fs::absolute(values[i]));
     for (const fs::path& folder : folders) {
+        std::error_code failure;
+        if (fs::directory_iterator(folder, failure); failure) {
+            std::fprintf(stderr, "%s: %s\n", folder.c_str(), failure.message().c_str());
+            return 2;
+        }
         for (const fs::directory_entry& found : fs::recursive_directory_iterator(folder)) {
             if (!found.is_regular_file()) continue;
             all_known = replay(found.path()) && all_known;

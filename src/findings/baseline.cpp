@@ -114,8 +114,9 @@ std::optional<BaselineFault> Baseline::read(std::string_view text) {
         if (line.empty() || line.starts_with('#')) continue;
         const ReadLine parts = readLine(line);
         if (!parts.problem.empty()) return BaselineFault{number, std::string(parts.problem)};
-        Entry& entry = entries_[std::string(line)];
-        entry.lines.push_back(number);
+        Entries::value_type& known = *entries_.try_emplace(std::string(line)).first;
+        Entry& entry = known.second;
+        lines_.push_back({.number = number, .earlier = entry.lines++, .entry = &known});
         entry.is_advice = parts.is_advice;
         if (entry.is_checked == nullptr) entry.is_checked = &files_[std::string(parts.path)];
     } while (!text.empty());
@@ -127,7 +128,7 @@ bool Baseline::occurs(const Finding& finding) {
     if (found == entries_.end()) return false;
     Entry& entry = found->second;
     if (std::exchange(entry.file, file_) != file_) entry.times = 0;
-    if (entry.times == entry.lines.size()) return false;
+    if (entry.times == entry.lines) return false;
     entry.most = std::max(entry.most, ++entry.times);
     return true;
 }
@@ -144,14 +145,11 @@ void Baseline::checked(std::string_view path) {
 }
 
 void Baseline::eachGone(const std::function<void(std::uint32_t, std::string_view)>& tell) const {
-    std::map<std::uint32_t, std::string_view> gone;
-    for (const auto& [line, entry] : entries_) {
-        if (!*entry.is_checked || (entry.is_advice && advice_left_out_)) continue;
-        for (std::size_t i = entry.most; i < entry.lines.size(); ++i)
-            gone.emplace(entry.lines[i], line);
+    for (const Line& line : lines_) {
+        const auto& [text, entry] = *line.entry;
+        const bool has_to_occur = *entry.is_checked && !(entry.is_advice && advice_left_out_);
+        if (has_to_occur && line.earlier >= entry.most) tell(line.number, text);
     }
-    for (const auto& [number, line] : gone)
-        tell(number, line);
 }
 
 void BaselineWriter::add(const Finding& finding) {

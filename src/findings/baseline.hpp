@@ -55,18 +55,27 @@ public:
 
 private:
     struct Entry {
-        std::vector<std::uint32_t> lines; ///< where it is in the baseline
-        std::size_t file = 0;             ///< the checked file in which it occurred last
-        std::size_t times = 0;            ///< how often in that file
-        std::size_t most = 0;             ///< in any file
-        bool* is_checked = nullptr;       ///< whether the file that it is in was read
+        std::uint32_t lines = 0;    ///< how many of the baseline are equal to it
+        std::uint32_t times = 0;    ///< how often it occurred in the checked file in which it occurred last
+        std::uint32_t most = 0;     ///< in any file
+        std::size_t file = 0;       ///< the one in which it occurred last
+        bool* is_checked = nullptr; ///< whether the file that it is in was read
         bool is_advice = false;
+    };
+    using Entries = TextMap<Entry>;
+
+    /// A line of the baseline.
+    struct Line {
+        std::uint32_t number;
+        std::uint32_t earlier; ///< how many equal ones are ahead of it
+        const Entries::value_type* entry;
     };
 
     [[nodiscard]] bool occurs(const Finding& finding);
 
-    TextMap<Entry> entries_;
-    TextMap<bool> files_; ///< by path as it is in the lines
+    Entries entries_;
+    std::vector<Line> lines_; ///< by number
+    TextMap<bool> files_;     ///< by path as it is in the lines
     std::int64_t taken_ = 0;
     std::size_t file_ = 1; ///< the number of the checked file
     bool advice_left_out_ = false;

@@ -1,11 +1,18 @@
 #include "findings/finding_log.hpp"
 
+#include <algorithm>
+#include <utility>
+
 namespace kestrel {
 
 void FindingLog::add(std::string_view printed, const Finding& finding) {
     const Subject* const subject = finding.subject;
     const std::string_view name = subject != nullptr ? subject->name.view() : std::string_view();
     const bool same_file = !entries_.empty() && last_file_ == finding.file;
+    // All that may find no memory comes first: a finding is added as a whole or not at all.
+    const std::size_t size = printed.size() + (same_file ? 0 : finding.file.size()) + name.size() + finding.text.size();
+    if (size > texts_.capacity() - texts_.size()) texts_.reserve(std::max(texts_.size() + size, 2 * texts_.capacity()));
+    std::string file(same_file ? std::string_view() : finding.file);
     entries_.push_back({.severity = finding.severity,
                         .subject_kind = subject != nullptr ? subject->kind : SubjectKind::header,
                         .has_code = finding.code.has_value(),
@@ -22,7 +29,8 @@ void FindingLog::add(std::string_view printed, const Finding& finding) {
                         .text = finding.text.size(),
                         .at = finding.at});
     texts_.append(printed);
-    if (!same_file) texts_.append(last_file_ = finding.file);
+    texts_.append(file);
+    if (!same_file) last_file_ = std::move(file);
     texts_.append(name).append(finding.text);
 }
 

@@ -101,6 +101,12 @@ void XmlElement::text(std::string_view text) {
     writeXmlText(out_, text);
 }
 
+void XmlElement::escapedText(std::string_view text) {
+    assert(!child_open_);
+    endTag();
+    out_.write(text);
+}
+
 XmlElement XmlElement::element(std::string_view name) { return {*this, name}; }
 
 void XmlElement::endTag() {

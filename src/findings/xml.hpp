@@ -24,6 +24,8 @@ public:
     void attribute(std::string_view name, std::string_view value);
     void attribute(std::string_view name, std::int64_t value);
     void text(std::string_view text);
+    /// The same for a text that writeXmlText() made, or a piece of one.
+    void escapedText(std::string_view text);
     /// An element within this one; the name has to outlive it.
     [[nodiscard]] XmlElement element(std::string_view name);
 

@@ -95,8 +95,12 @@ private:
             checkInTurn(job, account);
         } catch (const std::bad_alloc&) {
             problem = "Out of memory";
-            if (account != nullptr && account->end() == MemoryEnd::crowded) throw Crowded{};
-            if (account != nullptr && account->end() == MemoryEnd::over) problem = over_limit_.c_str();
+            switch (account != nullptr ? account->end() : MemoryEnd::none) {
+            case MemoryEnd::none: break;
+            case MemoryEnd::over: problem = over_limit_.c_str(); break;
+            case MemoryEnd::crowded:
+            case MemoryEnd::refused: throw Crowded{};
+            }
         } catch (const std::exception& failure) {
             text = failure.what();
             problem = text.c_str();
@@ -187,7 +191,7 @@ private:
         if (job.part && outputs_.report.known == nullptr && outputs_.report.regards(finding))
             job.part->findings.add(finding);
         if (!hasTurn(job)) {
-            job.log.add(printed, finding);
+            keep(job, printed, finding, account);
             if (job.log.size() < kMostKept) return;
             if (account != nullptr) account->makeRoom(); // nobody waits with memory that others need
             requireMemory(account);
@@ -196,6 +200,16 @@ private:
         }
         passOn(job);
         report(job, printed, finding);
+    }
+
+    /// Keeps a finding of a file that has not its turn. Where there is no room the check is done again.
+    static void keep(Job& job, std::string_view printed, const Finding& finding, MemoryAccount* account) {
+        try {
+            job.log.add(printed, finding);
+        } catch (const std::bad_alloc&) {
+            if (account != nullptr) account->makeRoom();
+            throw;
+        }
     }
 
     void waitForTurn(const Job& job) {
@@ -269,8 +283,9 @@ private:
             verdict = outputs_.report.fileEnds(job.outcome);
             if (job.part) outputs_.pages->end(*job.part);
         } catch (const std::bad_alloc&) { // the check had memory, its report has not
-            status_ = kTrouble;
-            tell(outputs_.out, outputs_.errors, name, ": out of memory; not everything is reported");
+            tellOfLoss(name, "out of memory");
+        } catch (const std::exception& failure) {
+            tellOfLoss(name, failure.what());
         }
         begun_ = false;
         if (!job.outcome.read || job.outcome.refused) tell(outputs_.out, outputs_.errors, name, ": not checked");
@@ -278,6 +293,13 @@ private:
         if (outputs_.out.isTerminal()) outputs_.out.flush();
         if (outputs_.progress != nullptr) outputs_.progress->fileDone(verdict != Verdict::passed);
         if (outputs_.out.failed()) stop();
+    }
+
+    /// Says why findings of a file are missing.
+    void tellOfLoss(std::string_view name, std::string_view problem) {
+        status_ = kTrouble;
+        tell(outputs_.out, outputs_.errors, name,
+             std::string(": ").append(problem).append("; not everything is reported"));
     }
 
     [[noreturn]] void stop() {

@@ -123,7 +123,9 @@ struct PairMemory {
 /// Does a part of the work on a pair. Why there is nothing to compare is returned; an empty text when there is.
 template <class Work>
 std::string problemOf(const MemoryLimit* limit, std::optional<MemoryAccount>& account, const Work& work) {
-    const auto has_enough = [&] { return !account || account->end() == MemoryEnd::none; };
+    const auto has_enough = [&] {
+        return !account || account->end() == MemoryEnd::none || account->end() == MemoryEnd::refused;
+    };
     try {
         const Charged charged(limit != nullptr ? limit->charge_to : chargeNone, account ? &*account : nullptr);
         work();

@@ -11,13 +11,15 @@ namespace kestrel {
 struct MemoryBudget {
     std::size_t limit; ///< bytes
     std::atomic<std::ptrdiff_t> taken = 0;
+    std::atomic<bool> only_first = false; ///< the system has too little: the check that goes first gets what there is
 };
 
 /// Why a check that runs under a limit comes to no end.
 enum class MemoryEnd : std::uint8_t {
     none,
-    over,   ///< it needs more than the limit for itself
-    crowded ///< the others leave it too little
+    over,    ///< it needs more than the limit for itself
+    crowded, ///< the others leave it too little
+    refused  ///< the system has too little, and it does not go first
 };
 
 /// The memory of one check, which one thread takes and gives back. A check that goes first gets all that it asks for up
@@ -29,11 +31,15 @@ public:
         : budget_(budget), turn_(turn), place_(place) {}
     MemoryAccount(const MemoryAccount&) = delete;
     MemoryAccount& operator=(const MemoryAccount&) = delete;
-    ~MemoryAccount() { budget_.taken.fetch_sub(own_, std::memory_order_relaxed); }
+    ~MemoryAccount();
 
     /// Counts memory that is taken. False when it must not be: then it is not counted, and `end` tells why.
     [[nodiscard]] bool take(std::size_t size);
     void giveBack(std::size_t size);
+
+    /// The system has refused memory, of which the other checks may have too much. True when it is worth asking again:
+    /// the others have ended, or have had some time to.
+    [[nodiscard]] bool awaitOthers();
 
     /// What the check was refused memory for, in spite of which it may have gone on.
     [[nodiscard]] MemoryEnd end() const { return end_; }
@@ -41,9 +47,12 @@ public:
     void makeRoom() { end_ = MemoryEnd::crowded; }
 
 private:
+    [[nodiscard]] bool goesFirst() const { return turn_.load(std::memory_order_acquire) == place_; }
+
     MemoryBudget& budget_;
     const std::atomic<std::size_t>& turn_;
     std::size_t place_;
+    bool others_ended_ = false; // for its sake
     std::ptrdiff_t own_ = 0;
     MemoryEnd end_ = MemoryEnd::none;
 };

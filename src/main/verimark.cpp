@@ -19,6 +19,7 @@
 #include "main/watch.hpp"
 #include "quality/checks.hpp"
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -153,13 +154,36 @@ bool readBaseline(const Trouble& trouble, Baseline& baseline, std::string_view p
     std::string text(Baseline::kHead.size(), '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(file.gcount()));
-    if (text == Baseline::kHead) text.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    if (text == Baseline::kHead) {
+        const std::uintmax_t size = std::filesystem::file_size(name, failure);
+        if (!failure) text.reserve(size);
+        text.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
     if (const std::optional<BaselineFault> fault = baseline.read(text)) {
         std::string subject = name + ":";
         appendInteger(subject, fault->line);
         trouble(subject, ": damaged baseline: the line " + fault->text);
         return false;
     }
+    return true;
+}
+
+/// Reads a baseline within a limit, and takes what it needs from that.
+bool readBaselineWithin(MemoryLimit& limit, const Trouble& trouble, Baseline& baseline, std::string_view path) {
+    MemoryBudget budget{.limit = limit.bytes};
+    const std::atomic<std::size_t> turn = 0;
+    MemoryAccount account(budget, turn, 0);
+    try {
+        const Charged charged(limit.charge_to, &account);
+        if (!readBaseline(trouble, baseline, path)) return false;
+    } catch (const std::bad_alloc&) {
+        if (account.end() == MemoryEnd::none) throw;
+    }
+    if (account.end() != MemoryEnd::none) {
+        trouble(path, std::string(": more memory than --max-memory=").append(limit.shown).append(" is needed"));
+        return false;
+    }
+    limit.bytes -= static_cast<std::size_t>(budget.taken.load());
     return true;
 }
 
@@ -223,7 +247,13 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
     Baseline known;
     BaselineWriter written;
     OutputFile baseline_file(call.temporaries);
-    if (!options.baseline.empty() && !readBaseline(trouble, known, options.baseline)) return std::nullopt;
+    std::optional<MemoryLimit> memory;
+    if (call.memory != nullptr) memory = *call.memory;
+    if (!options.baseline.empty()) {
+        const bool is_read = memory ? readBaselineWithin(*memory, trouble, known, options.baseline)
+                                    : readBaseline(trouble, known, options.baseline);
+        if (!is_read) return std::nullopt;
+    }
     if (!wantsAdvice(options)) known.leaveAdviceOut();
     const bool writes = !options.write_baseline.empty();
     if (writes && !openOutput(trouble, call, baseline_file, options.write_baseline)) return std::nullopt;
@@ -248,7 +278,7 @@ std::optional<VerimarkStatus> checkFiles(const Call& call, Output& out, FormatSe
                                .report = report,
                                .progress = nullptr,
                                .pages = reports ? &pages : nullptr,
-                               .memory = call.memory,
+                               .memory = memory ? &*memory : nullptr,
                                .announces = is_text && !options.quiet,
                                .advises = wantsAdvice(options),
                                .empty_is_found = !is_text};

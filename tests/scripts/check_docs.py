@@ -1,12 +1,17 @@
 #!/usr/bin/env python3
-"""Runs what the documents show: check_docs.py FOLDER-OF-PROGRAMS ROOT.
+"""Runs what the documents show: check_docs.py FOLDER-OF-PROGRAMS ROOT INSTALLED.
+
+INSTALLED is a JSON object about what was installed: "prefix" and in it "libraries" and "python" (folders), "compiler",
+"flags", "cmake", "generator", "interpreter" for the package, or why that is "left_out".
 
 Every code block of README.md and of the pages in docs has a language. One of "console" holds commands behind "$ " and
 what they print, where "..." stands for any lines; one of "sh" is a script, whose output is not shown. Both are run in an
-empty folder that holds a copy of examples/, all of a page in the same one. A comment on the line ahead of a block may say
+empty folder that holds a copy of examples/, all of a page in the same one. Blocks of "cpp" and "python" are run beside the
+examples, the body of a main function and a script; one of "cmake" is configured, a part of a CMakeLists.txt. A comment on the line ahead of a block may say
   <!-- status: 1 -->         the status of the last command, 0 without
   <!-- needs: jq -->         a program without which the block is not run here
   <!-- not run: reason -->   why it never is; these blocks are listed
+  <!-- given: CODE -->       what a block of cpp or cmake relies on and does not show
   <!-- prints: COMMAND -->   ahead of a "json" block: what this command prints is the same object
 Beside that every page is in the index, every folder of sources has its README, and every link leads somewhere.
 """
@@ -23,6 +28,9 @@ from dataclasses import dataclass, field
 
 GENERATED = {"messages.md", "advice.md"}  # made from texts that have tests of their own
 PROGRAMS = ("kestrel", "verimark", "$")
+CODE = ("cpp", "cmake", "python")
+CPP_HEADERS = ["#include <kestrel/kestrel.hpp>", "#include <functional>", "#include <iostream>", "#include <map>",
+               "#include <optional>", "#include <string>", "#include <string_view>", "#include <vector>"]
 
 
 @dataclass
@@ -42,7 +50,7 @@ def blocks_of(name, text):
     found, block, notes, before = [], None, {}, ""
     for number, line in enumerate(text.splitlines(), 1):
         where = f"{name}:{number}"
-        note = re.fullmatch(r"<!-- (status|needs|not run|prints): (.*) -->", line)
+        note = re.fullmatch(r"<!-- (status|needs|not run|prints|given): (.*) -->", line)
         if block is not None:
             if line == "```":
                 found.append(block)
@@ -89,16 +97,53 @@ def agree(shown, printed):
 
 
 class Runner:
-    def __init__(self, programs, root):
+    def __init__(self, programs, root, installed):
         self.root = pathlib.Path(root)
+        self.installed = installed
         self.environment = {**os.environ, "PATH": os.path.abspath(programs) + os.pathsep + os.environ["PATH"],
                             "LC_ALL": "C.UTF-8"}
         self.commands = 0
+        self.codes = 0
         self.not_run = []
 
     def shell(self, folder, script, errors=subprocess.STDOUT):
         return subprocess.run(["bash", "-o", "pipefail", "-c", script], cwd=folder, env=self.environment, check=False,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors, text=True, timeout=100)
+
+    def step(self, block, call, folder, expected=0):
+        done = subprocess.run(call, cwd=folder, env=self.environment, check=False, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=300)
+        if done.returncode != expected:
+            raise Wrong(f"{block.where}: the status of {call[0]} is {done.returncode}\n{done.stdout}")
+
+    def code(self, examples, block, expected):
+        """Builds or runs a block of code against what was installed."""
+        installed, given = self.installed, block.notes.get("given", "")
+        with tempfile.TemporaryDirectory() as build:
+            def write(name, *lines):
+                (pathlib.Path(build) / name).write_text("\n".join([*lines, ""]), encoding="utf-8")
+
+            if block.language == "cpp":
+                includes = [line for line in block.lines if line.startswith("#include")]
+                body = [line for line in block.lines if line not in includes]
+                write("block.cpp", *includes, *CPP_HEADERS, "int main() {", given, *body, "}")
+                libraries = f"{installed['prefix']}/{installed['libraries']}"
+                self.step(block, [installed["compiler"], *installed["flags"].split(), "-std=c++20", "-Wall", "-Wextra",
+                                  "-Werror", f"-I{installed['prefix']}/include", "block.cpp", "-o", "block",
+                                  f"-L{libraries}", "-lkestrel", f"-Wl,-rpath,{libraries}"], build)
+                self.step(block, [f"{build}/block"], examples, expected)
+            elif block.language == "cmake":
+                write("CMakeLists.txt", "cmake_minimum_required(VERSION 3.25)", "project(block LANGUAGES CXX)", given,
+                      *block.lines)
+                write("block.cpp", "int main() {}")
+                self.step(block, [installed["cmake"], "-S", build, "-B", f"{build}/build", "-G", installed["generator"],
+                                  f"-DCMAKE_PREFIX_PATH={installed['prefix']}",
+                                  f"-DCMAKE_CXX_COMPILER={installed['compiler']}"], build)
+            else:
+                write("block.py", "import sys", f"sys.path.insert(0, {installed['prefix'] + '/' + installed['python']!r})",
+                      "import kestrel", *block.lines)
+                self.step(block, [installed["interpreter"], "-B", f"{build}/block.py"], examples, expected)
+        self.codes += 1
 
     def run(self, folder, block):
         expected = int(block.notes.get("status", 0))
@@ -122,6 +167,8 @@ class Runner:
             self.commands += 1
             if json.loads(done.stdout) != json.loads("\n".join(block.lines)):
                 raise Wrong(f"{block.where}: {block.notes['prints']}\nprinted:\n{done.stdout}")
+        elif block.language in CODE:
+            self.code(pathlib.Path(folder) / "examples", block, expected)
         elif any(line.split(" ")[0] in PROGRAMS for line in block.lines):
             raise Wrong(f"{block.where}: a command in a block of \"{block.language}\"")
 
@@ -131,6 +178,8 @@ class Runner:
             for block in blocks_of(name, text):
                 missing = [need for need in block.notes.get("needs", "").split() if shutil.which(need) is None]
                 reason = f"{', '.join(missing)} is not at hand" if missing else block.notes.get("not run")
+                if block.language == "python" and not reason:
+                    reason = self.installed["left_out"]
                 if reason:
                     self.not_run.append(f"{block.where}: {reason}")
                 else:
@@ -148,7 +197,8 @@ def check_self(runner):
     for bad in (fence("console", "$ echo a", "b"), fence("console", "$ echo a; echo b", "a"), fence("console", "$ true", "a"),
                 fence("console", "$ false"), fence("console", "$ echo a"), fence("sh", "false"), fence("", "a"),
                 fence("text", "verimark x.ibs"), "A:\n\n    verimark x.ibs\n", "<!-- status: 1 -->\nNothing.\n",
-                "<!-- prints: echo 1 -->\n" + fence("json", "2")):
+                "<!-- prints: echo 1 -->\n" + fence("json", "2"), fence("cpp", "return kestrel::api::none;"),
+                fence("cpp", "return 1;"), fence("cmake", "find_package(kestrel 99 REQUIRED)")):
         try:
             runner.page("bad", bad)
         except Wrong:
@@ -158,7 +208,7 @@ def check_self(runner):
 
 def check_links(root, pages):
     for page in pages:
-        text = re.sub(r"```.*?```", "", page.read_text(encoding="utf-8"), flags=re.DOTALL)
+        text = re.sub(r"```.*?```|<!--.*?-->", "", page.read_text(encoding="utf-8"), flags=re.DOTALL)
         for link in re.findall(r"\]\(([^)#]+)", text):
             if not re.match(r"[a-z]+:", link) and not (page.parent / link).exists():
                 raise Wrong(f"{page.relative_to(root)}: the link {link} leads nowhere")
@@ -182,22 +232,22 @@ def check_indexes(root):
 
 
 def main():
-    runner = Runner(sys.argv[1], sys.argv[2])
+    runner = Runner(sys.argv[1], sys.argv[2], json.loads(sys.argv[3]))
     root = runner.root
     check_self(runner)
     pages = [root / "README.md", *sorted((root / "docs").glob("*.md"))]
     try:
         check_indexes(root)
         check_links(root, [*pages, root / "HACKING.md", root / "CHANGELOG.md", *root.glob("src/*/README.md")])
-        runner.commands = 0
+        runner.commands = runner.codes = 0
         for page in pages:
             if page.name not in GENERATED:
                 runner.page(str(page.relative_to(root)), page.read_text(encoding="utf-8"))
     except Wrong as wrong:
         sys.exit(str(wrong))
-    print(f"{runner.commands} command lines were run. Not run:", *runner.not_run, sep="\n  ")
-    if runner.commands < 10:
-        sys.exit("the command lines were not found")
+    print(f"{runner.commands} command lines and {runner.codes} blocks of code were run. Not run:", *runner.not_run, sep="\n  ")
+    if runner.commands < 10 or runner.codes < 5:
+        sys.exit("the command lines or the blocks of code were not found")
 
 
 main()

@@ -15,6 +15,7 @@ import subprocess
 import sys
 import tempfile
 import time
+from xml.etree import ElementTree
 
 PROGRAM = os.path.abspath(sys.argv[1])
 SANITIZED = "--sanitized" in sys.argv
@@ -220,10 +221,40 @@ def memory():
             page = re.sub(rb"\d\d:\d\d", b"", read("memory.html")) if more else b""
             seen.append((result.returncode, result.stdout, result.stderr, page))
         expect(f"one at a time {more}", *seen)
+    # A baseline is a part of it.
+    known = read("memory.txt") + b"".join(b"elsewhere.ibs, -, %d%s\n" % (i, b"x" * 80) for i in range(10000 * parts))
+    write("known.txt", known)
+    result = run(limit, "-fjson", "--baseline=known.txt", *names)
+    files = json.loads(result.stdout)["files"]
+    expect("a baseline leaves too little for the large files", (1, b"verimark: known.txt: 1 known finding left out\n"),
+           (result.returncode, result.stderr))
+    expect("which of them fail beside a baseline", [text.format(limit.split("=")[1])] * 2 + ["Invalid Keyword: Fault", None],
+           [file["findings"][-1]["message"] if file["findings"] else None for file in files])
+    for too_little in ("1", "100K", f"{parts}M"):
+        result = run("--max-memory=" + too_little, "--baseline=known.txt", *names)
+        expect("a baseline that is too large", (2, b"", f"verimark: known.txt: more memory than --max-memory={too_little} is needed\n"),
+               (result.returncode, result.stdout, result.stderr.decode()))
     if SANITIZED:
         return
     for call in (["-j1"], ["-j8"], ["-j8", "--report=memory.html"]):
         expect(f"what {call} takes is bounded", True, peak(limit, *call, *names[:2] * 4) <= 60 << 20)
+    # With a limit of the system beside it, too, though several files are checked at the same time.
+    several = names * 2
+
+    def limits(size):
+        return lambda: resource.setrlimit(resource.RLIMIT_AS, (size, size))
+
+    expect("limits that leave enough", run("-j1", "-fjson", limit, *several).stdout,
+           run("-j4", "-fjson", limit, *several, preexec_fn=limits(160 << 20)).stdout)
+    for size in (24 << 20, 36 << 20, 56 << 20):
+        result = run("-j4", "-fjson", limit, *several, preexec_fn=limits(size))
+        files = json.loads(result.stdout)["files"]
+        expect(f"both limits, {size}", (1, b"", several, [20000, 1] * 2),
+               (result.returncode, result.stderr, [file["path"] for file in files],
+                [len(file["findings"]) for i, file in enumerate(files) if i % 4 > 1]))
+        for file in files[0], files[1], files[4], files[5]:
+            expect(f"a large file under both limits, {size}", True, not file["findings"] or
+                   file["findings"][0]["message"].startswith(("More memory", "Out of memory", "Unable to Allocate Memory")))
     # Without a limit of our own the system has one.
     least = 40 << 20
     little = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_AS, (least, least))}
@@ -232,9 +263,39 @@ def memory():
     expect("a report with little memory", (1, ["Unable to Allocate Memory", "Invalid Keyword: Fault"], True),
            (result.returncode, [files[0]["findings"][-1]["message"][:25], files[3]["findings"][-1]["message"]],
             read("memory.html").endswith(b"</html>\n")))
-    result = run("-j1", "--compare", big, names[1], **little)
-    expect("a comparison with little memory", (2, True),
-           (result.returncode, b": out of memory; not compared\n" in result.stderr))
+    for more in ([], ["--max-memory=1G"]):
+        result = run("-j1", "--compare", *more, big, names[1], **little)
+        expect("a comparison with little memory", (2, True),
+               (result.returncode, b": out of memory; not compared\n" in result.stderr))
+
+
+def kept_text():
+    """The form whose counts come ahead of the findings keeps these in a temporary file."""
+    count = 100000
+    write("käpt/many.ibs", GOOD.format("many.ibs", "[Fault]\n" * count))
+    found = "".join(f"käpt/many.ibs:{10 + i}: error: Invalid Keyword: Fault [916]\n" for i in range(count))
+
+    def failure(result):
+        return ElementTree.fromstring(result.stdout).find("testsuite/testcase/failure")
+
+    call = ["-fjunit", "--max-memory=2M", "käpt/many.ibs"]
+    whole = run(*call)
+    expect("junit: all findings", (1, f"{count} findings", found),
+           (whole.returncode, failure(whole).get("message"), failure(whole).text))
+    if not SANITIZED:
+        expect("junit: memory is bounded", True, peak(*call) <= 16 << 20)
+        little = run(*call, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (30 << 20, 30 << 20)))
+        expect("junit with little memory", whole.stdout, little.stdout)
+    # Where it cannot be written, the output is well formed and says less.
+    for problem, more in (("File too large", {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 17, 1 << 17))}),
+                          ("No such file or directory", {"env": {**os.environ, "TMPDIR": "/nowhere"}})):
+        result = run(*call, **more)
+        expect(f"junit: {problem}", (2, f"verimark: käpt/many.ibs: a temporary file cannot be used: {problem}; "
+                                        "not everything is reported\n", f"{count} findings", True),
+               (result.returncode, result.stderr.decode(), failure(result).get("message"),
+                found.startswith((failure(result).text or "").rstrip("\n"))))
+    expect("no temporary file is needed for few", run("-fjunit", "list/good.ibs").stdout,
+           run("-fjunit", "list/good.ibs", env={**os.environ, "TMPDIR": "/nowhere"}).stdout)
 
 
 def packages():
@@ -426,7 +487,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
         names = library()
-        for check in (lambda: in_order(names), lists, contained, memory, packages, signals, pipes, progress):
+        for check in (lambda: in_order(names), lists, contained, memory, kept_text, packages, signals, pipes, progress):
             check()
         os.chdir("/")
     print("all is well")

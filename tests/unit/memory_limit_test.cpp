@@ -39,5 +39,27 @@ TEST(MemoryLimit, isSharedAndWhoGoesFirstGetsAllOfIt) {
     EXPECT_EQ(next.end(), MemoryEnd::over);
 }
 
+TEST(MemoryLimit, whereTheSystemHasTooLittleWhoGoesFirstGetsWhatThereIs) {
+    MemoryBudget budget{.limit = 100};
+    std::atomic<std::size_t> turn = 0;
+    MemoryAccount second(budget, turn, 1);
+    EXPECT_FALSE(second.awaitOthers()) << "it makes room for the first";
+    EXPECT_EQ(second.end(), MemoryEnd::refused);
+
+    MemoryAccount third(budget, turn, 2);
+    {
+        MemoryAccount first(budget, turn, 0);
+        EXPECT_TRUE(first.take(10));
+        EXPECT_TRUE(first.awaitOthers()) << "they may have given something back";
+        EXPECT_FALSE(first.awaitOthers()) << "there is nobody left to wait for";
+        EXPECT_EQ(first.end(), MemoryEnd::none);
+        EXPECT_FALSE(third.take(1));
+        EXPECT_EQ(third.end(), MemoryEnd::crowded);
+        EXPECT_TRUE(first.take(90));
+    }
+    MemoryAccount fourth(budget, turn, 3);
+    EXPECT_TRUE(fourth.take(1)) << "the first one is done";
+}
+
 } // namespace
 } // namespace kestrel
