@@ -14,9 +14,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -89,6 +91,11 @@ struct ChangeDetail {
 class ChangeDetails {
 public:
     void push_back(const ChangeDetail& detail) { details_.at(size_++) = detail; }
+    void assign(std::span<const ChangeDetail> details) {
+        size_ = 0;
+        for (const ChangeDetail& detail : details)
+            push_back(detail);
+    }
     [[nodiscard]] bool empty() const { return size_ == 0; }
     [[nodiscard]] ChangeDetail* begin() { return details_.data(); }
     [[nodiscard]] ChangeDetail* end() { return details_.data() + size_; }
@@ -119,7 +126,8 @@ struct MatrixChange {
     bool operator==(const MatrixChange& other) const = default;
 };
 
-/// A change of one field of a record, or of the whole record. Its texts and details have to last until it is in a list.
+/// A change of one field of a record, or of the whole record. The texts of its details have to outlive the list that it
+/// is added to: they belong to a record, or are kept by the list.
 struct Change {
     ChangeKind kind = ChangeKind::value;
     FieldName field{}; ///< empty for the whole record
@@ -139,13 +147,12 @@ struct ComparedRecord {
 
 /// A change and all records that it is the same for. It is small: there may be one for every row of a file.
 struct ChangeGroup {
-    ChangeKind kind;
-    SubjectKind record; ///< the kind of the records, or of that whose pins are named
-    Unit unit;
-    Unit axis;
-    std::uint32_t models = 0; ///< how many models it affects
-    Name field{};             ///< empty for the whole record
-    Name component{};         ///< whose pins are named; empty where records are
+    ChangeKind kind{};
+    SubjectKind record{}; ///< the kind of the records, or of that whose pins are named
+    Unit unit{};
+    Unit axis{};
+    Name field{};     ///< empty for the whole record
+    Name component{}; ///< whose pins are named; empty where records are
     Rows<ChangeDetail> details{};
     Rows<std::string_view> names{};       ///< of the records or pins
     const MatrixChange* matrix = nullptr; ///< null for all but matrices
@@ -185,11 +192,14 @@ public:
     /// `models` is how many models of the file it affects. The names of the record have to outlive the list.
     void add(const ComparedRecord& record, const Change& change, std::size_t models);
 
+    /// Keeps a text that belongs to no record as long as the list.
+    [[nodiscard]] std::string_view keep(std::string_view text) { return texts_.add(text).view(); }
+
     /// How often something was added.
     [[nodiscard]] std::size_t additions() const { return additions_; }
 
     /// The groups: what affects most models first, then what is largest, then as they came.
-    [[nodiscard]] RankedChanges ranked() const;
+    [[nodiscard]] RankedChanges ranked();
 
 private:
     struct Slot {
@@ -199,11 +209,40 @@ private:
         [[nodiscard]] bool isFree() const { return number == 0; }
     };
 
+    /// A change whose group is not looked up yet.
+    struct Waiting {
+        std::uint32_t hash = 0;
+        std::uint32_t models = 0;
+        ChangeGroup group{}; ///< without details and names
+        ChangeDetails details{};
+        MatrixChange matrix{};
+        std::string_view name{};
+    };
+
+    /// What a group is sorted by.
+    struct Rank {
+        double size; ///< in per cent
+        std::uint32_t models;
+        std::uint32_t place; ///< in the order in which they came
+
+        [[nodiscard]] bool isAheadOf(const Rank& other) const;
+    };
+
+    /// The largest changes so far, of which more than one may be equal.
+    struct Largest {
+        double size = 0.0;
+        std::vector<std::pair<std::uint32_t, double>> places; ///< of groups, each with its change
+
+        void offer(std::uint32_t place, double change);
+    };
+
     [[nodiscard]] Name fieldOf(const FieldName& field);
     [[nodiscard]] Name componentOf(const ComparedRecord& record);
-    [[nodiscard]] std::uint32_t hashOf(const ComparedRecord& record, const Change& change, Name field) const;
-    ChangeGroup& groupOf(const ComparedRecord& record, const Change& change);
-    [[nodiscard]] GivenThing kept(const GivenThing& thing);
+    [[nodiscard]] std::uint32_t hashOf(const Waiting& change) const;
+    void addWaiting();
+    std::uint32_t placeOf(const Waiting& change);
+    void addGroup(const Waiting& change);
+    [[nodiscard]] LargestChange firstOf(const Largest& largest) const;
 
     HashSeed seed_;
     NameTable fields_;
@@ -213,9 +252,13 @@ private:
     TextStore texts_;
     RowStore rows_;
     std::vector<ChangeGroup*> groups_; ///< in the order in which they came
-    OpenSlots<Slot> slots_;            ///< by all that is equal in a group
+    std::vector<Rank> ranks_;          ///< of the groups
+    Largest largest_change_;
+    Largest largest_shift_;
+    OpenSlots<Slot> slots_; ///< by all that is equal in a group
     std::size_t additions_ = 0;
-    std::string field_; ///< kept for its room
+    std::optional<Waiting> waiting_; ///< until the next one, while its slot comes from the memory
+    std::string field_;              ///< kept for its room
 };
 
 /// A record of OLD and that of NEW that belongs to it; null where there is none.

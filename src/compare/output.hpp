@@ -61,7 +61,8 @@ struct CompareFormatSettings {
     std::string_view tool = "verimark";
     std::string_view version;
     CompareSettings settings;
-    bool quiet = false; ///< nothing of what is the same
+    bool quiet = false;    ///< nothing of what is the same
+    bool together = false; ///< a second thread may help
 };
 
 /// Writes what is different, pair by pair.

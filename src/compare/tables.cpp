@@ -56,7 +56,6 @@ struct CornerChange {
 struct TableChanges {
     PerCorner<CornerChange> corners{};
     ChangeDetails extents{};
-    PerCorner<std::string> row_counts{}; ///< of corners that only one file has
 };
 
 /// The part of the tolerance by which a shift may fit worse with fewer digits.
@@ -164,8 +163,7 @@ void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& ax
     if (was.empty() || is.empty()) {
         ChangeDetail detail;
         detail.corners = {corner};
-        changes.row_counts[corner] = rowCount(std::max(was.size(), is.size()));
-        (was.empty() ? detail.is : detail.was) = std::string_view(changes.row_counts[corner]);
+        (was.empty() ? detail.is : detail.was) = comparison.changes.keep(rowCount(std::max(was.size(), is.size())));
         addDetail(changes.extents, detail);
         return;
     }

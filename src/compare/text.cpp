@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <future>
+#include <span>
+#include <system_error>
 
 namespace kestrel {
 
@@ -233,7 +236,6 @@ public:
     CompareText(Output& out, const CompareFormatSettings& settings) : out_(out), settings_(settings) {}
 
     void pair(const ComparedPair& pair) override {
-        constexpr std::size_t kMostNames = 20;
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
         if (verdictOf(pair) == CompareVerdict::same && settings_.quiet) return;
@@ -245,10 +247,7 @@ public:
             appendPassedOver(line_, pair.passed_over);
             writeLine();
         }
-        for (const ChangeGroup* const group : pair.changes->groups) {
-            appendLine(line_, *group, kMostNames);
-            writeLine();
-        }
+        writeGroups(pair.changes->groups);
         if (!same) line_.push_back('\n');
         line_.append(summaryOf(pair)).append("\n");
         writeLine();
@@ -285,6 +284,39 @@ private:
         line_.push_back('\n');
         out_.write(line_);
         line_.clear();
+    }
+
+    using Groups = std::span<const ChangeGroup* const>;
+
+    static std::string linesOf(Groups groups) {
+        constexpr std::size_t kMostNames = 20;
+        std::string lines;
+        for (const ChangeGroup* const group : groups) {
+            appendLine(lines, *group, kMostNames);
+            lines.push_back('\n');
+        }
+        return lines;
+    }
+
+    /// Writes a line for each, of many the lines of one part while a second thread makes those of the next.
+    void writeGroups(Groups groups) {
+        constexpr std::size_t kPart = 4096;
+        while (!groups.empty()) {
+            const Groups part = groups.first(std::min(kPart, groups.size()));
+            groups = groups.subspan(part.size());
+            const Groups next = groups.first(std::min(kPart, groups.size()));
+            std::future<std::string> helper;
+            if (settings_.together && !next.empty()) {
+                try {
+                    helper = std::async(std::launch::async, linesOf, next);
+                } catch (const std::system_error&) { // then one after the other
+                }
+            }
+            out_.write(linesOf(part));
+            if (!helper.valid()) continue;
+            out_.write(helper.get());
+            groups = groups.subspan(next.size());
+        }
     }
 
     void writeErrors(const ComparedPath& file) {
