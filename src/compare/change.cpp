@@ -72,24 +72,46 @@ double sizeOf(const ChangeGroup& group, GivenValue percent) {
     return percent.value_or(std::numeric_limits<double>::infinity());
 }
 
-/// Sorts by a number of `Bytes` bytes that `key_of` gives, the largest first, equal ones as they are. There may be a
-/// million in hardly any order, for which a sort by comparing takes several times as long.
-template <std::size_t Bytes, class Row, class KeyOf> void sortDown(std::vector<Row>& rows, KeyOf key_of) {
+using Ranks = std::vector<ChangeRank, LargeAllocator<ChangeRank>>;
+
+/// Sorts by a number of 32 bits that `key_of` gives, the largest first, equal ones as they are.
+template <class KeyOf> void sortDown(Ranks& ranks, KeyOf key_of) {
+    constexpr std::size_t kBytes = 4;
     constexpr std::size_t kDigits = 256;
-    const auto digit = [&](const Row& row, std::size_t byte) { return 0xFFU & ~(key_of(row) >> 8U * byte); };
-    std::array<std::array<std::uint32_t, kDigits>, Bytes> counts{};
-    for (const Row& row : rows)
-        for (std::size_t byte = 0; byte < Bytes; ++byte)
-            ++counts[byte][digit(row, byte)];
-    std::vector<Row> sorted;
-    for (std::size_t byte = 0; byte < Bytes; ++byte) {
+    const auto digit = [&](const ChangeRank& rank, std::size_t byte) { return 0xFFU & ~(key_of(rank) >> 8U * byte); };
+    std::array<std::array<std::uint32_t, kDigits>, kBytes> counts{};
+    for (const ChangeRank& rank : ranks)
+        for (std::size_t byte = 0; byte < kBytes; ++byte)
+            ++counts[byte][digit(rank, byte)];
+    Ranks sorted;
+    for (std::size_t byte = 0; byte < kBytes; ++byte) {
         std::array<std::uint32_t, kDigits>& places = counts[byte];
-        if (rows.empty() || places[digit(rows.front(), byte)] == rows.size()) continue;
+        if (places[digit(ranks.front(), byte)] == ranks.size()) continue;
         std::exclusive_scan(places.begin(), places.end(), places.begin(), std::uint32_t{0});
-        sorted.resize(rows.size());
-        for (const Row& row : rows)
-            sorted[places[digit(row, byte)]++] = row;
-        rows.swap(sorted);
+        sorted.resize(ranks.size());
+        for (const ChangeRank& rank : ranks)
+            sorted[places[digit(rank, byte)]++] = rank;
+        ranks.swap(sorted);
+    }
+}
+
+/// Puts what is ahead first. There may be a million in hardly any order, for which a sort by comparing takes several
+/// times as long: digits sort them roughly, by the models and by the upper half of the sizes.
+void sortByRank(Ranks& ranks) {
+    if (ranks.empty()) return;
+    // Doubles that are not negative are in the order of their bits.
+    const auto upper_half = [](const ChangeRank& rank) {
+        return static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(rank.size) >> 32U);
+    };
+    sortDown(ranks, upper_half);
+    sortDown(ranks, [](const ChangeRank& rank) { return rank.models; });
+    const auto is_ahead = [](const ChangeRank& a, const ChangeRank& b) { return a.isAheadOf(b); };
+    for (auto first = ranks.begin(); first != ranks.end();) {
+        const auto last = std::find_if(first + 1, ranks.end(), [&](const ChangeRank& rank) {
+            return rank.models != first->models || upper_half(rank) != upper_half(*first);
+        });
+        if (!std::is_sorted(first, last, is_ahead)) std::sort(first, last, is_ahead);
+        first = last;
     }
 }
 
@@ -126,17 +148,25 @@ GivenValue ChangeGroup::percent() const {
     return most;
 }
 
-bool ChangeList::Rank::isAheadOf(const Rank& other) const {
+bool ChangeRank::isAheadOf(const ChangeRank& other) const {
     if (models != other.models) return models > other.models;
     if (size != other.size) return size > other.size;
     return place < other.place;
 }
 
 void ChangeList::Largest::offer(std::uint32_t place, double change) {
-    if (!places.empty() && std::abs(change) < size) return;
-    if (std::abs(change) > size) places.clear();
+    if (!changes.empty() && std::abs(change) < size) return;
+    if (std::abs(change) > size) changes.clear();
     size = std::abs(change);
-    places.emplace_back(place, change);
+    changes.emplace_back(place, change);
+}
+
+/// That which is written first; nothing where there is none.
+LargestChange ChangeList::firstOf(const Largest& largest) const {
+    if (largest.changes.empty()) return {};
+    const auto first = std::ranges::min_element(
+        largest.changes, [this](const auto& a, const auto& b) { return ranks_[a.first].isAheadOf(ranks_[b.first]); });
+    return {groups_[first->first], first->second};
 }
 
 std::uint32_t ChangeList::hashOf(const Waiting& change) const {
@@ -179,8 +209,8 @@ Name ChangeList::componentOf(const ComparedRecord& record) {
 
 void ChangeList::addGroup(const Waiting& change) {
     if (groups_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    const auto place = static_cast<std::uint32_t>(groups_.size());
     Rows<ChangeGroup> only;
+    const auto place = static_cast<std::uint32_t>(groups_.size());
     ChangeGroup& group = rows_.add(only, change.group);
     for (const ChangeDetail& detail : change.details) {
         rows_.add(group.details, detail);
@@ -193,7 +223,7 @@ void ChangeList::addGroup(const Waiting& change) {
     const GivenValue percent = group.percent();
     if (percent && group.kind != ChangeKind::shift) largest_change_.offer(place, *percent);
     groups_.push_back(&group);
-    ranks_.push_back({sizeOf(group, percent), 0, place});
+    ranks_.push_back({.size = sizeOf(group, percent), .place = place});
 }
 
 std::uint32_t ChangeList::placeOf(const Waiting& change) {
@@ -214,51 +244,45 @@ std::uint32_t ChangeList::placeOf(const Waiting& change) {
     return slot.number - 1;
 }
 
-void ChangeList::addWaiting() {
-    const std::uint32_t place = placeOf(*waiting_);
-    rows_.add(groups_[place]->names, waiting_->name);
-    ranks_[place].models += waiting_->models;
+void ChangeList::addWaiting(const Waiting& change) {
+    slots_.makeRoom(groups_.size(), [](const Slot& slot) { return slot.hash; });
+    const std::uint32_t place = placeOf(change);
+    rows_.add(groups_[place]->names, change.name);
+    ranks_[place].models += change.models;
 }
 
 void ChangeList::add(const ComparedRecord& record, const Change& change, std::size_t models) {
-    ++additions_;
-    if (waiting_) {
-        addWaiting();
+    constexpr std::size_t kMostWaiting = 8;
+    const std::size_t place = additions_++ % kMostWaiting;
+    if (place == waiting_.size()) {
+        waiting_.emplace_back();
     } else {
-        waiting_.emplace();
+        addWaiting(waiting_[place]);
     }
-    waiting_->models = static_cast<std::uint32_t>(models);
-    waiting_->group = {.kind = change.kind,
-                       .record = record.kind,
-                       .unit = change.unit,
-                       .axis = change.axis,
-                       .field = fieldOf(change.field),
-                       .component = componentOf(record)};
-    waiting_->details.assign(change.details);
-    waiting_->matrix = {change.matrix.count, keep(change.matrix.place)};
-    waiting_->name = record.pin.empty() ? record.name : record.pin;
-    waiting_->hash = hashOf(*waiting_);
-    slots_.makeRoom(groups_.size(), [](const Slot& slot) { return slot.hash; });
-    fetch(slots_.at(waiting_->hash, [](const Slot& /*any*/) { return true; }));
-}
-
-LargestChange ChangeList::firstOf(const Largest& largest) const {
-    if (largest.places.empty()) return {};
-    const auto [place, change] = *std::ranges::min_element(
-        largest.places, [this](const auto& a, const auto& b) { return ranks_[a.first].isAheadOf(ranks_[b.first]); });
-    return {groups_[place], change};
+    Waiting& added = waiting_[place];
+    added.group = {.kind = change.kind,
+                   .record = record.kind,
+                   .unit = change.unit,
+                   .axis = change.axis,
+                   .field = fieldOf(change.field),
+                   .component = componentOf(record)};
+    added.models = static_cast<std::uint32_t>(models);
+    added.details.assign(change.details);
+    added.matrix = {change.matrix.count, keep(change.matrix.place)};
+    added.name = record.pin.empty() ? record.name : record.pin;
+    added.hash = hashOf(added);
+    if (!slots_.empty()) fetch(slots_.at(added.hash, [](const Slot& /*any*/) { return true; }));
 }
 
 RankedChanges ChangeList::ranked() {
-    if (waiting_) addWaiting();
-    waiting_.reset();
+    const std::size_t oldest = waiting_.empty() ? 0 : additions_ % waiting_.size();
+    for (std::size_t i = 0; i < waiting_.size(); ++i)
+        addWaiting(waiting_[(oldest + i) % waiting_.size()]);
+    waiting_.clear();
     RankedChanges ranked{.groups = {}, .change = firstOf(largest_change_), .shift = firstOf(largest_shift_)};
-    std::vector<Rank> ranks = ranks_;
-    // Doubles that are not negative are in the order of their bits.
-    sortDown<sizeof(double)>(ranks, [](const Rank& rank) { return std::bit_cast<std::uint64_t>(rank.size); });
-    sortDown<sizeof(std::uint32_t)>(ranks, [](const Rank& rank) { return rank.models; });
-    ranked.groups.reserve(ranks.size());
-    for (const Rank& rank : ranks)
+    sortByRank(ranks_);
+    ranked.groups.reserve(ranks_.size());
+    for (const ChangeRank& rank : ranks_)
         ranked.groups.push_back(groups_[rank.place]);
     return ranked;
 }

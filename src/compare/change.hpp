@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/enum_set.hpp"
+#include "base/large_memory.hpp"
 #include "base/name_table.hpp"
 #include "base/open_slots.hpp"
 #include "base/row_store.hpp"
@@ -179,6 +180,15 @@ struct LargestChange {
     double size = 0.0;
 };
 
+/// What a group is sorted by.
+struct ChangeRank {
+    double size;              ///< in per cent, never negative
+    std::uint32_t models = 0; ///< how many models it affects
+    std::uint32_t place;      ///< in the order in which they came
+
+    [[nodiscard]] bool isAheadOf(const ChangeRank& other) const;
+};
+
 /// Groups in the order in which they are written, and the largest of them.
 struct RankedChanges {
     std::vector<const ChangeGroup*> groups;
@@ -199,6 +209,7 @@ public:
     [[nodiscard]] std::size_t additions() const { return additions_; }
 
     /// The groups: what affects most models first, then what is largest, then as they came.
+    /// Nothing may be added behind that.
     [[nodiscard]] RankedChanges ranked();
 
 private:
@@ -219,19 +230,10 @@ private:
         std::string_view name{};
     };
 
-    /// What a group is sorted by.
-    struct Rank {
-        double size; ///< in per cent
-        std::uint32_t models;
-        std::uint32_t place; ///< in the order in which they came
-
-        [[nodiscard]] bool isAheadOf(const Rank& other) const;
-    };
-
     /// The largest changes so far, of which more than one may be equal.
     struct Largest {
         double size = 0.0;
-        std::vector<std::pair<std::uint32_t, double>> places; ///< of groups, each with its change
+        std::vector<std::pair<std::uint32_t, double>> changes; ///< the places of their groups, and what changed
 
         void offer(std::uint32_t place, double change);
     };
@@ -239,7 +241,7 @@ private:
     [[nodiscard]] Name fieldOf(const FieldName& field);
     [[nodiscard]] Name componentOf(const ComparedRecord& record);
     [[nodiscard]] std::uint32_t hashOf(const Waiting& change) const;
-    void addWaiting();
+    void addWaiting(const Waiting& change);
     std::uint32_t placeOf(const Waiting& change);
     void addGroup(const Waiting& change);
     [[nodiscard]] LargestChange firstOf(const Largest& largest) const;
@@ -251,14 +253,14 @@ private:
     Name last_component_;
     TextStore texts_;
     RowStore rows_;
-    std::vector<ChangeGroup*> groups_; ///< in the order in which they came
-    std::vector<Rank> ranks_;          ///< of the groups
+    std::vector<ChangeGroup*, LargeAllocator<ChangeGroup*>> groups_; ///< in the order in which they came
+    std::vector<ChangeRank, LargeAllocator<ChangeRank>> ranks_;      ///< of the groups
     Largest largest_change_;
     Largest largest_shift_;
     OpenSlots<Slot> slots_; ///< by all that is equal in a group
     std::size_t additions_ = 0;
-    std::optional<Waiting> waiting_; ///< until the next one, while its slot comes from the memory
-    std::string field_;              ///< kept for its room
+    std::vector<Waiting> waiting_; ///< the last few, while their slots come from the memory
+    std::string field_;            ///< kept for its room
 };
 
 /// A record of OLD and that of NEW that belongs to it; null where there is none.
