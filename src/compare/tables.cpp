@@ -26,11 +26,12 @@ struct Axes {
     Unit value;
 };
 
-CurveTolerance toleranceOf(const Comparison& comparison, Unit unit) {
+CurveTolerance toleranceOf(const Comparison& comparison, const Axes& axes) {
     const bool exact = comparison.settings.tolerance == 0.0;
     return {.share = comparison.share(),
-            .nothing = unit == Unit::amperes && !exact ? kNoCurrent : 0.0,
-            .between_rows = !exact};
+            .nothing = axes.value == Unit::amperes && !exact ? kNoCurrent : 0.0,
+            .between_rows = !exact,
+            .of_whole = axes.along == Unit::seconds};
 }
 
 using TableRows = Rows<TableRow>;
@@ -167,7 +168,7 @@ void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& ax
         addDetail(changes.extents, detail);
         return;
     }
-    const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
+    const CurveTolerance tolerance = toleranceOf(comparison, axes);
     CornerChange& change = changes.corners[corner];
     change.length = lengthOf(was);
     change.difference = differenceOf(was, is, tolerance);
@@ -200,7 +201,7 @@ void agreeOnShift(Comparison& comparison, TableChanges& changes, const Axes& axe
         CornerChange& change = changes.corners[corner];
         if (!change.shift || !change.difference || *change.shift == *common) continue;
         const auto [before, now] = curvesOf(comparison, corner, was, is);
-        takeCommonShift(before, now, toleranceOf(comparison, axes.value), *common, change);
+        takeCommonShift(before, now, toleranceOf(comparison, axes), *common, change);
     }
 }
 
@@ -314,7 +315,7 @@ void compareRows(Comparison& comparison, const FieldName& field, const Axes& axe
                  const TableRows& is) {
     if (isSame(was, is)) return;
     TableChanges changes;
-    const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
+    const CurveTolerance tolerance = toleranceOf(comparison, axes);
     const std::optional<PerCorner<ColumnDifference>> of_rows = differencesOfRows(was, is);
     for (const Corner corner : kCorners) {
         if (of_rows) {
@@ -380,7 +381,7 @@ std::size_t differingFields(const FixtureKey& a, const FixtureKey& b) {
 
 /// How far the typical voltages are apart at most.
 double distanceOf(std::array<PointRoom, 2>& points, const Wvfrm& was, const Wvfrm& is) {
-    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false};
+    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false, .of_whole = true};
     if (isSame(was.rows, is.rows)) return 0.0;
     points[0].empty(was.rows.size());
     points[1].empty(is.rows.size());
