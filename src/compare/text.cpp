@@ -1,5 +1,6 @@
 #include "base/output.hpp"
 #include "compare/output.hpp"
+#include "findings/format.hpp"
 #include "quality/number_text.hpp"
 
 #include <algorithm>
@@ -239,7 +240,11 @@ public:
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
         if (verdictOf(pair) == CompareVerdict::same && settings_.quiet) return;
-        line_.assign("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n");
+        line_.assign("Comparing ");
+        writeName(pair.was.path);
+        line_.assign(" with ");
+        writeName(pair.is.path);
+        line_.push_back('\n');
         writeLine();
         writeErrors(pair.was);
         writeErrors(pair.is);
@@ -254,7 +259,8 @@ public:
     }
 
     void lonely(std::string_view path, bool is_new) override {
-        line_.assign(is_new ? "Only new: " : "Only old: ").append(path);
+        line_.assign(is_new ? "Only new: " : "Only old: ");
+        writeName(path);
         writeLine();
     }
 
@@ -284,6 +290,13 @@ private:
         line_.push_back('\n');
         out_.write(line_);
         line_.clear();
+    }
+
+    /// Writes what the line has so far and the name of a file, which may hold any character.
+    void writeName(std::string_view path) {
+        out_.write(line_);
+        line_.clear();
+        writeOnOneLine(out_, path);
     }
 
     using Groups = std::span<const ChangeGroup* const>;
@@ -321,7 +334,8 @@ private:
 
     void writeErrors(const ComparedPath& file) {
         if (file.errors == 0) return;
-        line_.append(file.path).append(" fails with ");
+        writeName(file.path);
+        line_.append(" fails with ");
         appendInteger(line_, file.errors);
         line_.append(file.errors == 1 ? " error; compared as far as it was read"
                                       : " errors; compared as far as it was read");

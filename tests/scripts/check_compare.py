@@ -9,6 +9,7 @@ import json
 import os
 import random
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -198,6 +199,21 @@ def told_of(whole):
     return told
 
 
+def check_names(program, folder, sample):
+    """Names of files with a line feed do not break a line of the text."""
+    old, new = (os.path.join(folder, side) for side in ("old\nside", "new\nside"))
+    for side in (old, new):
+        os.mkdir(side)
+        shutil.copyfile(sample, os.path.join(side, "a\nb.ibs"))
+    shutil.copyfile(sample, os.path.join(new, "c\nd.ibs"))
+    done = subprocess.run([program, "--compare", old, new], capture_output=True, text=True, check=False)
+    was, now = old.replace("\n", " "), new.replace("\n", " ")
+    told = done.stdout.splitlines()
+    assert told[0] == f"Comparing {was}/a b.ibs with {now}/a b.ibs", told
+    assert f"{now}/a b.ibs fails with 1 error; compared as far as it was read" in told, told  # [File Name] is another
+    assert f"Only new: {now}/c d.ibs" in told, told
+
+
 def main():
     program, schema_path, *paths = sys.argv[1:]
     documents = []
@@ -228,6 +244,7 @@ def main():
                 documents.append(whole)
             os.remove(original)
             os.remove(copy)
+        check_names(program, folder, paths[0])
     assert edits > 0
     try:
         import jsonschema
