@@ -1,8 +1,8 @@
 """Compares files with copies that mean the same and copies that do not: check_compare.py PROGRAM SCHEMA FILE...
 
-Of each .ibs file it makes a copy with other blanks, comments, line ends, forms of numbers and order of models, of which
-no difference may be told at any tolerance, and copies with ten numbers edited, of which exactly those have to be told.
-Ends with status 77 when a check had to be left out and the others passed.
+Of each .ibs file it makes a copy with other blanks, comments, line ends, forms of numbers and order of models and pins, of
+which no difference may be told at any tolerance, and copies with ten numbers edited, of which exactly those have to be
+told. Ends with status 77 when a check had to be left out and the others passed.
 """
 
 import json
@@ -103,16 +103,29 @@ def other_form(item, chance):
     return f"{value.scaleb(9):f}n{unit}"
 
 
+def pins_turned_round(lines):
+    """The texts of the lines of pins, by their places, the last pin of a component first."""
+    texts = {}
+    begins = [place for place, line in enumerate(lines) if line.is_keyword]
+    for begin, end in zip(begins, begins[1:] + [len(lines)]):
+        if lines[begin].keyword != "[pin]":
+            continue
+        rows = [place for place in range(begin + 1, end) if lines[place].items]
+        texts.update(zip(rows, (lines[place].text for place in reversed(rows))))
+    return texts
+
+
 def disguised(lines, comment, seed):
     """A copy that means the same."""
     chance = random.Random(seed)
+    pins = pins_turned_round(lines)
     blocks = [[]]
     kinds = [None]
-    for line in lines:
+    for place, line in enumerate(lines):
         if line.is_keyword and line.keyword in RECORDS:
             blocks.append([])
             kinds.append(line.keyword)
-        text = line.text
+        text = pins.get(place, line.text)
         if line.is_row() or line.is_range():
             first = [line.items[0]] if line.is_range() else []
             items = first + [other_form(item, chance) for item in line.items[len(first) :]]
