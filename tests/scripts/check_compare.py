@@ -227,6 +227,30 @@ def check_names(program, folder, sample):
     assert f"Only new: {now}/c d.ibs" in told, told
 
 
+def check_order(program, folder):
+    """Thousands of changes of nearly one size come in the order of their sizes, whoever makes their lines."""
+    count = 9001
+    names = [str(place * 7919 % count) for place in range(count)]  # 7919 is prime: each number once, in another order
+    paths = []
+    for side in ("few", "more"):
+        path = os.path.join(folder, side, "pins.ibs")
+        os.mkdir(os.path.dirname(path))
+        with open(path, "w", encoding="ascii") as file:
+            file.write("[IBIS Ver] 5.1\n[File Name] pins.ibs\n[File Rev] 1\n[Component] part\n[Manufacturer] us\n"
+                       "[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n"
+                       "[Pin] signal_name model_name R_pin L_pin C_pin\n")
+            for name in names:
+                # Larger by 10 % and as many ten millionths of one per cent as the name says.
+                value = "100" if side == "few" else f"{Decimal(110) + Decimal(name).scaleb(-7)}"
+                file.write(f"{name} a NC {value} 1n 1p\n")
+            file.write("[End]\n")
+        paths.append(path)
+    for jobs in ("--jobs=1", "--jobs=2"):
+        done = subprocess.run([program, jobs, "--compare", *paths], capture_output=True, text=True, check=False)
+        told = [line.split(":")[0] for line in done.stdout.splitlines() if line.startswith("Component part, pin")]
+        assert told == [f"Component part, pin {name}" for name in reversed(range(count))], (jobs, told[:5])
+
+
 def main():
     program, schema_path, *paths = sys.argv[1:]
     documents = []
@@ -258,6 +282,7 @@ def main():
             os.remove(original)
             os.remove(copy)
         check_names(program, folder, paths[0])
+        check_order(program, folder)
     assert edits > 0
     try:
         import jsonschema
