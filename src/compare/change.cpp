@@ -207,6 +207,7 @@ Name ChangeList::componentOf(const ComparedRecord& record) {
     return last_component_;
 }
 
+/// Makes a group for a change that no other is equal to so far.
 void ChangeList::addGroup(const Waiting& change) {
     if (groups_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
     Rows<ChangeGroup> only;
@@ -226,6 +227,7 @@ void ChangeList::addGroup(const Waiting& change) {
     ranks_.push_back({.size = sizeOf(group, percent), .place = place});
 }
 
+/// The place of the group of changes that are equal to this one, which is made when there is none.
 std::uint32_t ChangeList::placeOf(const Waiting& change) {
     Slot& slot = slots_.at(change.hash, [&](const Slot& other) {
         if (other.hash != change.hash) return false;

@@ -4,6 +4,7 @@
 #include "compare/settings.hpp"
 #include "findings/json.hpp"
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,9 @@
 namespace kestrel {
 
 class Output;
+
+/// What changes call the corners.
+inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"typ", "min", "max"};
 
 /// One of two files that are compared.
 struct ComparedPath {

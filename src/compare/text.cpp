@@ -193,11 +193,10 @@ void appendDetail(std::string& text, const ChangeDetail& detail, const ChangeGro
 
 /// Appends "typ, min and max"; nothing without a corner.
 void appendCorners(std::string& text, const EnumSet<Corner>& corners) {
-    constexpr std::array<std::string_view, kCornerCount> kWords{"typ", "min", "max"};
     std::array<std::string_view, kCornerCount> words;
     std::size_t count = 0;
     for (const Corner corner : kCorners)
-        if (corners.has(corner)) words[count++] = kWords[placeOf(corner)];
+        if (corners.has(corner)) words[count++] = kCornerNames[placeOf(corner)];
     for (std::size_t i = 0; i < count; ++i)
         text.append(i == 0 ? "" : i + 1 == count ? " and " : ", ").append(words[i]);
 }
