@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/enum_set.hpp"
+#include "base/large_memory.hpp"
 #include "base/name_table.hpp"
 #include "base/open_slots.hpp"
 #include "base/row_store.hpp"
@@ -14,9 +15,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -89,6 +92,11 @@ struct ChangeDetail {
 class ChangeDetails {
 public:
     void push_back(const ChangeDetail& detail) { details_.at(size_++) = detail; }
+    void assign(std::span<const ChangeDetail> details) {
+        size_ = 0;
+        for (const ChangeDetail& detail : details)
+            push_back(detail);
+    }
     [[nodiscard]] bool empty() const { return size_ == 0; }
     [[nodiscard]] ChangeDetail* begin() { return details_.data(); }
     [[nodiscard]] ChangeDetail* end() { return details_.data() + size_; }
@@ -119,7 +127,8 @@ struct MatrixChange {
     bool operator==(const MatrixChange& other) const = default;
 };
 
-/// A change of one field of a record, or of the whole record. Its texts and details have to last until it is in a list.
+/// A change of one field of a record, or of the whole record. The texts of its details have to outlive the list that it
+/// is added to: they belong to a record, or are kept by the list.
 struct Change {
     ChangeKind kind = ChangeKind::value;
     FieldName field{}; ///< empty for the whole record
@@ -139,13 +148,12 @@ struct ComparedRecord {
 
 /// A change and all records that it is the same for. It is small: there may be one for every row of a file.
 struct ChangeGroup {
-    ChangeKind kind;
-    SubjectKind record; ///< the kind of the records, or of that whose pins are named
-    Unit unit;
-    Unit axis;
-    std::uint32_t models = 0; ///< how many models it affects
-    Name field{};             ///< empty for the whole record
-    Name component{};         ///< whose pins are named; empty where records are
+    ChangeKind kind{};
+    SubjectKind record{}; ///< the kind of the records, or of that whose pins are named
+    Unit unit{};
+    Unit axis{};
+    Name field{};     ///< empty for the whole record
+    Name component{}; ///< whose pins are named; empty where records are
     Rows<ChangeDetail> details{};
     Rows<std::string_view> names{};       ///< of the records or pins
     const MatrixChange* matrix = nullptr; ///< null for all but matrices
@@ -172,6 +180,15 @@ struct LargestChange {
     double size = 0.0;
 };
 
+/// What a group is sorted by.
+struct ChangeRank {
+    double size;              ///< in per cent, never negative
+    std::uint32_t models = 0; ///< how many models it affects
+    std::uint32_t place;      ///< in the order in which they came
+
+    [[nodiscard]] bool isAheadOf(const ChangeRank& other) const;
+};
+
 /// Groups in the order in which they are written, and the largest of them.
 struct RankedChanges {
     std::vector<const ChangeGroup*> groups;
@@ -185,11 +202,15 @@ public:
     /// `models` is how many models of the file it affects. The names of the record have to outlive the list.
     void add(const ComparedRecord& record, const Change& change, std::size_t models);
 
+    /// Keeps a text that belongs to no record as long as the list.
+    [[nodiscard]] std::string_view keep(std::string_view text) { return texts_.add(text).view(); }
+
     /// How often something was added.
     [[nodiscard]] std::size_t additions() const { return additions_; }
 
     /// The groups: what affects most models first, then what is largest, then as they came.
-    [[nodiscard]] RankedChanges ranked() const;
+    /// Nothing may be added behind that.
+    [[nodiscard]] RankedChanges ranked();
 
 private:
     struct Slot {
@@ -199,11 +220,31 @@ private:
         [[nodiscard]] bool isFree() const { return number == 0; }
     };
 
+    /// A change whose group is not looked up yet.
+    struct Waiting {
+        std::uint32_t hash = 0;
+        std::uint32_t models = 0;
+        ChangeGroup group{}; ///< without details and names
+        ChangeDetails details{};
+        MatrixChange matrix{};
+        std::string_view name{};
+    };
+
+    /// The largest changes so far, of which more than one may be equal.
+    struct Largest {
+        double size = 0.0;
+        std::vector<std::pair<std::uint32_t, double>> changes; ///< the places of their groups, and what changed
+
+        void offer(std::uint32_t place, double change);
+    };
+
     [[nodiscard]] Name fieldOf(const FieldName& field);
     [[nodiscard]] Name componentOf(const ComparedRecord& record);
-    [[nodiscard]] std::uint32_t hashOf(const ComparedRecord& record, const Change& change, Name field) const;
-    ChangeGroup& groupOf(const ComparedRecord& record, const Change& change);
-    [[nodiscard]] GivenThing kept(const GivenThing& thing);
+    [[nodiscard]] std::uint32_t hashOf(const Waiting& change) const;
+    void addWaiting(const Waiting& change);
+    std::uint32_t placeOf(const Waiting& change);
+    void addGroup(const Waiting& change);
+    [[nodiscard]] LargestChange firstOf(const Largest& largest) const;
 
     HashSeed seed_;
     NameTable fields_;
@@ -212,10 +253,14 @@ private:
     Name last_component_;
     TextStore texts_;
     RowStore rows_;
-    std::vector<ChangeGroup*> groups_; ///< in the order in which they came
-    OpenSlots<Slot> slots_;            ///< by all that is equal in a group
+    std::vector<ChangeGroup*, LargeAllocator<ChangeGroup*>> groups_; ///< in the order in which they came
+    std::vector<ChangeRank, LargeAllocator<ChangeRank>> ranks_;      ///< of the groups
+    Largest largest_change_;
+    Largest largest_shift_;
+    OpenSlots<Slot> slots_; ///< by all that is equal in a group
     std::size_t additions_ = 0;
-    std::string field_; ///< kept for its room
+    std::vector<Waiting> waiting_; ///< the last few, while their slots come from the memory
+    std::string field_;            ///< kept for its room
 };
 
 /// A record of OLD and that of NEW that belongs to it; null where there is none.

@@ -32,6 +32,8 @@ template <class Record> std::vector<const Record*> recordsOf(const ObjectList<Re
 
 template <class Record> std::string_view nameOf(const Record* record) { return record->name; }
 
+std::string_view textOf(const std::optional<std::string>& text) { return text ? std::string_view(*text) : ""; }
+
 /// The comparison of two files as far as it has come.
 class FileComparison {
 public:
@@ -173,10 +175,10 @@ private:
             compareText(comparison, "[File Name]", was.file_name, is.file_name);
             compareText(comparison, "[File Rev]", was.file_rev, is.file_rev);
             compareText(comparison, "[Date]", was.date, is.date);
-            compareText(comparison, "[Source]", was.source.value_or(""), is.source.value_or(""));
-            compareText(comparison, "[Notes]", was.notes.value_or(""), is.notes.value_or(""));
-            compareText(comparison, "[Disclaimer]", was.disclaimer.value_or(""), is.disclaimer.value_or(""));
-            compareText(comparison, "[Copyright]", was.copyright.value_or(""), is.copyright.value_or(""));
+            compareText(comparison, "[Source]", textOf(was.source), textOf(is.source));
+            compareText(comparison, "[Notes]", textOf(was.notes), textOf(is.notes));
+            compareText(comparison, "[Disclaimer]", textOf(was.disclaimer), textOf(is.disclaimer));
+            compareText(comparison, "[Copyright]", textOf(was.copyright), textOf(is.copyright));
         });
     }
 

@@ -111,6 +111,7 @@ void compareWord(Comparison& comparison, const FieldName& field, std::string_vie
 }
 
 std::string_view nameInNew(const Comparison& comparison, std::string_view was) {
+    if (comparison.renamed.empty()) return was;
     const auto found = comparison.renamed.find(was);
     return found == comparison.renamed.end() ? was : found->second;
 }

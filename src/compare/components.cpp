@@ -150,7 +150,8 @@ void compareSwitches(Comparison& comparison, const SwitchGroups& was, const Swit
         const std::string before = i < was.states.size() ? textOf(was.states[i]) : std::string();
         const std::string now = i < is.states.size() ? textOf(is.states[i]) : std::string();
         if (before != now)
-            compareText(comparison, {"[Series Switch Groups]", "state", std::to_string(i + 1)}, before, now);
+            compareText(comparison, {"[Series Switch Groups]", "state", std::to_string(i + 1)},
+                        comparison.changes.keep(before), comparison.changes.keep(now));
     }
 }
 

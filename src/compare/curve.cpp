@@ -196,7 +196,8 @@ std::optional<CurveDifference> differenceOf(Curve was, Curve is, const CurveTole
         const bool is_one = std::abs(largest.is - largest.was) > allowed;
         return is_one ? std::optional(largest) : std::nullopt;
     }
-    const double scale = largestMagnitude(was, range->low, range->high, range->snap);
+    const double scale =
+        tolerance.of_whole ? largestMagnitude(was) : largestMagnitude(was, range->low, range->high, range->snap);
     const double allowed = allowedOf(tolerance, scale, [&] {
         return largestMagnitude(is, std::max(range->low + later, is.front().x),
                                 std::min(range->high + later, is.back().x), range->snap);
@@ -284,8 +285,9 @@ std::optional<double> levelOffsetOf(Curve was, Curve is, const CurveTolerance& t
     const std::optional<Overlap> range = overlapOf(was, is, 0.0);
     if (!range || was.size() < 2 || is.size() < 2 || !(range->high - range->low > range->snap)) return std::nullopt;
     // Most are no such curves, which the first rows show.
-    const double most_allowed = allowedOf(tolerance, largestMagnitude(was), [is] { return largestMagnitude(is); });
-    double scale = 0.0;
+    const double most = largestMagnitude(was);
+    const double most_allowed = allowedOf(tolerance, most, [is] { return largestMagnitude(is); });
+    double scale = tolerance.of_whole ? most : 0.0;
     double new_scale = 0.0;
     double low = HUGE_VAL;
     double high = -HUGE_VAL;

@@ -14,11 +14,13 @@ using Curve = std::span<const Point>;
 
 /// Up to where two curves are the same.
 struct CurveTolerance {
-    double share;   ///< of the largest magnitude of the old one
+    double share;   ///< of the largest magnitude of the old one, over what both have or over all of it
     double nothing; ///< differences up to this are none, in the unit of y; of small curves only less is
     /// Whether what lies between two rows is only known as far as their neighbours show how the curve bends: at a knee
     /// other rows give other lines.
     bool between_rows;
+    /// Whether all of the old curve gives the scale: what both have of an edge may be what comes ahead of it.
+    bool of_whole;
 };
 
 /// Whether a difference is beyond the tolerance; the scales are the largest magnitudes of the old and the new curve.
@@ -29,7 +31,7 @@ struct CurveDifference {
     double x; ///< as the old one counts it
     double was;
     double is;
-    double scale; ///< the largest magnitude of the old one over what both have
+    double scale; ///< the largest magnitude of the old one, as the tolerance wants it
 };
 
 /// Where the new curve, which comes `later` by so much, differs most from the old one over the range that both have;

@@ -41,12 +41,11 @@ void writeThing(JsonObject& object, std::string_view key, const GivenThing& thin
 }
 
 void writeDetail(JsonArray& details, const ChangeDetail& detail) {
-    constexpr std::array<std::string_view, kCornerCount> kWords{"typ", "min", "max"};
     JsonObject object(details);
     {
         JsonArray corners(object, "corners");
         for (const Corner corner : kCorners)
-            if (detail.corners.has(corner)) corners.text(kWords[placeOf(corner)]);
+            if (detail.corners.has(corner)) corners.text(kCornerNames[placeOf(corner)]);
     }
     writeThing(object, "old", detail.was);
     writeThing(object, "new", detail.is);

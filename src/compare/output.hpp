@@ -4,6 +4,7 @@
 #include "compare/settings.hpp"
 #include "findings/json.hpp"
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,9 @@
 namespace kestrel {
 
 class Output;
+
+/// What changes call the corners.
+inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"typ", "min", "max"};
 
 /// One of two files that are compared.
 struct ComparedPath {
@@ -61,7 +65,8 @@ struct CompareFormatSettings {
     std::string_view tool = "verimark";
     std::string_view version;
     CompareSettings settings;
-    bool quiet = false; ///< nothing of what is the same
+    bool quiet = false;    ///< nothing of what is the same
+    bool together = false; ///< a second thread may help
 };
 
 /// Writes what is different, pair by pair.

@@ -226,9 +226,9 @@ bool isSameElement(const ChainElement& a, const ChainElement& b) {
 }
 
 void compareChains(Comparison& comparison, const Chain& was, const Chain& is) {
-    const auto count = [](const Chain& chain) {
+    const auto count = [&](const Chain& chain) {
         const std::size_t sections = chain.sections.size();
-        return std::to_string(sections).append(sections == 1 ? " section" : " sections");
+        return comparison.changes.keep(std::to_string(sections).append(sections == 1 ? " section" : " sections"));
     };
     if (was.sections.size() != is.sections.size()) return compareText(comparison, "path", count(was), count(is));
     if (!std::ranges::equal(was.elements, is.elements, isSameElement))

@@ -26,11 +26,12 @@ struct Axes {
     Unit value;
 };
 
-CurveTolerance toleranceOf(const Comparison& comparison, Unit unit) {
+CurveTolerance toleranceOf(const Comparison& comparison, const Axes& axes) {
     const bool exact = comparison.settings.tolerance == 0.0;
     return {.share = comparison.share(),
-            .nothing = unit == Unit::amperes && !exact ? kNoCurrent : 0.0,
-            .between_rows = !exact};
+            .nothing = axes.value == Unit::amperes && !exact ? kNoCurrent : 0.0,
+            .between_rows = !exact,
+            .of_whole = axes.along == Unit::seconds};
 }
 
 using TableRows = Rows<TableRow>;
@@ -56,7 +57,6 @@ struct CornerChange {
 struct TableChanges {
     PerCorner<CornerChange> corners{};
     ChangeDetails extents{};
-    PerCorner<std::string> row_counts{}; ///< of corners that only one file has
 };
 
 /// The part of the tolerance by which a shift may fit worse with fewer digits.
@@ -164,12 +164,11 @@ void compareCorner(Comparison& comparison, TableChanges& changes, const Axes& ax
     if (was.empty() || is.empty()) {
         ChangeDetail detail;
         detail.corners = {corner};
-        changes.row_counts[corner] = rowCount(std::max(was.size(), is.size()));
-        (was.empty() ? detail.is : detail.was) = std::string_view(changes.row_counts[corner]);
+        (was.empty() ? detail.is : detail.was) = comparison.changes.keep(rowCount(std::max(was.size(), is.size())));
         addDetail(changes.extents, detail);
         return;
     }
-    const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
+    const CurveTolerance tolerance = toleranceOf(comparison, axes);
     CornerChange& change = changes.corners[corner];
     change.length = lengthOf(was);
     change.difference = differenceOf(was, is, tolerance);
@@ -202,7 +201,7 @@ void agreeOnShift(Comparison& comparison, TableChanges& changes, const Axes& axe
         CornerChange& change = changes.corners[corner];
         if (!change.shift || !change.difference || *change.shift == *common) continue;
         const auto [before, now] = curvesOf(comparison, corner, was, is);
-        takeCommonShift(before, now, toleranceOf(comparison, axes.value), *common, change);
+        takeCommonShift(before, now, toleranceOf(comparison, axes), *common, change);
     }
 }
 
@@ -316,7 +315,7 @@ void compareRows(Comparison& comparison, const FieldName& field, const Axes& axe
                  const TableRows& is) {
     if (isSame(was, is)) return;
     TableChanges changes;
-    const CurveTolerance tolerance = toleranceOf(comparison, axes.value);
+    const CurveTolerance tolerance = toleranceOf(comparison, axes);
     const std::optional<PerCorner<ColumnDifference>> of_rows = differencesOfRows(was, is);
     for (const Corner corner : kCorners) {
         if (of_rows) {
@@ -382,7 +381,7 @@ std::size_t differingFields(const FixtureKey& a, const FixtureKey& b) {
 
 /// How far the typical voltages are apart at most.
 double distanceOf(std::array<PointRoom, 2>& points, const Wvfrm& was, const Wvfrm& is) {
-    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false};
+    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = false, .of_whole = true};
     if (isSame(was.rows, is.rows)) return 0.0;
     points[0].empty(was.rows.size());
     points[1].empty(is.rows.size());

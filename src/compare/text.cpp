@@ -1,10 +1,14 @@
 #include "base/output.hpp"
 #include "compare/output.hpp"
+#include "findings/format.hpp"
 #include "quality/number_text.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <future>
+#include <span>
+#include <system_error>
 
 namespace kestrel {
 
@@ -189,11 +193,10 @@ void appendDetail(std::string& text, const ChangeDetail& detail, const ChangeGro
 
 /// Appends "typ, min and max"; nothing without a corner.
 void appendCorners(std::string& text, const EnumSet<Corner>& corners) {
-    constexpr std::array<std::string_view, kCornerCount> kWords{"typ", "min", "max"};
     std::array<std::string_view, kCornerCount> words;
     std::size_t count = 0;
     for (const Corner corner : kCorners)
-        if (corners.has(corner)) words[count++] = kWords[placeOf(corner)];
+        if (corners.has(corner)) words[count++] = kCornerNames[placeOf(corner)];
     for (std::size_t i = 0; i < count; ++i)
         text.append(i == 0 ? "" : i + 1 == count ? " and " : ", ").append(words[i]);
 }
@@ -233,11 +236,14 @@ public:
     CompareText(Output& out, const CompareFormatSettings& settings) : out_(out), settings_(settings) {}
 
     void pair(const ComparedPair& pair) override {
-        constexpr std::size_t kMostNames = 20;
         if (pair.changes == nullptr) return;
         const bool same = pair.changes->groups.empty();
         if (verdictOf(pair) == CompareVerdict::same && settings_.quiet) return;
-        line_.assign("Comparing ").append(pair.was.path).append(" with ").append(pair.is.path).append("\n");
+        line_.assign("Comparing ");
+        writeName(pair.was.path);
+        line_.assign(" with ");
+        writeName(pair.is.path);
+        line_.push_back('\n');
         writeLine();
         writeErrors(pair.was);
         writeErrors(pair.is);
@@ -245,17 +251,15 @@ public:
             appendPassedOver(line_, pair.passed_over);
             writeLine();
         }
-        for (const ChangeGroup* const group : pair.changes->groups) {
-            appendLine(line_, *group, kMostNames);
-            writeLine();
-        }
+        writeGroups(pair.changes->groups);
         if (!same) line_.push_back('\n');
         line_.append(summaryOf(pair)).append("\n");
         writeLine();
     }
 
     void lonely(std::string_view path, bool is_new) override {
-        line_.assign(is_new ? "Only new: " : "Only old: ").append(path);
+        line_.assign(is_new ? "Only new: " : "Only old: ");
+        writeName(path);
         writeLine();
     }
 
@@ -287,9 +291,50 @@ private:
         line_.clear();
     }
 
+    /// Writes what the line has so far and the name of a file, which may hold any character.
+    void writeName(std::string_view path) {
+        out_.write(line_);
+        line_.clear();
+        writeOnOneLine(out_, path);
+    }
+
+    using Groups = std::span<const ChangeGroup* const>;
+
+    static std::string linesOf(Groups groups) {
+        constexpr std::size_t kMostNames = 20;
+        std::string lines;
+        for (const ChangeGroup* const group : groups) {
+            appendLine(lines, *group, kMostNames);
+            lines.push_back('\n');
+        }
+        return lines;
+    }
+
+    /// Writes a line for each, of many the lines of one part while a second thread makes those of the next.
+    void writeGroups(Groups groups) {
+        constexpr std::size_t kPart = 4096;
+        while (!groups.empty()) {
+            const Groups part = groups.first(std::min(kPart, groups.size()));
+            groups = groups.subspan(part.size());
+            const Groups next = groups.first(std::min(kPart, groups.size()));
+            std::future<std::string> helper;
+            if (settings_.together && !next.empty()) {
+                try {
+                    helper = std::async(std::launch::async, linesOf, next);
+                } catch (const std::system_error&) { // then one after the other
+                }
+            }
+            out_.write(linesOf(part));
+            if (!helper.valid()) continue;
+            out_.write(helper.get());
+            groups = groups.subspan(next.size());
+        }
+    }
+
     void writeErrors(const ComparedPath& file) {
         if (file.errors == 0) return;
-        line_.append(file.path).append(" fails with ");
+        writeName(file.path);
+        line_.append(" fails with ");
         appendInteger(line_, file.errors);
         line_.append(file.errors == 1 ? " error; compared as far as it was read"
                                       : " errors; compared as far as it was read");

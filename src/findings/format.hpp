@@ -91,4 +91,7 @@ public:
 [[nodiscard]] std::unique_ptr<Format> makeSarif(Output& out, const FormatSettings& settings);
 [[nodiscard]] std::unique_ptr<Format> makeJunit(Output& out, const FormatSettings& settings);
 
+/// Writes a text on one line: each control character, the line feed among them, becomes a blank.
+void writeOnOneLine(Output& out, std::string_view text);
+
 } // namespace kestrel

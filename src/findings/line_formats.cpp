@@ -28,20 +28,6 @@ private:
     FormatSettings settings_;
 };
 
-/// Writes a text on one line: each control character, the line feed among them, becomes a blank.
-void writeOnOneLine(Output& out, std::string_view text) {
-    while (!text.empty()) {
-        std::size_t plain = 0;
-        while (plain < text.size() && static_cast<unsigned char>(text[plain]) >= 0x20 && text[plain] != '\x7f')
-            ++plain;
-        out.write(text.substr(0, plain));
-        text.remove_prefix(plain);
-        if (text.empty()) return;
-        out.write(" ");
-        text.remove_prefix(1);
-    }
-}
-
 /// What compilers print, which editors know how to jump by.
 class GccFormat : public Format {
 public:
@@ -156,6 +142,19 @@ private:
 };
 
 } // namespace
+
+void writeOnOneLine(Output& out, std::string_view text) {
+    while (!text.empty()) {
+        std::size_t plain = 0;
+        while (plain < text.size() && static_cast<unsigned char>(text[plain]) >= 0x20 && text[plain] != '\x7f')
+            ++plain;
+        out.write(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty()) return;
+        out.write(" ");
+        text.remove_prefix(1);
+    }
+}
 
 std::unique_ptr<Format> makeText(Output& out, const FormatSettings& settings) {
     return std::make_unique<TextFormat>(out, settings);

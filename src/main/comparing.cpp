@@ -352,11 +352,12 @@ bool listPairs(FilePairs& pairs, FileList& files, std::string_view was, std::str
     return all_well;
 }
 
+bool worksTogether(const MemoryLimit* memory, unsigned jobs) {
+    return memory == nullptr && jobs != 1 && (jobs > 1 || std::thread::hardware_concurrency() > 1);
+}
+
 VerimarkStatus compareAll(const ComparedOutputs& outputs, const FilePairs& pairs, const CompareSettings& settings,
-                          unsigned jobs) {
-    // One after the other, so that it is always the same file that needs too much.
-    const bool together =
-        outputs.memory == nullptr && jobs != 1 && (jobs > 1 || std::thread::hardware_concurrency() > 1);
+                          bool together) {
     Comparing comparing(outputs, settings, together);
     for (const FilePair& pair : pairs.pairs) {
         if (pair.was == FilePair::kNone) {

@@ -39,10 +39,14 @@ struct ComparedOutputs {
     ComparedPage* page = nullptr; ///< null when none is wanted
 };
 
-/// Compares the pairs one after the other, the two files of each read at the same time unless `jobs` is 1 or memory is
-/// limited. As of diff: kAllPassed when nothing differs, kSomeFailed when something does, kTrouble when files could not
+/// True when a comparison may use two threads. It does not where memory is limited, so that it is always the same file
+/// that needs too much.
+[[nodiscard]] bool worksTogether(const MemoryLimit* memory, unsigned jobs);
+
+/// Compares the pairs one after the other, the two files of each read at the same time where two work `together`. As
+/// of diff: kAllPassed when nothing differs, kSomeFailed when something does, kTrouble when files could not
 /// be compared.
 [[nodiscard]] VerimarkStatus compareAll(const ComparedOutputs& outputs, const FilePairs& pairs,
-                                        const CompareSettings& settings, unsigned jobs);
+                                        const CompareSettings& settings, bool together);
 
 } // namespace kestrel

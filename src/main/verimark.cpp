@@ -317,8 +317,9 @@ std::optional<VerimarkStatus> explain(const Call& call, Output& out, const Forma
 /// Compares the files of the call; nothing when the output failed.
 std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
     const VerimarkOptions& options = call.options;
+    const bool together = worksTogether(call.memory, options.jobs);
     const CompareFormatSettings settings{
-        .version = kCheckerVersion, .settings = options.compare, .quiet = options.quiet};
+        .version = kCheckerVersion, .settings = options.compare, .quiet = options.quiet, .together = together};
     const auto format =
         options.format == FormatKind::json ? makeCompareJson(out, settings) : makeCompareText(out, settings);
     const Trouble trouble(out, call.errors);
@@ -331,7 +332,7 @@ std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
     }
     const ComparedOutputs outputs{
         .out = out, .errors = call.errors, .format = *format, .memory = call.memory, .page = page ? &*page : nullptr};
-    const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, options.jobs);
+    const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, together);
     if (out.failed()) return std::nullopt;
     if (page) page->end();
     if (page && !commit(trouble, pages, options.report)) return kTrouble;

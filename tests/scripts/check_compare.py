@@ -1,14 +1,15 @@
 """Compares files with copies that mean the same and copies that do not: check_compare.py PROGRAM SCHEMA FILE...
 
-Of each .ibs file it makes a copy with other blanks, comments, line ends, forms of numbers and order of models, of which
-no difference may be told at any tolerance, and copies with ten numbers edited, of which exactly those have to be told.
-Ends with status 77 when a check had to be left out and the others passed.
+Of each .ibs file it makes a copy with other blanks, comments, line ends, forms of numbers and order of models and pins, of
+which no difference may be told at any tolerance, and copies with ten numbers edited, of which exactly those have to be
+told. Ends with status 77 when a check had to be left out and the others passed.
 """
 
 import json
 import os
 import random
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -102,16 +103,29 @@ def other_form(item, chance):
     return f"{value.scaleb(9):f}n{unit}"
 
 
+def pins_turned_round(lines):
+    """The texts of the lines of pins, by their places, the last pin of a component first."""
+    texts = {}
+    begins = [place for place, line in enumerate(lines) if line.is_keyword]
+    for begin, end in zip(begins, begins[1:] + [len(lines)]):
+        if lines[begin].keyword != "[pin]":
+            continue
+        rows = [place for place in range(begin + 1, end) if lines[place].items]
+        texts.update(zip(rows, (lines[place].text for place in reversed(rows))))
+    return texts
+
+
 def disguised(lines, comment, seed):
     """A copy that means the same."""
     chance = random.Random(seed)
+    pins = pins_turned_round(lines)
     blocks = [[]]
     kinds = [None]
-    for line in lines:
+    for place, line in enumerate(lines):
         if line.is_keyword and line.keyword in RECORDS:
             blocks.append([])
             kinds.append(line.keyword)
-        text = line.text
+        text = pins.get(place, line.text)
         if line.is_row() or line.is_range():
             first = [line.items[0]] if line.is_range() else []
             items = first + [other_form(item, chance) for item in line.items[len(first) :]]
@@ -198,6 +212,45 @@ def told_of(whole):
     return told
 
 
+def check_names(program, folder, sample):
+    """Names of files with a line feed do not break a line of the text."""
+    old, new = (os.path.join(folder, side) for side in ("old\nside", "new\nside"))
+    for side in (old, new):
+        os.mkdir(side)
+        shutil.copyfile(sample, os.path.join(side, "a\nb.ibs"))
+    shutil.copyfile(sample, os.path.join(new, "c\nd.ibs"))
+    done = subprocess.run([program, "--compare", old, new], capture_output=True, text=True, check=False)
+    was, now = old.replace("\n", " "), new.replace("\n", " ")
+    told = done.stdout.splitlines()
+    assert told[0] == f"Comparing {was}/a b.ibs with {now}/a b.ibs", told
+    assert f"{now}/a b.ibs fails with 1 error; compared as far as it was read" in told, told  # [File Name] is another
+    assert f"Only new: {now}/c d.ibs" in told, told
+
+
+def check_order(program, folder):
+    """Thousands of changes of nearly one size come in the order of their sizes, whoever makes their lines."""
+    count = 9001
+    names = [str(place * 7919 % count) for place in range(count)]  # 7919 is prime: each number once, in another order
+    paths = []
+    for side in ("few", "more"):
+        path = os.path.join(folder, side, "pins.ibs")
+        os.mkdir(os.path.dirname(path))
+        with open(path, "w", encoding="ascii") as file:
+            file.write("[IBIS Ver] 5.1\n[File Name] pins.ibs\n[File Rev] 1\n[Component] part\n[Manufacturer] us\n"
+                       "[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n"
+                       "[Pin] signal_name model_name R_pin L_pin C_pin\n")
+            for name in names:
+                # Larger by 10 % and as many ten millionths of one per cent as the name says.
+                value = "100" if side == "few" else f"{Decimal(110) + Decimal(name).scaleb(-7)}"
+                file.write(f"{name} a NC {value} 1n 1p\n")
+            file.write("[End]\n")
+        paths.append(path)
+    for jobs in ("--jobs=1", "--jobs=2"):
+        done = subprocess.run([program, jobs, "--compare", *paths], capture_output=True, text=True, check=False)
+        told = [line.split(":")[0] for line in done.stdout.splitlines() if line.startswith("Component part, pin")]
+        assert told == [f"Component part, pin {name}" for name in reversed(range(count))], (jobs, told[:5])
+
+
 def main():
     program, schema_path, *paths = sys.argv[1:]
     documents = []
@@ -228,6 +281,8 @@ def main():
                 documents.append(whole)
             os.remove(original)
             os.remove(copy)
+        check_names(program, folder, paths[0])
+        check_order(program, folder)
     assert edits > 0
     try:
         import jsonschema

@@ -175,6 +175,12 @@ TEST(Compare, shiftsOfWaveformsAreToldApart) {
                         model("m", wave("0 0 NA NA\n2n 2 NA NA\n4n 2 NA NA"))),
                 ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: up to 50 % lower "
                             "(at 1 ns: 1 V, was 2 V)"));
+    // What both have lies ahead of the edge of the old one: 1 V is half of its 2 V. The end is 6 ns of 10 ns ahead.
+    EXPECT_THAT(linesOf(model("m", wave("0 0 NA NA\n8n 0.02 NA NA\n10n 2 NA NA")),
+                        model("m", wave("0 0 NA NA\n4n 1.01 NA NA"))),
+                ElementsAre("Model m: [Rising Waveform] with 50 ohm to 0 V typ: covers 0 s to 4 ns, was 0 s to 10 ns",
+                            "Model m: [Rising Waveform] with 50 ohm to 0 V typ: up to 50 % higher (at 4 ns: 1.01 V, "
+                            "was 10 mV)"));
 }
 
 TEST(Compare, waveformsThatAreHigherAllAlongAreToldSo) {
@@ -465,7 +471,7 @@ TEST(Compare, headersCountOnlyWhenAskedFor) {
 
 TEST(CompareCurves, oddTablesAreNoDanger) {
     using Points = std::vector<Point>;
-    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = true};
+    constexpr CurveTolerance kNone{.share = 0.0, .nothing = 0.0, .between_rows = true, .of_whole = false};
     const Points one{{1, 5}};
     const Points line{{0, 0}, {2, 8}};
     const Points far{{10, 1}, {11, 2}};
