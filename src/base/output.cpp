@@ -21,7 +21,10 @@ void appendReal(std::string& text, double value, std::chars_format format) {
 
 } // namespace
 
-Output::Output(std::FILE* stream) : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {}
+Output::Output(std::FILE* stream) : stream_(stream), terminal_(isatty(fileno(stream)) == 1), plain_(!terminal_) {
+    // Forms end what they began when memory runs out, too.
+    text_.reserve(2 * kFlushSize);
+}
 
 void Output::writeSpecial(std::string_view text) {
     if (dropped_) return;

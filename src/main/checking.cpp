@@ -283,9 +283,9 @@ private:
             verdict = outputs_.report.fileEnds(job.outcome);
             if (job.part) outputs_.pages->end(*job.part);
         } catch (const std::bad_alloc&) { // the check had memory, its report has not
-            tellOfLoss(name, "out of memory");
+            tellOfLoss(name, ": out of memory; not everything is reported");
         } catch (const std::exception& failure) {
-            tellOfLoss(name, failure.what());
+            tellOfLoss(name, std::string(": ").append(failure.what()).append("; not everything is reported"));
         }
         begun_ = false;
         if (!job.outcome.read || job.outcome.refused) tell(outputs_.out, outputs_.errors, name, ": not checked");
@@ -298,8 +298,7 @@ private:
     /// Says why findings of a file are missing.
     void tellOfLoss(std::string_view name, std::string_view problem) {
         status_ = kTrouble;
-        tell(outputs_.out, outputs_.errors, name,
-             std::string(": ").append(problem).append("; not everything is reported"));
+        tell(outputs_.out, outputs_.errors, name, problem);
     }
 
     [[noreturn]] void stop() {
