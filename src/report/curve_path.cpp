@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 namespace kestrel {
@@ -50,22 +49,6 @@ bool isInside(const Place& place) {
     return static_cast<std::uint32_t>(place.x) <= kFrameWidth && static_cast<std::uint32_t>(place.y) <= kFrameHeight;
 }
 
-/// The slopes of lines from one place that miss none of those that follow by more than a unit, which nobody sees.
-class Slopes {
-public:
-    /// True when the line to this place misses none of those before; then it counts as well. It lies to the right.
-    bool allow(double across, double down) {
-        if (down < least_ * across || down > most_ * across) return false;
-        least_ = std::max(least_, (down - 1.0) / across);
-        most_ = std::min(most_, (down + 1.0) / across);
-        return true;
-    }
-
-private:
-    double least_ = -std::numeric_limits<double>::infinity();
-    double most_ = std::numeric_limits<double>::infinity();
-};
-
 /// Writes the moves of one line. The last step waits to see whether the next goes on in its direction.
 class Pen {
 public:
@@ -88,7 +71,8 @@ public:
         if ((across | down) == 0) return;
         x_ = place.x;
         y_ = place.y;
-        if (goesOn(across, down)) {
+        // Steps are at most as long as the frame, and so their products fit.
+        if (across_ * down == down_ * across && across_ * across + down_ * down > 0) {
             across_ += across;
             down_ += down;
             return;
@@ -96,8 +80,6 @@ public:
         writeStep();
         across_ = across;
         down_ = down;
-        slopes_ = Slopes();
-        if (across > 0) slopes_.allow(across, down);
     }
 
     /// Draws on through the points as long as they are in the frame; returns how many were.
@@ -126,13 +108,6 @@ public:
     [[nodiscard]] const Coordinates::Steps& path() const { return path_; }
 
 private:
-    /// The step is part of the one that waits. One that goes up or down, or back, has to have its very direction.
-    bool goesOn(std::int32_t across, std::int32_t down) {
-        if (across > 0 && across_ > 0) return slopes_.allow(across_ + across, down_ + down);
-        // Steps are at most as long as the frame, and so their products fit.
-        return across_ * down == down_ * across && across_ * across + down_ * down > 0;
-    }
-
     void writeStep() {
         if ((across_ | down_) == 0) return;
         if (has_letter_) {
@@ -149,7 +124,6 @@ private:
     std::int32_t y_ = 0;
     std::int32_t across_ = 0; ///< the step that waits
     std::int32_t down_ = 0;
-    Slopes slopes_; ///< from where that step begins
     bool is_down_ = false;
     bool has_letter_ = false;
 };

@@ -32,7 +32,7 @@ inline constexpr std::size_t kMostPoints = 1000;
 [[nodiscard]] std::vector<Point> thinned(std::span<const Point> points, const Span& x);
 
 /// Appends the moves of a path that draws the line, cut off at the frame; nothing when all of it is outside. Points in
-/// a straight row are one move, and those that are off it by a unit at most. What cannot be drawn is left out.
+/// a straight row are one move. What cannot be drawn is left out.
 void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame);
 
 /// The nearest whole number of a place in the frame.
