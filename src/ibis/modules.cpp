@@ -4,6 +4,9 @@
 #include "reader/sections.hpp"
 
 #include <array>
+#include <cstddef>
+#include <type_traits>
+#include <utility>
 
 namespace kestrel {
 
@@ -81,6 +84,19 @@ constexpr std::array<std::uint8_t, kModules.size()> kPlaces = [] {
 } // namespace
 
 std::span<const Module> modules() { return kModules; }
+
+void showKeyword(Run& run, KeywordCode code) {
+    // Calls that are known when the program is compiled: nearly all modules have no open record, which takes a call
+    // through a pointer ten times as long to find out.
+    const auto show = [&run, code ]<std::size_t... Place>(std::index_sequence<Place...> /*places*/) {
+        const auto show_to = [&run, code]<std::size_t At>(std::integral_constant<std::size_t, At> /*place*/) {
+            constexpr auto kSeen = kModules[At].keyword_seen;
+            if constexpr (kSeen != nullptr) kSeen(run, code);
+        };
+        (show_to(std::integral_constant<std::size_t, Place>()), ...);
+    };
+    show(std::make_index_sequence<kModules.size()>());
+}
 
 const Module& moduleOf(KeywordCode code) { return kModules[kPlaces[static_cast<std::size_t>(ownerOf(code))]]; }
 

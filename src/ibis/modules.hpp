@@ -24,6 +24,9 @@ struct Module {
 /// All modules, in the order in which they see keywords.
 [[nodiscard]] std::span<const Module> modules();
 
+/// Shows a keyword to all modules, which close what it ends.
+void showKeyword(Run& run, KeywordCode code);
+
 /// The module that a keyword belongs to.
 [[nodiscard]] const Module& moduleOf(KeywordCode code);
 

@@ -240,9 +240,7 @@ void dispatchKeyword(Run& run, std::string_view line) {
     if (!code) return;
     if (*code == KeywordCode::model) parse.submodel_context = false;
     if (*code == KeywordCode::submodel) parse.submodel_context = true;
-    for (const Module& module : modules()) {
-        if (module.keyword_seen != nullptr) module.keyword_seen(run, *code);
-    }
+    showKeyword(run, *code);
     checkKind(run, *code);
     const Module& module = moduleOf(*code);
     if (module.opens == *code && takesKind(parse, module)) module.open(run);
