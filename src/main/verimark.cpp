@@ -334,8 +334,11 @@ std::optional<VerimarkStatus> compare(const Call& call, Output& out) {
         .out = out, .errors = call.errors, .format = *format, .memory = call.memory, .page = page ? &*page : nullptr};
     const VerimarkStatus status = compareAll(outputs, call.pairs, options.compare, together);
     if (out.failed()) return std::nullopt;
-    if (page) page->end();
-    if (page && !commit(trouble, pages, options.report)) return kTrouble;
+    if (page) {
+        page->end();
+        page.reset(); // it writes to the file until then
+        if (!commit(trouble, pages, options.report)) return kTrouble;
+    }
     return call.all_listed ? status : kTrouble;
 }
 
