@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <filesystem>
+#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -38,7 +38,11 @@ std::string KeptText::takeOut(const std::function<void(std::string_view)>& use) 
         std::rewind(file_.get());
         std::array<char, 4096> piece;
         std::size_t size = 0;
-        while (const std::size_t more = std::fread(piece.data() + size, 1, piece.size() - size, file_.get())) {
+        while (in_file_ != 0) {
+            const std::size_t room = std::min(piece.size() - size, in_file_);
+            const std::size_t more = std::fread(piece.data() + size, 1, room, file_.get());
+            if (more == 0) break;
+            in_file_ -= more;
             size += more;
             // The last character may not be whole yet.
             std::size_t last = size - 1;
@@ -50,7 +54,8 @@ std::string KeptText::takeOut(const std::function<void(std::string_view)>& use) 
             size -= last;
         }
         use({piece.data(), size});
-        if (std::ferror(file_.get()) != 0 && error_ == 0) error_ = EIO;
+        if (in_file_ != 0 && error_ == 0) error_ = EIO;
+        in_file_ = 0;
         file_.reset();
     }
     use(text_);
@@ -64,14 +69,18 @@ void KeptText::writeToFile(std::string_view text) {
     errno = 0;
     if (file_ == nullptr) open();
     const bool written = file_ != nullptr && std::fwrite(text.data(), 1, text.size(), file_.get()) == text.size();
-    if (!written) error_ = errno != 0 ? errno : EIO;
+    if (written) {
+        in_file_ += text.size();
+    } else {
+        error_ = errno != 0 ? errno : EIO;
+    }
 }
 
 void KeptText::open() {
-    std::error_code failure;
-    std::string name = (std::filesystem::temp_directory_path(failure) / "verimark-XXXXXX").string();
-    const int file = failure ? -1 : mkstemp(name.data());
-    if (failure) errno = failure.value();
+    const char* const folder = std::getenv("TMPDIR");
+    std::string name(folder != nullptr && *folder != '\0' ? folder : "/tmp");
+    name.append("/verimark-XXXXXX");
+    const int file = mkstemp(name.data());
     if (file == -1) return;
     unlink(name.c_str()); // it goes with its last user
     file_.reset(fdopen(file, "w+b"));

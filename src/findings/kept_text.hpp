@@ -33,7 +33,8 @@ private:
     static constexpr std::size_t kMostInMemory = std::size_t{64} << 10;
     std::string text_; ///< what comes behind the text in the file
     std::unique_ptr<std::FILE, FileCloser> file_;
-    int error_ = 0; ///< the system's number of what went wrong first
+    std::size_t in_file_ = 0; ///< bytes that are whole there; a piece that did not fit may be behind them
+    int error_ = 0;           ///< the system's number of what went wrong first
 };
 
 } // namespace kestrel

@@ -1,12 +1,18 @@
 #include "base/output.hpp"
 #include "main/driver.hpp"
 
+#include <cstdio>
+#include <cstdlib>
+#include <new>
 #include <string_view>
 #include <vector>
 
-int main(int count, char** values) {
+int main(int count, char** values) try {
     const std::vector<std::string_view> arguments(values + (count > 0 ? 1 : 0), values + count);
     kestrel::Output out(stdout);
     kestrel::Output errors(stderr);
     return kestrel::runKestrel(out, errors, arguments);
+} catch (const std::bad_alloc&) { // before there is an output
+    std::fputs("kestrel: out of memory\n", stderr);
+    return EXIT_FAILURE;
 }

@@ -4,10 +4,11 @@
 
 #include <csignal>
 #include <cstdio>
+#include <new>
 #include <string_view>
 #include <vector>
 
-int main(int count, char** values) {
+int main(int count, char** values) try {
     const std::vector<std::string_view> arguments(values + (count > 0 ? 1 : 0), values + count);
     // The output notices.
     std::signal(SIGPIPE, SIG_IGN);
@@ -16,4 +17,7 @@ int main(int count, char** values) {
     kestrel::Output errors(stderr);
     const kestrel::MemoryCounting counting{kestrel::chargeTo, kestrel::beginCounting};
     return kestrel::runVerimark(out, errors, arguments, stdin, &counting);
+} catch (const std::bad_alloc&) { // before there is an output
+    std::fputs("verimark: out of memory\n", stderr);
+    return static_cast<int>(kestrel::kTrouble);
 }

@@ -227,6 +227,18 @@ def check_names(program, folder, sample):
     assert f"Only new: {now}/c d.ibs" in told, told
 
 
+def check_page(program, folder, old, new):
+    """With a page the same is told, with the same status, and the page is whole."""
+    page = os.path.join(folder, "page.html")
+    for paths, status in (((old, old), 0), ((old, new), 1), ((old, os.path.join(folder, "none.ibs")), 2)):
+        plain = subprocess.run([program, "--compare", *paths], capture_output=True, check=False)
+        done = subprocess.run([program, "--compare", "--report=" + page, *paths], capture_output=True, check=False)
+        assert (done.returncode, done.stdout, done.stderr) == (status, plain.stdout, plain.stderr), (paths, done)
+        with open(page, encoding="utf-8") as file:
+            assert file.read().rstrip().endswith("</html>"), paths
+        os.remove(page)
+
+
 def check_order(program, folder):
     """Thousands of changes of nearly one size come in the order of their sizes, whoever makes their lines."""
     count = 9001
@@ -282,6 +294,7 @@ def main():
             os.remove(original)
             os.remove(copy)
         check_names(program, folder, paths[0])
+        check_page(program, folder, paths[0], paths[1])
         check_order(program, folder)
     assert edits > 0
     try:

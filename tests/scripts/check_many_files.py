@@ -294,6 +294,15 @@ def kept_text():
                                         "not everything is reported\n", f"{count} findings", True),
                (result.returncode, result.stderr.decode(), failure(result).get("message"),
                 found.startswith((failure(result).text or "").rstrip("\n"))))
+    # Wherever the file ends, also within a character or what stands for one.
+    write("ää&.ibs", GOOD.format("ää&.ibs", "[Fault]\n" * 6000))
+    texts = failure(run("-fjunit", "ää&.ibs")).text
+    for limit in range(1 << 17, (1 << 17) + 30):
+        result = run("-fjunit", "--max-memory=2M", "ää&.ibs",
+                     preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))  # noqa: B023
+        text = failure(result).text
+        expect(f"junit in {limit} bytes", (2, True), (result.returncode, texts.startswith(text) and text.endswith("\n")))
+    expect("a folder that is empty is none", whole.stdout, run(*call, env={**os.environ, "TMPDIR": ""}).stdout)
     expect("no temporary file is needed for few", run("-fjunit", "list/good.ibs").stdout,
            run("-fjunit", "list/good.ibs", env={**os.environ, "TMPDIR": "/nowhere"}).stdout)
 
