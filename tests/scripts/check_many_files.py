@@ -294,11 +294,12 @@ def kept_text():
                                         "not everything is reported\n", f"{count} findings", True),
                (result.returncode, result.stderr.decode(), failure(result).get("message"),
                 found.startswith((failure(result).text or "").rstrip("\n"))))
+    dirty = 20 * "ä" + 5 * "&" + ".ibs"
     # Wherever the file ends, also within a character or what stands for one.
-    write("ää&.ibs", GOOD.format("ää&.ibs", "[Fault]\n" * 6000))
-    texts = failure(run("-fjunit", "ää&.ibs")).text
+    write(dirty, GOOD.format(dirty, "[Fault]\n" * 6000))
+    texts = failure(run("-fjunit", dirty)).text
     for limit in range(1 << 17, (1 << 17) + 30):
-        result = run("-fjunit", "--max-memory=2M", "ää&.ibs",
+        result = run("-fjunit", "--max-memory=2M", dirty,
                      preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))  # noqa: B023
         text = failure(result).text
         expect(f"junit in {limit} bytes", (2, True), (result.returncode, texts.startswith(text) and text.endswith("\n")))
