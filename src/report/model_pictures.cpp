@@ -258,12 +258,8 @@ private:
 
     static void addLevel(Plot& plot, std::string_view word, const std::optional<double>& level, Corner corner) {
         if (!level || !canBeDrawn(*level)) return;
-        plot.rules.push_back({.kind = Rule::Kind::level,
-                              .upright = false,
-                              .at = *level,
-                              .label = std::string(word),
-                              .corner = corner,
-                              .value = quantityText(*level, "V", 3)});
+        plot.rules.push_back(
+            {.kind = Rule::Kind::level, .upright = false, .at = *level, .label = std::string(word), .corner = corner});
     }
 
     /// A level; what is below a microvolt is 0.
@@ -361,7 +357,7 @@ private:
                                   .upright = false,
                                   .at = *threshold.value,
                                   .label = std::string(threshold.word),
-                                  .value = quantityText(*threshold.value, "V", 4)});
+                                  .digits = 4});
         }
     }
 

@@ -261,29 +261,37 @@ std::string capacitanceOf(const Mdl& model) {
     return text;
 }
 
+/// The typical voltage that supplies a model; without a voltage range that of the rail its pictures have.
+std::string supplyOf(const Mdl& model) {
+    for (const MdlRange which : {MdlRange::voltageRange, MdlRange::pullupReference, MdlRange::powerClampReference})
+        if (const Rng* const supply = findRange(model, which)) return cellText(supply->typ(), "V");
+    return {};
+}
+
 void writeIndex(const PartContext& part, const std::vector<const Mdl*>& models) {
     const bool has_findings = std::ranges::any_of(
         models, [&](const Mdl* model) { return !part.findings.about(part.anchors.find(model)).empty(); });
-    LongTable table(part.html, "List of models", models.size(),
-                    {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>",
-                     "<th scope=\"col\">Supply</th>", "<th scope=\"col\">C_comp</th>", "<th scope=\"col\">Tables</th>",
-                     has_findings ? Markup("<th scope=\"col\">Findings</th>") : Markup("")},
-                    true);
+    const bool has_supply = std::ranges::any_of(models, [](const Mdl* model) { return !supplyOf(*model).empty(); });
+    LongTable table(
+        part.html, "List of models", models.size(),
+        {"<th scope=\"col\" class=\"link\">Model</th>", "<th scope=\"col\">Type</th>",
+         has_supply ? Markup("<th scope=\"col\">Supply</th>") : Markup(""), "<th scope=\"col\">C_comp</th>",
+         "<th scope=\"col\">Tables</th>", has_findings ? Markup("<th scope=\"col\">Findings</th>") : Markup("")},
+        true);
+    std::vector<TableCell> cells;
     for (const Mdl* const model : models) {
         const Anchor* const place = part.anchors.find(model);
-        const Rng* const supply = findRange(*model, MdlRange::voltageRange);
-        const std::string supply_text = supply != nullptr ? cellText(supply->typ(), "V") : std::string();
+        const std::string supply = supplyOf(*model);
         const std::string capacitance = capacitanceOf(*model);
         const std::string tables = tablesOf(*model);
         const std::size_t count = part.findings.about(place).size();
         const std::string findings = count == 0 ? std::string() : std::to_string(count);
-        const std::array<TableCell, 6> cells{TableCell{model->name, place},
-                                             {modelTypeText(model->type())},
-                                             {supply_text},
-                                             {capacitance},
-                                             {tables},
-                                             {findings}};
-        table.row(std::span(cells).first(has_findings ? 6 : 5));
+        cells.assign({{model->name, place}, {modelTypeText(model->type())}});
+        if (has_supply) cells.push_back({supply});
+        cells.push_back({capacitance});
+        cells.push_back({tables});
+        if (has_findings) cells.push_back({findings});
+        table.row(cells);
     }
 }
 

@@ -256,6 +256,12 @@ private:
         return least == most ? least->at : (least->at + most->at) / 2.0;
     }
 
+    /// The value of a rule as its label has it: what cannot be told from 0 in the picture is 0.
+    [[nodiscard]] double labelled(double value) const {
+        constexpr double kResolution = 1e-3; // of the height
+        return std::abs(value) < kResolution * frame_.y.length() ? 0.0 : value;
+    }
+
     /// The rules of a name, one for each corner, share a label where all of them lie within a line of text.
     [[nodiscard]] std::vector<Label> labelsOf() {
         std::ranges::stable_sort(beside_, {}, [](const Rule* rule) -> const std::string& { return rule->label; });
@@ -273,7 +279,7 @@ private:
         const auto [least, most] = std::ranges::minmax(rules, {}, &Rule::at);
         if (rules.size() > 1 && downOf(least->at) - downOf(most->at) <= kLineOfText) {
             std::string text = rules.front()->label;
-            text.append(" ").append(shortExtentText(least->at, most->at, plot_.y.unit));
+            text.append(" ").append(shortExtentText(labelled(least->at), labelled(most->at), plot_.y.unit));
             labels.push_back({downOf(middleOf(rules)), rules, std::move(text)});
             return;
         }
@@ -281,7 +287,8 @@ private:
             const Rule& rule = *rules[i];
             std::string text = rule.label;
             if (rule.corner != Corner::typ) text.append(" ").append(cornerWord(rule.corner));
-            labels.push_back({downOf(rule.at), rules.subspan(i, 1), text.append(" ").append(rule.value)});
+            appendQuantity(text.append(" "), labelled(rule.at), plot_.y.unit, rule.digits);
+            labels.push_back({downOf(rule.at), rules.subspan(i, 1), std::move(text)});
         }
     }
 

@@ -37,7 +37,7 @@ struct Rule {
     double at;
     std::string label; ///< of one that is not upright: the name that it shares with those of other corners
     Corner corner = Corner::typ;
-    std::string value{}; ///< as a text, of one that is not upright
+    int digits = 3; ///< significant ones of the value in its label, of one that is not upright
 };
 
 /// Points of a line that are told apart.

@@ -329,18 +329,24 @@ class Report(unittest.TestCase):
         self.assertEqual(browser.count(".cursor"), 0)
 
     def test_labels_lie_beside_the_curves(self):
-        browser = self.opened(self.page("labels", SOURCE / "examples" / "board.ibs"))
-        counts = browser.run("""
-            return Array.from(document.querySelectorAll('svg.plot.w'), (plot) => {
-                const right = plot.querySelector('.g').getBoundingClientRect().right;
-                const picture = plot.getBoundingClientRect();
-                const boxes = Array.from(plot.querySelectorAll('.lh'), (label) => label.getBoundingClientRect());
-                const over = (a, b) => a !== b && Math.abs(a.top + a.bottom - b.top - b.bottom) < a.height * 1.5;
-                return boxes.filter((box) => box.left < right || box.right > picture.right + 1 || box.top < picture.top ||
-                                    boxes.some((other) => over(box, other))).length;
-            })""")
-        self.assertGreater(len(counts), 0)
-        self.assertEqual(set(counts), {0})
+        # Pulldowns of 50, 55 and 45.8 ohm, into 10 and 50 kohm to 1 V: of the latter 1 mV is left, which nobody sees
+        # on an axis up to 3.3 V.
+        edges = "".join(f"[Rising Waveform]\nR_fixture = {ohms}\nV_fixture = 1\n0n 0 0 0\n1n 3.3 3 3.6\n" for ohms in ("10k", "50k"))
+        longest = library(["m"]).replace("[End]", edges + "[End]")
+        browser = self.opened(self.page("labels", SOURCE / "examples" / "board.ibs", longest))
+        labels = [text.replace("\u00a0", " ") for text in browser.texts(".lh")]
+        self.assertIn("low 4.56\u20265.47 mV", labels)
+        self.assertEqual([text for text in labels if text.startswith("low 0.9") or text.startswith("low 1 m")], [])
+        self.assertIn("low 0 V", [text.replace("\u00a0", " ") for text in browser.run("""
+            const pictures = Array.from(document.querySelectorAll('figure'));
+            const picture = pictures.find((figure) => figure.textContent.startsWith('Rising, 50\u00a0k'));
+            return Array.from(picture.querySelectorAll('.lh'), (label) => label.textContent)""")])
+        try:
+            for width in (1280, 1100, 600, 390, 320):
+                browser.size(width, 900)
+                self.labels_have_room(browser)
+        finally:
+            browser.driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
         # Also where a part is shown: labels of lines that are out of sight are, too.
         plot = browser.driver.find_element(By.CSS_SELECTOR, "svg.plot.w")
         browser.run("arguments[0].scrollIntoView({block: 'center'}); arguments[0].focus()", plot)
@@ -349,6 +355,40 @@ class Report(unittest.TestCase):
         self.assertLess(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
         plot.send_keys("0")
         self.assertEqual(browser.run(shown, plot), len(plot.find_elements(By.CSS_SELECTOR, ".lh")))
+
+    def labels_have_room(self, browser):
+        counts = browser.run("""
+            return Array.from(document.querySelectorAll('svg.plot.w'), (plot) => {
+                const right = plot.querySelector('.g').getBoundingClientRect().right;
+                const picture = plot.getBoundingClientRect();
+                const boxes = Array.from(plot.querySelectorAll('.lh'), (label) => label.getBoundingClientRect());
+                const over = (a, b) => a !== b && Math.abs(a.top + a.bottom - b.top - b.bottom) < a.height * 1.5;
+                return boxes.filter((box) => box.left < right || box.right > picture.right || box.top < picture.top ||
+                                    boxes.some((other) => over(box, other))).length;
+            })""")
+        self.assertGreater(len(counts), 0)
+        self.assertEqual(set(counts), {0})
+
+    def test_lists_have_all_columns_in_sight(self):
+        names = [f"a_model_with_a_name_of_{'many'[:i % 4 + 1]}_letters_{i}" for i in range(12)]
+        parts = "\n".join(f"C_comp_{part} 2pF 1pF 3pF" for part in ("pullup", "pulldown", "power_clamp", "gnd_clamp"))
+        rails = "[Pullup Reference] 1.8 1.7 1.9\n[Pulldown Reference] 0 0 0\n[POWER Clamp Reference] 2.5 2.4 2.6\n[GND Clamp Reference] 0 0 0"
+        old = library(names).replace("C_comp 2pF 1pF 3pF", parts).replace("[Voltage Range] 3.3 3.0 3.6", rails)
+        try:
+            browser = self.opened(self.page("lists", old.replace("Vinl = 0.8", "Vinl = x")))
+            browser.size(1100, 900)
+            in_sight = "return Array.from(document.querySelectorAll('.long'), e => e.scrollWidth <= e.clientWidth)"
+            self.assertNotIn(False, browser.run(in_sight))
+            list_of_models = "details:has(a[href^='#']) .long tbody tr"
+            rows = [row for row in browser.texts(list_of_models) if "C_comp" not in row and "power_clamp" in row]
+            self.assertEqual(len(rows), 12)
+            self.assertEqual({"1.8\u00a0V" in row for row in rows}, {True})
+            browser = self.opened(self.page("list_of_changes", old, old.replace("132mA", "198mA"), options=["--compare"]))
+            browser.size(1100, 900)
+            self.assertEqual(browser.run(in_sight), [True])
+            self.assertTrue(all(name in browser.texts(".long td:first-child")[0] for name in names))
+        finally:
+            browser.driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
 
     def test_dragging_zooms(self):
         browser = self.opened(self.page("zoom", library(["m"])))
