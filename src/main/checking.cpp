@@ -134,8 +134,7 @@ private:
         job.last_printed = take_printed();
         if (outputs_.report.known != nullptr)
             job.files.assign(run.diagnostics.files.begin(), run.diagnostics.files.end());
-        writePart(job, &run);
-        requireMemory(account);
+        writePart(job, &run, account);
     }
 
     /// Ends a check that was refused memory and went on without it.
@@ -145,8 +144,11 @@ private:
 
     /// Writes the file's part of the report while what was read is there. What a baseline leaves out is known when the
     /// file has its turn.
-    void writePart(Job& job, Run* run) {
-        if (!job.part) return;
+    void writePart(Job& job, Run* run, MemoryAccount* account) {
+        if (!job.part) {
+            requireMemory(account);
+            return;
+        }
         if (outputs_.report.known != nullptr) {
             waitForTurn(job);
             passOn(job);
@@ -156,7 +158,14 @@ private:
         file.counts = job.part->findings.counts;
         file.verdict = outputs_.report.verdictOf(job.outcome, file.counts);
         if (run != nullptr) run->diagnostics.sink = [](const Finding&) {};
-        outputs_.pages->write(*job.part, run, hasTurn(job));
+        const bool in_place = hasTurn(job);
+        try {
+            outputs_.pages->write(*job.part, run, in_place);
+            requireMemory(account);
+        } catch (const std::bad_alloc&) {
+            if (account != nullptr && !in_place) account->makeRoom(); // in place it takes less: nothing of it is kept
+            throw;
+        }
     }
 
     /// Makes a finding of what broke the check off, when its run is gone and its memory free again.
@@ -175,7 +184,7 @@ private:
                   .exact = false,
                   .subject = nullptr,
                   .text = text});
-            writePart(job, nullptr);
+            writePart(job, nullptr, nullptr);
         } catch (const std::bad_alloc&) {
             return; // the verdict remains
         }

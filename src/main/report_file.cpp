@@ -1,6 +1,7 @@
 #include "main/report_file.hpp"
 
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -54,7 +55,7 @@ void ReportFile::write(ReportPart& part, Run* run, bool in_place) {
     } else {
         writeAhead(part, run);
     }
-    part.findings.log = {};
+    if (part.error_ == 0) part.findings.log = {};
 }
 
 void ReportFile::writeAhead(ReportPart& part, Run* run) {
@@ -77,19 +78,25 @@ void ReportFile::writeAhead(ReportPart& part, Run* run) {
     }
     Output out(part.spooled_.get());
     writeTo(out, part, run);
+    out.flush();
+    part.error_ = out.error();
 }
 
 void ReportFile::end(ReportPart& part) {
     write(part, nullptr, true);
     Output& out = page_->out();
     out.write(part.text_);
-    if (part.spooled_) {
+    if (part.error_ != 0) {
+        writeTo(out, part, nullptr); // at least what was found
+    } else if (part.spooled_) {
         std::rewind(part.spooled_.get());
         std::array<char, std::size_t{1} << 16> piece;
         while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), part.spooled_.get()))
             out.write({piece.data(), size});
+        if (std::ferror(part.spooled_.get()) != 0) part.error_ = errno != 0 ? errno : EIO;
     }
     page_->fileEnds(part.file.number, part.file.path, part.file.verdict, part.file.counts);
+    if (part.error_ != 0) throw std::system_error(part.error_, std::generic_category(), "its part of the report");
 }
 
 std::string ReportFile::commit() {

@@ -32,6 +32,7 @@ private:
     bool written_ = false;
     std::string text_;
     std::unique_ptr<std::FILE, FileCloser> spooled_; ///< in place of a text that is large
+    int error_ = 0; ///< the system's number of why the spooled text is lost, 0 when it is not
 };
 
 /// The report of a call: one page in a file of its own, with the files in the order of the call.
@@ -47,7 +48,7 @@ public:
     /// Writes a part from what was read, unless that was done. `in_place` when it has its turn; the parts of others may
     /// be written at the same time.
     void write(ReportPart& part, Run* run, bool in_place);
-    /// Ends a part that has its turn.
+    /// Ends a part that has its turn. Throws std::system_error, with the page in order, when some of it is lost.
     void end(ReportPart& part);
 
     /// Ends the page; what is wrong with the file is returned.

@@ -221,6 +221,22 @@ def memory():
             page = re.sub(rb"\d\d:\d\d", b"", read("memory.html")) if more else b""
             seen.append((result.returncode, result.stdout, result.stderr, page))
         expect(f"one at a time {more}", *seen)
+    # Ahead of its turn a part is kept, which takes more than to write it in its place: only the latter counts.
+    lines = 3000
+    write("memory/many.ibs", GOOD.format("many.ibs", "".join(f"[Fault {i}]\n" for i in range(100000))))
+    write("memory/part.ibs", GOOD.format("part.ibs", "[Fault]\n" * lines))
+    found = [run(jobs, "-fgcc", "--max-memory=3M", "--report=memory.html", "memory/many.ibs", "memory/part.ibs").stdout
+             for jobs in ("-j1", "-j2", "-j4")]
+    expect("a part that is too large ahead of its turn", [lines] * 3,
+           [text.count(b"memory/part.ibs:") for text in found])
+    expect("what is found beside it", [found[0]] * 2, found[1:])
+    # A part that cannot be kept.
+    write("memory/long.ibs", GOOD.format("long.ibs", "| a comment\n" * 10000 + "[Fault]\n" * lines))
+    result = run("-j2", "-fgcc", "--report=lost.html", "memory/many.ibs", "memory/long.ibs",
+                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
+    expect("a part that cannot be kept", (2, True, True),
+           (result.returncode, b"verimark: memory/long.ibs: its part of the report: File too large; not everything is "
+            b"reported\n" in result.stderr, b"verimark: lost.html: cannot be written" in result.stderr))
     # A baseline is a part of it.
     known = read("memory.txt") + b"".join(b"elsewhere.ibs, -, %d%s\n" % (i, b"x" * 80) for i in range(10000 * parts))
     write("known.txt", known)
