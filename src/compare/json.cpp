@@ -2,6 +2,7 @@
 
 #include "base/output.hpp"
 #include "compare/output.hpp"
+#include "quality/physics.hpp"
 
 #include <array>
 #include <limits>
@@ -45,7 +46,7 @@ void writeDetail(JsonArray& details, const ChangeDetail& detail) {
     {
         JsonArray corners(object, "corners");
         for (const Corner corner : kCorners)
-            if (detail.corners.has(corner)) corners.text(kCornerNames[placeOf(corner)]);
+            if (detail.corners.has(corner)) corners.text(cornerWord(corner));
     }
     writeThing(object, "old", detail.was);
     writeThing(object, "new", detail.is);

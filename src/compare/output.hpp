@@ -4,7 +4,6 @@
 #include "compare/settings.hpp"
 #include "findings/json.hpp"
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,9 +14,6 @@
 namespace kestrel {
 
 class Output;
-
-/// What changes call the corners.
-inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"typ", "min", "max"};
 
 /// One of two files that are compared.
 struct ComparedPath {

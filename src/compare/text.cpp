@@ -2,6 +2,7 @@
 #include "compare/output.hpp"
 #include "findings/format.hpp"
 #include "quality/number_text.hpp"
+#include "quality/physics.hpp"
 
 #include <algorithm>
 #include <array>
@@ -196,7 +197,7 @@ void appendCorners(std::string& text, const EnumSet<Corner>& corners) {
     std::array<std::string_view, kCornerCount> words;
     std::size_t count = 0;
     for (const Corner corner : kCorners)
-        if (corners.has(corner)) words[count++] = kCornerNames[placeOf(corner)];
+        if (corners.has(corner)) words[count++] = cornerWord(corner);
     for (std::size_t i = 0; i < count; ++i)
         text.append(i == 0 ? "" : i + 1 == count ? " and " : ", ").append(words[i]);
 }
