@@ -29,17 +29,19 @@ void freeLarge(std::byte* memory);
 /// half of a look-up on finding the page.
 template <class Item> struct LargeAllocator {
     using value_type = Item;
+    // Where containers keep pointers, their size is what is meant.
+    static constexpr std::size_t kItemSize = sizeof(Item); // NOLINT(bugprone-sizeof-expression)
 
     LargeAllocator() = default;
     template <class Other> LargeAllocator(const LargeAllocator<Other>& /*other*/) {}
 
     [[nodiscard]] Item* allocate(std::size_t count) {
-        std::size_t size = count * sizeof(Item);
-        if (size / sizeof(Item) != count || !isLarge(size)) return std::allocator<Item>().allocate(count);
+        std::size_t size = count * kItemSize;
+        if (size / kItemSize != count || !isLarge(size)) return std::allocator<Item>().allocate(count);
         return reinterpret_cast<Item*>(allocateLarge(size).release());
     }
     void deallocate(Item* items, std::size_t count) {
-        const std::size_t size = count * sizeof(Item);
+        const std::size_t size = count * kItemSize;
         if (!isLarge(size)) return std::allocator<Item>().deallocate(items, count);
         freeLarge(reinterpret_cast<std::byte*>(items));
     }

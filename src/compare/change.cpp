@@ -66,9 +66,10 @@ GivenValue sizeOf(const ChangeDetail& detail, Unit unit) {
 /// By how many per cent a group is sorted. What cannot be measured, such as a record that is new, comes ahead of what
 /// can.
 double sizeOf(const ChangeGroup& group, GivenValue percent) {
-    if (!isToldInPercent(group.unit))
+    if (!isToldInPercent(group.unit)) {
         for (const ChangeDetail& detail : group.details)
             if (const GivenValue size = sizeOf(detail, group.unit)) percent = std::max(percent.value_or(0.0), *size);
+    }
     return percent.value_or(std::numeric_limits<double>::infinity());
 }
 
@@ -80,9 +81,10 @@ template <class KeyOf> void sortDown(Ranks& ranks, KeyOf key_of) {
     constexpr std::size_t kDigits = 256;
     const auto digit = [&](const ChangeRank& rank, std::size_t byte) { return 0xFFU & ~(key_of(rank) >> 8U * byte); };
     std::array<std::array<std::uint32_t, kDigits>, kBytes> counts{};
-    for (const ChangeRank& rank : ranks)
+    for (const ChangeRank& rank : ranks) {
         for (std::size_t byte = 0; byte < kBytes; ++byte)
             ++counts[byte][digit(rank, byte)];
+    }
     Ranks sorted;
     for (std::size_t byte = 0; byte < kBytes; ++byte) {
         std::array<std::uint32_t, kDigits>& places = counts[byte];

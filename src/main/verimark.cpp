@@ -402,9 +402,10 @@ VerimarkStatus obey(Output& out, Output& errors, std::span<const std::string_vie
         call.all_listed = listPairs(call.pairs, call.files, options.files[0], options.files[1], trouble);
     const std::string_view output = options.output == "-" ? std::string_view() : options.output;
     if (isSame(output, options.report)) return trouble(output, ": is the file of the report, too");
-    for (const std::string_view written : {output, options.report})
+    for (const std::string_view written : {output, options.report}) {
         if (isSame(written, options.baseline) || isSame(written, options.write_baseline))
             return trouble(written, ": is the file of the baseline, too");
+    }
     // From the first temporary file to the last. Where there is none, signals end the program by themselves.
     std::optional<Watch> watch;
     if (!output.empty() || !options.write_baseline.empty() || !options.report.empty() || progress != nullptr) {

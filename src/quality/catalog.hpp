@@ -132,9 +132,10 @@ consteval bool wordsAscend() {
 static_assert(wordsAscend());
 
 consteval bool allConversionsKnown() {
-    for (const AdviceRow& row : kAdviceCatalog)
+    for (const AdviceRow& row : kAdviceCatalog) {
         for (std::size_t i = 0; i < row.text.size(); ++i)
             if (row.text[i] == '%') message_check::kindOfConversion(row.text[++i]);
+    }
     return true;
 }
 static_assert(allConversionsKnown());

@@ -158,19 +158,19 @@ void drawCut(Pen& pen, const Point& from, const Point& to) {
 
 std::vector<Point> thinned(std::span<const Point> points, const Span& x) {
     if (points.size() <= kMostPoints) return {points.begin(), points.end()};
-    constexpr double kColumnsOfPoints = kMostPoints / 4;
+    constexpr double kColumnsOfPoints = double{kMostPoints} / 4;
     std::vector<Point> kept;
     kept.reserve(kMostPoints);
-    const auto columnOf = [&](const Point& point) {
+    const auto column_of = [&](const Point& point) {
         const double column = (point.x - x.low) / x.length() * kColumnsOfPoints;
         return std::clamp(std::floor(column), 0.0, kColumnsOfPoints - 1);
     };
     for (std::size_t first = 0; first < points.size();) {
-        const double column = columnOf(points[first]);
+        const double column = column_of(points[first]);
         std::size_t lowest = first;
         std::size_t highest = first;
         std::size_t last = first;
-        for (std::size_t i = first + 1; i < points.size() && columnOf(points[i]) == column; ++i) {
+        for (std::size_t i = first + 1; i < points.size() && column_of(points[i]) == column; ++i) {
             if (points[i].y < points[lowest].y) lowest = i;
             if (points[i].y > points[highest].y) highest = i;
             last = i;

@@ -35,7 +35,9 @@ inline constexpr std::size_t kMostPoints = 1000;
 /// a straight row are one move. What cannot be drawn is left out.
 void appendPath(Coordinates& path, std::span<const Point> points, const Frame& frame);
 
-/// The nearest whole number of a place in the frame.
-[[nodiscard]] inline std::int32_t rounded(double place) { return static_cast<std::int32_t>(place + 0.5); }
+/// The nearest whole number of a place in the frame, which is never negative.
+[[nodiscard]] inline std::int32_t rounded(double place) {
+    return static_cast<std::int32_t>(place + 0.5); // NOLINT(bugprone-incorrect-roundings): std::lround is a call
+}
 
 } // namespace kestrel

@@ -35,9 +35,10 @@ public:
         for (const Crv* const table : {&tables.pulldown, &tables.pullup, &tables.gnd_clamp, &tables.power_clamp})
             enter(*table);
         if (tables.ramp) marks_.enterTable(tables.ramp->line);
-        for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms})
+        for (const Rows<Wvfrm>* const list : {&tables.rising_waveforms, &tables.falling_waveforms}) {
             for (const Wvfrm& waveform : *list)
                 enter(waveform);
+        }
     }
     void ready() { marks_.ready(); }
 
@@ -325,9 +326,10 @@ private:
                     waveforms_, [&](const Waveform& waveform) { return waveform.edge == edge && showsRamp(waveform); }))
                 continue;
             const std::size_t before = plot.lines.size();
-            for (const Corner corner : {Corner::max, Corner::min, Corner::typ})
+            for (const Corner corner : {Corner::max, Corner::min, Corner::typ}) {
                 if (const std::optional<Point> size = rampOf(edge, corner))
                     plot.lines.push_back({corner, {{0.0, 0.0}, *size}});
+            }
             if (plot.lines.size() != before) drawn.emplace_back(edge, loadOfRamp(edge));
         }
         if (drawn.empty()) return;

@@ -193,9 +193,10 @@ void writeParts(const PartContext& part, const Mdl& model) {
         html << "</p>\n";
     }
     if (model.algorithmic_model) {
-        for (const AlgExecutable& executable : model.algorithmic_model->executables)
+        for (const AlgExecutable& executable : model.algorithmic_model->executables) {
             html << "<p>Executable for " << Text(executable.platform) << ": " << Text(executable.file)
                  << ", parameters in " << Text(executable.parameter_file) << "</p>\n";
+        }
     }
 }
 
