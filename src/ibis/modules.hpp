@@ -8,6 +8,7 @@
 
 namespace kestrel {
 
+class LineReader;
 struct Run;
 
 /// A module that keywords belong to, as the dispatcher sees it.
@@ -18,6 +19,7 @@ struct Module {
     void (*open)(Run& run) = nullptr;                           ///< begins that record
     void (*keyword_seen)(Run& run, KeywordCode code) = nullptr; ///< closes what any keyword ends
     void (*line)(Run& run, const Line& line) = nullptr;         ///< reads a keyword line, or a data line under one
+    void (*rows)(Run& run, LineReader& reader) = nullptr;       ///< reads rows of the open table while lines are plain
     void (*forget)(Run& run) = nullptr; ///< drops what is being read; no later keyword closes it
 };
 

@@ -28,6 +28,7 @@ void resetReader(ParseState& parse, FileKind kind) {
     parse.submodel_context = false;
     parse.continuation_pending = false;
     parse.passing_over = false;
+    parse.in_table = false;
     parse.later_blocks = 0;
     parse.passed_over = {};
     // Only a file's own version may be a later one.
@@ -37,9 +38,8 @@ void resetReader(ParseState& parse, FileKind kind) {
 
 /// Length and TAB checks of a line that has been read and counted.
 void finishLine(Run& run, const SourceLine& line) {
-    const int limit = run.parse.version < IbisVersion::v4 ? 80 : 120;
-    const bool is_long = line.text.size() > static_cast<std::size_t>(limit);
-    if (is_long && !run.parse.long_lines) errorAtLine(run.diagnostics, 905, limit);
+    const std::size_t limit = lineLimit(run.parse);
+    if (line.text.size() > limit) errorAtLine(run.diagnostics, 905, static_cast<std::int32_t>(limit));
     if (line.has_tab && !run.parse.tab_warned) {
         run.parse.tab_warned = true;
         warningAtLine(run.diagnostics, 921);
@@ -233,6 +233,7 @@ void dispatchKeyword(Run& run, std::string_view line) {
         parse.continuation_pending = false;
     }
     parse.passing_over = false;
+    parse.in_table = false;
     const std::optional<KeywordCode> code = recognise(run, line);
     // Where a keyword passed over is left, the one before it still tells what the next belongs to.
     if (parse.passing_over) return;
@@ -352,6 +353,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
     while (const std::optional<SourceLine> line = reader.next(run, capacity)) {
         ++run.parse.line;
         handleLine(run, *line);
+        if (run.parse.in_table) moduleOf(run.parse.current).rows(run, reader);
     }
     if (reader.failed()) reportNotOpened(run, *source);
     if (!run.parse.end_seen) {

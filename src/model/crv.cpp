@@ -98,6 +98,18 @@ void followExtreme(CrvState::Extreme& extreme, const TableRow& row, bool beyond)
     if (!extreme.found || beyond || fills_gap) extreme = {true, voltage, row[kTyp]};
 }
 
+void addRow(Context& context, CrvState& state, Crv& curve, const TableRow& row, std::string_view label) {
+    context.rows.add(curve.rows, row);
+    const std::size_t count = curve.rows.size();
+    followColumns(context, state, row, label);
+    if (row[kFirst].isNa()) errorAtLine(context.diagnostics, 1106);
+    if (row[kFirst].isNumber()) {
+        followExtreme(state.lowest, row, row[kFirst].value() < state.lowest.voltage);
+        followExtreme(state.highest, row, row[kFirst].value() > state.highest.voltage);
+    }
+    if (count == kMaxRows + 1) errorAtLine(context.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
+}
+
 void checkTrend(Context& context, const CrvState& state, const Crv& curve, const CurveRules& rules,
                 const CurveOwner& owner) {
     const CurveTrend trend = trendOf(rules, owner.type);
@@ -154,16 +166,12 @@ void beginCrv(const Context& context, CrvState& state, Crv& curve) {
 
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text) {
     const std::string_view label = curveLabel(kind);
-    const TableRow row = readRow(context, text, label, kFirstWord);
-    context.rows.add(curve.rows, row);
-    const std::size_t count = curve.rows.size();
-    followColumns(context, state, row, label);
-    if (row[kFirst].isNa()) errorAtLine(context.diagnostics, 1106);
-    if (row[kFirst].isNumber()) {
-        followExtreme(state.lowest, row, row[kFirst].value() < state.lowest.voltage);
-        followExtreme(state.highest, row, row[kFirst].value() > state.highest.voltage);
-    }
-    if (count == kMaxRows + 1) errorAtLine(context.diagnostics, 1107, static_cast<std::int32_t>(kMaxRows), label);
+    addRow(context, state, curve, readRow(context, text, label, kFirstWord), label);
+}
+
+void crvRows(Context& context, CrvState& state, Crv& curve, CurveKind kind, LineReader& reader) {
+    const std::string_view label = curveLabel(kind);
+    takePlainRows(context, reader, [&](const TableRow& row) { addRow(context, state, curve, row, label); });
 }
 
 void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, const CurveOwner& owner) {

@@ -11,6 +11,7 @@
 
 namespace kestrel {
 
+class LineReader;
 struct Context;
 enum class ModelType : std::uint8_t;
 
@@ -76,6 +77,9 @@ void beginCrv(const Context& context, CrvState& state, Crv& curve);
 
 /// Reads one row into the open table.
 void crvLine(Context& context, CrvState& state, Crv& curve, CurveKind kind, std::string_view text);
+
+/// Reads the rows that follow as long as their lines are plain.
+void crvRows(Context& context, CrvState& state, Crv& curve, CurveKind kind, LineReader& reader);
 
 /// Ends the open table: its ends, the direction of its current and whether that passes through zero, all without line.
 void closeCrv(Context& context, const CrvState& state, const Crv& curve, CurveKind kind, const CurveOwner& owner);

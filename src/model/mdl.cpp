@@ -107,6 +107,11 @@ void compositeCurrentLine(Context& context, MdlState& state, std::string_view te
     wvfrmLine(context, state.last_waveform->composite_current.made(context.rows), kCompositeCurrent, text);
 }
 
+void compositeCurrentRows(Context& context, const MdlState& state, LineReader& reader) {
+    if (state.last_waveform == nullptr) return;
+    wvfrmRows(context, state.last_waveform->composite_current.made(context.rows), kCompositeCurrent, reader);
+}
+
 void closeCompositeCurrent(Context& context, const MdlState& state) {
     if (state.last_waveform == nullptr) return;
     closeWvfrm(context, *state.last_waveform->composite_current, kCompositeCurrent);
@@ -156,7 +161,8 @@ constexpr auto kSections = sectionTable<MdlState>({
     rampSection<MdlState>(K::ramp),
     waveformSection<MdlState, &Tables::rising_waveforms, kRisingWaveform>(K::risingWaveform),
     waveformSection<MdlState, &Tables::falling_waveforms, kFallingWaveform>(K::fallingWaveform),
-    section<MdlState, openCompositeCurrent, compositeCurrentLine, closeCompositeCurrent>(K::compositeCurrent),
+    tableSection<MdlState, openCompositeCurrent, compositeCurrentLine, closeCompositeCurrent, compositeCurrentRows>(
+        K::compositeCurrent),
     section<MdlState, openPart<&Mdl::driver_schedule, openDrvSh>, scheduleLine>(K::driverSchedule),
     section<MdlState, openAddSubmodel, readAddSubmodel>(K::addSubmodel),
     section<MdlState, openSpec, partLine<&Mdl::model_spec, mSpecLine>, closeSpec>(K::modelSpec),

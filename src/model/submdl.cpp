@@ -68,7 +68,10 @@ constexpr Section<SubMdlState> pulse(KeywordCode key) {
     constexpr auto kClose = [](Context& context, const SubMdl& submodel) {
         closeWvfrm(context, *(submodel.*Slot), Label);
     };
-    return section<SubMdlState, kOpen, kLine, kClose>(key);
+    constexpr auto kRows = [](Context& context, SubMdl& submodel, LineReader& reader) {
+        wvfrmRows(context, (submodel.*Slot).made(context.rows), Label, reader);
+    };
+    return tableSection<SubMdlState, kOpen, kLine, kClose, kRows>(key);
 }
 
 using K = KeywordCode;

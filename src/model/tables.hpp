@@ -37,7 +37,10 @@ template <class State, auto Slot, CurveKind Kind> constexpr Section<State> curve
     constexpr auto kClose = [](Context& context, const State& state, const Record& record) {
         closeCrv(context, state.crv, (*record.tables).*Slot, Kind, curveOwner(record));
     };
-    return section<State, kOpen, kLine, kClose>(key);
+    constexpr auto kRows = [](Context& context, State& state, Record& record, LineReader& reader) {
+        crvRows(context, state.crv, record.tables.made(context.rows).*Slot, Kind, reader);
+    };
+    return tableSection<State, kOpen, kLine, kClose, kRows>(key);
 }
 
 template <class State> constexpr Section<State> rampSection(KeywordCode key) {
@@ -64,7 +67,10 @@ constexpr Section<State> waveformSection(KeywordCode key) {
     constexpr auto kClose = [](Context& context, const State& state) {
         closeWvfrm(context, *state.last_waveform, Label);
     };
-    return section<State, kOpen, kLine, kClose>(key);
+    constexpr auto kRows = [](Context& context, State& state, LineReader& reader) {
+        wvfrmRows(context, *state.last_waveform, Label, reader);
+    };
+    return tableSection<State, kOpen, kLine, kClose, kRows>(key);
 }
 
 } // namespace kestrel

@@ -49,12 +49,16 @@ template <std::size_t Table> void tableLine(Context& context, TestData& data, st
     readSubparameter(context, kData, *row, data, text, rest, data.name);
 }
 
+template <std::size_t Table> void tableRows(Context& context, TestData& data, LineReader& reader) {
+    wvfrmRows(context, data.tables[Table].made(context.rows), kGoldenWaveforms[Table], reader);
+}
+
 template <std::size_t Table> void closeTable(Context& context, const TestData& data) {
     closeWvfrm(context, *data.tables[Table], kGoldenWaveforms[Table]);
 }
 
 template <std::size_t Table> constexpr Section<State> table(K key) {
-    return section<State, openTable<Table>, tableLine<Table>, closeTable<Table>>(key);
+    return tableSection<State, openTable<Table>, tableLine<Table>, closeTable<Table>, tableRows<Table>>(key);
 }
 
 constexpr auto kSections = sectionTable<State>({

@@ -146,6 +146,12 @@ void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, st
     addRow(context, waveform.rows, row, label.rows, limit);
 }
 
+void wvfrmRows(Context& context, Wvfrm& waveform, const WaveformLabel& label, LineReader& reader) {
+    const std::size_t limit = rowLimit(context.parse.version, label.form);
+    takePlainRows(context, reader,
+                  [&](const TableRow& row) { addRow(context, waveform.rows, row, label.rows, limit); });
+}
+
 void closeWvfrm(Context& context, const Wvfrm& waveform, const WaveformLabel& label) {
     const auto line = static_cast<std::int32_t>(waveform.line);
     if (label.form == WaveformForm::model) {

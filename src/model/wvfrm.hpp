@@ -9,6 +9,7 @@
 
 namespace kestrel {
 
+class LineReader;
 struct Context;
 
 /// One voltage-versus-time table with its test fixture: time (seconds), then typical, minimum and maximum voltage.
@@ -63,6 +64,9 @@ void openSingleWvfrm(Context& context, OnDemand<Wvfrm>& slot, const WaveformLabe
 
 /// Reads a fixture line or a table row.
 void wvfrmLine(Context& context, Wvfrm& waveform, const WaveformLabel& label, std::string_view text);
+
+/// Reads the rows that follow as long as their lines are plain.
+void wvfrmRows(Context& context, Wvfrm& waveform, const WaveformLabel& label, LineReader& reader);
 
 /// Ends the open waveform: checks by its form that the fixture is there, that the table has two rows and values at its
 /// ends, and that a pulse keeps to its side. All without line.

@@ -7,6 +7,7 @@
 #include <array>
 #include <cfloat>
 #include <cstdint>
+#include <iterator>
 
 namespace kestrel {
 
@@ -14,8 +15,9 @@ namespace kestrel {
 /// that make an integer of at most 53 bits, and a power of ten within 22 either way. Both are exact as doubles, so that
 /// one multiplication or division rounds right. Returns where the number ends, or null for a text that has to go the
 /// long way, which gives the same value wherever this one gives any. Half of the time of reading a table was
-/// std::from_chars.
-[[nodiscard]] inline const char* readShortDecimal(const char* at, const char* end, double& value) {
+/// std::from_chars. `end` is std::unreachable_sentinel where a character that no number has is known to follow, here
+/// and below.
+template <class End> [[nodiscard]] const char* readShortDecimal(const char* at, End end, double& value) {
     if constexpr (FLT_EVAL_METHOD != 0) return nullptr; // there results are rounded twice
     constexpr std::uint64_t kMostExact = std::uint64_t{1} << DBL_MANT_DIG;
     constexpr std::ptrdiff_t kMostDigits = 18; // no more fit into the integer whatever they are
@@ -79,7 +81,7 @@ inline constexpr std::array<double, 128> kScaleFactors = [] {
 
 /// Reads the scaled number at the front of a text when it is a plain one: a number of the short way, with or without
 /// letters behind it. Returns where it ends, or null for any other.
-[[nodiscard]] inline const char* readPlainNumber(const char* at, const char* end, double& value) {
+template <class End> [[nodiscard]] const char* readPlainNumber(const char* at, End end, double& value) {
     at = readShortDecimal(at, end, value);
     if (at == nullptr || at == end || !isAlpha(*at)) return at;
     value *= scaleFactor(*at);
@@ -90,15 +92,17 @@ inline constexpr std::array<double, 128> kScaleFactors = [] {
 }
 
 /// The same for a cell, which may also be "NA".
-[[nodiscard]] inline const char* readPlainCell(const char* at, const char* end, Cell& cell) {
+template <class End> [[nodiscard]] const char* readPlainCell(const char* at, End end, Cell& cell) {
     double value = 0.0;
     if (const char* const number_end = readPlainNumber(at, end, value)) {
         cell = Cell(value);
         return number_end;
     }
-    if (end - at < 2 || toUpper(at[0]) != 'N' || toUpper(at[1]) != 'A') return nullptr;
+    if (at == end || toUpper(*at) != 'N') return nullptr;
+    ++at;
+    if (at == end || toUpper(*at) != 'A') return nullptr;
     cell = Cell::na();
-    return at + 2;
+    return at + 1;
 }
 
 } // namespace kestrel

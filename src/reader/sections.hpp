@@ -43,6 +43,8 @@ template <class State> struct Section {
     void (*close)(Context& context, State& state); ///< null where nothing is due
     KeywordCode end_key = KeywordCode::notKey;     ///< that of a block
     const BlockEnd* end = nullptr;                 ///< null for a section that is no block
+    /// Reads lines that are plain rows of a table as long as there are any; null where `line` reads all.
+    void (*rows)(Context& context, State& state, LineReader& reader) = nullptr;
 
     /// True for the keywords that leave a block open, or end it as they should.
     [[nodiscard]] bool admits(KeywordCode code) const {
@@ -84,6 +86,18 @@ template <auto Function, class State> void closeSectionBy(Context& context, Stat
     }
 }
 
+/// The same for the rows of a table.
+template <auto Function, class State> void callRows(Context& context, State& state, LineReader& reader) {
+    using Record = typename State::Record;
+    if constexpr (std::is_invocable_v<decltype(Function), Context&, State&, Record&, LineReader&>) {
+        Function(context, state, *state.current, reader);
+    } else if constexpr (std::is_invocable_v<decltype(Function), Context&, Record&, LineReader&>) {
+        Function(context, *state.current, reader);
+    } else {
+        Function(context, state, reader);
+    }
+}
+
 /// A section of which nothing is due when the next keyword comes.
 template <class State, auto Open, auto DataLine> constexpr Section<State> section(KeywordCode key) {
     return {key, callSection<Open, State>, callSection<DataLine, State>, nullptr};
@@ -91,6 +105,14 @@ template <class State, auto Open, auto DataLine> constexpr Section<State> sectio
 
 template <class State, auto Open, auto DataLine, auto Close> constexpr Section<State> section(KeywordCode key) {
     return {key, callSection<Open, State>, callSection<DataLine, State>, closeSectionBy<Close, State>};
+}
+
+/// A section that is a table, most of whose lines `Rows` reads.
+template <class State, auto Open, auto DataLine, auto Close, auto Rows>
+constexpr Section<State> tableSection(KeywordCode key) {
+    Section<State> table = section<State, Open, DataLine, Close>(key);
+    table.rows = callRows<Rows, State>;
+    return table;
 }
 
 /// Sections that have an end keyword.
@@ -196,6 +218,7 @@ void sectionKeywordLine(Context& context, State& state, const RecordModule<State
         const bool within = open != nullptr && open->end != nullptr; // of an open block, which admits the section
         if (!within) state.open_section = section.key;
         section.open(context, state, line);
+        context.parse.in_table = section.rows != nullptr;
         return;
     }
     if (!line.text.empty()) section.end->text_behind(context, line.text);
@@ -229,6 +252,13 @@ void recordLine(Context& context, State& state, const RecordModule<State>& modul
     } else {
         module.behind_end(context, *section->end);
     }
+}
+
+/// Reads rows of the open section, which is a table.
+template <class State>
+void recordRows(Context& context, State& state, const RecordModule<State>& module, LineReader& reader) {
+    const About about(context.diagnostics, *state.current);
+    module.find(context.parse.current)->rows(context, state, reader);
 }
 
 } // namespace kestrel

@@ -116,6 +116,16 @@ public:
     /// the file. Reports each illegal character, shown under the count of the line before, and has a blank for it. The
     /// line holds until the next call.
     [[nodiscard]] std::optional<SourceLine> next(Context& context, std::size_t capacity);
+    /// Offers the next line to `read`, which gets the place where it begins and returns that of its line feed, or null
+    /// to leave the line to next(). A line feed and kScanPadding bytes behind it are there in any case; false when the
+    /// line was left, or may go on behind the window.
+    template <class Read> [[nodiscard]] bool take(const Read& read) {
+        const char* const feed = read(window_.get() + begin_);
+        if (feed == nullptr || feed >= window_.get() + end_) return false;
+        begin_ = static_cast<std::size_t>(feed - window_.get()) + 1;
+        ++line_;
+        return true;
+    }
     /// True when the file ended because the disk failed.
     [[nodiscard]] bool failed() const { return bytes_.failed(); }
 

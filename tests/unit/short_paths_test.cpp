@@ -178,6 +178,95 @@ TEST(ShortPaths, rowsAreReadAsTheGeneralReaderDoes) {
     EXPECT_GT(read, 20000);
 }
 
+/// A file whose tables have all kinds of lines, in some of which something is to be reported of the line itself.
+std::string fileOfTables(Random& random) {
+    constexpr auto kKeywords = std::to_array<std::string_view>({"[Model] m",
+                                                                "[Submodel] s",
+                                                                "[Test Data] t",
+                                                                "[Pulldown]",
+                                                                "[POWER Clamp]",
+                                                                "[ISSO PD]",
+                                                                "[Rising Waveform]",
+                                                                "[Falling Waveform]",
+                                                                "[Composite Current]",
+                                                                "[GND Pulse Table]",
+                                                                "[Rising Waveform Near]",
+                                                                "[Ramp]",
+                                                                "[Comment Char] !_char",
+                                                                "[Unknown]",
+                                                                "[C Comp Model]",
+                                                                "R_fixture = 50",
+                                                                "! note",
+                                                                "",
+                                                                "|",
+                                                                "\t| a TAB"});
+    constexpr auto kEnds = std::to_array<std::string_view>({"", " ", "  ", "\r", " \r", "|", " | note", " |\r",
+                                                            " ! note\t", "\t| note\r", " | \x80", " |\r\r", "\r\r",
+                                                            " |\x1f\r", " [", " | a\tTAB", "\x01", "  ! note"});
+    const std::size_t rows_with_tabs = below(random, 2) * 150; // the first TAB of a file is reported, wherever it is
+    std::string text;
+    for (std::size_t lines = 300; lines > 0; --lines) {
+        if (below(random, 10) == 0) {
+            text.append(kKeywords[below(random, kKeywords.size())]);
+        } else {
+            if (below(random, 20) == 0) text.append(45 + below(random, 70), ' ');
+            std::string row = randomRow(random);
+            if (lines > rows_with_tabs) std::ranges::replace(row, '\t', ' ');
+            text += row;
+            if (below(random, 3) == 0) text.append(kEnds[below(random, kEnds.size())]);
+            if (below(random, 20) == 0) text.append(" |").append(below(random, 90), '.');
+        }
+        text.push_back('\n');
+    }
+    return text;
+}
+
+TEST(ShortPaths, tablesAreReadAsLineByLine) {
+    const auto rowsOf = [](const Files& files) {
+        std::vector<TableRow> rows;
+        const auto enter = [&rows](const Rows<TableRow>& table) {
+            rows.insert(rows.end(), table.begin(), table.end());
+        };
+        const auto enter_tables = [&enter](const Tables& tables) {
+            for (const Crv* const table : {&tables.pulldown, &tables.power_clamp})
+                enter(table->rows);
+            for (const Rows<Wvfrm>& list : {tables.rising_waveforms, tables.falling_waveforms}) {
+                for (const Wvfrm& waveform : list) {
+                    enter(waveform.rows);
+                    enter(waveform.composite_current->rows);
+                }
+            }
+        };
+        for (const Mdl& model : files.root().models.newestFirst()) {
+            enter_tables(*model.tables);
+            enter(model.tables->isso_pd.rows);
+        }
+        for (const SubMdl& submodel : files.root().submodels.newestFirst()) {
+            enter_tables(*submodel.tables);
+            enter(submodel.gnd_pulse->rows);
+        }
+        for (const TestData& data : files.root().test_data.newestFirst())
+            enter(data.tables.front()->rows);
+        return rows;
+    };
+    Random random(8);
+    std::size_t read = 0;
+    for (const std::string_view version : {"2.1", "3.2", "4.2", "5.1", "6.1"}) {
+        for (int round = 0; round < 60; ++round) {
+            const std::string text = fileOfTables(random);
+            Files quick;
+            Files plain;
+            plain.run.short_paths = false;
+            ASSERT_EQ(quick.add("a.ibs", text, version).check("a.ibs"),
+                      plain.add("a.ibs", text, version).check("a.ibs"));
+            const std::vector<TableRow> rows = rowsOf(quick);
+            ASSERT_EQ(rows, rowsOf(plain));
+            read += rows.size();
+        }
+    }
+    EXPECT_GT(read, 5000U);
+}
+
 TEST(ShortPaths, linesAreCutIntoItemsAsOneByOne) {
     Random random(7);
     TestRun test;
