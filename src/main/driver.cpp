@@ -26,13 +26,11 @@ bool report(Run& run, const Options& options) {
 }
 
 /// Does what the arguments ask for.
-ExitStatus obey(Output& out, std::span<const std::string_view> arguments) {
-    printBanner(out);
-    const std::optional<Options> options = readOptions(out, arguments);
+ExitStatus obey(Run& run, std::span<const std::string_view> arguments) {
+    printBanner(run.out);
+    const std::optional<Options> options = readOptions(run.out, arguments);
     if (!options) return kUsage;
-    printNotice(out);
-
-    Run run(out);
+    printNotice(run.out);
     constexpr FileKind kKind = FileKind::ibs;
     switch (determineVersion(run, *options->file_name, kKind)) {
     case VersionSearch::found: break;
@@ -41,16 +39,21 @@ ExitStatus obey(Output& out, std::span<const std::string_view> arguments) {
     }
     checkFile(run, *options->file_name, kKind);
     printSummary(run.diagnostics);
-    out.write("\n");
+    run.out.write("\n");
     return report(run, *options) ? kSuccess : kUsage;
 }
 
 } // namespace
 
 int runKestrel(Output& out, Output& errors, std::span<const std::string_view> arguments) {
-    const ExitStatus status = obey(out, arguments);
-    out.flush();
-    if (!out.failed()) return status;
+    Run run(out);
+    return runKestrel(run, errors, arguments);
+}
+
+int runKestrel(Run& run, Output& errors, std::span<const std::string_view> arguments) {
+    const ExitStatus status = obey(run, arguments);
+    run.out.flush();
+    if (!run.out.failed()) return status;
     errors.write("kestrel: the output cannot be written\n");
     errors.flush();
     return kUsage;

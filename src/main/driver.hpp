@@ -6,6 +6,7 @@
 namespace kestrel {
 
 class Output;
+struct Run;
 
 /// Exit statuses of the program.
 enum ExitStatus : int {
@@ -18,5 +19,8 @@ enum ExitStatus : int {
 /// One run over one file, from the arguments (without the program's name) to the exit status. Everything goes to `out`,
 /// but for the line on `errors` that says that `out` did not take it.
 int runKestrel(Output& out, Output& errors, std::span<const std::string_view> arguments);
+
+/// The same with a new run, which writes to its output and keeps all that was read.
+int runKestrel(Run& run, Output& errors, std::span<const std::string_view> arguments);
 
 } // namespace kestrel

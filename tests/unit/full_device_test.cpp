@@ -25,12 +25,13 @@ template <class Program> int runOnFullDevice(Program program, const Arguments& a
     return program(out, errors, arguments);
 }
 
+int check(Output& out, Output& errors, const Arguments& arguments) { return runKestrel(out, errors, arguments); }
 int verimark(Output& out, Output& errors, const Arguments& arguments) { return runVerimark(out, errors, arguments); }
 
 TEST(FullDevice, endsTheProgramsWithAMessage) {
     for (const Arguments& arguments : {Arguments{kSample}, Arguments{kSample, "-c", "-m"}, Arguments{"-i"}}) {
         Output errors;
-        EXPECT_EQ(runOnFullDevice(runKestrel, arguments, errors), kUsage);
+        EXPECT_EQ(runOnFullDevice(check, arguments, errors), kUsage);
         EXPECT_EQ(errors.text(), "kestrel: the output cannot be written\n");
     }
     for (const Arguments& arguments : {Arguments{kSample}, Arguments{"--help"}, Arguments{"--version"}}) {
