@@ -1,4 +1,4 @@
-// Runs the built program on generated files, by turns with the floor program, and prints the best of each.
+// Runs the built program on generated files, by turns with the floor program, and prints how they compare.
 #include "child_process.hpp"
 #include "sample_file.hpp"
 
@@ -62,12 +62,22 @@ constexpr std::array kGrowth{
     GrowthSize{"sparse_matrix", 1000}, GrowthSize{"parameters", 50},     GrowthSize{"parameters", 1000},
 };
 
-struct Best {
+/// What rounds of runs by turns took: seconds are the best of all rounds, ratios the median of what each round has for
+/// itself, since the speed of a shared machine changes from one second to the next.
+struct Result {
     double kestrel = std::numeric_limits<double>::infinity();
     double floor = std::numeric_limits<double>::infinity();
-    double touch = std::numeric_limits<double>::infinity(); ///< of writing to as much memory
+    double touch = std::numeric_limits<double>::infinity(); ///< writing to as much memory
+    double ratio = 0.0;
+    double ratio_without_touch = 0.0;
     std::size_t peak_memory = 0;
 };
+
+double medianOf(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
 
 struct Options {
     int rounds = 7;
@@ -110,19 +120,26 @@ struct Commands {
     std::string touch; ///< empty where that is not measured
 };
 
-Best runByTurns(const Commands& commands, int rounds) {
+Result runByTurns(const Commands& commands, int rounds) {
     const std::string nowhere = "/dev/null";
-    Best best;
+    Result result;
+    std::vector<double> ratios;
+    std::vector<double> ratios_without_touch;
     for (int round = 0; round < rounds; ++round) {
         const ChildResult checked = runToSuccess(commands.kestrel, nowhere);
-        best.kestrel = std::min(best.kestrel, checked.seconds);
-        best.peak_memory = std::max(best.peak_memory, checked.peak_memory);
-        best.floor = std::min(best.floor, runToSuccess(commands.floor, nowhere).seconds);
+        const double floor = runToSuccess(commands.floor, nowhere).seconds;
+        result.kestrel = std::min(result.kestrel, checked.seconds);
+        result.floor = std::min(result.floor, floor);
+        result.peak_memory = std::max(result.peak_memory, checked.peak_memory);
+        ratios.push_back(checked.seconds / floor);
         if (commands.touch.empty()) continue;
-        const ChildResult touched = runToSuccess({commands.touch, std::to_string(checked.peak_memory)}, nowhere);
-        best.touch = std::min(best.touch, touched.seconds);
+        const double touch = runToSuccess({commands.touch, std::to_string(checked.peak_memory)}, nowhere).seconds;
+        result.touch = std::min(result.touch, touch);
+        ratios_without_touch.push_back((checked.seconds - touch) / floor);
     }
-    return best;
+    result.ratio = medianOf(std::move(ratios));
+    if (!commands.touch.empty()) result.ratio_without_touch = medianOf(std::move(ratios_without_touch));
+    return result;
 }
 
 void printHeading() {
@@ -130,15 +147,15 @@ void printHeading() {
 }
 
 /// `growth` is the time per byte compared with the line above of the same kind: 1 when time goes with size.
-void printLine(const Measurement& measurement, const std::string& label, double bytes, const Best& best,
+void printLine(const Measurement& measurement, const std::string& label, double bytes, const Result& result,
                Previous& previous) {
-    const double memory = static_cast<double>(best.peak_memory) / bytes;
+    const double memory = static_cast<double>(result.peak_memory) / bytes;
     std::printf("%-20s %8zu %7.1f %10.3f %9.3f %6.2f %10.2f", label.c_str(), measurement.count, bytes * 1e-6,
-                best.kestrel, best.floor, best.kestrel / best.floor, memory);
-    if (previous.label == label) std::printf(" %7.2f", best.kestrel / previous.seconds / (bytes / previous.bytes));
+                result.kestrel, result.floor, result.ratio, memory);
+    if (previous.label == label) std::printf(" %7.2f", result.kestrel / previous.seconds / (bytes / previous.bytes));
     std::puts("");
     std::fflush(stdout);
-    previous = {label, bytes, best.kestrel};
+    previous = {label, bytes, result.kestrel};
 }
 
 /// A generated file, as long as this lives, and what is run on it.
@@ -196,10 +213,9 @@ void measureGrowth(const GrowthSize& size, const std::filesystem::path& programs
     const Generated file(size.kind, std::to_string(size.megabytes) + "MB", programs, folder);
     Commands commands = file.commands();
     commands.touch = (programs / "kestrel_touch").string();
-    const Best best = runByTurns(commands, rounds);
+    const Result result = runByTurns(commands, rounds);
     std::printf("%-20s %7.1f %10.3f %9.3f %6.2f %9.3f %20.2f\n", std::string(size.kind).c_str(), file.bytes() * 1e-6,
-                best.kestrel, best.floor, best.kestrel / best.floor, best.touch,
-                (best.kestrel - best.touch) / best.floor);
+                result.kestrel, result.floor, result.ratio, result.touch, result.ratio_without_touch);
     std::fflush(stdout);
 }
 
