@@ -53,13 +53,13 @@ constexpr std::array kMeasurements{
 
 /// The files whose ratios tell whether time goes with size: the first of each kind, and larger ones.
 constexpr std::array kGrowth{
-    GrowthSize{"models", 50},          GrowthSize{"models", 200},        GrowthSize{"models", 800},
-    GrowthSize{"small_models", 50},    GrowthSize{"small_models", 1000}, GrowthSize{"components", 50},
-    GrowthSize{"components", 1000},    GrowthSize{"pins", 50},           GrowthSize{"pins", 1000},
-    GrowthSize{"selectors", 50},       GrowthSize{"selectors", 1000},    GrowthSize{"submodels", 50},
-    GrowthSize{"submodels", 1000},     GrowthSize{"schedules", 50},      GrowthSize{"schedules", 1000},
-    GrowthSize{"full_matrix", 50},     GrowthSize{"full_matrix", 1000},  GrowthSize{"sparse_matrix", 50},
-    GrowthSize{"sparse_matrix", 1000}, GrowthSize{"parameters", 50},     GrowthSize{"parameters", 1000},
+    GrowthSize{"models", 50},         GrowthSize{"models", 200},        GrowthSize{"models", 800},
+    GrowthSize{"small_models", 50},   GrowthSize{"small_models", 1000}, GrowthSize{"components", 50},
+    GrowthSize{"components", 1000},   GrowthSize{"pins", 50},           GrowthSize{"pins", 500},
+    GrowthSize{"selectors", 50},      GrowthSize{"selectors", 1000},    GrowthSize{"submodels", 50},
+    GrowthSize{"submodels", 1000},    GrowthSize{"schedules", 50},      GrowthSize{"schedules", 1000},
+    GrowthSize{"full_matrix", 50},    GrowthSize{"full_matrix", 1000},  GrowthSize{"sparse_matrix", 50},
+    GrowthSize{"sparse_matrix", 800}, GrowthSize{"parameters", 50},     GrowthSize{"parameters", 1000},
 };
 
 /// What rounds of runs by turns took: seconds are the best of all rounds, ratios the median of what each round has for
