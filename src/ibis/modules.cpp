@@ -29,7 +29,7 @@ constexpr Module recordModule(Owner owner, KindSet kinds, KeywordCode opens) {
         .open = [](Run& run) { openRecord(run, run.*State, currentRoot(run).*List); },
         .keyword_seen = [](Run& run, KeywordCode code) { recordKeywordSeen(run, run.*State, Reader, code); },
         .line = [](Run& run, const Line& line) { recordLine(run, run.*State, Reader, line); },
-        .rows = [](Run& run, LineReader& reader) { recordRows(run, run.*State, Reader, reader); },
+        .read_rows = [](Run& run, LineReader& reader) { recordRows(run, run.*State, Reader, reader); },
         .forget = [](Run& run) { run.*State = {}; },
     };
 }

@@ -19,7 +19,7 @@ struct Module {
     void (*open)(Run& run) = nullptr;                           ///< begins that record
     void (*keyword_seen)(Run& run, KeywordCode code) = nullptr; ///< closes what any keyword ends
     void (*line)(Run& run, const Line& line) = nullptr;         ///< reads a keyword line, or a data line under one
-    void (*rows)(Run& run, LineReader& reader) = nullptr;       ///< reads rows of the open table while lines are plain
+    void (*read_rows)(Run& run, LineReader& reader) = nullptr;  ///< reads rows of the open table while lines are plain
     void (*forget)(Run& run) = nullptr; ///< drops what is being read; no later keyword closes it
 };
 

@@ -353,7 +353,7 @@ bool parseFile(Run& run, std::string_view name, FileKind kind) {
     while (const std::optional<SourceLine> line = reader.next(run, capacity)) {
         ++run.parse.line;
         handleLine(run, *line);
-        if (run.parse.in_table) moduleOf(run.parse.current).rows(run, reader);
+        if (run.parse.in_table) moduleOf(run.parse.current).read_rows(run, reader);
     }
     if (reader.failed()) reportNotOpened(run, *source);
     if (!run.parse.end_seen) {

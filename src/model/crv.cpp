@@ -5,6 +5,7 @@
 #include "model/types.hpp"
 #include "reader/context.hpp"
 #include "reader/line_form.hpp"
+#include "reader/plain_rows.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -3,6 +3,7 @@
 #include "base/text.hpp"
 #include "model/table_ends.hpp"
 #include "reader/context.hpp"
+#include "reader/plain_rows.hpp"
 #include "reader/subparameters.hpp"
 
 namespace kestrel {

@@ -7,7 +7,6 @@
 #include <array>
 #include <cfloat>
 #include <cstdint>
-#include <iterator>
 
 namespace kestrel {
 

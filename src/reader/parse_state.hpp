@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,14 +45,14 @@ struct ParseState {
     bool top_level = false;            ///< set by the run driver; admits version texts 1.x
     bool takes_later = false;          ///< set by the run driver; admits files of later versions
     bool passing_over = false;         ///< data lines belong to a keyword of a later version
-    bool in_table = false;             ///< the lines to come belong to a section that reads rows at once
+    bool in_table = false;             ///< data lines belong to a section with `read_rows`
     std::uint32_t later_blocks = 0;    ///< blocks of later versions that are open, one within the other
     std::array<std::uint32_t, kLaterKeywordCount> passed_over{}; ///< how often, by LaterKeyword
 };
 
-/// Characters that a line may have.
+/// The most characters that a line may have.
 [[nodiscard]] constexpr std::size_t lineLimit(const ParseState& parse) {
-    if (parse.long_lines) return static_cast<std::size_t>(-1);
+    if (parse.long_lines) return std::numeric_limits<std::size_t>::max();
     return parse.version < IbisVersion::v4 ? 80 : 120;
 }
 

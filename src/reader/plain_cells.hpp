@@ -41,8 +41,8 @@ template <std::size_t Count>
 }
 
 /// Reads the line that begins at `at`, behind which a line feed and kScanPadding bytes follow, if it is so many such
-/// cells and nothing is to be said of it as a line. Returns its line feed, or null for any other line. It takes but one
-/// look at a line: looking for its end first was a fifth of the time of reading a table.
+/// cells and nothing is to be reported about the line itself. Returns its line feed, or null for any other line.
+/// Looking for the end of each line first was a fifth of the time of reading a table.
 template <std::size_t Count>
 [[nodiscard]] const char* readPlainLine(const ParseState& parse, const char* at, std::array<Cell, Count>& cells) {
     const char* const begin = at;

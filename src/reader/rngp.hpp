@@ -1,6 +1,5 @@
 #pragma once
 
-#include "reader/plain_cells.hpp"
 #include "reader/rng.hpp"
 
 #include <array>
@@ -44,18 +43,6 @@ struct FirstCell {
 /// and "NA" behind the first. False for any other, of which nothing is reported: readRow() reads it as it reads plain
 /// ones. Tables are read in a third of the time.
 [[nodiscard]] bool readPlainRow(const Context& context, std::string_view text, TableRow& row);
-
-/// Reads lines as long as they are such rows and nothing is to be said of them as lines, counts them and hands each row
-/// to `take`.
-template <class Take> void takePlainRows(Context& context, LineReader& reader, const Take& take) {
-    if (!context.short_paths) return;
-    TableRow row;
-    const auto read = [&context, &row](const char* line) { return readPlainLine(context.parse, line, row.cells); };
-    while (reader.take(read)) {
-        ++context.parse.line;
-        take(row);
-    }
-}
 
 /// Reads one line of a table. A row is made whatever its cells hold, callers go by their states.
 [[nodiscard]] TableRow readRow(Context& context, std::string_view text, std::string_view table,

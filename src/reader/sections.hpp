@@ -44,7 +44,7 @@ template <class State> struct Section {
     KeywordCode end_key = KeywordCode::notKey;     ///< that of a block
     const BlockEnd* end = nullptr;                 ///< null for a section that is no block
     /// Reads lines that are plain rows of a table as long as there are any; null where `line` reads all.
-    void (*rows)(Context& context, State& state, LineReader& reader) = nullptr;
+    void (*read_rows)(Context& context, State& state, LineReader& reader) = nullptr;
 
     /// True for the keywords that leave a block open, or end it as they should.
     [[nodiscard]] bool admits(KeywordCode code) const {
@@ -107,11 +107,11 @@ template <class State, auto Open, auto DataLine, auto Close> constexpr Section<S
     return {key, callSection<Open, State>, callSection<DataLine, State>, closeSectionBy<Close, State>};
 }
 
-/// A section that is a table, most of whose lines `Rows` reads.
-template <class State, auto Open, auto DataLine, auto Close, auto Rows>
+/// A section that is a table, most of whose lines `ReadRows` reads.
+template <class State, auto Open, auto DataLine, auto Close, auto ReadRows>
 constexpr Section<State> tableSection(KeywordCode key) {
     Section<State> table = section<State, Open, DataLine, Close>(key);
-    table.rows = callRows<Rows, State>;
+    table.read_rows = callRows<ReadRows, State>;
     return table;
 }
 
@@ -218,7 +218,7 @@ void sectionKeywordLine(Context& context, State& state, const RecordModule<State
         const bool within = open != nullptr && open->end != nullptr; // of an open block, which admits the section
         if (!within) state.open_section = section.key;
         section.open(context, state, line);
-        context.parse.in_table = section.rows != nullptr;
+        context.parse.in_table = section.read_rows != nullptr;
         return;
     }
     if (!line.text.empty()) section.end->text_behind(context, line.text);
@@ -258,7 +258,7 @@ void recordLine(Context& context, State& state, const RecordModule<State>& modul
 template <class State>
 void recordRows(Context& context, State& state, const RecordModule<State>& module, LineReader& reader) {
     const About about(context.diagnostics, *state.current);
-    module.find(context.parse.current)->rows(context, state, reader);
+    module.find(context.parse.current)->read_rows(context, state, reader);
 }
 
 } // namespace kestrel

@@ -116,9 +116,9 @@ public:
     /// the file. Reports each illegal character, shown under the count of the line before, and has a blank for it. The
     /// line holds until the next call.
     [[nodiscard]] std::optional<SourceLine> next(Context& context, std::size_t capacity);
-    /// Offers the next line to `read`, which gets the place where it begins and returns that of its line feed, or null
-    /// to leave the line to next(). A line feed and kScanPadding bytes behind it are there in any case; false when the
-    /// line was left, or may go on behind the window.
+    /// Offers the line behind those that next() has handed out to `read`, which gets the place where it begins and
+    /// returns that of its line feed, or null to leave the line to next(). A line feed and kScanPadding bytes behind it
+    /// are there in any case; false when the line was left, or may go on behind the window.
     template <class Read> [[nodiscard]] bool take(const Read& read) {
         const char* const feed = read(window_.get() + begin_);
         if (feed == nullptr || feed >= window_.get() + end_) return false;
