@@ -76,7 +76,7 @@ inline constexpr std::array<double, 128> kScaleFactors = [] {
     factors['f'] = 1e-15;
     return factors;
 }();
-[[nodiscard]] inline double scaleFactor(char letter) { return kScaleFactors[static_cast<std::size_t>(letter)]; }
+[[nodiscard]] inline double scaleFactor(char letter) { return kScaleFactors[static_cast<unsigned char>(letter)]; }
 
 /// Reads the scaled number at the front of a text when it is a plain one: a number of the short way, with or without
 /// letters behind it. Returns where it ends, or null for any other.
